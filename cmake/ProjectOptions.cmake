@@ -1,0 +1,9 @@
+# Language level, warnings and include root, in one interface target that every target of ours links.
+option(BELUN_WERROR "Treat compiler warnings as errors" OFF)
+
+add_library(project_options INTERFACE)
+target_compile_features(project_options INTERFACE cxx_std_17)
+target_include_directories(project_options INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(project_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  $<$<BOOL:${BELUN_WERROR}>:-Werror>)

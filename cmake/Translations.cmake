@@ -1,0 +1,23 @@
+# belun_add_translations(<variable> <file.ts>...)
+#
+# Compiles each catalogue source to a .qm in the build folder and lists the results in <variable>.
+# `update_translations` brings the sources up to date with the code. It is run by hand, never by a
+# build, reads the window's code only (the form's design texts are never seen, so no catalogue has
+# them) and drops no entry.
+function(belun_add_translations variable)
+  if(BELUN_QT_MAJOR EQUAL 5)
+    qt5_add_translation(compiled ${ARGN})
+  else()
+    qt_add_translation(compiled ${ARGN})
+  endif()
+  set(${variable} ${compiled} PARENT_SCOPE)
+
+  set(sources ${ARGN})
+  list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
+  add_custom_target(update_translations
+    COMMAND sh -c "exec \"$<TARGET_FILE:Qt${BELUN_QT_MAJOR}::lupdate>\" -locations none app/*.cpp -ts \"$@\""
+            update_translations ${sources}
+    WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
+    COMMENT "Bringing the catalogue sources up to date with app/*.cpp"
+    VERBATIM)
+endfunction()
