@@ -1,0 +1,127 @@
+// The answer: status line, header lines, body.
+#include "http/HTTPClient.h"
+
+#include "http/Number.h"
+
+#include <array>
+#include <cstdio>
+#include <string_view>
+
+namespace {
+
+constexpr int headerLineLimit = 102400;
+constexpr int chunkSizeLineLimit = 1024;
+constexpr int plainReceiveLimit = 10240;
+constexpr std::string_view statusWord = "HTTP";
+constexpr std::string_view lineEnd = "\r\n";
+
+bool beginsWithStatusWord(std::string_view text)
+{
+    return text.substr(0, statusWord.size()) == statusWord;
+}
+
+/// A plain body ends when the received count has reached the length, or with the first bytes when
+/// there is none: the count is the record's, so it may have been reached before.
+bool readPlainBody(HTTPSession& session, HTTPResponse& response, std::string& body)
+{
+    std::array<char, plainReceiveLimit> buffer;
+    do {
+        const int count = session.read(buffer.data(), plainReceiveLimit);
+        if (count < 1) {
+            return false;
+        }
+        response.received += static_cast<std::uint32_t>(count);
+        body.append(buffer.data(), static_cast<std::size_t>(count));
+    } while (response.received < response.contentLength);
+    return true;
+}
+
+/// Size in a chunk's first line: hexadecimal digits up to anything else, 0 when there are none.
+/// Negative when the top bit of 32 is set.
+int chunkSize(const std::string& line)
+{
+    unsigned int size = 0;
+    std::sscanf(line.c_str(), "%x", &size);
+    return static_cast<int>(size);
+}
+
+/// Each turn reads one line (a size, the line end behind a chunk's data, or the line behind the
+/// last chunk) or what is left of a chunk. Trailers beyond one line stay unread.
+bool readChunkedBody(HTTPSession& session, HTTPResponse& response, std::string& body)
+{
+    std::string text;
+    for (;;) {
+        if (response.chunkLeft > 0) {
+            const int count = session.readLimit(text, response.chunkLeft);
+            if (count < 1) {
+                return false;
+            }
+            response.received += static_cast<std::uint32_t>(count);
+            response.chunkLeft -= count;
+            body += text;
+            continue;
+        }
+        if (session.readLine(text, chunkSizeLineLimit) < 1) {
+            return false;
+        }
+        if (response.lastChunkSeen) {
+            return true;
+        }
+        if (text == lineEnd) {
+            continue;
+        }
+        const int size = chunkSize(text);
+        if (size >= 0) {
+            response.chunkLeft = size;
+            response.lastChunkSeen = size == 0;
+        }
+    }
+}
+
+} // namespace
+
+bool HTTPClient::readHeader(HTTPSession& session, HTTPResponse& response)
+{
+    std::string line;
+    while (session.readLine(line, headerLineLimit) > 0 && line != lineEnd) {
+        std::string name;
+        std::string value;
+        parseLine(line, name, value);
+        if (beginsWithStatusWord(name)) {
+            const std::size_t space = value.find(' ');
+            if (space != std::string::npos) {
+                response.statusCode = http::leadingNumber(value.substr(0, space));
+            }
+            continue;
+        }
+        response.headers[name] = value;
+        if (name == "Transfer-Encoding" && value == "chunked") {
+            response.chunked = true;
+        } else if (name == "Content-Length") {
+            response.contentLength = static_cast<std::uint32_t>(http::leadingNumber(value));
+        }
+    }
+    return true;
+}
+
+void HTTPClient::parseLine(const std::string& line, std::string& name, std::string& value)
+{
+    std::string_view text = line;
+    const std::size_t first = text.find_first_not_of(lineEnd);
+    if (first != std::string_view::npos) {
+        const std::size_t last = text.find_last_not_of(lineEnd);
+        text = text.substr(first, last - first + 1);
+    }
+    const std::string_view separator = beginsWithStatusWord(text) ? " " : ": ";
+    const std::size_t split = text.find(separator);
+    if (split != std::string_view::npos) {
+        name.append(text.substr(0, split));
+        value.append(text.substr(split + separator.size()));
+    }
+}
+
+bool HTTPClient::readBody(HTTPSession& session, HTTPResponse& response, std::string& body)
+{
+    return response.chunked ? readChunkedBody(session, response, body)
+                            : readPlainBody(session, response, body);
+}
