@@ -1,0 +1,45 @@
+#include "link/VehicleFrame.h"
+
+namespace vehicle {
+
+namespace {
+
+constexpr std::uint8_t outgoingSecondByte = 0xAF;
+constexpr std::uint8_t versionReportType = 0x00;
+constexpr std::uint8_t checksumBase = 0x5A;
+
+/// The module's firmware counts both bytes as signed: a byte of 80 or more takes away instead of
+/// adding, so 01 90 is 144 and not 400.
+int signedPair(const Chunk& chunk, std::size_t offset)
+{
+    const auto high = static_cast<std::int8_t>(chunk[offset]);
+    const auto low = static_cast<std::int8_t>(chunk[offset + 1]);
+    return high * 256 + low;
+}
+
+} // namespace
+
+std::optional<VersionReport> decodeVersionReport(const Chunk& chunk)
+{
+    if (chunk[0] != controlStartByte || chunk[2] != versionReportType) {
+        return std::nullopt;
+    }
+    return VersionReport{static_cast<std::int8_t>(chunk[4]), signedPair(chunk, 5),
+                         signedPair(chunk, 7), signedPair(chunk, 9), signedPair(chunk, 11)};
+}
+
+bool isHeartbeat(const Chunk& chunk, std::uint8_t startByte)
+{
+    return chunk[0] == startByte && chunk[2] == static_cast<std::uint8_t>(heartbeatType);
+}
+
+OutgoingFrame encodeFrame(char type, char data)
+{
+    const auto typeByte = static_cast<std::uint8_t>(type);
+    const auto dataByte = static_cast<std::uint8_t>(data);
+    return {controlStartByte, outgoingSecondByte,
+            typeByte,         0x01,
+            dataByte,         static_cast<std::uint8_t>(typeByte + dataByte + checksumBase)};
+}
+
+} // namespace vehicle

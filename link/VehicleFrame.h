@@ -1,0 +1,57 @@
+// The frames of the vehicle link, both directions:
+//
+//   byte  meaning
+//   0     start byte: AA from the control module and in everything this program sends,
+//         BB from the ground module
+//   1     AF in what this program sends; not examined on receipt
+//   2     type: 00 version report (module to program), 04 heartbeat (both directions)
+//   3     payload length: 01 in what this program sends; not examined on receipt
+//   4...  payload
+//   last  checksum: (type + payload byte + 5A) modulo 256 in what this program sends
+//
+// Version report: byte 4 is the hardware type, then four big-endian values of two bytes each:
+// hardware, software, protocol, bootloader version.
+//
+// A frame is looked for at the start of a chunk only, that is of what one receive returned. A frame
+// split over two chunks, or a second one in a chunk, is not seen.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+namespace vehicle {
+
+constexpr std::uint8_t controlStartByte = 0xAA;
+constexpr std::uint8_t groundStartByte = 0xBB;
+constexpr char heartbeatType = 0x04;
+constexpr char heartbeatAnswerPayload = 0x01;
+
+constexpr std::size_t chunkSize = 100;
+/// What one receive returned, zero behind its end: reading a frame never leaves the buffer, and the
+/// fields that a short chunk lacks read as zero.
+using Chunk = std::array<std::uint8_t, chunkSize>;
+
+/// A version report as it stands in the frame; versions count hundredths.
+struct VersionReport
+{
+    std::int8_t hardType;
+    int hardVer;
+    int softVer;
+    int protocolVer;
+    int bootVer;
+};
+
+/// The report of a chunk that begins with the control module's version frame.
+std::optional<VersionReport> decodeVersionReport(const Chunk& chunk);
+
+/// Whether a chunk begins with a heartbeat of the module with that start byte.
+bool isHeartbeat(const Chunk& chunk, std::uint8_t startByte);
+
+using OutgoingFrame = std::array<std::uint8_t, 6>;
+
+/// The frame of one type and one payload byte, checksum included.
+OutgoingFrame encodeFrame(char type, char data);
+
+} // namespace vehicle

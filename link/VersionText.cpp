@@ -1,0 +1,25 @@
+#include "link/VersionText.h"
+
+namespace vehicle {
+
+namespace {
+
+QString withPrefix(double number)
+{
+    return QStringLiteral("%1%2").arg(QStringLiteral("v")).arg(number);
+}
+
+} // namespace
+
+QString hardwareTypeText(char hardType)
+{
+    return withPrefix(static_cast<signed char>(hardType));
+}
+
+QString versionText(int hundredths)
+{
+    // Single precision, as the vehicle's own displays divide: both show the same digits.
+    return withPrefix(static_cast<double>(static_cast<float>(hundredths) / 100.0F));
+}
+
+} // namespace vehicle
