@@ -1,0 +1,32 @@
+// The names of the card's files, in list order.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace card {
+
+/// Fixed slots of 30 bytes in one flat block, each with a name of at most 29 characters and its
+/// terminating zero. A longer name runs on into the following slots, as the camera's own tables
+/// have it, but never past the block. Slots keep their text until they are written again.
+class NameTable
+{
+public:
+    static constexpr int capacity = 9999;
+    static constexpr std::size_t slotSize = 30;
+
+    /// Stores a name from the start of a slot, cut where the block ends. A slot outside the table
+    /// is not written.
+    void store(int slot, std::string_view name);
+
+    /// The text that begins at a slot, up to the first zero; empty for a slot outside the table.
+    const char* operator[](int slot) const;
+
+private:
+    static bool contains(int slot) { return slot >= 0 && slot < capacity; }
+
+    std::array<char, capacity * slotSize> m_block{}; // its last byte stays zero
+};
+
+} // namespace card
