@@ -1,0 +1,124 @@
+// The one window. Where the bodies live:
+//   MainWindow.cpp            construction, destruction, display-only fields, number conversion
+//   MainWindow_Language.cpp   language switch, all texts set again
+//   MainWindow_Link.cpp       link button, reachability probe, status, version fields
+//   MainWindow_Browse.cpp     count, list, details; marker search, row filling
+//   MainWindow_FileTable.cpp  table set-up, select all, collecting the selection
+//   MainWindow_Download.cpp   start, next, progress, finished
+//   MainWindow_Delete.cpp     delete chosen, delete all, format
+#pragma once
+
+#include "card/NameTable.h"
+#include "card/NoFocusDelegate.h"
+#include "card/SelectionRecord.h"
+#include "http/HTTPClient.h"
+#include "http/HTTPRecords.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QString>
+
+class QTranslator;
+class Ui_MainWindow;
+
+/// Links to the vehicle and works on its camera's card. All slots run in the window's thread; the
+/// camera's commands block it for as long as the camera takes. The object is about a third of a
+/// megabyte: it belongs on a stack of ordinary size, or on the heap.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+
+    /// Stops every worker thread first and waits for it, within milliseconds each.
+    ~MainWindow() override;
+
+signals:
+    /// Reserved for naming a module; nothing emits it.
+    void ModuleNameInit(char* modulename);
+
+    // The order of the slots is fixed, and so are the names of their parameters.
+private slots:
+    // MainWindow.cpp
+    void itoa(int value, char* string, int radix);
+    // MainWindow_Language.cpp
+    void translateLanguage();
+    void comboxLanguageChanged();
+    // MainWindow.cpp
+    void LineEditsInit();
+    void LineEditInit(QLineEdit* Information);
+    // MainWindow_FileTable.cpp
+    void TableWidgetItemInit();
+    // MainWindow_Link.cpp
+    void on_pushButtonLinkBELUN_clicked();
+    // MainWindow_Browse.cpp
+    void on_pushButtonEnterTFcard_clicked();
+    void ParseFileInfo(const char* fileinfo, int Index);
+    // MainWindow_Download.cpp
+    void on_pushButtonDownloadFile_clicked();
+    void DownloadFile(QString fileName);
+    void DownloadFileFinished();
+    void updateDownloadFileProgress(qint64 bytesRead, qint64 totalBytes);
+    // MainWindow_Delete.cpp
+    void on_pushButtonDeleteFile_clicked();
+    void DeleteFile(QString fileName);
+    void on_pushButtonDeleteAllFiles_clicked();
+    void on_pushButtonFormatCard_clicked();
+    // MainWindow_FileTable.cpp
+    void on_checkBoxSelectAllFiles_stateChanged(int arg1);
+    void GetSelectedFiles();
+    // MainWindow_Browse.cpp
+    /// Copies the text between two markers into `strBuf`, which holds at least as much as `string`,
+    /// and returns its length; 0, and nothing written, when a marker is missing.
+    int findSubString(const char* string, char* strBuf, const char* leftSplit,
+                      const char* rightSplit);
+    // MainWindow_Link.cpp
+    /// Whether a TCP connection can be made within `timeout` milliseconds.
+    bool IPLive(QString ip, int port, int timeout = 1000);
+    void VersionInfo(char hardType, int hardVer, int softVer, int ProtocolVer, int BootVer);
+    void updateLinkedFlag(bool flag);
+
+private:
+    /// Sends one command and collects its answer in httpAnswer, behind what that holds. False when
+    /// the exchange failed.
+    bool sendCommand(const QString& address);
+    /// The same with httpAnswer emptied first.
+    bool askCamera(const QString& address);
+    /// Sends a command that empties the card, and clears the table when it was answered.
+    void emptyCard(const QString& address, const QString& successText);
+    void showLinkState(bool isLinked);
+    QStringList tableHeaders() const;
+    /// The name in a table row's first column; none when the row is gone or has no name.
+    std::optional<QString> fileNameAt(qint32 row) const;
+    /// The next file of the selection that still stands in the table; moves the cursor behind it.
+    std::optional<QString> takeNextFile();
+    void stopWorkers();
+
+    // Destroyed last but for the widgets: the table paints with it and does not own it.
+    std::unique_ptr<NoFocusDelegate> m_tableDelegate;
+
+    QTranslator* translator = nullptr; // stays installed and alive until the process ends
+    bool linked = false;               // the vehicle link stands
+    qint32 currentFileIndex = 0;       // row whose details are being asked for
+    card::NameTable fileNames;
+    qint32 selectedCursor = 0; // position in selectedRows of the next row to process
+    qint32 selectedCount = 0;  // valid entries; a delete counts them down, below zero at its end
+    card::SelectedRows selectedRows{};
+    QString getFileCountUrl;
+    QString getFileListUrl;
+    QString deleteFileUrl;
+    QString getFileInfoUrl;
+    QString deleteAllFilesUrl;
+    QString formatCardUrl;
+    // One client and one record each for all commands; nothing resets the response between them.
+    HTTPClient httpClient;
+    HTTPRequest httpRequest;
+    HTTPResponse httpResponse;
+    std::string httpAnswer;
+    std::unique_ptr<Ui_MainWindow> ui;
+};

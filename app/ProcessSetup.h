@@ -1,0 +1,11 @@
+// What the process needs before anything else.
+#pragma once
+
+namespace app {
+
+/// Ignores SIGPIPE, since writing to a connection that a device has closed would end the program,
+/// and raises the soft limit of open descriptors to the hard one, since reconnections and downloads
+/// leave theirs open by design.
+void setUpProcess();
+
+} // namespace app
