@@ -4,7 +4,8 @@
 #   system  the built programs
 # A test marked PRIVATE_NETWORK also gets the label `network` and runs in a private network of its
 # own, so that such tests run side by side.
-set(BELUN_PRIVATE_NETWORK "${PROJECT_SOURCE_DIR}/simulator/private-network")
+# Always a network of its own, also for a caller who is inside one already.
+set(BELUN_PRIVATE_NETWORK "${PROJECT_SOURCE_DIR}/simulator/private-network" --own)
 set(BELUN_TIMEOUT_unit 60)
 set(BELUN_TIMEOUT_socket 180)
 set(BELUN_TIMEOUT_system 300)
@@ -36,7 +37,7 @@ function(add_unit_test)
   target_link_libraries(${target} PRIVATE project_options test_support Qt::Test ${arg_LIBRARIES})
   set(command $<TARGET_FILE:${target}>)
   if(arg_PRIVATE_NETWORK)
-    list(PREPEND command "${BELUN_PRIVATE_NETWORK}")
+    list(PREPEND command ${BELUN_PRIVATE_NETWORK})
   endif()
   add_test(NAME ${arg_NAME} COMMAND ${command})
   _belun_set_test_properties(${arg_NAME} ${arg_LABEL} "${arg_PRIVATE_NETWORK}")
@@ -46,6 +47,6 @@ endfunction()
 # A system test that is a program of its own (a script, say).
 function(add_private_network_test)
   cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME" "COMMAND")
-  add_test(NAME ${arg_NAME} COMMAND "${BELUN_PRIVATE_NETWORK}" ${arg_COMMAND})
+  add_test(NAME ${arg_NAME} COMMAND ${BELUN_PRIVATE_NETWORK} ${arg_COMMAND})
   _belun_set_test_properties(${arg_NAME} system TRUE)
 endfunction()
