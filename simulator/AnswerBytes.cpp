@@ -1,0 +1,198 @@
+#include "simulator/AnswerBytes.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace simulator {
+
+namespace {
+
+constexpr std::uint64_t chunkSize = 4'096;
+constexpr std::uint64_t recordingChunkSize = 65'536;
+constexpr std::uint64_t garbageSize = 4'096;
+
+using Headers = std::vector<std::pair<std::string, std::string>>;
+
+bool isChunked(const FaultScope& faults, std::uint64_t exchange)
+{
+    const auto from = faults.number("chunked");
+    return (from && exchange >= static_cast<std::uint64_t>(*from)) ||
+           faults.active("chunk-extension") || faults.active("chunk-bad-hex") ||
+           faults.active("chunk-size") || faults.active("chunk-no-last") ||
+           faults.active("chunk-trailers");
+}
+
+Message chunkedBody(Message body, const FaultScope& faults)
+{
+    const bool recording = !body.empty() && body.front().content;
+    Message chunked;
+    bool first = true;
+    for (std::uint64_t left = messageSize(body); left > 0; left = messageSize(body)) {
+        const std::uint64_t size = std::min(left, recording ? recordingChunkSize : chunkSize);
+        char line[32];
+        std::snprintf(line, sizeof line, "%llx", static_cast<unsigned long long>(size));
+        std::string sizeLine = line;
+        if (first && faults.active("chunk-bad-hex")) {
+            sizeLine = "zz";
+        }
+        if (first) {
+            sizeLine = faults.value("chunk-size").value_or(sizeLine);
+        }
+        if (faults.active("chunk-extension")) {
+            sizeLine += ";name=value";
+        }
+        append(chunked, Part::literal(sizeLine + "\r\n"));
+        for (Part& part : takeFront(body, size)) {
+            append(chunked, std::move(part));
+        }
+        append(chunked, Part::literal("\r\n"));
+        first = false;
+    }
+    if (!faults.active("chunk-no-last")) {
+        const bool trailers = faults.active("chunk-trailers");
+        append(chunked,
+               Part::literal(trailers ? "0\r\nX-First: 1\r\nX-Second: 2\r\n\r\n" : "0\r\n\r\n"));
+    }
+    return chunked;
+}
+
+std::string lengthText(const FaultScope& faults, std::uint64_t size)
+{
+    const long long announced =
+        static_cast<long long>(size) + faults.number("wrong-length").value_or(0);
+    return faults.value("length").value_or(std::to_string(std::max(announced, 0LL)));
+}
+
+Headers headers(const Answer& answer, const FaultScope& faults, std::uint64_t size, bool chunked)
+{
+    Headers lines;
+    std::string type = answer.contentType;
+    if (faults.active("long-type")) {
+        type = "application/" + std::string(200 - 12, 'x');
+    }
+    lines.emplace_back("Content-Type", type);
+    if (chunked) {
+        lines.emplace_back("Transfer-Encoding", "chunked");
+    } else if (!faults.active("no-length")) {
+        lines.emplace_back("Content-Length", lengthText(faults, size));
+    }
+    lines.emplace_back("Connection", "close");
+    if (const auto length = faults.number("long-header")) {
+        // name, colon, space and line end belong to the length
+        lines.emplace_back("X-Long", std::string(static_cast<std::size_t>(*length) - 10, 'x'));
+    }
+    for (long long i = 1; i <= faults.number("many-headers").value_or(0); ++i) {
+        lines.emplace_back("X-Header-" + std::to_string(i), "value");
+    }
+    if (faults.active("lower-case-names")) {
+        for (auto& line : lines) {
+            std::transform(line.first.begin(), line.first.end(), line.first.begin(), [](char c) {
+                return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+            });
+        }
+    }
+    return lines;
+}
+
+std::string headText(const Answer& answer, const FaultScope& faults, const Headers& lines)
+{
+    const std::string lineEnd = faults.active("bare-lf") ? "\n" : "\r\n";
+    std::string text;
+    if (faults.active("continue-first")) {
+        text = "HTTP/1.1 100 Continue" + lineEnd + lineEnd;
+    }
+    text += "HTTP/1.1 " + std::to_string(answer.status);
+    text += faults.active("no-reason") ? lineEnd : " " + answer.reason + lineEnd;
+    for (const auto& [name, value] : lines) {
+        text += name;
+        text += ": ";
+        text += value;
+        text += lineEnd;
+    }
+    if (faults.active("odd-head-end")) {
+        text.erase(text.size() - lineEnd.size());
+        return text + "\n\n\r\n";
+    }
+    return text + lineEnd;
+}
+
+void cutAt(Message& message, std::uint64_t size)
+{
+    message = takeFront(message, size);
+}
+
+/// Applies the faults that end the answer early.
+void cut(AnswerBytes& bytes, const FaultScope& faults)
+{
+    struct Place
+    {
+        const char* close;
+        const char* reset;
+        std::uint64_t head;
+        std::uint64_t body;
+    };
+    const std::uint64_t head = messageSize(bytes.head);
+    const std::uint64_t body = messageSize(bytes.body);
+    const auto within = [body](std::optional<long long> wanted) {
+        const auto size = static_cast<std::uint64_t>(wanted.value_or(0));
+        return size < body ? size : body / 2;
+    };
+    const auto middle = within(faults.number("reset-mid-body") ? faults.number("reset-mid-body")
+                                                               : faults.number("close-mid-body"));
+    const Place places[] = {{"close-before-head", "reset-before-head", 0, 0},
+                            {"close-in-head", "reset-in-head", head / 2, 0},
+                            {"close-after-head", "reset-after-head", head, 0},
+                            {"close-mid-body", "reset-mid-body", head, middle}};
+    for (const Place& place : places) {
+        const bool reset = faults.active(place.reset);
+        if (reset || faults.active(place.close)) {
+            cutAt(bytes.head, place.head);
+            cutAt(bytes.body, place.body);
+            bytes.end = reset ? AnswerEnd::Reset : AnswerEnd::Close;
+            return;
+        }
+    }
+}
+
+} // namespace
+
+AnswerBytes answerBytes(Answer answer, const FaultScope& faults, std::uint64_t exchange)
+{
+    AnswerBytes bytes;
+    if (answer.withoutAnswer) {
+        bytes.end = AnswerEnd::Reset;
+        return bytes;
+    }
+    if (faults.active("garbage")) {
+        append(bytes.body,
+               Part{{}, std::make_shared<NoiseContent>("", garbageSize, 0), 0, garbageSize});
+        return bytes;
+    }
+    if (const auto status = faults.number("status")) {
+        if (*status >= 400) {
+            answer = errorAnswer(static_cast<int>(*status));
+        }
+        answer.status = static_cast<int>(*status);
+    }
+    if (faults.active("empty-answer")) {
+        answer.body.clear();
+    }
+    const bool chunked = isChunked(faults, exchange);
+    const Headers lines = headers(answer, faults, messageSize(answer.body), chunked);
+    append(bytes.head, Part::literal(headText(answer, faults, lines)));
+    bytes.body = chunked ? chunkedBody(std::move(answer.body), faults) : std::move(answer.body);
+    cut(bytes, faults);
+    if (const auto percent = faults.number("stall")) {
+        Message rest = std::move(bytes.body);
+        bytes.body =
+            takeFront(rest, messageSize(rest) * static_cast<std::uint64_t>(*percent) / 100);
+        bytes.held = std::move(rest);
+    }
+    return bytes;
+}
+
+} // namespace simulator

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+
+#include "simulator/CameraAnswers.h"
+#include "simulator/FaultTable.h"
+#include "simulator/Outbox.h"
+
+namespace simulator {
+
+/// How an answer ends when all of its bytes are out.
+enum class AnswerEnd { Close, Reset };
+
+/// An answer as it goes over the wire.
+struct AnswerBytes
+{
+    Message head;
+    Message body;
+    Message held; ///< the rest of the body, behind the fault "stall"
+    AnswerEnd end = AnswerEnd::Close;
+};
+
+/// Puts head and body into bytes, as the faults want them. exchange: the number of the request,
+/// counted from 1 since the start.
+AnswerBytes answerBytes(Answer answer, const FaultScope& faults, std::uint64_t exchange);
+
+} // namespace simulator

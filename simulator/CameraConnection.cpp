@@ -1,0 +1,102 @@
+#include "simulator/CameraConnection.h"
+
+namespace simulator {
+
+namespace {
+
+constexpr std::size_t longestRequest = 65'536;
+constexpr Milliseconds headCutPause{100};
+constexpr Milliseconds linkLostPause{500};
+
+} // namespace
+
+CameraConnection::CameraConnection(FileDescriptor socket, ConnectionName name, Journal& journal,
+                                   CameraState& state)
+    : Connection(std::move(socket), std::move(name), journal), m_state(&state)
+{
+}
+
+void CameraConnection::received(std::string_view bytes)
+{
+    if (m_requestWhole) {
+        return; // one exchange per connection
+    }
+    m_request += bytes;
+    m_requestWhole =
+        m_request.find("\r\n\r\n") != m_request.npos || m_request.size() > longestRequest;
+}
+
+void CameraConnection::work(TimePoint)
+{
+    if (m_requestWhole && !m_answered && !m_state->faults->names("silent", "camera")) {
+        m_answered = true;
+        takeRequest();
+    }
+}
+
+void CameraConnection::takeRequest()
+{
+    const std::size_t lineEnd = m_request.find("\r\n");
+    const auto target = requestTarget(std::string_view(m_request).substr(0, lineEnd));
+    const RequestKind kind = target ? requestKind(*target) : RequestKind::Other;
+    const FaultScope faults(*m_state->faults, kindName(kind));
+    ++m_state->exchanges;
+    JournalLine request = line("request");
+    request.number("exchange", m_state->exchanges).text("kind", kindName(kind));
+    if (target) {
+        request.text("target", *target);
+    }
+    journal().write(request);
+
+    if (faults.active("link-lost-mid-command")) {
+        m_state->dropModules();
+        queuePause(linkLostPause);
+    }
+    if (const auto delay = faults.number("answer-delay")) {
+        queuePause(Milliseconds(*delay));
+    }
+    if (m_request.size() > longestRequest) {
+        queueAnswer(errorAnswer(431), faults);
+    } else if (!target) {
+        const bool otherMethod = m_request.rfind(" HTTP/1.1", lineEnd) != m_request.npos;
+        queueAnswer(errorAnswer(otherMethod ? 405 : 400), faults);
+    } else {
+        queueAnswer(m_state->answers->answer(kind, *target), faults);
+    }
+}
+
+void CameraConnection::queueAnswer(Answer answer, const FaultScope& faults)
+{
+    AnswerBytes bytes = answerBytes(std::move(answer), faults, m_state->exchanges);
+    setRate(m_state->rate);
+    if (const auto gap = faults.number("byte-by-byte")) {
+        setSingleBytes(Milliseconds(*gap));
+    }
+    if (faults.active("split-head")) {
+        queueMessage(takeFront(bytes.head, messageSize(bytes.head) / 2));
+        queuePause(headCutPause);
+    }
+    // head and a body of literal bytes become one part, hence one write
+    for (Part& part : bytes.body) {
+        append(bytes.head, std::move(part));
+    }
+    queueMessage(std::move(bytes.head));
+    if (!bytes.held.empty()) {
+        Step hold{Step::Kind::Hold};
+        hold.held = [table = m_state->faults] { return table->active("stall"); };
+        queue(std::move(hold));
+        queueMessage(std::move(bytes.held));
+    }
+    queue(Step{bytes.end == AnswerEnd::Reset ? Step::Kind::Reset : Step::Kind::Close});
+}
+
+void CameraConnection::queueMessage(Message message)
+{
+    for (Part& part : message) {
+        Step step{Step::Kind::Send};
+        step.part = std::move(part);
+        queue(std::move(step));
+    }
+}
+
+} // namespace simulator

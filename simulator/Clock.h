@@ -1,0 +1,15 @@
+#pragma once
+
+#include <chrono>
+
+namespace simulator {
+
+/// The one clock of all pacing; it never jumps.
+using Clock = std::chrono::steady_clock;
+using TimePoint = Clock::time_point;
+using Milliseconds = std::chrono::milliseconds;
+
+/// A point in time that is never reached: "nothing to wake up for".
+constexpr TimePoint never = TimePoint::max();
+
+} // namespace simulator

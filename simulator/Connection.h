@@ -1,0 +1,93 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+
+#include "simulator/Clock.h"
+#include "simulator/FileDescriptor.h"
+#include "simulator/Journal.h"
+#include "simulator/Outbox.h"
+
+namespace simulator {
+
+/// Who speaks: the device's name and the number of its connection, counted from 1.
+struct ConnectionName
+{
+    std::string device;
+    int number;
+};
+
+/// One accepted connection: reads what comes, works its queue of steps off, keeps the journal.
+/// Never blocks. A peer that vanishes, floods or stops reading costs this connection, no more.
+class Connection
+{
+public:
+    /// Takes the socket over. The journal outlives the connection.
+    Connection(FileDescriptor socket, ConnectionName name, Journal& journal);
+    virtual ~Connection() = default;
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    int descriptor() const { return m_socket.get(); }
+    bool finished() const { return !m_socket.valid(); }
+    /// The poll events it waits for.
+    short wantedEvents() const;
+    /// Reads what has arrived; called when poll reported the socket.
+    void readable();
+    /// Does what is due, then sends what can be sent.
+    void advance(TimePoint now);
+    /// When advance has to be called at the latest, events apart.
+    TimePoint nextWake() const;
+    /// Ends it from this side at once.
+    void close(std::string_view reason);
+    void reset(std::string_view reason);
+
+protected:
+    virtual void received(std::string_view bytes) = 0;
+    /// Queues the steps that are due.
+    virtual void work(TimePoint now) = 0;
+    virtual TimePoint nextWork() const = 0;
+
+    void queue(Step step) { m_steps.push_back(std::move(step)); }
+    void queueBytes(std::string bytes);
+    void queuePause(Milliseconds pause);
+    std::size_t queued() const { return m_steps.size(); }
+    /// Bytes per second for recordings; 0: no limit.
+    void setRate(std::uint64_t bytesPerSecond) { m_rate = bytesPerSecond; }
+    /// Sends in single bytes that far apart from now on.
+    void setSingleBytes(Milliseconds gap);
+    const ConnectionName& name() const { return m_name; }
+    Journal& journal() { return *m_journal; }
+    JournalLine line(std::string_view event) const;
+
+private:
+    enum class Progress { Done, Later };
+    Progress perform(Step& step, TimePoint now);
+    Progress send(const Part& part, TimePoint now);
+    std::size_t allowance(const Part& part, TimePoint now);
+    void noteSent(const Part& part);
+    void finish(std::string_view by, std::string_view reason);
+    void lingerThenClose();
+
+    FileDescriptor m_socket;
+    ConnectionName m_name;
+    Journal* m_journal;
+    std::deque<Step> m_steps;
+    TimePoint m_wake = never;
+    bool m_blocked = false;   ///< the socket takes no more for now
+    bool m_peerEnded = false; ///< the peer has closed its sending side
+    bool m_lingering = false; ///< closed by us; waiting for the peer to close, too
+    TimePoint m_lingerEnd = never;
+    TimePoint m_pauseEnd = never;
+    std::uint64_t m_sent = 0;     ///< bytes of the step being sent
+    std::uint32_t m_checksum = 0; ///< of those, when they are a recording's
+    std::uint64_t m_rate = 0;
+    TimePoint m_rateStart = never; ///< of the recording being sent
+    std::uint64_t m_rateSent = 0;
+    bool m_singleBytes = false;
+    Milliseconds m_byteGap{};
+};
+
+} // namespace simulator

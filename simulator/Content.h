@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "simulator/FileDescriptor.h"
+
+namespace simulator {
+
+/// The bytes of one recording, read at any offset.
+class Content
+{
+public:
+    virtual ~Content() = default;
+    /// Reads up to count bytes from offset on; returns how many there were. Fewer than asked for:
+    /// the recording ends there.
+    virtual std::size_t read(std::uint64_t offset, char* buffer, std::size_t count) const = 0;
+};
+
+/// A file of the folder that --card names; opened for reading only, and only while it is read.
+class FileContent : public Content
+{
+public:
+    /// folder: a descriptor of the folder, shared by all its files.
+    FileContent(std::shared_ptr<const FileDescriptor> folder, std::string name);
+    std::size_t read(std::uint64_t offset, char* buffer, std::size_t count) const override;
+
+private:
+    std::shared_ptr<const FileDescriptor> m_folder;
+    std::string m_name;
+};
+
+/// A head of given bytes, then noise that depends on the seed and the offset alone.
+class NoiseContent : public Content
+{
+public:
+    NoiseContent(std::string head, std::uint64_t size, std::uint64_t seed);
+    std::size_t read(std::uint64_t offset, char* buffer, std::size_t count) const override;
+
+private:
+    std::string m_head;
+    std::uint64_t m_size;
+    std::uint64_t m_seed;
+};
+
+/// One text again and again, up to the size.
+class RepeatedContent : public Content
+{
+public:
+    RepeatedContent(std::string text, std::uint64_t size);
+    std::size_t read(std::uint64_t offset, char* buffer, std::size_t count) const override;
+
+private:
+    std::string m_text;
+    std::uint64_t m_size;
+};
+
+} // namespace simulator

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <poll.h>
+
+#include "simulator/Clock.h"
+#include "simulator/Connection.h"
+#include "simulator/FaultTable.h"
+#include "simulator/Journal.h"
+#include "simulator/Listener.h"
+
+namespace simulator {
+
+/// One simulated device: its address, its open connections, and the faults that decide whether it
+/// can be reached. What it says is up to the connections that its factory makes.
+class Device
+{
+public:
+    using Factory =
+        std::function<std::unique_ptr<Connection>(FileDescriptor, ConnectionName, TimePoint now)>;
+
+    /// kind of device: "control", "ground" or "camera"; also its name in the journal.
+    Device(std::string name, std::string address, std::uint16_t port, const FaultTable& faults,
+           Journal& journal, Factory factory);
+
+    /// Listens, or does what the faults that are on already ask for. Returns an error text.
+    std::string start(TimePoint now) { return m_listener.become(wantedReachability(now)); }
+    /// Adds what poll has to watch.
+    void addTo(std::vector<pollfd>& descriptors) const;
+    /// Takes new connections, reads from those that poll reported, does what is due.
+    void advance(const std::vector<pollfd>& descriptors, TimePoint now);
+    TimePoint nextWake(TimePoint now) const;
+    /// Resets all open connections.
+    void drop();
+    const std::vector<std::unique_ptr<Connection>>& connections() const { return m_connections; }
+
+private:
+    Reachability wantedReachability(TimePoint now) const;
+    bool isModule() const { return m_name != "camera"; }
+    bool flappingDown(TimePoint now) const;
+    void applyReachability(TimePoint now);
+    void acceptAll(TimePoint now);
+
+    std::string m_name;
+    const FaultTable* m_faults;
+    Journal* m_journal;
+    Factory m_factory;
+    Listener m_listener;
+    std::vector<std::unique_ptr<Connection>> m_connections;
+    int m_lastNumber = 0;
+};
+
+} // namespace simulator

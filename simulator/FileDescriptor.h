@@ -1,0 +1,46 @@
+#pragma once
+
+#include <utility>
+
+#include <unistd.h>
+
+namespace simulator {
+
+/// Owns one descriptor and closes it when destroyed; movable, not copyable. -1 owns nothing.
+class FileDescriptor
+{
+public:
+    FileDescriptor() = default;
+    explicit FileDescriptor(int descriptor) : m_descriptor(descriptor) {}
+    FileDescriptor(FileDescriptor&& other) noexcept
+        : m_descriptor(std::exchange(other.m_descriptor, -1))
+    {
+    }
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept
+    {
+        if (this != &other) {
+            reset();
+            m_descriptor = std::exchange(other.m_descriptor, -1);
+        }
+        return *this;
+    }
+    FileDescriptor(const FileDescriptor&) = delete;
+    FileDescriptor& operator=(const FileDescriptor&) = delete;
+    ~FileDescriptor() { reset(); }
+
+    int get() const { return m_descriptor; }
+    bool valid() const { return m_descriptor >= 0; }
+    /// Closes now; does nothing when nothing is owned.
+    void reset()
+    {
+        if (m_descriptor >= 0) {
+            ::close(m_descriptor);
+            m_descriptor = -1;
+        }
+    }
+
+private:
+    int m_descriptor = -1;
+};
+
+} // namespace simulator

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "simulator/Card.h"
+
+namespace simulator {
+
+/// A varied card of the simulator's own: eleven recordings from 500 bytes to 64 MB, each with an
+/// MP4 head and content that depends on the seed and its place alone.
+Card sampleCard(std::uint64_t seed);
+
+/// Writes all recordings of the card into a folder, which is made when missing; their creation
+/// times become the files' times. A file that is there already is left alone when it is the same,
+/// and is an error when it differs. Returns an error text, empty on success.
+std::string writeCard(const Card& card, const std::string& path);
+
+} // namespace simulator

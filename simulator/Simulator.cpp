@@ -1,0 +1,179 @@
+#include "simulator/Simulator.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <vector>
+
+#include <poll.h>
+#include <unistd.h>
+
+#include "simulator/SampleCard.h"
+#include "simulator/Text.h"
+
+namespace simulator {
+
+namespace {
+
+constexpr std::uint16_t modulePort = 5000;
+constexpr std::uint16_t cameraPort = 80;
+constexpr std::size_t longestControlLine = 65'536;
+
+Device::Factory moduleFactory(Journal& journal, const FaultTable& faults,
+                              const ModuleSettings& settings)
+{
+    return
+        [&journal, &faults, &settings](FileDescriptor socket, ConnectionName name, TimePoint now) {
+            return std::make_unique<ModuleConnection>(std::move(socket), std::move(name), journal,
+                                                      faults, settings, now);
+        };
+}
+
+Device::Factory cameraFactory(Journal& journal, CameraState& state)
+{
+    return [&journal, &state](FileDescriptor socket, ConnectionName name, TimePoint) {
+        return std::make_unique<CameraConnection>(std::move(socket), std::move(name), journal,
+                                                  state);
+    };
+}
+
+} // namespace
+
+Simulator::Simulator(Options options)
+    : m_options(std::move(options)),
+      m_answers(m_card, m_faults, m_options.seed), m_cameraState{&m_answers, &m_faults,
+                                                                 m_options.rate, 0,
+                                                                 [this] { resetModules(); }},
+      m_controlSettings{true, m_options.heartbeat, m_options.versions},
+      m_groundSettings{false, m_options.heartbeat, m_options.versions},
+      m_control("control", "192.168.1.149", modulePort, m_faults, m_journal,
+                moduleFactory(m_journal, m_faults, m_controlSettings)),
+      m_ground("ground", "192.168.1.148", modulePort, m_faults, m_journal,
+               moduleFactory(m_journal, m_faults, m_groundSettings)),
+      m_camera("camera", "192.168.1.120", cameraPort, m_faults, m_journal,
+               cameraFactory(m_journal, m_cameraState))
+{
+}
+
+std::string Simulator::start()
+{
+    const TimePoint now = Clock::now();
+    if (!m_options.journal.empty()) {
+        const std::string error = m_journal.open(m_options.journal);
+        if (!error.empty()) {
+            return error;
+        }
+    }
+    for (const std::string& fault : m_options.faults) {
+        const std::string error = m_faults.set(fault, now);
+        if (!error.empty()) {
+            return error;
+        }
+        noteControl("fault " + fault);
+    }
+    std::string error = loadCard();
+    for (Device* each : {&m_control, &m_ground, &m_camera}) {
+        if (error.empty()) {
+            error = each->start(now);
+        }
+    }
+    return error;
+}
+
+std::string Simulator::loadCard()
+{
+    Card card;
+    if (m_options.cardFolder.empty()) {
+        card = sampleCard(m_options.seed);
+    } else if (const std::string error = readFolderCard(m_options.cardFolder, card);
+               !error.empty()) {
+        return error;
+    }
+    m_card = std::move(card);
+    return {};
+}
+
+void Simulator::run(int signals)
+{
+    while (!m_ending) {
+        std::vector<pollfd> descriptors = {{signals, POLLIN, 0},
+                                           {m_inputOpen ? STDIN_FILENO : -1, POLLIN, 0}};
+        for (const Device* each : {&m_control, &m_ground, &m_camera}) {
+            each->addTo(descriptors);
+        }
+        const int ready = ::poll(descriptors.data(), descriptors.size(), timeout(Clock::now()));
+        if (ready < 0 && errno != EINTR) {
+            return;
+        }
+        if (descriptors[0].revents != 0) {
+            return;
+        }
+        if (descriptors[1].revents != 0) {
+            readControlLines();
+        }
+        const TimePoint now = Clock::now();
+        endReboot(now);
+        for (Device* each : {&m_control, &m_ground, &m_camera}) {
+            each->advance(descriptors, now);
+        }
+    }
+}
+
+int Simulator::timeout(TimePoint now) const
+{
+    TimePoint wake = never;
+    for (const Device* each : {&m_control, &m_ground, &m_camera}) {
+        wake = std::min(wake, each->nextWake(now));
+    }
+    if (m_faults.active("reboot")) {
+        wake = std::min(wake, m_faults.since("reboot") +
+                                  std::chrono::seconds(*m_faults.number("reboot")));
+    }
+    if (wake == never) {
+        return -1;
+    }
+    const auto pause = std::chrono::ceil<Milliseconds>(std::max(wake - now, Clock::duration(0)));
+    return static_cast<int>(std::min<long long>(pause.count(), 60'000));
+}
+
+void Simulator::endReboot(TimePoint now)
+{
+    const auto seconds = m_faults.number("reboot");
+    if (seconds && now >= m_faults.since("reboot") + std::chrono::seconds(*seconds)) {
+        m_faults.clear("reboot");
+        noteControl("clear reboot");
+    }
+}
+
+void Simulator::resetModules()
+{
+    m_control.drop();
+    m_ground.drop();
+}
+
+void Simulator::readControlLines()
+{
+    char buffer[4'096];
+    const ssize_t count = ::read(STDIN_FILENO, buffer, sizeof buffer);
+    if (count < 0 && (errno == EINTR || errno == EAGAIN)) {
+        return;
+    }
+    if (count <= 0) {
+        m_inputOpen = false;
+        m_ending = m_ending || m_options.exitWithStdin;
+        return;
+    }
+    m_input.append(buffer, static_cast<std::size_t>(count));
+    for (std::size_t end = m_input.find('\n'); end != m_input.npos; end = m_input.find('\n')) {
+        const std::string text = m_input.substr(0, end);
+        m_input.erase(0, end + 1);
+        if (!text.empty()) {
+            printLine(control(text));
+        }
+    }
+    if (m_input.size() > longestControlLine) {
+        m_input.clear();
+        printLine("error the line is too long");
+    }
+}
+
+} // namespace simulator

@@ -1,0 +1,110 @@
+#include <csignal>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include "simulator/FaultTable.h"
+#include "simulator/FileDescriptor.h"
+#include "simulator/Options.h"
+#include "simulator/PrivateNetwork.h"
+#include "simulator/SampleCard.h"
+#include "simulator/Simulator.h"
+#include "simulator/Text.h"
+
+namespace {
+
+constexpr int cannotRun = 1;
+constexpr int wrongArguments = 2;
+constexpr int noPrivateNetwork = 3;
+
+int failed(int status, const std::string& error)
+{
+    std::fprintf(stderr, "belun-simulator: %s\n", error.c_str());
+    return status;
+}
+
+/// Started with a standard stream closed, a socket or file of ours would take its place.
+void keepStandardStreams()
+{
+    int descriptor = 0;
+    do {
+        descriptor = ::open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    ::close(descriptor);
+}
+
+/// The signals that end the program, as a descriptor for its loop.
+simulator::FileDescriptor endingSignals()
+{
+    sigset_t signals;
+    ::sigemptyset(&signals);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        ::sigaddset(&signals, signal);
+    }
+    ::sigprocmask(SIG_BLOCK, &signals, nullptr);
+    ::signal(SIGPIPE, SIG_IGN);
+    ::signal(SIGTTIN, SIG_IGN); // in the background a terminal has no control lines for us
+    return simulator::FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
+}
+
+int run(const simulator::Options& options)
+{
+    const std::string problem = simulator::privateNetworkProblem();
+    if (!problem.empty()) {
+        return failed(noPrivateNetwork, problem);
+    }
+    const simulator::FileDescriptor signals = endingSignals();
+    simulator::Simulator vehicle(options);
+    const std::string error = vehicle.start();
+    if (!error.empty()) {
+        return failed(cannotRun, error);
+    }
+    simulator::printLine("belun-simulator ready");
+    vehicle.run(signals.get());
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    keepStandardStreams();
+    simulator::Options options;
+    const std::string error =
+        simulator::parseOptions(std::vector<std::string>(argv + 1, argv + argc), options);
+    if (!error.empty()) {
+        return failed(wrongArguments, error + " (--help shows what there is)");
+    }
+    for (const std::string& fault : options.faults) {
+        const std::string problem = simulator::FaultTable().set(fault, simulator::Clock::now());
+        if (!problem.empty()) {
+            return failed(wrongArguments, problem);
+        }
+    }
+    switch (options.action) {
+    case simulator::Options::Action::Help:
+        std::fputs(simulator::helpText().c_str(), stdout);
+        return 0;
+    case simulator::Options::Action::Version:
+        std::puts("belun-simulator " BELUN_VERSION);
+        return 0;
+    case simulator::Options::Action::ListFaults:
+        std::fputs(simulator::faultListText().c_str(), stdout);
+        return 0;
+    case simulator::Options::Action::WriteSample:
+    case simulator::Options::Action::Run:
+        break;
+    }
+    if (!options.sampleFolder.empty()) {
+        const std::string problem =
+            simulator::writeCard(simulator::sampleCard(options.seed), options.sampleFolder);
+        if (!problem.empty()) {
+            return failed(cannotRun, problem);
+        }
+    }
+    return options.action == simulator::Options::Action::WriteSample ? 0 : run(options);
+}
