@@ -1,0 +1,67 @@
+#include "tests/support/LogCapture.h"
+
+#include "tests/support/MessageLog.h"
+
+#include <QtTest>
+
+namespace support {
+
+LogCapture::LogCapture()
+{
+    MessageLog::instance().add(this);
+}
+
+LogCapture::~LogCapture()
+{
+    MessageLog::instance().remove(this);
+}
+
+QStringList LogCapture::lines() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_lines;
+}
+
+int LogCapture::count(const QString& line) const
+{
+    return static_cast<int>(lines().count(line));
+}
+
+void LogCapture::clear()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_lines.clear();
+}
+
+bool LogCapture::waitFor(const QString& line, int times, int limit) const
+{
+    return QTest::qWaitFor([&] { return count(line) >= times; }, limit);
+}
+
+void LogCapture::take(const QString& line)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_lines.append(line);
+}
+
+ExpectedWarning::ExpectedWarning(const QString& part) : m_part(part)
+{
+    MessageLog::instance().add(this);
+}
+
+ExpectedWarning::~ExpectedWarning()
+{
+    MessageLog::instance().remove(this);
+    if (!m_seen) {
+        QTest::qFail(qPrintable("no warning came with: " + m_part), __FILE__, __LINE__);
+    }
+}
+
+bool ExpectedWarning::take(const QString& text)
+{
+    const bool fits = text.contains(m_part);
+    m_seen = m_seen || fits;
+    return fits;
+}
+
+} // namespace support

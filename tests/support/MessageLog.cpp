@@ -1,0 +1,101 @@
+#include "tests/support/MessageLog.h"
+
+#include "tests/support/LogCapture.h"
+
+#include <algorithm>
+
+#include <QCoreApplication>
+#include <QThread>
+#include <QtTest>
+
+namespace support {
+
+namespace {
+
+/// The platform without a screen says this of every window of a fixed size. It is about itself.
+const QString offscreenRemark = QStringLiteral("This plugin does not support propagateSizeHints()");
+
+} // namespace
+
+MessageLog& MessageLog::instance()
+{
+    static MessageLog log;
+    return log;
+}
+
+void MessageLog::install()
+{
+    m_next = qInstallMessageHandler(handle);
+}
+
+QStringList MessageLog::uninstall()
+{
+    qInstallMessageHandler(m_next);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_stray;
+}
+
+void MessageLog::add(LogCapture* capture)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_captures.push_back(capture);
+}
+
+void MessageLog::remove(LogCapture* capture)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_captures.erase(std::remove(m_captures.begin(), m_captures.end(), capture), m_captures.end());
+}
+
+void MessageLog::add(ExpectedWarning* expected)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_expected.push_back(expected);
+}
+
+void MessageLog::remove(ExpectedWarning* expected)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_expected.erase(std::remove(m_expected.begin(), m_expected.end(), expected), m_expected.end());
+}
+
+void MessageLog::handle(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    instance().take(type, context, text);
+}
+
+void MessageLog::take(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (text == offscreenRemark) {
+        return;
+    }
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (type == QtDebugMsg || type == QtInfoMsg) {
+            for (LogCapture* capture : m_captures) {
+                capture->take(text);
+            }
+            if (!m_captures.empty()) {
+                return;
+            }
+        }
+        if (type == QtWarningMsg || type == QtCriticalMsg) {
+            for (ExpectedWarning* expected : m_expected) {
+                if (expected->take(text)) {
+                    return;
+                }
+            }
+        }
+    }
+    m_next(type, context, text);
+    if (type == QtWarningMsg || type == QtCriticalMsg) {
+        if (QThread::currentThread() == QCoreApplication::instance()->thread()) {
+            QTest::qFail(qPrintable("unexpected message: " + text), __FILE__, __LINE__);
+        } else {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_stray.append(text);
+        }
+    }
+}
+
+} // namespace support

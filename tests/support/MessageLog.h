@@ -1,0 +1,42 @@
+// Where every message of Qt's passes while tests run.
+#pragma once
+
+#include <mutex>
+#include <vector>
+
+#include <QStringList>
+#include <QtGlobal>
+
+namespace support {
+
+class ExpectedWarning;
+class LogCapture;
+
+/// The message handler above the one of Qt Test. Used by TestMain, LogCapture and ExpectedWarning.
+class MessageLog
+{
+public:
+    static MessageLog& instance();
+
+    void install();
+    /// Gives the handler back and returns the unexpected messages of other threads.
+    QStringList uninstall();
+
+    void add(LogCapture* capture);
+    void remove(LogCapture* capture);
+    void add(ExpectedWarning* expected);
+    void remove(ExpectedWarning* expected);
+
+private:
+    MessageLog() = default;
+    static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text);
+    void take(QtMsgType type, const QMessageLogContext& context, const QString& text);
+
+    std::mutex m_mutex;
+    QtMessageHandler m_next = nullptr;
+    std::vector<LogCapture*> m_captures;
+    std::vector<ExpectedWarning*> m_expected;
+    QStringList m_stray;
+};
+
+} // namespace support

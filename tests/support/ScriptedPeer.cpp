@@ -1,0 +1,252 @@
+// The script's side of a connection.
+#include "tests/support/ScriptedServer.h"
+
+#include "tests/support/ScriptEnd.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace support {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds patience{5};
+constexpr int step = 20; // milliseconds between looks at the stop flag
+
+/// An end of a connection as /proc/net/tcp writes it.
+std::string procText(const sockaddr_in& end)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%08X:%04X", end.sin_addr.s_addr, ntohs(end.sin_port));
+    return text;
+}
+
+} // namespace
+
+Peer::Peer(int descriptor, int number, const std::atomic<bool>& stopping)
+    : m_descriptor(descriptor), m_number(number), m_stopping(stopping)
+{
+    const int on = 1;
+    ::setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+}
+
+Peer::~Peer()
+{
+    close();
+}
+
+bool Peer::readable(Clock::time_point deadline, const char* waitedFor)
+{
+    for (;;) {
+        if (m_stopping) {
+            throw ScriptStopped{};
+        }
+        pollfd state{m_descriptor, POLLIN, 0};
+        if (::poll(&state, 1, step) > 0) {
+            return true;
+        }
+        if (Clock::now() > deadline) {
+            throw ScriptFailed{QStringLiteral("%1 did not come; arrived: \"%2\"")
+                                   .arg(QString::fromLatin1(waitedFor),
+                                        QString::fromLatin1(m_pending.left(2000)))};
+        }
+    }
+}
+
+bool Peer::receiveMore(Clock::time_point deadline, const char* waitedFor)
+{
+    readable(deadline, waitedFor);
+    char buffer[4096];
+    const ssize_t count = ::recv(m_descriptor, buffer, sizeof buffer, 0);
+    if (count <= 0) {
+        return false;
+    }
+    m_pending.append(buffer, static_cast<int>(count));
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_received.append(buffer, static_cast<int>(count));
+    return true;
+}
+
+QByteArray Peer::takePending(int count)
+{
+    const QByteArray taken = m_pending.left(count);
+    m_pending.remove(0, count);
+    return taken;
+}
+
+QByteArray Peer::receiveUntil(const QByteArray& marker)
+{
+    const Clock::time_point deadline = Clock::now() + patience;
+    while (!m_pending.contains(marker)) {
+        if (!receiveMore(deadline, "the marker")) {
+            throw ScriptFailed{QStringLiteral("closed by the client before the marker")};
+        }
+    }
+    return takePending(static_cast<int>(m_pending.indexOf(marker) + marker.size()));
+}
+
+QByteArray Peer::receiveExactly(int count)
+{
+    const Clock::time_point deadline = Clock::now() + patience;
+    while (m_pending.size() < count) {
+        if (!receiveMore(deadline, "the announced number of bytes")) {
+            throw ScriptFailed{QStringLiteral("closed by the client after %1 of %2 bytes")
+                                   .arg(m_pending.size())
+                                   .arg(count)};
+        }
+    }
+    return takePending(count);
+}
+
+QByteArray Peer::receiveUntilClosed()
+{
+    const Clock::time_point deadline = Clock::now() + patience;
+    while (receiveMore(deadline, "the client's close")) {
+    }
+    return takePending(static_cast<int>(m_pending.size()));
+}
+
+void Peer::waitUntilClosedByClient()
+{
+    receiveUntilClosed();
+}
+
+void Peer::send(const QByteArray& bytes)
+{
+    const Clock::time_point deadline = Clock::now() + patience;
+    int sent = 0;
+    while (sent < bytes.size()) {
+        const ssize_t count =
+            ::send(m_descriptor, bytes.constData() + sent,
+                   static_cast<std::size_t>(bytes.size() - sent), MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (count >= 0) {
+            sent += static_cast<int>(count);
+            continue;
+        }
+        if (errno != EAGAIN && errno != EINTR) {
+            throw ScriptFailed{QStringLiteral("sending failed after %1 of %2 bytes: %3")
+                                   .arg(sent)
+                                   .arg(bytes.size())
+                                   .arg(QString::fromLocal8Bit(std::strerror(errno)))};
+        }
+        if (m_stopping) {
+            throw ScriptStopped{};
+        }
+        if (Clock::now() > deadline) {
+            throw ScriptFailed{
+                QStringLiteral("the client took %1 of %2 bytes only").arg(sent).arg(bytes.size())};
+        }
+        pollfd state{m_descriptor, POLLOUT, 0};
+        ::poll(&state, 1, step);
+    }
+}
+
+void Peer::sendInPieces(const QByteArray& bytes, const std::vector<int>& cuts)
+{
+    int begin = 0;
+    for (const int cut : cuts) {
+        send(bytes.mid(begin, cut - begin));
+        waitUntilRead();
+        begin = cut;
+    }
+    send(bytes.mid(begin));
+    waitUntilRead();
+}
+
+void Peer::sendBytewise(const QByteArray& bytes)
+{
+    for (const char byte : bytes) {
+        send(QByteArray(1, byte));
+        waitUntilRead();
+    }
+}
+
+bool Peer::clientHasRead() const
+{
+    sockaddr_in own{};
+    sockaddr_in client{};
+    socklen_t size = sizeof own;
+    ::getsockname(m_descriptor, reinterpret_cast<sockaddr*>(&own), &size);
+    size = sizeof client;
+    ::getpeername(m_descriptor, reinterpret_cast<sockaddr*>(&client), &size);
+    // sl local remote state tx_queue:rx_queue ..., of the client's socket and of ours
+    std::ifstream table("/proc/net/tcp");
+    std::string line;
+    bool pending = false;
+    while (std::getline(table, line)) {
+        std::istringstream fields(line);
+        std::string slot;
+        std::string local;
+        std::string remote;
+        std::string state;
+        std::string queues;
+        fields >> slot >> local >> remote >> state >> queues;
+        if (local == procText(client) && remote == procText(own)) {
+            pending = pending || queues.substr(queues.find(':') + 1) != "00000000";
+        } else if (local == procText(own) && remote == procText(client)) {
+            pending = pending || queues.substr(0, queues.find(':')) != "00000000";
+        }
+    }
+    return !pending;
+}
+
+void Peer::waitUntilRead()
+{
+    waitUntil([this] { return clientHasRead(); });
+}
+
+void Peer::waitUntil(const std::function<bool()>& condition)
+{
+    const Clock::time_point deadline = Clock::now() + patience;
+    while (!condition()) {
+        if (m_stopping) {
+            throw ScriptStopped{};
+        }
+        if (Clock::now() > deadline) {
+            throw ScriptFailed{QStringLiteral("what the script waited for did not happen")};
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+}
+
+void Peer::holdOpen()
+{
+    while (!m_stopping) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    throw ScriptStopped{};
+}
+
+void Peer::close()
+{
+    if (m_descriptor >= 0) {
+        ::close(m_descriptor);
+        m_descriptor = -1;
+    }
+}
+
+void Peer::reset()
+{
+    const linger atOnce{1, 0};
+    ::setsockopt(m_descriptor, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    close();
+}
+
+void Peer::halfClose()
+{
+    ::shutdown(m_descriptor, SHUT_WR);
+}
+
+} // namespace support

@@ -1,0 +1,182 @@
+#include "tests/support/ScriptedServer.h"
+
+#include "tests/support/ScriptEnd.h"
+
+#include <utility>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <QThread>
+#include <QtTest>
+
+namespace support {
+
+namespace {
+
+constexpr int queueLength = 64;
+constexpr int step = 5; // milliseconds between looks at the stop flag
+
+} // namespace
+
+struct ScriptedServer::Connection
+{
+    Connection(int descriptor, int number, const std::atomic<bool>& stopping)
+        : peer(descriptor, number, stopping)
+    {
+    }
+    Peer peer;
+    std::atomic<bool> finished{false};
+    std::thread thread;
+};
+
+ScriptedServer::ScriptedServer(Script script, const QByteArray& address, quint16 port)
+    : m_address(address), m_scripts{std::move(script)}, m_oneForAll(true)
+{
+    listenOn(port);
+}
+
+ScriptedServer::ScriptedServer(std::vector<Script> scripts, const QByteArray& address, quint16 port)
+    : m_address(address), m_scripts(std::move(scripts)), m_oneForAll(false)
+{
+    listenOn(port);
+}
+
+ScriptedServer::~ScriptedServer()
+{
+    stop();
+    if (!m_errors.isEmpty() && !m_errorsSeen &&
+        QThread::currentThread() == QCoreApplication::instance()->thread()) {
+        QTest::qFail(qPrintable(m_errors.join(QLatin1Char('\n'))), __FILE__, __LINE__);
+    }
+}
+
+void ScriptedServer::listenOn(quint16 port)
+{
+    m_listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const int on = 1;
+    ::setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    sockaddr_in place{};
+    place.sin_family = AF_INET;
+    place.sin_addr.s_addr = inet_addr(m_address.constData());
+    place.sin_port = htons(port);
+    socklen_t size = sizeof place;
+    if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&place), size) != 0 ||
+        ::listen(m_listener, queueLength) != 0 ||
+        ::getsockname(m_listener, reinterpret_cast<sockaddr*>(&place), &size) != 0) {
+        qFatal("nothing can listen on %s:%d", m_address.constData(), port);
+    }
+    m_port = ntohs(place.sin_port);
+    m_thread = std::thread([this] { acceptConnections(); });
+}
+
+void ScriptedServer::acceptConnections()
+{
+    while (!m_stopping) {
+        pollfd state{m_listener, POLLIN, 0};
+        if (::poll(&state, 1, step) <= 0) {
+            continue;
+        }
+        const int descriptor = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
+        if (descriptor < 0) {
+            continue;
+        }
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::size_t number = m_connections.size();
+        m_connections.push_back(
+            std::make_unique<Connection>(descriptor, static_cast<int>(number), m_stopping));
+        Connection& connection = *m_connections.back();
+        if (!m_oneForAll && number >= m_scripts.size()) {
+            m_errors.append(QStringLiteral("connection %1 has no script").arg(number));
+            connection.peer.close();
+            connection.finished = true;
+            continue;
+        }
+        const Script& script = m_scripts[m_oneForAll ? 0 : number];
+        connection.thread =
+            std::thread([this, &connection, &script] { runScript(connection, script); });
+    }
+}
+
+void ScriptedServer::runScript(Connection& connection, const Script& script)
+{
+    try {
+        script(connection.peer);
+    } catch (const ScriptFailed& failure) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_errors.append(
+            QStringLiteral("connection %1: %2").arg(connection.peer.number()).arg(failure.reason));
+    } catch (const ScriptStopped&) {
+    }
+    connection.peer.close();
+    connection.finished = true;
+}
+
+void ScriptedServer::stop()
+{
+    m_stopping = true;
+    if (m_thread.joinable()) {
+        m_thread.join();
+        ::close(m_listener);
+    }
+    for (const auto& connection : m_connections) {
+        if (connection->thread.joinable()) {
+            connection->thread.join();
+        }
+    }
+}
+
+int ScriptedServer::connectionCount() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return static_cast<int>(m_connections.size());
+}
+
+QByteArray ScriptedServer::received(int connection) const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (connection >= static_cast<int>(m_connections.size())) {
+        return QByteArray();
+    }
+    const Peer& peer = m_connections[static_cast<std::size_t>(connection)]->peer;
+    const std::lock_guard<std::mutex> peerLock(peer.m_mutex);
+    return peer.m_received;
+}
+
+QStringList ScriptedServer::errors() const
+{
+    m_errorsSeen = true;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_errors;
+}
+
+bool ScriptedServer::waitForConnections(int count, int limit) const
+{
+    return QTest::qWaitFor([&] { return connectionCount() >= count; }, limit);
+}
+
+bool ScriptedServer::waitForReceived(int connection, const QByteArray& bytes, int limit) const
+{
+    return QTest::qWaitFor([&] { return received(connection).contains(bytes); }, limit);
+}
+
+int ScriptedServer::finishedScripts() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    int finished = 0;
+    for (const auto& connection : m_connections) {
+        finished += connection->finished ? 1 : 0;
+    }
+    return finished;
+}
+
+bool ScriptedServer::waitForScripts(int count, int limit) const
+{
+    return QTest::qWaitFor([&] { return finishedScripts() >= count; }, limit);
+}
+
+} // namespace support

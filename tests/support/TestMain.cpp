@@ -1,0 +1,74 @@
+#include "tests/support/TestMain.h"
+
+#include "tests/support/MessageLog.h"
+#include "tests/support/NetworkGuard.h"
+
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+#include <unistd.h>
+
+#include <QDir>
+#include <QTemporaryDir>
+
+namespace support {
+
+namespace {
+
+constexpr std::size_t outputBufferSize = 65536;
+
+} // namespace
+
+TestEnvironment::TestEnvironment()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    std::setvbuf(stdout, nullptr, _IOFBF, outputBufferSize);
+    qputenv("TZ", "UTC");
+    qputenv("LC_ALL", "C.UTF-8");
+    std::setlocale(LC_ALL, "");
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    for (const char* name :
+         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "QT_LOGGING_RULES"}) {
+        qunsetenv(name);
+    }
+    QTemporaryDir folder;
+    folder.setAutoRemove(false);
+    m_home = folder.path();
+    if (!folder.isValid() || !QDir(m_home).mkdir(QStringLiteral("Desktop"))) {
+        qFatal("no home folder for the test: %s", qPrintable(folder.errorString()));
+    }
+    qputenv("HOME", m_home.toLocal8Bit());
+    qputenv("XDG_RUNTIME_DIR", m_home.toLocal8Bit());
+}
+
+TestEnvironment::~TestEnvironment()
+{
+    QDir(m_home).removeRecursively();
+}
+
+int runTest(QObject& test, int argc, char** argv, bool needsNetwork)
+{
+    if (needsNetwork) {
+        const QString reason = whyNotInPrivateNetwork();
+        if (!reason.isEmpty()) {
+            std::fprintf(stderr, "%s\nRun this test with simulator/private-network.\n",
+                         qPrintable(reason));
+            return EXIT_FAILURE;
+        }
+    }
+    // Between these two steps Qt Test has its own message handler in place, which ours then calls.
+    QTest::qInit(&test, argc, argv);
+    MessageLog::instance().install();
+    const int failed = QTest::qRun();
+    const QStringList stray = MessageLog::instance().uninstall();
+    QTest::qCleanup();
+    for (const QString& line : stray) {
+        std::fprintf(stderr, "FAIL!  : unexpected message from another thread: %s\n",
+                     qPrintable(line));
+    }
+    return failed != 0 || !stray.isEmpty() ? EXIT_FAILURE : EXIT_SUCCESS;
+}
+
+} // namespace support

@@ -1,0 +1,40 @@
+#include "tests/support/WindowProbe.h"
+
+#include <cstdlib>
+
+#include <QtTest>
+#include <QtWidgets>
+
+namespace support {
+
+bool WindowProbe::has(const QString& name) const
+{
+    return m_window.findChild<QObject*>(name) != nullptr;
+}
+
+void WindowProbe::click(const QString& name) const
+{
+    QTest::mouseClick(&child<QWidget>(name), Qt::LeftButton);
+}
+
+bool WindowProbe::waitUntil(const std::function<bool()>& condition, int limit)
+{
+    return QTest::qWaitFor(condition, limit);
+}
+
+void WindowProbe::missing(const QString& name) const
+{
+    qFatal("the window has no widget %s of that type", qPrintable(name));
+    std::abort();
+}
+
+void WindowProbe::checkCalled(bool called, const char* slot)
+{
+    if (!called) {
+        QTest::qFail(qPrintable(QStringLiteral("no such slot, or other arguments: %1")
+                                    .arg(QString::fromLatin1(slot))),
+                     __FILE__, __LINE__);
+    }
+}
+
+} // namespace support
