@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 #include <vector>
 
 #include <poll.h>
@@ -115,6 +116,9 @@ void Simulator::run(int signals)
         for (Device* each : {&m_control, &m_ground, &m_camera}) {
             each->advance(descriptors, now);
         }
+        for (const std::string& reply : std::exchange(m_replies, {})) {
+            printLine(reply);
+        }
     }
 }
 
@@ -167,12 +171,12 @@ void Simulator::readControlLines()
         const std::string text = m_input.substr(0, end);
         m_input.erase(0, end + 1);
         if (!text.empty()) {
-            printLine(control(text));
+            m_replies.push_back(control(text));
         }
     }
     if (m_input.size() > longestControlLine) {
         m_input.clear();
-        printLine("error the line is too long");
+        m_replies.push_back("error the line is too long");
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "simulator/CameraConnection.h"
 #include "simulator/Card.h"
@@ -54,6 +55,8 @@ private:
     Device m_ground;
     Device m_camera;
     std::string m_input; ///< an unfinished control line
+    /// Answers to control lines; printed when what they say has taken effect.
+    std::vector<std::string> m_replies;
     bool m_inputOpen = true;
     bool m_ending = false;
 };
