@@ -1,0 +1,214 @@
+"""The camera's commands and recordings, as literal bytes."""
+
+import os
+import subprocess
+import time
+import zlib
+
+import harness
+from harness import (CAMERA, COUNT, DELETE, DELETE_ALL, FORMAT, INFO, LIST, NOT_FOUND, RECORDING,
+                     SimulatorTest, ok)
+
+ALPHA = b"alpha" * 100
+BRAVO = b"bravo" * 1000
+
+
+class CameraTest(SimulatorTest):
+    def startTwo(self, *arguments):
+        self.card = self.makeCard(A=ALPHA, B=BRAVO)
+        self.start("--card", self.card, *arguments)
+
+    def test_count(self):
+        self.startTwo()
+        self.assertEqual(ok(b'var count="2";\r\n'), self.ask(COUNT))
+
+    def test_list_gives_as_many_entries_as_asked_for(self):
+        self.startTwo()
+        both = ok(b"sd/DCIM/100ZEPNA/A.MP4;sd/DCIM/100ZEPNA/B.MP4;\r\n")
+        for end, answer in ((b"2", both), (b"3", both), (b"20200131124502", both),
+                            (b"9" * 40, both), (b"1", ok(b"sd/DCIM/100ZEPNA/A.MP4;\r\n")),
+                            (b"0", ok(b"\r\n")), (b"", ok(b"\r\n")), (b"-3", ok(b"\r\n"))):
+            with self.subTest(end=end):
+                self.assertEqual(answer, self.ask(LIST + end))
+
+    def test_details_come_from_the_file(self):
+        self.startTwo()
+        self.assertEqual(
+            ok(b'var create="20200131124502";\r\nvar size="500";\r\nvar time="1";\r\n'),
+            self.ask(INFO + b"A.MP4"))
+
+    def test_duration_comes_from_the_movie_header(self):
+        card = self.makeCard(A=b"\0\0\0\x10ftypisom\0\0\2\0\0\0\0\x24moov\0\0\0\x1cmvhd"
+                               + b"\0" * 12 + b"\0\0\x02\x58\0\1\0\0" + b"\0" * 8)
+        wide = (b"\0\0\0\x30moov\0\0\0\x28mvhd\1\0\0\0" + b"\0" * 16 + b"\0\0\0\x0a"
+                + b"\0\0\0\0\0\0\x10\0")
+        self.writeFile(os.path.join(card, "B.MP4"), wide)
+        self.start("--card", card)
+        self.assertIn(b'time="109"', self.ask(INFO + b"A.MP4"))
+        self.assertIn(b'time="409"', self.ask(INFO + b"B.MP4"))
+
+    def test_recording_is_sent_whole(self):
+        self.startTwo()
+        self.assertEqual(ok(BRAVO, b"video/mp4"), self.ask(RECORDING + b"B.MP4"))
+
+    def test_absolute_target_is_accepted(self):
+        self.startTwo()
+        self.assertEqual(ok(ALPHA, b"video/mp4"),
+                         self.ask(b"http://192.168.1.120/sd/DCIM/100ZEPNA/A.MP4"))
+
+    def test_name_is_taken_as_sent(self):
+        name = "A HTTP/1.1 &%41 \u6d77.MP4"
+        card = self.makeCard()
+        os.makedirs(os.path.join(card, "A HTTP"))
+        self.writeFile(os.path.join(card, "C &%41 \u6d77.MP4"), ALPHA)
+        self.start("--card", card)
+        self.assertEqual(ok(ALPHA, b"video/mp4"),
+                         self.ask(RECORDING + "C &%41 \u6d77.MP4".encode()))
+        self.assertEqual(NOT_FOUND, self.ask(RECORDING + name.encode()))
+        self.assertEqual("/sd/DCIM/100ZEPNA/" + name,
+                         self.journal(event="request")[-1]["target"].encode("latin-1").decode())
+
+    def test_what_is_not_there_is_not_found(self):
+        self.startTwo()
+        for target in (b"/", b"/cgi-bin/hi3510/getfilecount.cgi", COUNT + b"x",
+                       b"/cgi-bin/hi3510/sdcommand.cgi?&-format&-partition=1",
+                       INFO + b"C.MP4", DELETE + b"C.MP4", RECORDING + b"C.MP4", RECORDING):
+            with self.subTest(target=target):
+                self.assertEqual(NOT_FOUND, self.ask(target))
+
+    def test_malformed_requests_are_refused(self):
+        self.startTwo()
+        for data, status in ((b"GET /x HTTP/1.0\r\n\r\n", b"HTTP/1.1 400 "),
+                             (b"\r\n\r\n", b"HTTP/1.1 400 "),
+                             (b"POST / HTTP/1.1\r\n\r\n", b"HTTP/1.1 405 "),
+                             (b"GET /" + b"x" * 70000, b"HTTP/1.1 431 ")):
+            with self.subTest(data=data[:20]):
+                peer = self.peer(CAMERA)
+                peer.send(data)
+                self.assertEqual(status, peer.exactly(13))
+
+    def test_request_in_single_bytes_is_understood(self):
+        self.startTwo()
+        peer = self.peer(CAMERA)
+        for byte in b"GET " + COUNT + b" HTTP/1.1\r\n\r\n":
+            peer.send(bytes([byte]))
+        self.assertEqual(ok(b'var count="2";\r\n'), peer.rest()[0])
+
+    def test_delete_changes_the_card_only(self):
+        self.startTwo()
+        self.assertEqual(ok(b"Success\r\n"), self.ask(DELETE + b"A.MP4"))
+        self.assertEqual(ok(b'var count="1";\r\n'), self.ask(COUNT))
+        self.assertEqual(ok(b"sd/DCIM/100ZEPNA/B.MP4;\r\n"), self.ask(LIST + b"2"))
+        self.assertEqual(NOT_FOUND, self.ask(RECORDING + b"A.MP4"))
+        self.assertEqual(["A.MP4", "B.MP4"], sorted(os.listdir(self.card)))
+        self.switch("reload")
+        self.assertEqual(ok(b'var count="2";\r\n'), self.ask(COUNT))
+
+    def test_delete_all_and_format_empty_the_card_only(self):
+        self.startTwo()
+        for target in (DELETE_ALL, FORMAT):
+            with self.subTest(target=target):
+                self.switch("reload")
+                self.assertEqual(ok(b"Success\r\n"), self.ask(target))
+                self.assertEqual(ok(b'var count="0";\r\n'), self.ask(COUNT))
+                self.assertEqual(ok(b"\r\n"), self.ask(LIST + b"0"))
+        self.assertEqual(["A.MP4", "B.MP4"], sorted(os.listdir(self.card)))
+
+    def test_card_leaves_out_folders_and_hidden_files(self):
+        card = self.makeCard(A=ALPHA)
+        os.mkdir(os.path.join(card, "folder"))
+        os.mkfifo(os.path.join(card, "pipe"))
+        self.writeFile(os.path.join(card, ".hidden"), ALPHA)
+        self.start("--card", card)
+        self.assertEqual(ok(b"sd/DCIM/100ZEPNA/A.MP4;\r\n"), self.ask(LIST + b"9"))
+
+    def test_card_file_that_shrinks_ends_the_answer(self):
+        self.startTwo()
+        os.truncate(os.path.join(self.card, "B.MP4"), 100)
+        self.assertEqual(BRAVO[:100], self.ask(RECORDING + b"B.MP4").split(b"\r\n\r\n")[1])
+
+    def test_rate_paces_recordings(self):
+        self.startTwo("--rate", "10000")
+        start = time.monotonic()
+        peer = self.request(RECORDING + b"B.MP4")
+        head = peer.exactly(len(ok(BRAVO, b"video/mp4")) - 5000)
+        first = peer.exactly(1000)
+        self.assertLess(time.monotonic() - start, 0.4, "the first part comes without waiting")
+        data, _ = peer.rest()
+        self.assertEqual(ok(BRAVO, b"video/mp4"), head + first + data)
+        self.assertGreater(time.monotonic() - start, 0.45)
+        self.switch("rate 0")
+        start = time.monotonic()
+        self.ask(RECORDING + b"B.MP4")
+        self.assertLess(time.monotonic() - start, 0.4)
+
+    def test_sample_card_equals_the_written_files(self):
+        sample = os.path.join(self.folder, "sample")
+        self.start("--sample", "--sample-to", sample, "--seed", "7")
+        names = sorted(os.listdir(sample))
+        self.assertEqual(b"".join(b"sd/DCIM/100ZEPNA/" + n.encode() + b";" for n in names)
+                         + b"\r\n", self.ask(LIST + b"99").split(b"\r\n\r\n")[1])
+        self.assertGreaterEqual(len(names), 8)
+        self.assertEqual(29, max(map(len, names)))
+        contents = set()
+        for name in names:
+            with open(os.path.join(sample, name), "rb") as file:
+                content = file.read()
+            contents.add(content[-300:])
+            self.assertEqual(ok(content, b"video/mp4"), self.ask(RECORDING + name.encode()))
+        self.assertEqual(len(names), len(contents), "recordings of the same content")
+        sizes = [os.path.getsize(os.path.join(sample, n)) for n in names]
+        self.assertEqual((500, 67108864), (min(sizes), max(sizes)))
+        first = self.ask(INFO + names[0].encode())
+        self.assertIn(b'create="20200131124502";\r\nvar size="1572864";\r\nvar time="37";', first)
+
+    def test_sample_files_make_the_same_card(self):
+        sample = os.path.join(self.folder, "sample")
+        self.start("--sample", "--sample-to", sample)
+        names = sorted(os.listdir(sample))
+        details = [self.ask(INFO + n.encode()) for n in names]
+        self.stop()
+        self.start("--card", sample)
+        self.assertEqual(details, [self.ask(INFO + n.encode()) for n in names])
+
+    def test_sample_is_never_written_over_another_file(self):
+        sample = os.path.join(self.folder, "sample")
+        self.assertEqual(0, subprocess.run([harness.program, "--sample-to", sample],
+                                           check=False).returncode)
+        name = os.path.join(sample, "REC_20200131_124611_0002.MP4")
+        self.writeFile(name, b"mine")
+        again = subprocess.run([harness.program, "--sample-to", sample], check=False,
+                               stderr=subprocess.PIPE)
+        self.assertEqual(1, again.returncode)
+        self.assertIn(b"0002.MP4: exists and is another file", again.stderr)
+        with open(name, "rb") as file:
+            self.assertEqual(b"mine", file.read())
+
+    def test_many_clients_at_once(self):
+        self.startTwo()
+        peers = [self.request(RECORDING + b"B.MP4") for _ in range(50)]
+        for peer in peers:
+            self.assertEqual((ok(BRAVO, b"video/mp4"), "closed"), peer.rest())
+
+    def test_journal_tells_both_ways(self):
+        self.startTwo()
+        self.ask(COUNT)
+        self.ask(RECORDING + b"A.MP4")
+        request = b"GET " + COUNT + b" HTTP/1.1\r\nHost: 192.168.1.120\r\n\r\n"
+        lines = [{k: v for k, v in line.items() if k not in ("time", "peer")}
+                 for line in self.journal(device="camera", connection=1)]
+        self.assertEqual([
+            {"device": "camera", "connection": 1, "event": "open"},
+            {"device": "camera", "connection": 1, "event": "received", "bytes": request.hex()},
+            {"device": "camera", "connection": 1, "event": "request", "exchange": 1,
+             "kind": "count", "target": COUNT.decode()},
+            {"device": "camera", "connection": 1, "event": "sent",
+             "bytes": ok(b'var count="2";\r\n').hex()},
+            {"device": "camera", "connection": 1, "event": "close", "by": "device",
+             "reason": "end"}], lines)
+        body = self.journal(device="camera", connection=2, event="sent")[1]
+        self.assertEqual((500, f"{zlib.crc32(ALPHA):08x}"), (body["count"], body["crc32"]))
+
+
+if __name__ == "__main__":
+    harness.main()

@@ -1,0 +1,135 @@
+"""Arguments, exit status, control lines, and where the simulator refuses to run."""
+
+import glob
+import os
+import re
+import subprocess
+
+import harness
+from harness import COUNT, SimulatorTest
+
+
+class CommandLineTest(SimulatorTest):
+    def run_(self, *arguments, wrapper=(), **options):
+        return subprocess.run([*wrapper, harness.program, *arguments], check=False,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                              timeout=harness.LIMIT, **options)
+
+    def test_help_and_version(self):
+        self.assertIn("--exit-with-stdin", self.run_("--help").stdout)
+        self.assertRegex(self.run_("--version").stdout, r"^belun-simulator \d+\.\d+\.\d+\n$")
+
+    def test_wrong_arguments_end_with_status_2(self):
+        for arguments, text in (
+                (["--bogus"], "unknown argument --bogus"), (["card"], "unknown argument card"),
+                (["--card"], "--card needs a value"),
+                (["--card", "x", "--sample"], "exclude each other"),
+                (["--rate", "fast"], '--rate does not take "fast"'),
+                (["--rate", "-1"], '--rate does not take "-1"'),
+                (["--heartbeat=0"], '--heartbeat does not take "0"'),
+                (["--versions=1,2,3"], '--versions does not take "1,2,3"'),
+                (["--versions=256,0,0,0,0"], "--versions does not take"),
+                (["--fault", "bogus"], 'no fault is called "bogus"'),
+                (["--fault", "no-length=1"], "fault no-length takes no value"),
+                (["--fault", "heartbeat-stops"], "fault heartbeat-stops needs a value"),
+                (["--fault", "status=99"], "takes a number from 100 to 999, not \"99\""),
+                (["--fault", "refuse=tether"], "takes control|ground|camera, not \"tether\"")):
+            with self.subTest(arguments=arguments):
+                result = self.run_(*arguments)
+                self.assertEqual(2, result.returncode)
+                self.assertIn(text, result.stderr)
+                self.assertEqual("", result.stdout)
+
+    def test_missing_card_ends_with_status_1(self):
+        result = self.run_("--card", os.path.join(self.folder, "none"))
+        self.assertEqual(1, result.returncode)
+        self.assertIn("none: No such file or directory", result.stderr)
+
+    def test_taken_address_ends_with_status_1(self):
+        self.start()
+        result = self.run_(stdin=subprocess.DEVNULL)
+        self.assertEqual(1, result.returncode)
+        self.assertIn("192.168.1.149:5000: Address already in use", result.stderr)
+
+    def runInNetwork(self, setUp):
+        """Runs the simulator in a new network, after these commands; 99: one of them failed."""
+        result = self.run_(wrapper=["unshare", "--user", "--map-root-user", "--net", "sh", "-c",
+                                    "(" + setUp + ') 2>/dev/null || exit 99; exec "$@"', "sh"])
+        if result.returncode == 1 and "unshare" in result.stderr:
+            self.skipTest("this system allows no network within this one")
+        return result
+
+    def test_network_without_the_addresses_is_refused(self):
+        add = "ip addr add 192.168.1.%s/32 dev lo"
+        for setUp, missing in (("ip link set lo up", "120"),
+                               ("ip link set lo up && " + add % 120 + " && " + add % 148, "149"),
+                               (" && ".join(add % a for a in (120, 148, 149)), "120")):
+            with self.subTest(setUp=setUp):
+                result = self.runInNetwork(setUp)
+                self.assertEqual(3, result.returncode, result.stderr)
+                self.assertIn("loopback interface lacks the address 192.168.1." + missing,
+                              result.stderr)
+                self.assertIn("simulator/private-network", result.stderr)
+
+    def test_network_with_another_interface_is_refused(self):
+        result = self.runInNetwork(
+            "ip link set lo up && for a in 120 148 149; do ip addr add 192.168.1.$a/32 dev lo;"
+            " done && { ip link add other type dummy || ip link add other type veth ||"
+            " ip link add other type bridge || ip tuntap add other mode tun; }"
+            " && ip link set other up")
+        if result.returncode == 99:
+            self.skipTest("this system has no second interface to offer")
+        self.assertEqual(3, result.returncode, result.stderr)
+        self.assertIn("interface other is up", result.stderr)
+        self.assertIn("simulator/private-network", result.stderr)
+
+    def test_control_lines_are_answered_in_turn(self):
+        self.start()
+        self.assertEqual("ok fault no-length", self.control("fault no-length"))
+        self.assertEqual("ok clear all", self.control("clear all"))
+        for line, answer in (
+                ("bogus", 'error no control line begins with "bogus" (--help shows all)'),
+                ("fault", 'error no fault is called "" (--list-faults shows all)'),
+                ("clear bogus", 'error no fault is called "bogus" (--list-faults shows all)'),
+                ("rate fast", "error rate takes a number of bytes per second"),
+                ("fault count=\\q",
+                 "error fault count: only \\r \\n \\t \\\\ and \\xHH may follow a backslash")):
+            self.assertEqual(answer, self.control(line))
+        self.process.stdin.write(b"rate 5\nrate 6\nra")
+        self.process.stdin.flush()
+        self.assertEqual("ok rate 5", self.answers.get(timeout=harness.LIMIT))
+        self.assertEqual("ok rate 6", self.answers.get(timeout=harness.LIMIT))
+        self.assertEqual("ok rate 7", self.control("te 7"))
+
+    def test_overlong_control_line_is_dropped(self):
+        self.start()
+        self.assertEqual("error the line is too long", self.control("x" * 70000))
+
+    def test_end_of_input_ends_only_when_asked(self):
+        self.start()
+        self.process.stdin.close()
+        self.assertEqual(0, self.process.wait(harness.LIMIT))
+        with subprocess.Popen([harness.program], stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE) as process:
+            self.addCleanup(process.kill)
+            self.assertEqual(b"belun-simulator ready\n", process.stdout.readline())
+            self.assertIn(b'count="11"', self.ask(COUNT))
+            self.assertIsNone(process.poll())
+            process.terminate()
+            self.assertEqual(0, process.wait(harness.LIMIT))
+
+    def test_every_fault_is_listed_once_and_tested(self):
+        names = [re.match(r"[a-z0-9-]+", line).group()
+                 for line in self.run_("--list-faults").stdout.splitlines()]
+        self.assertGreaterEqual(len(names), 50)
+        self.assertEqual(len(names), len(set(names)))
+        tests = ""
+        for path in glob.glob(os.path.join(os.path.dirname(__file__), "*_faults_test.py")):
+            with open(path, encoding="utf-8") as file:
+                tests += file.read()
+        untested = [n for n in names if not re.search(rf'"(fault )?{n}["=]', tests)]
+        self.assertEqual([], untested)
+
+
+if __name__ == "__main__":
+    harness.main()

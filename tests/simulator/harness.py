@@ -1,0 +1,198 @@
+"""Starts the built simulator and talks to it over plain sockets, byte by byte."""
+
+import json
+import os
+import queue
+import shutil
+import socket
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import unittest
+
+CONTROL = ("192.168.1.149", 5000)
+GROUND = ("192.168.1.148", 5000)
+CAMERA = ("192.168.1.120", 80)
+LIMIT = 20  # seconds that anything may take on a busy machine
+
+HEARTBEAT = bytes.fromhex("aaaf0401005e")
+GROUND_HEARTBEAT = bytes.fromhex("bbaf0401005e")
+VERSION = bytes.fromhex("aaaf000907012c02580064000a56")
+ANSWER = bytes.fromhex("aaaf0401015f")
+
+COUNT = b"/cgi-bin/hi3510/getfilecount.cgi?"
+LIST = b"/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end="
+INFO = b"/cgi-bin/hi3510/getfileinfo.cgi?&-name=sd/DCIM/100ZEPNA/"
+DELETE = b"/cgi-bin/hi3510/deletefile.cgi?&-name=sd/DCIM/100ZEPNA/"
+DELETE_ALL = b"/cgi-bin/hi3510/deleteallfiles.cgi?"
+FORMAT = b"/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1"
+RECORDING = b"/sd/DCIM/100ZEPNA/"
+
+program = ""
+
+
+def okHead(length, kind=b"text/plain"):
+    return (b"HTTP/1.1 200 OK\r\nContent-Type: " + kind
+            + b"\r\nContent-Length: %d\r\nConnection: close\r\n\r\n" % length)
+
+
+def ok(body, kind=b"text/plain"):
+    return okHead(len(body), kind) + body
+
+
+NOT_FOUND = (b"HTTP/1.1 404 Not Found\r\nContent-Type: text/html\r\nContent-Length: 41\r\n"
+             b"Connection: close\r\n\r\n<html><body>404 Not Found</body></html>\r\n")
+
+
+class Peer:
+    """One connection to a device."""
+
+    def __init__(self, address, timeout=LIMIT):
+        self.socket = socket.create_connection(address, timeout)
+        self.socket.settimeout(LIMIT)
+        self.opened = time.monotonic()
+
+    def send(self, data):
+        self.socket.sendall(data)
+
+    def segment(self, limit=65536):
+        """What one receive gives; b"" at the end, "reset" after a reset."""
+        try:
+            return self.socket.recv(limit)
+        except ConnectionResetError:
+            return "reset"
+
+    def exactly(self, count):
+        data = b""
+        while len(data) < count:
+            piece = self.socket.recv(count - len(data))
+            if not piece:
+                raise AssertionError(f"closed after {data!r}, {count} bytes were expected")
+            data += piece
+        return data
+
+    def rest(self):
+        """Everything up to the end, and how it ended: "closed" or "reset"."""
+        data = bytearray()
+        while True:
+            piece = self.segment()
+            if not piece or not isinstance(piece, bytes):
+                return bytes(data), piece or "closed"
+            data += piece
+
+    def quietFor(self, seconds):
+        """True when nothing arrives for that long."""
+        self.socket.settimeout(seconds)
+        try:
+            self.socket.recv(1, socket.MSG_PEEK)
+            return False
+        except TimeoutError:
+            return True
+        finally:
+            self.socket.settimeout(LIMIT)
+
+    def close(self):
+        self.socket.close()
+
+
+class SimulatorTest(unittest.TestCase):
+    """A test with a simulator of its own."""
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="belun-simulator-test-")
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.process = None
+        self.complaints = queue.Queue()
+        self.answers = queue.Queue()
+
+    def makeCard(self, **files):
+        """A folder with these files (name without .MP4, content); returns its path."""
+        card = os.path.join(self.folder, "card")
+        os.makedirs(card, exist_ok=True)
+        for name, content in files.items():
+            self.writeFile(os.path.join(card, name + ".MP4"), content)
+        return card
+
+    def writeFile(self, path, content):
+        with open(path, "wb") as file:
+            file.write(content)
+        os.utime(path, (1580474702, 1580474702))  # 2020-01-31 12:45:02 UTC
+
+    def start(self, *arguments):
+        self.journalPath = os.path.join(self.folder, "journal")
+        self.process = subprocess.Popen(
+            [program, "--journal", self.journalPath, "--exit-with-stdin", *arguments],
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, env={**os.environ, "TZ": "UTC"})
+        self.reader = threading.Thread(target=self.readLines, daemon=True)
+        self.addCleanup(self.stop)
+        self.reader.start()
+        self.assertEqual("belun-simulator ready", self.answers.get(timeout=LIMIT))
+
+    def readLines(self):
+        for line in self.process.stdout:
+            text = line.decode("latin-1").rstrip("\n")
+            complaint = text.startswith(("control: ", "ground: "))
+            (self.complaints if complaint else self.answers).put(text)
+
+    def stop(self):
+        if not self.process.stdin.closed:
+            self.process.stdin.close()
+        try:
+            self.process.wait(LIMIT)
+        finally:
+            self.process.kill()
+            self.process.wait()
+            self.reader.join()
+            self.process.stdout.close()
+        self.assertEqual(0, self.process.returncode, "exit status of the simulator")
+
+    def control(self, line):
+        """Sends a control line and returns its answer."""
+        self.process.stdin.write(line.encode("latin-1") + b"\n")
+        self.process.stdin.flush()
+        return self.answers.get(timeout=LIMIT)
+
+    def switch(self, line):
+        self.assertEqual("ok " + line, self.control(line))
+
+    def peer(self, address, timeout=LIMIT):
+        peer = Peer(address, timeout)
+        self.addCleanup(peer.close)
+        return peer
+
+    def request(self, target):
+        """Asks the camera and leaves the connection to the test."""
+        peer = self.peer(CAMERA)
+        peer.send(b"GET " + target + b" HTTP/1.1\r\nHost: 192.168.1.120\r\n\r\n")
+        return peer
+
+    def ask(self, target):
+        """The camera's whole answer; fails when the connection was reset."""
+        data, end = self.request(target).rest()
+        self.assertEqual("closed", end)
+        return data
+
+    def journal(self, **wanted):
+        """The lines of the journal with these values."""
+        with open(self.journalPath, encoding="ascii") as file:
+            lines = [json.loads(line) for line in file]
+        return [line for line in lines
+                if all(line.get(name) == value for name, value in wanted.items())]
+
+    def eventually(self, condition, what):
+        """Waits until the condition gives something true, and returns that."""
+        end = time.monotonic() + LIMIT
+        while time.monotonic() < end:
+            result = condition()
+            if result:
+                return result
+            time.sleep(0.01)
+        raise AssertionError("never happened: " + what)
+
+
+def main():
+    global program
+    program = sys.argv.pop(1)
+    unittest.main(module="__main__", verbosity=2)

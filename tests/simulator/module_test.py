@@ -1,0 +1,145 @@
+"""The control and the ground module: frames, checks, control lines."""
+
+import signal
+import time
+
+import harness
+from harness import (ANSWER, CAMERA, CONTROL, COUNT, GROUND, GROUND_HEARTBEAT, HEARTBEAT,
+                     SimulatorTest, VERSION)
+
+
+class ModuleTest(SimulatorTest):
+    def test_control_sends_heartbeat_and_version_each_in_its_segment(self):
+        self.start()
+        peer = self.peer(CONTROL)
+        self.assertEqual(HEARTBEAT, peer.segment())
+        first = time.monotonic()
+        self.assertEqual(VERSION, peer.segment())
+        self.assertGreater(time.monotonic() - first, 0.05)
+        self.assertEqual(HEARTBEAT, peer.segment())
+        self.assertAlmostEqual(1.0, time.monotonic() - first, delta=0.3)
+
+    def test_ground_sends_heartbeats_and_no_version(self):
+        self.start("--heartbeat", "300")
+        peer = self.peer(GROUND)
+        for _ in range(4):
+            self.assertEqual(GROUND_HEARTBEAT, peer.segment())
+
+    def test_clients_are_served_side_by_side(self):
+        self.start("--heartbeat", "300")
+        probe = self.peer(CONTROL)
+        probe.close()
+        peers = [self.peer(CONTROL) for _ in range(3)]
+        for peer in peers:
+            self.assertEqual(HEARTBEAT + VERSION + HEARTBEAT, peer.exactly(26))
+        self.assertEqual("ok connections control=3 ground=0 camera=0",
+                         self.control("connections"))
+
+    def test_answered_heartbeat_gives_no_complaint(self):
+        self.start("--heartbeat", "200")
+        peer = self.peer(CONTROL)
+        ground = self.peer(GROUND)
+        self.assertEqual(HEARTBEAT + VERSION, peer.exactly(20))
+        for _ in range(8):
+            peer.send(ANSWER[:2])
+            peer.send(ANSWER[2:])
+            self.assertEqual(HEARTBEAT, peer.exactly(6))
+            self.assertEqual(GROUND_HEARTBEAT, ground.exactly(6))
+            ground.send(ANSWER)
+        self.assertTrue(self.complaints.empty(), list(self.complaints.queue))
+
+    def test_missing_answer_is_reported(self):
+        self.start("--heartbeat", "60000")
+        self.peer(GROUND)
+        self.assertEqual("ground: heartbeat not answered (connection 1)",
+                         self.complaints.get(timeout=harness.LIMIT))
+        self.assertEqual("heartbeat not answered", self.journal(event="complaint")[0]["text"])
+
+    def test_wrong_answer_is_reported_with_its_bytes(self):
+        self.start("--heartbeat", "60000")
+        peer = self.peer(CONTROL)
+        peer.exactly(6)
+        peer.send(bytes.fromhex("aaaf0401025f"))
+        self.assertEqual("control: wrong answer (connection 1) aaaf0401025f",
+                         self.complaints.get(timeout=harness.LIMIT))
+
+    def test_answer_without_heartbeat_is_reported(self):
+        self.start("--heartbeat", "60000")
+        peer = self.peer(CONTROL)
+        peer.exactly(6)
+        peer.send(ANSWER + ANSWER)
+        self.assertEqual("control: answer without a heartbeat (connection 1) aaaf0401015f",
+                         self.complaints.get(timeout=harness.LIMIT))
+
+    def test_versions_are_as_asked_for(self):
+        self.start("--versions", "-1,400,-2,65535,0", "--heartbeat", "60000")
+        peer = self.peer(CONTROL)
+        self.assertEqual(HEARTBEAT, peer.segment())
+        self.assertEqual(bytes.fromhex("aaaf0009ff0190fffeffff0000e5"), peer.segment())
+        self.switch("versions 7,300,600,100,10")
+        self.assertEqual(VERSION, peer.segment())
+        self.assertEqual("error versions takes five numbers, like 7,300,600,100,10",
+                         self.control("versions 7,300,600,100"))
+
+    def test_drop_closes_the_connections_of_one_device(self):
+        self.start("--heartbeat", "60000")
+        control, ground, camera = (self.peer(a) for a in (CONTROL, GROUND, CAMERA))
+        self.assertEqual(HEARTBEAT + VERSION, control.exactly(20))
+        self.switch("drop control")
+        self.assertEqual(b"", control.segment())
+        self.switch("drop camera")
+        self.assertEqual(b"", camera.segment())
+        self.assertEqual(GROUND_HEARTBEAT, ground.exactly(6))
+        self.assertTrue(ground.quietFor(0.2))
+        self.assertEqual(HEARTBEAT, self.peer(CONTROL).segment())
+        self.assertEqual("error drop takes control, ground or camera", self.control("drop all"))
+
+    def test_send_puts_any_bytes_on_the_wire(self):
+        self.start("--heartbeat", "60000")
+        peer = self.peer(GROUND)
+        self.assertEqual(GROUND_HEARTBEAT, peer.segment())
+        self.switch("send ground 00ff10")
+        self.assertEqual(b"\x00\xff\x10", peer.segment())
+        for line in ("send ground 0", "send ground xx", "send camera 00", "send ground"):
+            self.assertEqual("error send takes control or ground, then an even number of hex "
+                             "digits", self.control(line))
+
+    def test_flooding_client_hurts_nobody_else(self):
+        self.start("--heartbeat", "60000")
+        flood = self.peer(CONTROL)
+        camera = self.peer(CAMERA)
+        for _ in range(200):
+            flood.send(b"\x00" * 50000)
+        camera.send(b"\x00" * 60000)
+        self.assertIn(b'count="11"', self.ask(COUNT))
+
+    def test_quit_ends_with_status_0(self):
+        self.start()
+        self.switch("quit")
+        self.assertEqual(0, self.process.wait(harness.LIMIT))
+
+    def test_signals_end_with_status_0(self):
+        for number in (signal.SIGTERM, signal.SIGINT):
+            self.start()
+            peer = self.peer(CONTROL)
+            peer.exactly(6)
+            self.process.send_signal(number)
+            self.assertEqual(0, self.process.wait(harness.LIMIT))
+            self.stop()
+
+    def test_journal_has_every_frame_both_ways(self):
+        self.start("--heartbeat", "60000")
+        peer = self.peer(CONTROL)
+        self.assertEqual(HEARTBEAT, peer.segment())
+        peer.send(ANSWER)
+        self.assertEqual(VERSION, peer.segment())
+        peer.close()
+        self.eventually(lambda: self.journal(event="close"), "the close in the journal")
+        self.assertEqual(
+            [("open", None), ("sent", HEARTBEAT.hex()), ("received", ANSWER.hex()),
+             ("sent", VERSION.hex()), ("close", None)],
+            [(line["event"], line.get("bytes")) for line in self.journal(device="control")])
+
+
+if __name__ == "__main__":
+    harness.main()
