@@ -1,0 +1,83 @@
+#include "tests/app/UserWindow.h"
+
+#include <QComboBox>
+#include <QtTest>
+
+UserWindow::UserWindow() : m_window(std::make_unique<MainWindow>())
+{
+    m_window->show();
+}
+
+void UserWindow::chooseRows(const QList<int>& rows) const
+{
+    Qt::KeyboardModifier modifier = Qt::NoModifier;
+    for (const int row : rows) {
+        QTableWidgetItem* item = table().item(row, 0);
+        table().scrollToItem(item);
+        QTest::mouseClick(table().viewport(), Qt::LeftButton, modifier,
+                          table().visualItemRect(item).center());
+        modifier = Qt::ControlModifier;
+    }
+}
+
+void UserWindow::chooseEnglish() const
+{
+    QTest::keyClick(&probe().child<QComboBox>(QStringLiteral("comboBox")), Qt::Key_Home);
+}
+
+void UserWindow::chooseChinese() const
+{
+    QTest::keyClick(&probe().child<QComboBox>(QStringLiteral("comboBox")), Qt::Key_End);
+}
+
+QStringList UserWindow::versions() const
+{
+    return {lineEdit("lineEditHardType").text(), lineEdit("lineEditHardVer").text(),
+            lineEdit("lineEditSoftVer").text(), lineEdit("lineEditProtocolVer").text(),
+            lineEdit("lineEditBootVer").text()};
+}
+
+QTableWidget& UserWindow::table() const
+{
+    return probe().child<QTableWidget>(QStringLiteral("tableWidgetFileInfo"));
+}
+
+QStringList UserWindow::names() const
+{
+    QStringList names;
+    for (int number = 0; number < table().rowCount(); ++number) {
+        names.append(row(number).first());
+    }
+    return names;
+}
+
+QStringList UserWindow::row(int number) const
+{
+    QStringList texts;
+    for (int column = 0; column < table().columnCount(); ++column) {
+        const QTableWidgetItem* item = table().item(number, column);
+        texts.append(item != nullptr ? item->text() : QString());
+    }
+    return texts;
+}
+
+QPushButton& UserWindow::button(const char* name) const
+{
+    return probe().child<QPushButton>(QLatin1String(name));
+}
+
+QLineEdit& UserWindow::lineEdit(const char* name) const
+{
+    return probe().child<QLineEdit>(QLatin1String(name));
+}
+
+QProgressBar& UserWindow::progressBar() const
+{
+    return probe().child<QProgressBar>(QStringLiteral("progressBarDownLoad"));
+}
+
+bool UserWindow::isIdle() const
+{
+    return canDownload() && !progressBar().isVisible() && downloadLabel().isEmpty()
+        && downloadCount().isEmpty();
+}

@@ -1,0 +1,63 @@
+// The program's window in the hands of a user.
+#pragma once
+
+#include "app/MainWindow.h"
+#include "tests/support/WindowProbe.h"
+
+#include <memory>
+
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStringList>
+#include <QTableWidget>
+
+/// Shows the window, works its widgets with mouse and keyboard and tells what it says.
+class UserWindow
+{
+public:
+    UserWindow();
+
+    /// Destroys the window, as the end of the program does.
+    void destroy() { m_window.reset(); }
+
+    MainWindow& window() const { return *m_window; }
+    support::WindowProbe probe() const { return support::WindowProbe(*m_window); }
+
+    void clickLink() const { probe().click(QStringLiteral("pushButtonLinkBELUN")); }
+    void clickBrowse() const { probe().click(QStringLiteral("pushButtonEnterTFcard")); }
+    void clickDownload() const { probe().click(QStringLiteral("pushButtonDownloadFile")); }
+    void clickDelete() const { probe().click(QStringLiteral("pushButtonDeleteFile")); }
+    void clickDeleteAll() const { probe().click(QStringLiteral("pushButtonDeleteAllFiles")); }
+    void clickFormat() const { probe().click(QStringLiteral("pushButtonFormatCard")); }
+    /// Clicks the first row and the others with Ctrl held.
+    void chooseRows(const QList<int>& rows) const;
+    void chooseEnglish() const;
+    void chooseChinese() const;
+
+    QLineEdit& statusField() const { return lineEdit("lineEditLinkBELUN"); }
+    QString status() const { return statusField().text(); }
+    bool showsLinkSuccess() const { return status() == QLatin1String("Link Success!"); }
+    bool showsLinkFail() const { return status() == QLatin1String("Link Fail!"); }
+    /// Hardware type, hardware, software, protocol and bootloader version.
+    QStringList versions() const;
+
+    QTableWidget& table() const;
+    /// Texts of the name column.
+    QStringList names() const;
+    /// The row's four texts; an empty one where there is no item.
+    QStringList row(int number) const;
+
+    QPushButton& button(const char* name) const;
+    QLineEdit& lineEdit(const char* name) const;
+    QString downloadLabel() const { return lineEdit("lineEditDownloadLabel").text(); }
+    QString downloadCount() const { return lineEdit("lineEditDownloadProgress").text(); }
+    QProgressBar& progressBar() const;
+    bool canDownload() const { return button("pushButtonDownloadFile").isEnabled(); }
+    bool canDeleteAll() const { return button("pushButtonDeleteAllFiles").isEnabled(); }
+    /// No download: the button waits for a click, bar and texts are gone.
+    bool isIdle() const;
+
+private:
+    std::unique_ptr<MainWindow> m_window;
+};
