@@ -1,0 +1,97 @@
+// hostToLong. Names are looked up where no name server can be reached: unknown ones fail at once.
+#include <cstring>
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QtTest>
+
+#include "http/HTTPClient.h"
+#include "tests/support/TestMain.h"
+
+class HTTPClient_HostTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void hostWithoutLettersIsReadAsDottedAddress_data();
+    void hostWithoutLettersIsReadAsDottedAddress();
+    void unknownNameGivesZero_data();
+    void unknownNameGivesZero();
+    void knownNameGivesItsAddressInNetworkByteOrder();
+};
+
+/// The address as it lies in memory.
+static QByteArray bytesOf(unsigned int address)
+{
+    char bytes[4];
+    static_assert(sizeof address == sizeof bytes);
+    std::memcpy(bytes, &address, sizeof bytes);
+    return QByteArray(bytes, sizeof bytes).toHex(' ');
+}
+
+void HTTPClient_HostTest::hostWithoutLettersIsReadAsDottedAddress_data()
+{
+    QTest::addColumn<QByteArray>("host");
+    QTest::addColumn<QByteArray>("address");
+    const auto row = [](const char* name, const QByteArray& host, const QByteArray& address) {
+        QTest::newRow(name) << host << address;
+    };
+
+    row("dotted address", "10.0.0.1", "0a 00 00 01");
+    row("the camera", "192.168.1.120", "c0 a8 01 78");
+    row("two numbers", "10.1", "0a 00 00 01");
+    row("one number", "1", "00 00 00 01");
+    row("octal digits", "010.0.0.1", "08 00 00 01");
+    row("all ones", "255.255.255.255", "ff ff ff ff");
+    row("empty", "", "ff ff ff ff");
+    row("number too large", "256.0.0.1", "ff ff ff ff");
+    row("five numbers", "1.2.3.4.5", "ff ff ff ff");
+    row("byte before the letters", "@", "ff ff ff ff");
+    row("byte behind the letters", "{", "ff ff ff ff");
+    row("minus", "10.0.0.1-", "ff ff ff ff");
+    row("bytes beyond ASCII", "\x80\xC1\xDA\xFF", "ff ff ff ff");
+}
+
+void HTTPClient_HostTest::hostWithoutLettersIsReadAsDottedAddress()
+{
+    QFETCH(QByteArray, host);
+    QTEST(bytesOf(HTTPClient().hostToLong(host.toStdString())), "address");
+}
+
+void HTTPClient_HostTest::unknownNameGivesZero_data()
+{
+    QTest::addColumn<QByteArray>("host");
+    const auto row = [](const char* name, const QByteArray& host) { QTest::newRow(name) << host; };
+
+    // Read as a dotted address each of these would be all ones.
+    row("underscore", "my_host");
+    row("first of the letters", "A!");
+    row("last of the letters", "z!");
+    row("bracket", "[");
+    row("backslash", "\\");
+    row("closing bracket", "]");
+    row("circumflex", "^");
+    row("grave accent", "`");
+    row("letter at the end only", "10.0.0.1.x");
+    row("letter behind a byte beyond ASCII", "\xE4.q");
+}
+
+void HTTPClient_HostTest::unknownNameGivesZero()
+{
+    QFETCH(QByteArray, host);
+    QCOMPARE(bytesOf(HTTPClient().hostToLong(host.toStdString())), QByteArray("00 00 00 00"));
+}
+
+void HTTPClient_HostTest::knownNameGivesItsAddressInNetworkByteOrder()
+{
+    QFile hosts("/etc/hosts");
+    const QRegularExpression line("^127\\.0\\.0\\.1\\s+localhost\\b",
+                                  QRegularExpression::MultilineOption);
+    if (!hosts.open(QIODevice::ReadOnly) || !line.match(hosts.readAll()).hasMatch()) {
+        QSKIP("this system's /etc/hosts does not name 127.0.0.1 localhost");
+    }
+    QCOMPARE(bytesOf(HTTPClient().hostToLong("localhost")), QByteArray("7f 00 00 01"));
+}
+
+BELUN_NETWORK_TEST_MAIN(HTTPClient_HostTest)
+#include "HTTPClient_HostTest.moc"

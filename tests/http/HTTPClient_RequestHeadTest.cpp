@@ -1,0 +1,156 @@
+// makeHeader; how a head travels is in HTTPClient_ExchangeTest.
+#include <QtTest>
+
+#include "http/HTTPClient.h"
+#include "tests/support/TestMain.h"
+
+class HTTPClient_RequestHeadTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void newRequestGivesItsSevenLines();
+    void requestLineBeginsWithTheMethod_data();
+    void requestLineBeginsWithTheMethod();
+    void hostLineNamesThePortUnlessItIs80_data();
+    void hostLineNamesThePortUnlessItIs80();
+    void headerLinesComeInByteOrderAndNoneIsAdded();
+    void hostInTheMapIsWrittenASecondTime();
+    void versionAndPathAreWrittenAsTheyStand();
+    void headsAreAppended();
+    void requestIsLeftAsItWas();
+};
+
+static std::string headOf(HTTPRequest request, HTTP_REQ_TYPE type = HTTP_REQ_GET)
+{
+    std::string head;
+    HTTPClient().makeHeader(type, request, head);
+    return head;
+}
+
+/// A request whose head is its first two lines and the empty one.
+static HTTPRequest bareRequest()
+{
+    HTTPRequest request;
+    request.host = "host";
+    request.headers.clear();
+    return request;
+}
+
+void HTTPClient_RequestHeadTest::newRequestGivesItsSevenLines()
+{
+    HTTPRequest request;
+    request.host = "192.168.1.120";
+    request.path = "/a";
+    QCOMPARE(headOf(request), std::string("GET /a HTTP/1.1\r\n"
+                                          "Host: 192.168.1.120\r\n"
+                                          "Accept: */*\r\n"
+                                          "Accept-Language: zh-CN\r\n"
+                                          "Connection: Keep-Alive\r\n"
+                                          "User-Agent: SDK C++ http client\r\n"
+                                          "\r\n"));
+}
+
+void HTTPClient_RequestHeadTest::requestLineBeginsWithTheMethod_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QByteArray>("head");
+    QTest::newRow("get") << 1 << QByteArray("GET / HTTP/1.1\r\nHost: host\r\n\r\n");
+    QTest::newRow("post") << 2 << QByteArray("POST / HTTP/1.1\r\nHost: host\r\n\r\n");
+    QTest::newRow("put") << 3 << QByteArray("PUT / HTTP/1.1\r\nHost: host\r\n\r\n");
+    QTest::newRow("delete") << 4 << QByteArray("DELETE / HTTP/1.1\r\nHost: host\r\n\r\n");
+    QTest::newRow("unknown: 0") << 0 << QByteArray(" / HTTP/1.1\r\nHost: host\r\n\r\n");
+    QTest::newRow("unknown: 5") << 5 << QByteArray(" / HTTP/1.1\r\nHost: host\r\n\r\n");
+    QTest::newRow("unknown: -1") << -1 << QByteArray(" / HTTP/1.1\r\nHost: host\r\n\r\n");
+}
+
+void HTTPClient_RequestHeadTest::requestLineBeginsWithTheMethod()
+{
+    QFETCH(int, type);
+    const std::string head = headOf(bareRequest(), static_cast<HTTP_REQ_TYPE>(type));
+    QTEST(QByteArray::fromStdString(head), "head");
+}
+
+void HTTPClient_RequestHeadTest::hostLineNamesThePortUnlessItIs80_data()
+{
+    QTest::addColumn<int>("port");
+    QTest::addColumn<QByteArray>("head");
+    QTest::newRow("80") << 80 << QByteArray("GET / HTTP/1.1\r\nHost: host\r\n\r\n");
+    QTest::newRow("8080") << 8080 << QByteArray("GET / HTTP/1.1\r\nHost: host:8080\r\n\r\n");
+    QTest::newRow("443") << 443 << QByteArray("GET / HTTP/1.1\r\nHost: host:443\r\n\r\n");
+    QTest::newRow("0") << 0 << QByteArray("GET / HTTP/1.1\r\nHost: host:0\r\n\r\n");
+    QTest::newRow("-1") << -1 << QByteArray("GET / HTTP/1.1\r\nHost: host:-1\r\n\r\n");
+    QTest::newRow("65616, whose low 16 bits are 80")
+        << 65616 << QByteArray("GET / HTTP/1.1\r\nHost: host:65616\r\n\r\n");
+}
+
+void HTTPClient_RequestHeadTest::hostLineNamesThePortUnlessItIs80()
+{
+    QFETCH(int, port);
+    HTTPRequest request = bareRequest();
+    request.port = port;
+    QTEST(QByteArray::fromStdString(headOf(request)), "head");
+}
+
+void HTTPClient_RequestHeadTest::headerLinesComeInByteOrderAndNoneIsAdded()
+{
+    HTTPRequest request = bareRequest();
+    request.headers = {{"b", "1"}, {"A", ""}, {"Content-Type", "text/plain"}, {"", "no name"}};
+    QCOMPARE(headOf(request, HTTP_REQ_POST), std::string("POST / HTTP/1.1\r\n"
+                                                         "Host: host\r\n"
+                                                         ": no name\r\n"
+                                                         "A: \r\n"
+                                                         "Content-Type: text/plain\r\n"
+                                                         "b: 1\r\n"
+                                                         "\r\n"));
+}
+
+void HTTPClient_RequestHeadTest::hostInTheMapIsWrittenASecondTime()
+{
+    HTTPRequest request = bareRequest();
+    request.headers["Host"] = "other";
+    QCOMPARE(headOf(request),
+             std::string("GET / HTTP/1.1\r\nHost: host\r\nHost: other\r\n\r\n"));
+}
+
+void HTTPClient_RequestHeadTest::versionAndPathAreWrittenAsTheyStand()
+{
+    HTTPRequest request = bareRequest();
+    request.version = "HTTP/1.0";
+    request.path = "/a b?c=\xE4%20\"";
+    request.host = "";
+    QCOMPARE(headOf(request), std::string("GET /a b?c=\xE4%20\" HTTP/1.0\r\nHost: \r\n\r\n"));
+    request.path = "";
+    request.version = "";
+    QCOMPARE(headOf(request), std::string("GET  \r\nHost: \r\n\r\n"));
+}
+
+void HTTPClient_RequestHeadTest::headsAreAppended()
+{
+    HTTPRequest request = bareRequest();
+    HTTP_REQ_TYPE type = HTTP_REQ_GET;
+    std::string out = "before";
+    HTTPClient().makeHeader(type, request, out);
+    HTTPClient().makeHeader(type, request, out);
+    QCOMPARE(out, std::string("beforeGET / HTTP/1.1\r\nHost: host\r\n\r\n"
+                              "GET / HTTP/1.1\r\nHost: host\r\n\r\n"));
+}
+
+void HTTPClient_RequestHeadTest::requestIsLeftAsItWas()
+{
+    HTTPRequest request;
+    request.url = "http://other:1/p";
+    request.host = "host";
+    HTTP_REQ_TYPE type = HTTP_REQ_PUT;
+    std::string out;
+    HTTPClient().makeHeader(type, request, out);
+    QCOMPARE(int(type), 3);
+    QCOMPARE(request.url, std::string("http://other:1/p"));
+    QCOMPARE(request.host, std::string("host"));
+    QCOMPARE(request.port, 80);
+    QCOMPARE(request.path, std::string("/"));
+    QVERIFY(request.headers == HTTPRequest().headers);
+}
+
+BELUN_TEST_MAIN(HTTPClient_RequestHeadTest)
+#include "HTTPClient_RequestHeadTest.moc"
