@@ -1,0 +1,79 @@
+// The addresses that the camera understands, letter for letter.
+#include "card/CardCommands.h"
+
+#include <QtTest>
+
+#include "tests/support/TestMain.h"
+
+class CardCommandsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void addressesAreThoseTheCameraTakes_data();
+    void addressesAreThoseTheCameraTakes();
+    void argumentIsJoinedOnAsItStands_data();
+    void argumentIsJoinedOnAsItStands();
+    void successIsTheWordWithItsLineEnd();
+};
+
+void CardCommandsTest::addressesAreThoseTheCameraTakes_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("address");
+
+    QTest::newRow("file count") << card::fileCountCommand()
+                                << "http://192.168.1.120/cgi-bin/hi3510/getfilecount.cgi?";
+    QTest::newRow("file list")
+        << card::fileListCommand()
+        << "http://192.168.1.120/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end=";
+    QTest::newRow("file information")
+        << card::fileInfoCommand()
+        << "http://192.168.1.120/cgi-bin/hi3510/getfileinfo.cgi?&-name=sd/DCIM/100ZEPNA/";
+    QTest::newRow("delete file")
+        << card::deleteFileCommand()
+        << "http://192.168.1.120/cgi-bin/hi3510/deletefile.cgi?&-name=sd/DCIM/100ZEPNA/";
+    QTest::newRow("delete all files") << card::deleteAllFilesCommand()
+                                      << "http://192.168.1.120/cgi-bin/hi3510/deleteallfiles.cgi?";
+    QTest::newRow("format card, no ampersand behind the question mark")
+        << card::formatCardCommand()
+        << "http://192.168.1.120/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
+}
+
+void CardCommandsTest::addressesAreThoseTheCameraTakes()
+{
+    QFETCH(QString, command);
+    QTEST(command, "address");
+}
+
+void CardCommandsTest::argumentIsJoinedOnAsItStands_data()
+{
+    QTest::addColumn<QString>("argument");
+    QTest::addColumn<QString>("address");
+
+    const QString folder = QStringLiteral("camera?&-name=sd/DCIM/100ZEPNA/");
+    for (const char* name : {"BELUN_0001.mp4", "dive 1 & 2.mp4", "a=b?c#d.mp4", "50%20.mp4",
+                             "%1.mp4", "%2%1.mp4", "../x.mp4", ""}) {
+        QTest::newRow(*name == '\0' ? "nothing" : name)
+            << QString::fromLatin1(name) << QString(folder + QLatin1String(name));
+    }
+    QTest::newRow("beyond ASCII") << QStringLiteral("深海.mp4")
+                                  << QStringLiteral("camera?&-name=sd/DCIM/100ZEPNA/深海.mp4");
+}
+
+void CardCommandsTest::argumentIsJoinedOnAsItStands()
+{
+    QFETCH(QString, argument);
+    const QString joined =
+        card::withArgument(QStringLiteral("camera?&-name=sd/DCIM/100ZEPNA/"), argument);
+    QTEST(joined, "address");
+}
+
+void CardCommandsTest::successIsTheWordWithItsLineEnd()
+{
+    QCOMPARE(QByteArray(card::successAnswer), QByteArray("\x53\x75\x63\x63\x65\x73\x73\x0d\x0a"));
+}
+
+BELUN_TEST_MAIN(CardCommandsTest)
+
+#include "CardCommandsTest.moc"

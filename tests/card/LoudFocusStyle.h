@@ -1,0 +1,22 @@
+// A style whose focus frame cannot be missed.
+#pragma once
+
+#include <QPainter>
+#include <QProxyStyle>
+
+/// Fills the place of every focus frame with pure red.
+class LoudFocusStyle : public QProxyStyle
+{
+public:
+    LoudFocusStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override
+    {
+        if (element == PE_FrameFocusRect) {
+            painter->fillRect(option->rect, QColor(255, 0, 0));
+            return;
+        }
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+};
