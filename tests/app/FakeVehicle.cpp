@@ -367,6 +367,14 @@ void Camera::fail(const QByteArray& targetStart)
     on(targetStart, [](Connection&) {});
 }
 
+void Camera::holdFiles(const QList<QByteArray>& names)
+{
+    answer(countTarget, "var filecount=\"" + QByteArray::number(names.size()) + "\";\r\n");
+    answer(listTarget, fileList(names));
+    answer(infoTarget,
+           "var create=\"20200131124502\";\r\nvar size=\"1572864\";\r\nvar time=\"37\";\r\n");
+}
+
 QList<QByteArray> Camera::heads() const
 {
     const std::lock_guard lock(m_mutex);
@@ -428,6 +436,15 @@ QByteArray withLength(const QByteArray& body)
 {
     return "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n"
         + body;
+}
+
+QByteArray fileList(const QList<QByteArray>& names)
+{
+    QByteArray list;
+    for (const QByteArray& name : names) {
+        list += "sd/DCIM/100ZEPNA/" + name + ";";
+    }
+    return list + "\r\n";
 }
 
 bool isConnectPending(const char* address, int port)

@@ -23,6 +23,15 @@ constexpr char cameraAddress[] = "192.168.1.120";
 constexpr int modulePort = 5000;
 constexpr int cameraPort = 80;
 
+// What a request's target starts with.
+constexpr char countTarget[] = "/cgi-bin/hi3510/getfilecount.cgi?";
+constexpr char listTarget[] = "/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end=";
+constexpr char infoTarget[] = "/cgi-bin/hi3510/getfileinfo.cgi?&-name=sd/DCIM/100ZEPNA/";
+constexpr char deleteTarget[] = "/cgi-bin/hi3510/deletefile.cgi?&-name=sd/DCIM/100ZEPNA/";
+constexpr char deleteAllTarget[] = "/cgi-bin/hi3510/deleteallfiles.cgi?";
+constexpr char formatTarget[] = "/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
+constexpr char downloadTarget[] = "http://192.168.1.120/sd/DCIM/100ZEPNA/";
+
 /// The place where a server waits for the test: the server passes it once the test has opened it.
 class Gate
 {
@@ -152,6 +161,8 @@ public:
     /// The connection closed without an answer.
     void fail(const QByteArray& targetStart);
     void on(const QByteArray& targetStart, Answer answer);
+    /// Answers count, list and details as a card with these files; all have the same details.
+    void holdFiles(const QList<QByteArray>& names);
 
     int connectionCount() { return m_listener->connectionCount(); }
     /// Request heads in the order they came, as received.
@@ -174,6 +185,8 @@ private:
 
 /// An answer with its length announced.
 QByteArray withLength(const QByteArray& body);
+/// The body of a list answer.
+QByteArray fileList(const QList<QByteArray>& names);
 
 /// Someone is waiting for that address to answer a connection attempt.
 bool isConnectPending(const char* address, int port);

@@ -8,6 +8,19 @@ UserWindow::UserWindow() : m_window(std::make_unique<MainWindow>())
     m_window->show();
 }
 
+UserWindow::~UserWindow()
+{
+    destroy();
+}
+
+void UserWindow::destroy()
+{
+    if (m_window) {
+        chooseEnglish();
+        m_window.reset();
+    }
+}
+
 void UserWindow::chooseRows(const QList<int>& rows) const
 {
     Qt::KeyboardModifier modifier = Qt::NoModifier;

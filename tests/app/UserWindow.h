@@ -17,9 +17,13 @@ class UserWindow
 {
 public:
     UserWindow();
+    ~UserWindow();
+    UserWindow(const UserWindow&) = delete;
+    UserWindow& operator=(const UserWindow&) = delete;
 
-    /// Destroys the window, as the end of the program does.
-    void destroy() { m_window.reset(); }
+    /// Destroys the window, as the end of the program does, with English chosen: its translator
+    /// stays installed and would speak for the next window too.
+    void destroy();
 
     MainWindow& window() const { return *m_window; }
     support::WindowProbe probe() const { return support::WindowProbe(*m_window); }
