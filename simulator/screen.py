@@ -66,12 +66,18 @@ class Picture:
                    if any(self.pixel(x, y) != other.pixel(x, y) for y in rows)]
         return columns[0], rows[0], columns[-1] + 1, rows[-1] + 1
 
-    def changedRows(self, other, box):
-        """How many rows of text, with unchanged lines between them, differ within the box."""
+    def textRows(self, box, matches):
+        """One number per line of text in the box: how many pixels of a matching colour it has."""
         left, top, right, bottom = box
-        changed = [self.row(y, left, right) != other.row(y, left, right)
-                   for y in range(top, bottom)]
-        return sum(now and not before for before, now in zip([False] + changed, changed))
+        rows, before = [], 0
+        for y in range(top, bottom):
+            now = self.count((left, y, right, y + 1), matches)
+            if now and not before:
+                rows.append(0)
+            if now:
+                rows[-1] += now
+            before = now
+        return rows
 
     def shapes(self, box):
         """The text in the box, cut where a column looks like the leftmost, as a list of shapes."""
@@ -135,17 +141,24 @@ def findWindow(title, seconds=20.0):
 def findByFocus(names):
     """Where the widgets are that the Tab key goes through: {name: box}.
 
-    The names are in the order of the keyboard focus, which is on the first one at the start.
+    The names are in the order of the keyboard focus, which is on the first of them. The widget
+    before that one, the last to come round to, shows no focus.
     """
-    without = lookWhenStill()
+    picture = lookWhenStill()
+
+    def press(name, what):
+        nonlocal picture
+        before = picture
+        key(name)
+        waitFor(f"the keyboard focus {what}", lambda: look() != before, 5.0)
+        picture = lookWhenStill()
+
+    press("Tab", "to show")
+    press("shift+Tab", f"on {names[0]}")
+    press("shift+Tab", f"to leave {names[0]}")
+    without = picture
     boxes = {}
-    key("Tab", "shift+Tab")
     for name in names:
-        if boxes:
-            key("Tab")
-        try:
-            boxes[name] = waitFor(f"the focus on {name}",
-                                  lambda: lookWhenStill().changed(without), 5.0)
-        except NotSeen:
-            raise NotSeen(f"the keyboard focus never showed on {name}") from None
+        press("Tab", f"on {name}")
+        boxes[name] = picture.changed(without)
     return boxes
