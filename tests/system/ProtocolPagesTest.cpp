@@ -1,0 +1,439 @@
+// The protocol pages under docs/: their blocks are played to the program, so a page that no longer
+// tells the truth fails here.
+#include "app/MainWindow.h"
+#include "card/CardAnswers.h"
+#include "card/CardCommands.h"
+#include "link/ControlClientThread.h"
+#include "link/GroundClientThread.h"
+#include "link/VehicleFrame.h"
+#include "link/VersionText.h"
+#include "tests/support/MessageBoxWatcher.h"
+#include "tests/support/ScriptedServer.h"
+#include "tests/support/TestMain.h"
+#include "tests/support/WindowProbe.h"
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include <QDir>
+#include <QFile>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QTableWidget>
+
+using support::Peer;
+using support::ScriptedServer;
+
+namespace {
+
+constexpr quint16 modulePort = 5000;
+constexpr quint16 cameraPort = 80;
+
+/// The lines of each fenced block with that tag.
+QList<QStringList> blocks(const QString& page, const QString& tag)
+{
+    QList<QStringList> found;
+    bool inside = false;
+    for (const QString& line : page.split('\n')) {
+        if (inside && line == "```") {
+            inside = false;
+        } else if (inside) {
+            found.last().append(line);
+        } else if (line == "```" + tag) {
+            inside = true;
+            found.append(QStringList());
+        }
+    }
+    return found;
+}
+
+/// The words of a line: columns are two or more spaces apart.
+QStringList columns(const QString& line)
+{
+    return line.split(QRegularExpression(" {2,}"), Qt::SkipEmptyParts);
+}
+
+QByteArray bytes(const QString& hexadecimal)
+{
+    return QByteArray::fromHex(hexadecimal.toLatin1());
+}
+
+QString hexadecimal(const QByteArray& bytes)
+{
+    return QString::fromLatin1(bytes.toHex(' ')).toUpper();
+}
+
+vehicle::Chunk chunk(const QByteArray& bytes)
+{
+    vehicle::Chunk chunk{};
+    std::copy(bytes.begin(), bytes.end(), chunk.begin());
+    return chunk;
+}
+
+/// What a link makes of a chunk, in the page's words.
+QString meaning(const vehicle::Chunk& chunk, std::uint8_t startByte, bool readsReports)
+{
+    if (vehicle::isHeartbeat(chunk, startByte)) {
+        return "heartbeat";
+    }
+    return readsReports && vehicle::decodeVersionReport(chunk) ? "report" : "nothing";
+}
+
+/// A module's side of the conversations on a page.
+struct Conversation
+{
+    std::vector<ScriptedServer::Script> connections;
+    QStringList programBytes; // per connection
+    QStringList signalTexts;
+};
+
+/// Sends a connection's module lines and waits for its program lines, in their order. Every module
+/// line is a chunk of its own.
+ScriptedServer::Script script(const QList<QStringList>& lines, bool closes)
+{
+    return [lines, closes](Peer& peer) {
+        for (const QStringList& line : lines) {
+            if (line[0] == "module") {
+                peer.send(bytes(line[1]));
+                peer.waitUntilRead();
+            } else {
+                peer.receiveExactly(bytes(line[1]).size());
+            }
+        }
+        if (closes) {
+            peer.halfClose();
+        }
+        // An answer that the page does not have is seen too.
+        peer.waitUntilClosedByClient();
+    };
+}
+
+Conversation conversation(const QStringList& block)
+{
+    Conversation result;
+    QList<QStringList> lines;
+    const auto endConnection = [&](bool closes) {
+        QByteArray expected;
+        for (const QStringList& line : qAsConst(lines)) {
+            expected += line[0] == "program" ? bytes(line[1]) : QByteArray();
+        }
+        result.connections.push_back(script(lines, closes));
+        result.programBytes.append(hexadecimal(expected));
+        lines.clear();
+    };
+    for (const QString& text : block) {
+        const QStringList line = columns(text);
+        if (line[0] == "signal") {
+            result.signalTexts.append(line[1]);
+        } else if (line[0] == "close") {
+            endConnection(true);
+        } else if (line[0] != "connect") {
+            lines.append(line);
+        }
+    }
+    endConnection(false);
+    return result;
+}
+
+/// What the program has sent on each connection of a conversation.
+QStringList sentBytes(const ScriptedServer& server)
+{
+    QStringList sent;
+    for (int i = 0; i < server.connectionCount(); ++i) {
+        sent.append(hexadecimal(server.received(i)));
+    }
+    return sent;
+}
+
+/// One request of the camera page and its answer.
+struct Exchange
+{
+    QByteArray request;
+    QByteArray answer;
+
+    QByteArray body() const { return answer.mid(answer.indexOf("\r\n\r\n") + 4); }
+    QByteArray target() const { return request.left(request.indexOf(" HTTP/1.1")).mid(4); }
+};
+
+QList<Exchange> exchanges(const QString& page)
+{
+    QList<Exchange> all;
+    for (const QStringList& block : blocks(page, "exchange")) {
+        Exchange exchange;
+        for (const QString& line : block) {
+            QByteArray& side = line.startsWith('>') ? exchange.request : exchange.answer;
+            side += line.mid(2).toUtf8() + "\r\n";
+        }
+        all.append(exchange);
+    }
+    return all;
+}
+
+QByteArray unescaped(QString text)
+{
+    return text.replace("\\r", "\r").replace("\\n", "\n").toUtf8();
+}
+
+QString rowText(const QTableWidget& table, int row)
+{
+    QStringList texts;
+    for (int column = 0; column < table.columnCount(); ++column) {
+        const QTableWidgetItem* item = table.item(row, column);
+        texts.append(item == nullptr ? "-" : item->text());
+    }
+    return texts.join(", ");
+}
+
+QStringList tableText(const QTableWidget& table)
+{
+    QStringList rows;
+    for (int row = 0; row < table.rowCount(); ++row) {
+        rows.append(rowText(table, row));
+    }
+    return rows;
+}
+
+} // namespace
+
+class ProtocolPagesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void theVersionsOfTheLinkPageAreCountedAndShownSo();
+    void theChunksOfTheLinkPageMeanWhatItSays();
+    void theControlConversationHappensAsItStands();
+    void theGroundConversationHappensAsItStands();
+
+    void theCommandsOfTheCameraPageAreTheProgramsOwn();
+    void theAnswersOfTheCameraPageAreReadSo_data();
+    void theAnswersOfTheCameraPageAreReadSo();
+    void theLengthsOfTheCameraPageAreTheBodies();
+    void theCameraConversationHappensAsItStands();
+
+private:
+    QString m_linkPage;
+    QString m_cameraPage;
+};
+
+void ProtocolPagesTest::initTestCase()
+{
+    for (auto [page, path] :
+         {std::pair(&m_linkPage, QFINDTESTDATA("../../docs/link-protocol.md")),
+          std::pair(&m_cameraPage, QFINDTESTDATA("../../docs/camera-protocol.md"))}) {
+        QFile file(path);
+        QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.errorString()));
+        *page = QString::fromUtf8(file.readAll());
+    }
+}
+
+// --- the link page
+// ----------------------------------------------------------------------------------
+
+void ProtocolPagesTest::theVersionsOfTheLinkPageAreCountedAndShownSo()
+{
+    const QStringList lines = blocks(m_linkPage, "versions").value(0);
+    QVERIFY(lines.size() > 5);
+    for (const QString& line : lines) {
+        const QStringList parts = columns(line);
+        QCOMPARE(parts.size(), 3);
+        const QByteArray value = bytes(parts[0]);
+        const auto report = vehicle::decodeVersionReport(
+            chunk(bytes("AA AF 00 09 07") + value + value + value + value));
+        QVERIFY2(report, qPrintable(line));
+        for (const int version :
+             {report->hardVer, report->softVer, report->protocolVer, report->bootVer}) {
+            QCOMPARE(QString::number(version), parts[1]);
+            QCOMPARE(vehicle::versionText(version), parts[2]);
+        }
+    }
+}
+
+void ProtocolPagesTest::theChunksOfTheLinkPageMeanWhatItSays()
+{
+    const QStringList lines = blocks(m_linkPage, "chunks").value(0);
+    QVERIFY(lines.size() > 5);
+    for (const QString& line : lines) {
+        const QStringList parts = columns(line);
+        QCOMPARE(parts.size(), 3);
+        const vehicle::Chunk received = chunk(bytes(parts[0]));
+        const QString context = parts[0] + ": ";
+        QCOMPARE(context + meaning(received, 0xAA, true), context + parts[1]);
+        QCOMPARE(context + meaning(received, 0xBB, false), context + parts[2]);
+    }
+}
+
+void ProtocolPagesTest::theControlConversationHappensAsItStands()
+{
+    const QList<QStringList> found = blocks(m_linkPage, "control-conversation");
+    QCOMPARE(found.size(), 1);
+    const Conversation expected = conversation(found[0]);
+    QCOMPARE(expected.connections.size(), std::size_t(2));
+
+    ScriptedServer module(expected.connections, "192.168.1.149", modulePort);
+    QStringList signalTexts;
+    auto thread = std::make_unique<ControlClientThread>(nullptr);
+    connect(thread.get(), &ControlClientThread::updateLinkedFlag, this, [&](bool flag) {
+        signalTexts.append(QString("updateLinkedFlag(%1)").arg(flag ? "true" : "false"));
+    });
+    connect(thread.get(), &ControlClientThread::VersionInfo, this,
+            [&](char hardType, int hardVer, int softVer, int protocolVer, int bootVer) {
+                signalTexts.append(QString("VersionInfo(%1, %2, %3, %4, %5)")
+                                       .arg(static_cast<int>(hardType))
+                                       .arg(hardVer)
+                                       .arg(softVer)
+                                       .arg(protocolVer)
+                                       .arg(bootVer));
+            });
+    thread->start();
+    QTRY_COMPARE(signalTexts, expected.signalTexts);
+    QTRY_COMPARE(sentBytes(module), expected.programBytes);
+    thread->stopAndWait();
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(signalTexts, expected.signalTexts);
+    thread.reset();
+    QVERIFY(module.waitForScripts(expected.programBytes.size()));
+    QCOMPARE(sentBytes(module), expected.programBytes);
+}
+
+void ProtocolPagesTest::theGroundConversationHappensAsItStands()
+{
+    const QList<QStringList> found = blocks(m_linkPage, "ground-conversation");
+    QCOMPARE(found.size(), 1);
+    const Conversation expected = conversation(found[0]);
+    QCOMPARE(expected.connections.size(), std::size_t(2));
+    QCOMPARE(expected.signalTexts, QStringList());
+
+    ScriptedServer module(expected.connections, "192.168.1.148", modulePort);
+    auto thread = std::make_unique<GroundClientThread>(nullptr);
+    thread->start();
+    QTRY_COMPARE(sentBytes(module), expected.programBytes);
+    thread.reset();
+    QVERIFY(module.waitForScripts(expected.programBytes.size()));
+    QCOMPARE(sentBytes(module), expected.programBytes);
+}
+
+// --- the camera page
+// --------------------------------------------------------------------------------
+
+void ProtocolPagesTest::theCommandsOfTheCameraPageAreTheProgramsOwn()
+{
+    const QRegularExpression row("^\\| [a-z ]+\\| `(/cgi-bin[^`]*)` *\\|",
+                                 QRegularExpression::MultilineOption);
+    QStringList onPage;
+    for (auto matches = row.globalMatch(m_cameraPage); matches.hasNext();) {
+        onPage.append("http://192.168.1.120" + matches.next().captured(1));
+    }
+    QCOMPARE(onPage, (QStringList{card::fileCountCommand(), card::fileListCommand(),
+                                  card::fileInfoCommand(), card::deleteFileCommand(),
+                                  card::deleteAllFilesCommand(), card::formatCardCommand()}));
+}
+
+void ProtocolPagesTest::theAnswersOfTheCameraPageAreReadSo_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<QString>("result");
+    const QStringList lines = blocks(m_cameraPage, "answers").value(0);
+    QVERIFY(lines.size() > 8);
+    const QRegularExpression parts("^([a-z]+): (.*) -> ?(.*)$");
+    for (const QString& line : lines) {
+        const QRegularExpressionMatch match = parts.match(line);
+        QVERIFY2(match.hasMatch(), qPrintable(line));
+        QTest::newRow(qPrintable(line))
+            << match.captured(1) << match.captured(2) << match.captured(3);
+    }
+}
+
+void ProtocolPagesTest::theAnswersOfTheCameraPageAreReadSo()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, answer);
+    QFETCH(QString, result);
+    const QByteArray text = unescaped(answer);
+    if (kind == "count") {
+        const auto count = card::textBetween(text, card::countStart, card::valueEnd);
+        QCOMPARE(count ? QString::fromStdString(std::string(*count)) : "no count", result);
+    } else if (kind == "list") {
+        const auto names = std::make_unique<card::NameTable>();
+        QStringList read;
+        for (const std::string& name : card::readFileList(text, *names)) {
+            read.append(QString::fromStdString(name));
+        }
+        QCOMPARE(read.join(", "), result);
+    } else {
+        QCOMPARE(kind, QString("details"));
+        MainWindow window;
+        const support::WindowProbe probe(window);
+        auto& table = probe.child<QTableWidget>("tableWidgetFileInfo");
+        table.insertRow(0);
+        const char* details = text.constData();
+        probe.call("ParseFileInfo", Q_ARG(const char*, details), Q_ARG(int, 0));
+        QCOMPARE(rowText(table, 0), "-, " + result);
+    }
+}
+
+void ProtocolPagesTest::theLengthsOfTheCameraPageAreTheBodies()
+{
+    for (const Exchange& exchange : exchanges(m_cameraPage)) {
+        const QByteArray length =
+            "\r\nContent-Length: " + QByteArray::number(exchange.body().size()) + "\r\n";
+        QVERIFY2(exchange.answer.contains(length), exchange.answer.constData());
+    }
+}
+
+void ProtocolPagesTest::theCameraConversationHappensAsItStands()
+{
+    const QList<Exchange> expected = exchanges(m_cameraPage);
+    QCOMPARE(expected.size(), 8);
+    std::vector<ScriptedServer::Script> scripts;
+    for (const Exchange& exchange : expected) {
+        scripts.push_back([exchange](Peer& peer) {
+            peer.receiveUntil("\r\n\r\n");
+            peer.send(exchange.answer);
+            peer.close();
+        });
+    }
+    const ScriptedServer::Script silent = [](Peer& peer) { peer.holdOpen(); };
+    ScriptedServer ground(silent, "192.168.1.148", modulePort);
+    ScriptedServer control(silent, "192.168.1.149", modulePort);
+    ScriptedServer camera(scripts, "192.168.1.120", cameraPort);
+    support::MessageBoxWatcher boxes;
+
+    MainWindow window;
+    window.show();
+    const support::WindowProbe probe(window);
+    auto& table = probe.child<QTableWidget>("tableWidgetFileInfo");
+    probe.click("pushButtonLinkBELUN");
+
+    probe.click("pushButtonEnterTFcard");
+    QCOMPARE(tableText(table), blocks(m_cameraPage, "rows").value(0));
+
+    table.selectRow(1);
+    probe.click("pushButtonDownloadFile");
+    QTRY_VERIFY(probe.child<QPushButton>("pushButtonDownloadFile").isEnabled());
+    const QByteArray name = expected[4].target().split('/').last();
+    QFile recording(QDir::homePath() + "/Desktop/DCIM/" + QString::fromUtf8(name));
+    QVERIFY2(recording.open(QIODevice::ReadOnly), qPrintable(recording.fileName()));
+    QCOMPARE(recording.readAll(), expected[4].body());
+
+    probe.click("pushButtonDeleteFile");
+    QCOMPARE(tableText(table), blocks(m_cameraPage, "rows").value(0).mid(0, 1));
+    boxes.answerNext(QMessageBox::Ok);
+    probe.click("pushButtonDeleteAllFiles");
+    QCOMPARE(tableText(table), QStringList());
+    boxes.answerNext(QMessageBox::Ok);
+    probe.click("pushButtonFormatCard");
+    QCOMPARE(boxes.boxes().size(), 2);
+
+    QCOMPARE(camera.connectionCount(), expected.size());
+    for (int i = 0; i < expected.size(); ++i) {
+        QCOMPARE(QString::fromUtf8(camera.received(i)), QString::fromUtf8(expected[i].request));
+    }
+}
+
+BELUN_NETWORK_TEST_MAIN(ProtocolPagesTest)
+#include "ProtocolPagesTest.moc"
