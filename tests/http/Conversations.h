@@ -1,0 +1,34 @@
+// What devices may send, good and bad, with what becomes of it wherever the connection ends.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tests/http/WireOutcome.h"
+
+/// Bytes, and the outcome's text when the connection is closed behind any one of them: behind the
+/// first, behind the last, or between.
+struct Piece
+{
+    std::string bytes;
+    std::string closed;
+};
+
+/// One answer, or a part of one. The outcome when all of it arrives is that of its last piece. How
+/// it is cut on its way makes no difference to any of these.
+struct Conversation
+{
+    const char* name;
+    Reader reader;
+    HTTPResponse before;       ///< The response record when reading begins.
+    bool endsByItself;         ///< The reader returns while the connection stays open.
+    std::string closedAtStart; ///< Outcome when the connection is closed without a byte.
+    std::vector<Piece> pieces;
+    std::string unread;        ///< What the reader leaves when all has arrived.
+};
+
+std::vector<Conversation> headConversations();
+std::vector<Conversation> plainConversations();
+std::vector<Conversation> chunkedConversations();
+std::vector<Conversation> oddChunkConversations();
+std::vector<Conversation> carriedOverConversations();

@@ -1,0 +1,215 @@
+// Heads and bodies, good and bad, delivered in every way a connection may deliver them.
+#include <QtTest>
+
+#include "tests/http/Conversations.h"
+#include "tests/http/WireOutcome.h"
+#include "tests/support/TestMain.h"
+
+Q_DECLARE_METATYPE(Conversation)
+
+namespace {
+
+void addRows(const char* kind, const std::vector<Conversation>& conversations)
+{
+    for (const Conversation& conversation : conversations) {
+        QTest::addRow("%s: %s", kind, conversation.name) << conversation;
+    }
+}
+
+void addAllConversations()
+{
+    QTest::addColumn<Conversation>("conversation");
+    addRows("head", headConversations());
+    addRows("plain", plainConversations());
+    addRows("chunked", chunkedConversations());
+    addRows("odd chunk", oddChunkConversations());
+    addRows("carried over", carriedOverConversations());
+}
+
+std::string allBytes(const Conversation& conversation)
+{
+    std::string bytes;
+    for (const Piece& piece : conversation.pieces) {
+        bytes += piece.bytes;
+    }
+    return bytes;
+}
+
+/// The outcome expected when the connection is closed behind the first `count` bytes.
+std::string closedBehind(const Conversation& conversation, std::size_t count)
+{
+    std::string closed = conversation.closedAtStart;
+    std::size_t begin = 0;
+    for (const Piece& piece : conversation.pieces) {
+        if (count <= begin) {
+            break;
+        }
+        closed = piece.closed;
+        begin += piece.bytes.size();
+    }
+    return closed;
+}
+
+QByteArray text(const std::string& bytes)
+{
+    return QByteArray::fromStdString(bytes);
+}
+
+/// Compares the outcome of a delivery of everything.
+void checkWhole(const Conversation& conversation, std::vector<std::string> pieces)
+{
+    const Delivery delivery{std::move(pieces), !conversation.endsByItself};
+    const Outcome outcome = readFrom(conversation.reader, conversation.before, delivery);
+    QCOMPARE(text(outcome.text), text(conversation.pieces.back().closed));
+    QCOMPARE(text(outcome.unread), text(conversation.unread));
+}
+
+} // namespace
+
+class HTTPClient_EveryCutTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void deliveredWhole_data() { addAllConversations(); }
+    void deliveredWhole();
+    void deliveredByteByByte_data() { addAllConversations(); }
+    void deliveredByteByByte();
+    void cutAtEveryPosition_data() { addAllConversations(); }
+    void cutAtEveryPosition();
+    void closedAtEveryPosition_data() { addAllConversations(); }
+    void closedAtEveryPosition();
+
+    void bodyWithoutLengthEndsWithTheFirstPiece_data();
+    void bodyWithoutLengthEndsWithTheFirstPiece();
+    void bodyBeyondItsLengthIsKeptAsFarAsItCameInOnePiece_data();
+    void bodyBeyondItsLengthIsKeptAsFarAsItCameInOnePiece();
+    void bodyBehindAnOlderLargerCountEndsWithTheFirstPiece_data();
+    void bodyBehindAnOlderLargerCountEndsWithTheFirstPiece();
+};
+
+void HTTPClient_EveryCutTest::deliveredWhole()
+{
+    QFETCH(Conversation, conversation);
+    checkWhole(conversation, {allBytes(conversation)});
+}
+
+void HTTPClient_EveryCutTest::deliveredByteByByte()
+{
+    QFETCH(Conversation, conversation);
+    checkWhole(conversation, singleBytes(allBytes(conversation)));
+}
+
+void HTTPClient_EveryCutTest::cutAtEveryPosition()
+{
+    QFETCH(Conversation, conversation);
+    const std::string bytes = allBytes(conversation);
+    for (std::size_t position = 1; position < bytes.size(); ++position) {
+        checkWhole(conversation, cut(bytes, {position}));
+        if (QTest::currentTestFailed()) {
+            qInfo("cut behind %zu of %zu bytes", position, bytes.size());
+            return;
+        }
+    }
+}
+
+void HTTPClient_EveryCutTest::closedAtEveryPosition()
+{
+    QFETCH(Conversation, conversation);
+    const std::string bytes = allBytes(conversation);
+    for (std::size_t count = 0; count <= bytes.size(); ++count) {
+        const Delivery delivery{{bytes.substr(0, count)}, true};
+        const Outcome outcome = readFrom(conversation.reader, conversation.before, delivery);
+        const std::string expected = closedBehind(conversation, count);
+        if (outcome.text != expected) {
+            qInfo("closed behind %zu of %zu bytes", count, bytes.size());
+        }
+        QCOMPARE(text(outcome.text), text(expected));
+    }
+}
+
+// --- where a cut changes the result, since a plain body may end with any receive -----------------
+
+static void addCutRows(const HTTPResponse& before, const std::vector<std::vector<std::string>>& rows)
+{
+    QTest::addColumn<std::vector<std::string>>("row");
+    QTest::addColumn<HTTPResponse>("before");
+    for (const std::vector<std::string>& row : rows) {
+        QTest::newRow(row.front().c_str()) << row << before;
+    }
+}
+
+/// A row is: its name, the outcome, what stays unread, the pieces.
+static void checkCutRow()
+{
+    QFETCH(std::vector<std::string>, row);
+    QFETCH(HTTPResponse, before);
+    for (const bool closeAtTheEnd : {false, true}) {
+        const Delivery delivery{{row.begin() + 3, row.end()}, closeAtTheEnd};
+        const Outcome outcome = readFrom(Reader::Body, before, delivery);
+        QCOMPARE(text(outcome.text), text(row[1]));
+        QCOMPARE(text(outcome.unread), text(row[2]));
+    }
+}
+
+Q_DECLARE_METATYPE(std::vector<std::string>)
+Q_DECLARE_METATYPE(HTTPResponse)
+
+void HTTPClient_EveryCutTest::bodyWithoutLengthEndsWithTheFirstPiece_data()
+{
+    addCutRows({}, {
+        {"whole", "true received=5 \"hello\"", "", "hello"},
+        {"cut behind 1", "true received=1 \"h\"", "ello", "h", "ello"},
+        {"cut behind 2", "true received=2 \"he\"", "llo", "he", "llo"},
+        {"cut behind 3", "true received=3 \"hel\"", "lo", "hel", "lo"},
+        {"cut behind 4", "true received=4 \"hell\"", "o", "hell", "o"},
+        {"byte by byte", "true received=1 \"h\"", "ello", "h", "e", "l", "l", "o"},
+    });
+}
+
+void HTTPClient_EveryCutTest::bodyWithoutLengthEndsWithTheFirstPiece()
+{
+    checkCutRow();
+}
+
+void HTTPClient_EveryCutTest::bodyBeyondItsLengthIsKeptAsFarAsItCameInOnePiece_data()
+{
+    HTTPResponse length2;
+    length2.contentLength = 2;
+    addCutRows(length2, {
+        {"whole", "true length=2 received=5 \"hello\"", "", "hello"},
+        {"cut behind 1", "true length=2 received=5 \"hello\"", "", "h", "ello"},
+        {"cut behind 2", "true length=2 received=2 \"he\"", "llo", "he", "llo"},
+        {"cut behind 3", "true length=2 received=3 \"hel\"", "lo", "hel", "lo"},
+        {"cut behind 4", "true length=2 received=4 \"hell\"", "o", "hell", "o"},
+        {"byte by byte", "true length=2 received=2 \"he\"", "llo", "h", "e", "l", "l", "o"},
+    });
+}
+
+void HTTPClient_EveryCutTest::bodyBeyondItsLengthIsKeptAsFarAsItCameInOnePiece()
+{
+    checkCutRow();
+}
+
+void HTTPClient_EveryCutTest::bodyBehindAnOlderLargerCountEndsWithTheFirstPiece_data()
+{
+    HTTPResponse countReached;
+    countReached.contentLength = 5;
+    countReached.received = 5;
+    addCutRows(countReached, {
+        {"whole", "true length=5 received=10 \"hello\"", "", "hello"},
+        {"cut behind 1", "true length=5 received=6 \"h\"", "ello", "h", "ello"},
+        {"cut behind 2", "true length=5 received=7 \"he\"", "llo", "he", "llo"},
+        {"cut behind 3", "true length=5 received=8 \"hel\"", "lo", "hel", "lo"},
+        {"cut behind 4", "true length=5 received=9 \"hell\"", "o", "hell", "o"},
+        {"byte by byte", "true length=5 received=6 \"h\"", "ello", "h", "e", "l", "l", "o"},
+    });
+}
+
+void HTTPClient_EveryCutTest::bodyBehindAnOlderLargerCountEndsWithTheFirstPiece()
+{
+    checkCutRow();
+}
+
+BELUN_TEST_MAIN(HTTPClient_EveryCutTest)
+#include "HTTPClient_EveryCutTest.moc"

@@ -1,0 +1,36 @@
+// Reading from a connection whose other end delivers given bytes in given pieces, and telling in one
+// line what became of it.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "http/HTTPRecords.h"
+
+/// What a reader is asked to read.
+enum class Reader { Head, Body, Answer };
+
+/// What came of reading, as a text: the result, then every field of the response that is not as in
+/// a new one, the header map in braces, the body in quotes, and what stayed unread. Line ends and
+/// bytes beyond ASCII are written as escapes.
+struct Outcome
+{
+    std::string text;
+    std::string unread;
+};
+
+/// How the other end delivers.
+struct Delivery
+{
+    std::vector<std::string> pieces; ///< Each is sent when the one before has been received.
+    bool closeAtTheEnd = false;
+};
+
+/// The bytes cut before the given positions, which ascend.
+std::vector<std::string> cut(const std::string& bytes, const std::vector<std::size_t>& positions);
+std::vector<std::string> singleBytes(const std::string& bytes);
+
+/// Reads over a socket pair with the response as given. A reader that does not return within five
+/// seconds is stopped, and the text says so.
+Outcome readFrom(Reader reader, const HTTPResponse& before, const Delivery& delivery);
