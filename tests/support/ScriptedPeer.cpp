@@ -10,6 +10,7 @@
 #include <string>
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
@@ -47,7 +48,7 @@ Peer::~Peer()
     close();
 }
 
-bool Peer::readable(Clock::time_point deadline, const char* waitedFor)
+void Peer::waitUntilReadable(Clock::time_point deadline, const char* waitedFor)
 {
     for (;;) {
         if (m_stopping) {
@@ -55,7 +56,7 @@ bool Peer::readable(Clock::time_point deadline, const char* waitedFor)
         }
         pollfd state{m_descriptor, POLLIN, 0};
         if (::poll(&state, 1, step) > 0) {
-            return true;
+            return;
         }
         if (Clock::now() > deadline) {
             throw ScriptFailed{QStringLiteral("%1 did not come; arrived: \"%2\"")
@@ -67,7 +68,12 @@ bool Peer::readable(Clock::time_point deadline, const char* waitedFor)
 
 bool Peer::receiveMore(Clock::time_point deadline, const char* waitedFor)
 {
-    readable(deadline, waitedFor);
+    waitUntilReadable(deadline, waitedFor);
+    return takeArrived();
+}
+
+bool Peer::takeArrived()
+{
     char buffer[4096];
     const ssize_t count = ::recv(m_descriptor, buffer, sizeof buffer, 0);
     if (count <= 0) {
@@ -223,6 +229,9 @@ void Peer::waitUntil(const std::function<bool()>& condition)
 
 void Peer::holdOpen()
 {
+    constexpr std::chrono::hours ever{1};
+    while (receiveMore(Clock::now() + ever, "the server's end")) {
+    }
     while (!m_stopping) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
@@ -231,17 +240,29 @@ void Peer::holdOpen()
 
 void Peer::close()
 {
-    if (m_descriptor >= 0) {
-        ::close(m_descriptor);
-        m_descriptor = -1;
+    if (m_descriptor < 0) {
+        return;
     }
+    // Closing with bytes unread would be a reset.
+    halfClose();
+    const int flags = ::fcntl(m_descriptor, F_GETFL);
+    ::fcntl(m_descriptor, F_SETFL, flags | O_NONBLOCK);
+    while (takeArrived()) {
+    }
+    closeDescriptor();
+}
+
+void Peer::closeDescriptor()
+{
+    ::close(m_descriptor);
+    m_descriptor = -1;
 }
 
 void Peer::reset()
 {
     const linger atOnce{1, 0};
     ::setsockopt(m_descriptor, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
-    close();
+    closeDescriptor();
 }
 
 void Peer::halfClose()

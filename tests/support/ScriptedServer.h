@@ -36,7 +36,7 @@ public:
     /// Waits until the client has taken everything sent so far out of its socket.
     void waitUntilRead();
 
-    void close();     ///< Closes in the ordinary way.
+    void close();     ///< Closes in the ordinary way; what has arrived until then is recorded.
     void reset();     ///< Closes with a reset.
     void halfClose(); ///< Sends the end; still receives.
 
@@ -44,7 +44,7 @@ public:
     void waitUntilClosedByClient();
     /// Waits until the condition holds, for example until the test lets the script go on.
     void waitUntil(const std::function<bool()>& condition);
-    /// Keeps the connection open until the server ends.
+    /// Keeps the connection open until the server ends; what arrives meanwhile is recorded only.
     void holdOpen();
 
     /// Number of this connection, from 0.
@@ -60,7 +60,9 @@ private:
 
     /// Receives once more; false at the client's close or reset.
     bool receiveMore(std::chrono::steady_clock::time_point deadline, const char* waitedFor);
-    bool readable(std::chrono::steady_clock::time_point deadline, const char* waitedFor);
+    bool takeArrived();
+    void waitUntilReadable(std::chrono::steady_clock::time_point deadline, const char* waitedFor);
+    void closeDescriptor();
     bool clientHasRead() const;
     QByteArray takePending(int count);
 

@@ -1,0 +1,37 @@
+// What a link thread tells the window, seen by a test.
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <QtTest>
+
+/// Takes the control thread's signals as the window does, queued, and keeps them as texts in
+/// their order: "linked", "lost", "version 7 300 600 100 10".
+class LinkRecorder : public QObject
+{
+    Q_OBJECT
+
+public:
+    QStringList events;
+
+    /// Waits until that many events have come; false after five seconds.
+    bool waitFor(int count) const
+    {
+        return QTest::qWaitFor([&] { return events.size() >= count; });
+    }
+
+public slots:
+    void VersionInfo(char hardType, int hardVer, int softVer, int ProtocolVer, int BootVer)
+    {
+        events.append(QStringLiteral("version %1 %2 %3 %4 %5")
+                          .arg(int{static_cast<signed char>(hardType)})
+                          .arg(hardVer)
+                          .arg(softVer)
+                          .arg(ProtocolVer)
+                          .arg(BootVer));
+    }
+    void updateLinkedFlag(bool flag)
+    {
+        events.append(flag ? QStringLiteral("linked") : QStringLiteral("lost"));
+    }
+};

@@ -1,0 +1,45 @@
+// A class's meta-object as text.
+#pragma once
+
+#include <QMetaMethod>
+#include <QMetaObject>
+#include <QStringList>
+
+namespace support {
+
+/// The methods that the class itself declares, in their order, one line each: kind, return type,
+/// name, and the parameters with their names where they have any, as in
+/// "signal void linked(bool flag)".
+inline QStringList declaredMethods(const QMetaObject& metaObject)
+{
+    QStringList lines;
+    for (int index = metaObject.methodOffset(); index < metaObject.methodCount(); ++index) {
+        const QMetaMethod method = metaObject.method(index);
+        QString kind;
+        switch (method.methodType()) {
+        case QMetaMethod::Signal:
+            kind = QStringLiteral("signal");
+            break;
+        case QMetaMethod::Slot:
+            kind = QStringLiteral("slot");
+            break;
+        default:
+            kind = QStringLiteral("method");
+            break;
+        }
+        QStringList parameters;
+        const QList<QByteArray> types = method.parameterTypes();
+        const QList<QByteArray> names = method.parameterNames();
+        for (int number = 0; number < types.size(); ++number) {
+            const QByteArray space = names.at(number).isEmpty() ? "" : " ";
+            parameters.append(QString::fromLatin1(types.at(number) + space + names.at(number)));
+        }
+        lines.append(QStringLiteral("%1 %2 %3(%4)")
+                         .arg(kind, QString::fromLatin1(method.typeName()),
+                              QString::fromLatin1(method.name()),
+                              parameters.join(QStringLiteral(", "))));
+    }
+    return lines;
+}
+
+} // namespace support

@@ -1,0 +1,48 @@
+#include "tests/support/SleepWatch.h"
+
+#include <fstream>
+#include <string>
+
+#include <unistd.h>
+
+#include <QtTest>
+
+namespace support {
+
+namespace {
+
+constexpr int looks = 5; // in a row: a mutex makes a thread sleep too, but briefly
+
+} // namespace
+
+SleepWatch::SleepWatch(QThread& thread)
+    : m_connection(QObject::connect(
+          &thread, &QThread::started, &thread, [this] { m_id = static_cast<int>(::gettid()); },
+          Qt::DirectConnection))
+{
+}
+
+SleepWatch::~SleepWatch()
+{
+    QObject::disconnect(m_connection);
+}
+
+bool SleepWatch::waitUntilAsleep() const
+{
+    int seen = 0;
+    return QTest::qWaitFor([&] {
+        seen = asleep() ? seen + 1 : 0;
+        return seen >= looks;
+    });
+}
+
+bool SleepWatch::asleep() const
+{
+    std::ifstream file("/proc/self/task/" + std::to_string(m_id) + "/stat");
+    std::string line;
+    std::getline(file, line);
+    const std::size_t name = line.rfind(')'); // "number (name) state ..."
+    return name != std::string::npos && line.compare(name, 3, ") S") == 0;
+}
+
+} // namespace support
