@@ -1,31 +1,21 @@
-// The HTTP client and the download against web servers that were written by others.
+// GET exchanges of the HTTP client with web servers that were written by others.
+#include "BoundedExchange.h"
 #include "RealServer.h"
+#include "TestBodies.h"
 
-#include "download/DownloadFileThread.h"
 #include "http/HTTPClient.h"
 #include "tests/support/TestMain.h"
 
-#include <chrono>
-#include <future>
 #include <map>
 #include <memory>
-#include <random>
 
 #include <sys/ioctl.h>
 
-#include <QCryptographicHash>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QSignalSpy>
 #include <QThread>
-
-Q_DECLARE_METATYPE(RealServer::Kind)
 
 namespace {
 
-constexpr int megabyte = 1048576;
-constexpr std::chrono::seconds exchangeLimit(10);
 constexpr int waitLimit = 10000; // milliseconds
 
 /// A program that sends the file beside it that its query names behind "&", and announces its
@@ -41,116 +31,7 @@ if announce == "with-length":
 sys.stdout.buffer.write(head + b"\r\n" + body)
 )";
 
-/// A program that tells what it was sent: method, type, length, digest.
-constexpr char receivingProgram[] = R"(#!/usr/bin/python3
-import hashlib, os, sys
-body = sys.stdin.buffer.read(int(os.environ.get("CONTENT_LENGTH") or 0))
-text = "%s %s %d %s\n" % (os.environ["REQUEST_METHOD"], os.environ.get("CONTENT_TYPE", "-"),
-                          len(body), hashlib.sha256(body).hexdigest())
-length = "" if os.environ["QUERY_STRING"] == "no-length" else "Content-Length: %d\r\n" % len(text)
-sys.stdout.write("Content-Type: text/plain\r\n" + length + "\r\n" + text)
-)";
-
-/// A program that takes a multipart body apart with the parser of Python's mail package and tells
-/// of each part its headers, length and digest.
-constexpr char takingApartProgram[] = R"(#!/usr/bin/python3
-import email, email.policy, hashlib, os, sys
-body = sys.stdin.buffer.read(int(os.environ.get("CONTENT_LENGTH") or 0))
-head = b"Content-Type: " + os.environ["CONTENT_TYPE"].encode() + b"\r\n\r\n"
-message = email.message_from_bytes(head + body, policy=email.policy.HTTP)
-text = "%s defects=%d\n" % (message.get_content_type(), len(message.defects))
-for part in message.iter_parts():
-    content = part.get_payload(decode=True)
-    text += "%s | %s | %s | %d %s\n" % (part.get_param("name", header="Content-Disposition"),
-                                        part.get_filename(), part.get_content_type(),
-                                        len(content), hashlib.sha256(content).hexdigest())
-sys.stdout.write("Content-Type: text/plain\r\nContent-Length: %d\r\n\r\n" % len(text) + text)
-)";
-
-/// Bytes of every value, the same in each run, different for each size.
-QByteArray content(int size)
-{
-    std::mt19937 random(static_cast<unsigned>(size));
-    QByteArray bytes(size, Qt::Uninitialized);
-    for (char& byte : bytes) {
-        byte = static_cast<char>(random() >> 24);
-    }
-    return bytes;
-}
-
-const QByteArray& body(int size)
-{
-    static std::map<int, QByteArray> bodies;
-    const auto found = bodies.find(size);
-    return found != bodies.end() ? found->second
-                                 : bodies.emplace(size, content(size)).first->second;
-}
-
-QByteArray digest(const QByteArray& bytes)
-{
-    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
-}
-
-QString fileName(int size)
-{
-    return QString("body-%1.bin").arg(size);
-}
-
-const std::pair<const char*, int> sizes[] = {
-    {"1 B", 1},          {"5 B", 5},         {"10,240 B", 10240},      {"10,241 B", 10241},
-    {"25,000 B", 25000}, {"1 MB", megabyte}, {"20 MB", 20 * megabyte},
-};
-
-const char* serverName(RealServer::Kind kind)
-{
-    switch (kind) {
-    case RealServer::Nginx:
-        return "nginx";
-    case RealServer::Lighttpd:
-        return "lighttpd";
-    case RealServer::Busybox:
-        break;
-    }
-    return "busybox";
-}
-
-/// What an exchange of the library gave.
-struct Outcome
-{
-    bool result = false;
-    HTTPResponse response;
-    std::string body;
-    qint64 milliseconds = 0;
-
-    QByteArray bytes() const { return QByteArray::fromStdString(body); }
-};
-
-/// Says in what two long bodies differ instead of showing them.
-QByteArray difference(const QByteArray& actual, const QByteArray& expected)
-{
-    if (actual == expected) {
-        return {};
-    }
-    int at = 0;
-    while (at < actual.size() && at < expected.size() && actual[at] == expected[at]) {
-        ++at;
-    }
-    return QString("%1 bytes in place of %2, different from byte %3 on; they begin with \"%4\"")
-        .arg(actual.size())
-        .arg(expected.size())
-        .arg(at)
-        .arg(QString::fromLatin1(actual.left(60)))
-        .toUtf8();
-}
-
 } // namespace
-
-/// QVERIFY for two bodies.
-#define COMPARE_BODIES(actual, expected)                                                           \
-    do {                                                                                           \
-        const QByteArray unlike = difference(actual, expected);                                    \
-        QVERIFY2(unlike.isEmpty(), unlike.constData());                                            \
-    } while (false)
 
 class RealServersTest : public QObject
 {
@@ -158,8 +39,6 @@ class RealServersTest : public QObject
 
 private slots:
     void initTestCase();
-    void init();
-    void cleanupTestCase();
 
     void aBodyOfAnnouncedLengthArrivesWhole_data();
     void aBodyOfAnnouncedLengthArrivesWhole();
@@ -180,45 +59,14 @@ private slots:
     void aPlainBodyBehindAChunkedOneOnTheSameResponseIsLost();
     void aGetInStepsIsOneConnection();
 
-    void aPostedBodyIsReadBackByAnotherProgram_data();
-    void aPostedBodyIsReadBackByAnotherProgram();
-    void aBodyPostedInStepsIsReadBackByAnotherProgram();
-    void aMultipartBodyIsTakenApartByAnotherParser_data();
-    void aMultipartBodyIsTakenApartByAnotherParser();
-    void aPostsAnswerWithoutALengthStaysUnread_data();
-    void aPostsAnswerWithoutALengthStaysUnread();
-    void aPostToAFileIsAnsweredWithItsRefusal();
-
-    void aRecordingArrivesWhole_data();
-    void aRecordingArrivesWhole();
-    void aRefusedRequestLeavesAnEmptyRecording();
-    void theErrorPageOfAMissingRecordingIsKeptAsItsContent_data();
-    void theErrorPageOfAMissingRecordingIsKeptAsItsContent();
-    void aRecordingWithoutALengthStaysEmpty_data();
-    void aRecordingWithoutALengthStaysEmpty();
-    void aShorterRecordingLeavesTheOldTailInPlace_data();
-    void aShorterRecordingLeavesTheOldTailInPlace();
-
 private:
-    static void addServers(std::initializer_list<RealServer::Kind> kinds);
-    static void addServersAndSizes(std::initializer_list<RealServer::Kind> kinds, int largest);
     RealServer& server(RealServer::Kind kind) { return *m_servers[kind]; }
-    template <class Exchange>
-    Outcome bounded(RealServer& server, Exchange exchange);
-    Outcome get(RealServer& server, const QString& path);
-    Outcome getOn(RealServer& server, const QString& path, HTTPResponse response);
-    Outcome getWhenThereAre(int bytes, RealServer& server, const QString& path,
-                            HTTPResponse response = {});
-    Outcome post(RealServer& server, const QString& path, const QByteArray& data,
-                 const std::string& type);
-    bool startCamera(RealServer::Kind kind);
-    void download(const QString& name, const std::string& urlPrefix = {});
-    QByteArray recording(const QString& name) const;
+    static Outcome get(RealServer& server, const QString& path);
+    static Outcome getOn(RealServer& server, const QString& path, HTTPResponse response);
+    static Outcome getWhenThereAre(int bytes, RealServer& server, const QString& path,
+                                   HTTPResponse response = {});
 
-    std::map<int, std::unique_ptr<RealServer>> m_servers;
-    std::unique_ptr<RealServer> m_camera; // on the camera's address
-    resp_header m_head;                   // of the last download
-    QVariantList m_lastProgress;
+    std::map<RealServer::Kind, std::unique_ptr<RealServer>> m_servers;
 };
 
 void RealServersTest::initTestCase()
@@ -227,50 +75,13 @@ void RealServersTest::initTestCase()
     for (const auto kind : {RealServer::Nginx, RealServer::Lighttpd, RealServer::Busybox}) {
         auto& server = m_servers[kind];
         server = std::make_unique<RealServer>(kind, "127.0.0.1", port++);
+        QVERIFY(publishBodies(*server, {}));
+        QVERIFY(publishBodies(*server, "cgi-bin/"));
         QVERIFY(server->publish("empty.bin", {}));
         QVERIFY(server->publish("folder/file", "file"));
-        for (const auto& [label, size] : sizes) {
-            QVERIFY(server->publish(fileName(size), body(size)));
-        }
-        QVERIFY(server->publish("cgi-bin/" + fileName(5), body(5)));
-        QVERIFY(server->publish("cgi-bin/" + fileName(25000), body(25000)));
-        QVERIFY(server->publish("cgi-bin/" + fileName(megabyte), body(megabyte)));
         QVERIFY(server->publishProgram("cgi-bin/send.cgi", sendingProgram));
-        QVERIFY(server->publishProgram("cgi-bin/receive.cgi", receivingProgram));
-        QVERIFY(server->publishProgram("cgi-bin/take-apart.cgi", takingApartProgram));
         QVERIFY2(server->start(), qPrintable(server->error()));
     }
-}
-
-void RealServersTest::init()
-{
-    m_camera.reset();
-}
-
-void RealServersTest::cleanupTestCase()
-{
-    m_camera.reset();
-    m_servers.clear();
-}
-
-// --- the library
-// ------------------------------------------------------------------------------------
-
-/// Runs an exchange in a thread of its own. The library knows no time-out: one that lasts too long
-/// is ended by ending its server, and fails the test.
-template <class Exchange>
-Outcome RealServersTest::bounded(RealServer& server, Exchange exchange)
-{
-    QElapsedTimer timer;
-    timer.start();
-    auto running = std::async(std::launch::async, exchange);
-    if (running.wait_for(exchangeLimit) != std::future_status::ready) {
-        server.stop();
-        QTest::qFail("the exchange did not end by itself", __FILE__, __LINE__);
-    }
-    Outcome outcome = running.get();
-    outcome.milliseconds = timer.elapsed();
-    return outcome;
 }
 
 Outcome RealServersTest::getOn(RealServer& server, const QString& path, HTTPResponse response)
@@ -317,46 +128,9 @@ Outcome RealServersTest::getWhenThereAre(int bytes, RealServer& server, const QS
     });
 }
 
-Outcome RealServersTest::post(RealServer& server, const QString& path, const QByteArray& data,
-                              const std::string& type)
-{
-    return bounded(server, [&] {
-        Outcome outcome;
-        HTTPRequest request;
-        request.url = server.url(path);
-        request.headers["Content-Length"] = std::to_string(data.size());
-        request.headers["Content-Type"] = type;
-        outcome.result =
-            HTTPClient().post(request, outcome.response, data.toStdString(), outcome.body);
-        return outcome;
-    });
-}
-
-void RealServersTest::addServers(std::initializer_list<RealServer::Kind> kinds)
-{
-    QTest::addColumn<RealServer::Kind>("kind");
-    for (const auto kind : kinds) {
-        QTest::newRow(serverName(kind)) << kind;
-    }
-}
-
-void RealServersTest::addServersAndSizes(std::initializer_list<RealServer::Kind> kinds, int largest)
-{
-    QTest::addColumn<RealServer::Kind>("kind");
-    QTest::addColumn<int>("size");
-    for (const auto kind : kinds) {
-        for (const auto& [label, size] : sizes) {
-            if (size <= largest) {
-                QTest::addRow("%s, %s", serverName(kind), label) << kind << size;
-            }
-        }
-    }
-}
-
 void RealServersTest::aBodyOfAnnouncedLengthArrivesWhole_data()
 {
-    addServersAndSizes({RealServer::Nginx, RealServer::Lighttpd, RealServer::Busybox},
-                       20 * megabyte);
+    addServersAndSizes({RealServer::Nginx, RealServer::Lighttpd, RealServer::Busybox});
 }
 
 void RealServersTest::aBodyOfAnnouncedLengthArrivesWhole()
@@ -374,7 +148,7 @@ void RealServersTest::aBodyOfAnnouncedLengthArrivesWhole()
 
 void RealServersTest::aChunkedBodyArrivesWhole_data()
 {
-    addServersAndSizes({RealServer::Nginx}, 20 * megabyte);
+    addServersAndSizes({RealServer::Nginx});
 }
 
 void RealServersTest::aChunkedBodyArrivesWhole()
@@ -556,241 +330,6 @@ void RealServersTest::aGetInStepsIsOneConnection()
     });
     QVERIFY(outcome.result);
     COMPARE_BODIES(outcome.bytes(), body(25000));
-}
-
-// --- posting
-// ------------------------------------------------------------------------------------------
-
-void RealServersTest::aPostedBodyIsReadBackByAnotherProgram_data()
-{
-    QTest::addColumn<RealServer::Kind>("kind");
-    QTest::addColumn<int>("size");
-    for (const auto kind : {RealServer::Lighttpd, RealServer::Busybox}) {
-        for (const int size : {0, 1, 10241, megabyte}) {
-            QTest::addRow("%s, %d B", serverName(kind), size) << kind << size;
-        }
-    }
-}
-
-void RealServersTest::aPostedBodyIsReadBackByAnotherProgram()
-{
-    QFETCH(RealServer::Kind, kind);
-    QFETCH(int, size);
-    const Outcome outcome =
-        post(server(kind), "cgi-bin/receive.cgi?", body(size), "application/x-dive");
-    QVERIFY(outcome.result);
-    QCOMPARE(outcome.response.statusCode, 200);
-    QCOMPARE(outcome.bytes(), "POST application/x-dive " + QByteArray::number(size) + " " +
-                                  digest(body(size)) + "\n");
-}
-
-void RealServersTest::aBodyPostedInStepsIsReadBackByAnotherProgram()
-{
-    RealServer& lighttpd = server(RealServer::Lighttpd);
-    const std::string data = body(25000).toStdString();
-    const Outcome outcome = bounded(lighttpd, [&] {
-        Outcome steps;
-        HTTPRequest request;
-        request.url = lighttpd.url("cgi-bin/receive.cgi?");
-        request.headers["Content-Length"] = "25000";
-        request.headers["Content-Type"] = "text/plain";
-        HTTPClient client;
-        HTTPSession session;
-        steps.result = client.startPost(session, request) &&
-                       client.postData(session, data.substr(0, 1)) &&
-                       client.postData(session, data.substr(1, 10000)) &&
-                       client.postData(session, {}) && client.postData(session, data.substr(10001));
-        client.stopPost(session, steps.response, steps.body);
-        return steps;
-    });
-    QVERIFY(outcome.result);
-    QCOMPARE(outcome.bytes(), "POST text/plain 25000 " + digest(body(25000)) + "\n");
-}
-
-void RealServersTest::aMultipartBodyIsTakenApartByAnotherParser_data()
-{
-    addServers({RealServer::Lighttpd, RealServer::Busybox});
-}
-
-void RealServersTest::aMultipartBodyIsTakenApartByAnotherParser()
-{
-    QFETCH(RealServer::Kind, kind);
-    HTTPMultipart multipart;
-    multipart.boundary = "dive-boundary";
-    multipart.parts[7].headers = {
-        {"Content-Disposition", "form-data; name=\"recording\"; filename=\"BELUN_0001.mp4\""},
-        {"Content-Type", "video/mp4"}};
-    multipart.parts[7].content = body(25000).toStdString();
-    multipart.parts[2].headers = {{"Content-Disposition", "form-data; name=\"depth\""}};
-    multipart.parts[2].content = "12.5\r\n";
-    multipart.parts[9].headers = {{"Content-Disposition", "form-data; name=\"nothing\""}};
-    std::string data;
-    HTTPClient().makeMultipartBody(multipart, data);
-
-    const Outcome outcome =
-        post(server(kind), "cgi-bin/take-apart.cgi", QByteArray::fromStdString(data),
-             "multipart/form-data; boundary=dive-boundary");
-    QVERIFY(outcome.result);
-    QCOMPARE(QString::fromUtf8(outcome.bytes()),
-             QString::fromUtf8("multipart/form-data defects=0\n"
-                               "depth | None | text/plain | 6 " +
-                               digest("12.5\r\n") +
-                               "\n"
-                               "recording | BELUN_0001.mp4 | video/mp4 | 25000 " +
-                               digest(body(25000)) +
-                               "\n"
-                               "nothing | None | text/plain | 0 " +
-                               digest({}) + "\n"));
-}
-
-void RealServersTest::aPostsAnswerWithoutALengthStaysUnread_data()
-{
-    QTest::addColumn<RealServer::Kind>("kind");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<bool>("chunked");
-    QTest::newRow("busybox, ended by closing")
-        << RealServer::Busybox << "cgi-bin/receive.cgi?no-length" << false;
-    QTest::newRow("lighttpd, chunked")
-        << RealServer::Lighttpd << RealServer::streamedPath("cgi-bin/receive.cgi?no-length")
-        << true;
-}
-
-void RealServersTest::aPostsAnswerWithoutALengthStaysUnread()
-{
-    QFETCH(RealServer::Kind, kind);
-    QFETCH(QString, path);
-    QFETCH(bool, chunked);
-    const Outcome outcome = post(server(kind), path, body(25000), "text/plain");
-    QVERIFY(outcome.result);
-    QCOMPARE(outcome.response.statusCode, 200);
-    QCOMPARE(outcome.response.chunked, chunked);
-    QCOMPARE(outcome.bytes(), QByteArray());
-}
-
-void RealServersTest::aPostToAFileIsAnsweredWithItsRefusal()
-{
-    const Outcome outcome = post(server(RealServer::Nginx), fileName(5), body(25000), "text/plain");
-    QVERIFY(outcome.result);
-    QCOMPARE(outcome.response.statusCode, 405);
-    QVERIFY2(outcome.body.find("405 Not Allowed") != std::string::npos, outcome.body.c_str());
-}
-
-// --- the download
-// -------------------------------------------------------------------------------------
-
-bool RealServersTest::startCamera(RealServer::Kind kind)
-{
-    m_camera = std::make_unique<RealServer>(kind, "192.168.1.120", 80);
-    QDir(QDir::homePath() + "/Desktop/DCIM").removeRecursively();
-    if (!m_camera->start()) {
-        QTest::qFail(qPrintable(m_camera->error()), __FILE__, __LINE__);
-        return false;
-    }
-    return true;
-}
-
-/// Downloads a recording as the window does, within the limit.
-void RealServersTest::download(const QString& name, const std::string& urlPrefix)
-{
-    DownloadFileThread thread(nullptr);
-    thread.fileName = name;
-    if (!urlPrefix.empty()) {
-        thread.urlPrefix = QString::fromStdString(urlPrefix);
-    }
-    QSignalSpy finished(&thread, &DownloadFileThread::downloadFileFinished);
-    QSignalSpy progress(&thread, &DownloadFileThread::updateDownloadFileProgress);
-    thread.start();
-    QVERIFY2(thread.wait(waitLimit), "the download did not end");
-    QTRY_COMPARE(finished.count(), 1);
-    m_lastProgress = progress.isEmpty() ? QVariantList() : progress.last();
-    m_head = thread.respHeader;
-}
-
-QByteArray RealServersTest::recording(const QString& name) const
-{
-    QFile file(QDir::homePath() + "/Desktop/DCIM/" + name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : "no such file";
-}
-
-void RealServersTest::aRecordingArrivesWhole_data()
-{
-    addServersAndSizes({RealServer::Nginx, RealServer::Lighttpd}, 20 * megabyte);
-}
-
-void RealServersTest::aRecordingArrivesWhole()
-{
-    QFETCH(RealServer::Kind, kind);
-    QFETCH(int, size);
-    QVERIFY(startCamera(kind));
-    QVERIFY(m_camera->publish("sd/DCIM/100ZEPNA/BELUN_0001.bin", body(size)));
-    download("BELUN_0001.bin");
-    QCOMPARE(m_head.status_code, 200);
-    QCOMPARE(QByteArray(m_head.content_type), QByteArray("application/octet-stream"));
-    QCOMPARE(m_head.content_length, static_cast<qint64>(size));
-    QCOMPARE(m_lastProgress, (QVariantList{qint64(size), qint64(size)}));
-    COMPARE_BODIES(recording("BELUN_0001.bin"), body(size));
-}
-
-// busybox takes no request with scheme and host in its target, and its pages have no length.
-void RealServersTest::aRefusedRequestLeavesAnEmptyRecording()
-{
-    QVERIFY(startCamera(RealServer::Busybox));
-    QVERIFY(m_camera->publish("sd/DCIM/100ZEPNA/BELUN_0001.bin", body(5)));
-    download("BELUN_0001.bin");
-    QCOMPARE(m_head.status_code, 400);
-    QCOMPARE(m_head.content_length, qint64(0));
-    QVERIFY(m_lastProgress.isEmpty());
-    QCOMPARE(recording("BELUN_0001.bin"), QByteArray());
-}
-
-void RealServersTest::theErrorPageOfAMissingRecordingIsKeptAsItsContent_data()
-{
-    addServers({RealServer::Nginx, RealServer::Lighttpd});
-}
-
-void RealServersTest::theErrorPageOfAMissingRecordingIsKeptAsItsContent()
-{
-    QFETCH(RealServer::Kind, kind);
-    QVERIFY(startCamera(kind));
-    download("BELUN_0002.bin");
-    QCOMPARE(m_head.status_code, 404);
-    const QByteArray page = recording("BELUN_0002.bin");
-    QCOMPARE(static_cast<qint64>(page.size()), m_head.content_length);
-    QVERIFY2(page.contains("<title>404 Not Found</title>"), page.constData());
-}
-
-void RealServersTest::aRecordingWithoutALengthStaysEmpty_data()
-{
-    QTest::addColumn<QString>("prefix");
-    QTest::newRow("chunked") << RealServer::chunkedPath({});
-    QTest::newRow("ended by closing") << RealServer::closingPath({});
-}
-
-void RealServersTest::aRecordingWithoutALengthStaysEmpty()
-{
-    QFETCH(QString, prefix);
-    QVERIFY(startCamera(RealServer::Nginx));
-    QVERIFY(m_camera->publish("BELUN_0001.bin", body(25000)));
-    download("BELUN_0001.bin", m_camera->url(prefix));
-    QCOMPARE(m_head.status_code, 200);
-    QVERIFY(m_lastProgress.isEmpty());
-    QCOMPARE(recording("BELUN_0001.bin"), QByteArray());
-}
-
-void RealServersTest::aShorterRecordingLeavesTheOldTailInPlace_data()
-{
-    addServers({RealServer::Nginx, RealServer::Lighttpd});
-}
-
-void RealServersTest::aShorterRecordingLeavesTheOldTailInPlace()
-{
-    QFETCH(RealServer::Kind, kind);
-    QVERIFY(startCamera(kind));
-    QVERIFY(m_camera->publish("sd/DCIM/100ZEPNA/BELUN_0001.bin", body(25000)));
-    download("BELUN_0001.bin");
-    QVERIFY(m_camera->publish("sd/DCIM/100ZEPNA/BELUN_0001.bin", body(10240)));
-    download("BELUN_0001.bin");
-    COMPARE_BODIES(recording("BELUN_0001.bin"), body(10240) + body(25000).mid(10240));
 }
 
 BELUN_NETWORK_TEST_MAIN(RealServersTest)
