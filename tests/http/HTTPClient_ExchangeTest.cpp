@@ -1,0 +1,753 @@
+// Whole GET exchanges over a connection: sendHeader, get, startGet, getData, stopGet.
+#include <fcntl.h>
+
+#include <QDir>
+#include <QtTest>
+
+#include "http/HTTPClient.h"
+#include "tests/http/SendPlan.h"
+#include "tests/support/ScriptedServer.h"
+#include "tests/support/TestMain.h"
+
+using support::Peer;
+using support::ScriptedServer;
+
+namespace {
+
+/// Answers a request with the bytes and waits for the client to close.
+ScriptedServer::Script answering(const QByteArray& answer)
+{
+    return [answer](Peer& peer) {
+        peer.receiveUntil("\r\n\r\n");
+        peer.send(answer);
+        peer.waitUntilClosedByClient();
+    };
+}
+
+HTTPRequest requestTo(const ScriptedServer& server, const std::string& path)
+{
+    HTTPRequest request;
+    request.url = "http://127.0.0.1:" + std::to_string(server.port()) + path;
+    return request;
+}
+
+/// The head of a request with the default headers.
+QByteArray defaultHead(const QByteArray& path, const ScriptedServer& server)
+{
+    return "GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port())
+        + "\r\nAccept: */*\r\nAccept-Language: zh-CN\r\nConnection: Keep-Alive\r\n"
+          "User-Agent: SDK C++ http client\r\n\r\n";
+}
+
+bool isOpen(int descriptor)
+{
+    return ::fcntl(descriptor, F_GETFD) != -1;
+}
+
+/// A port that nothing listens on.
+int refusingPort()
+{
+    return ScriptedServer([](Peer&) {}).port();
+}
+
+} // namespace
+
+class HTTPClient_ExchangeTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void headReachesTheServerByteForByte();
+    void headOfAnUnknownMethodBeginsWithASpace();
+    void lowSixteenBitsOfThePortAreUsed();
+    void hostWithoutAddressIsConnectedToAllTheSame();
+    void invalidDottedHostIsConnectedToAllTheSame();
+    void refusedConnectionFailsAndLeavesTheSocketOpen();
+    void failingSendFailsAndLeavesTheSocketOpen();
+    void headIsSentInAsManySendsAsItTakes();
+    void headOfAMegabyteIsSentWhole();
+
+    void getOfTheRootOverPort80();
+    void getFetchesTheBody();
+    void getOfAChunkedAnswerFetchesTheBody();
+    void getOfAnErrorStatusIsNoFailure();
+    void getOfAnotherSchemeOpensNoSocket();
+    void getOfARefusedConnectionFails();
+    void getWhoseHeadCannotBeSentFails();
+    void getClosesItsConnectionAfterEachBody();
+    void getClosesItsConnectionAfterAFailure();
+    void getAppendsToTheBody();
+    void getReadsAnAnswerThatComesByteByByte();
+    void getOfAServerThatClosesAtOnceFails();
+    void getOfAServerThatClosesInsideTheBodyFailsWithWhatArrived();
+    void getOfAServerThatClosesInsideAChunkFailsWithWhatArrived();
+    void getOfAServerThatResetsInsideTheBodyFails();
+    void getWithoutLengthEndsWithTheFirstBytes();
+    void getOfLength0WaitsForTheServer();
+
+    void receivedCountKeepsGrowing();
+    void bodyEndsWithItsFirstReceiveOnceTheCountHasReachedItsLength();
+    void chunkedStaysForLaterAnswers();
+    void afterOneChunkedAnswerALaterBodyEndsWithOneLine();
+    void brokenChunkIsGoneOnWithInTheNextAnswer();
+    void statusWithoutReasonKeepsTheOlderStatus();
+    void headersOfEarlierAnswersStay();
+    void lengthOfAnEarlierAnswerStays();
+    void portAndPathOfAnEarlierAddressStay();
+
+    void startGetReadsTheHeadOnly();
+    void startGetOfARefusedAddressOpensNoSocket();
+    void startGetOfARefusedConnectionLeavesTheSessionOpen();
+    void startGetOnAConnectedSessionFails();
+    void getDataReadsTheBodyAndStopGetCloses();
+    void getDataOfAClosedPeerIsFalse();
+    void stopGetOfAnUnusedSessionDoesNothing();
+};
+
+// --- sendHeader ------------------------------------------------------------------------------------
+
+void HTTPClient_ExchangeTest::headReachesTheServerByteForByte()
+{
+    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
+    HTTPRequest request;
+    request.host = "127.0.0.1";
+    request.port = server.port();
+    request.path = "/a b?c=\xE4";
+    request.headers = {{"B", "2"}, {"A", "1"}};
+    HTTP_REQ_TYPE type = HTTP_REQ_DELETE;
+    {
+        HTTPSession session;
+        QVERIFY(HTTPClient().sendHeader(type, session, request));
+    }
+    QVERIFY(server.waitForScripts(1));
+    QCOMPARE(server.received(0), "DELETE /a b?c=\xE4 HTTP/1.1\r\nHost: 127.0.0.1:"
+                 + QByteArray::number(server.port()) + "\r\nA: 1\r\nB: 2\r\n\r\n");
+}
+
+void HTTPClient_ExchangeTest::headOfAnUnknownMethodBeginsWithASpace()
+{
+    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
+    HTTPRequest request;
+    request.host = "127.0.0.1";
+    request.port = server.port();
+    request.headers.clear();
+    auto type = static_cast<HTTP_REQ_TYPE>(9);
+    {
+        HTTPSession session;
+        QVERIFY(HTTPClient().sendHeader(type, session, request));
+    }
+    QVERIFY(server.waitForScripts(1));
+    QCOMPARE(server.received(0), " / HTTP/1.1\r\nHost: 127.0.0.1:"
+                 + QByteArray::number(server.port()) + "\r\n\r\n");
+}
+
+void HTTPClient_ExchangeTest::lowSixteenBitsOfThePortAreUsed()
+{
+    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
+    HTTPRequest request;
+    request.host = "127.0.0.1";
+    request.port = server.port() + 0x30000;
+    HTTP_REQ_TYPE type = HTTP_REQ_GET;
+    {
+        HTTPSession session;
+        QVERIFY(HTTPClient().sendHeader(type, session, request));
+    }
+    QVERIFY(server.waitForScripts(1));
+    QVERIFY(server.received(0).contains("Host: 127.0.0.1:"
+                                        + QByteArray::number(server.port() + 0x30000) + "\r\n"));
+}
+
+void HTTPClient_ExchangeTest::hostWithoutAddressIsConnectedToAllTheSame()
+{
+    // The address 0 is this computer.
+    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"));
+    HTTPRequest request;
+    request.url = "http://my_host:" + std::to_string(server.port());
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("ok"));
+    QVERIFY(server.waitForScripts(1));
+    QVERIFY(server.received(0).contains("\r\nHost: my_host:"));
+}
+
+void HTTPClient_ExchangeTest::invalidDottedHostIsConnectedToAllTheSame()
+{
+    // The address of all ones takes no connection.
+    HTTPRequest request;
+    request.host = "1.2.3.4.5";
+    HTTP_REQ_TYPE type = HTTP_REQ_GET;
+    HTTPSession session;
+    QVERIFY(!HTTPClient().sendHeader(type, session, request));
+    QVERIFY(isOpen(session.socketDescriptor));
+}
+
+void HTTPClient_ExchangeTest::refusedConnectionFailsAndLeavesTheSocketOpen()
+{
+    HTTPRequest request;
+    request.host = "127.0.0.1";
+    request.port = refusingPort();
+    HTTP_REQ_TYPE type = HTTP_REQ_GET;
+    HTTPSession session;
+    QVERIFY(!HTTPClient().sendHeader(type, session, request));
+    QVERIFY(isOpen(session.socketDescriptor));
+}
+
+void HTTPClient_ExchangeTest::failingSendFailsAndLeavesTheSocketOpen()
+{
+    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
+    HTTPRequest request;
+    request.host = "127.0.0.1";
+    request.port = server.port();
+    HTTP_REQ_TYPE type = HTTP_REQ_GET;
+    {
+        HTTPSession session;
+        const SendPlan plan({3, -1});
+        QVERIFY(!HTTPClient().sendHeader(type, session, request));
+        QVERIFY(plan.used());
+        QVERIFY(isOpen(session.socketDescriptor));
+    }
+    QVERIFY(server.waitForScripts(1));
+    QCOMPARE(server.received(0), QByteArray("GET"));
+}
+
+void HTTPClient_ExchangeTest::headIsSentInAsManySendsAsItTakes()
+{
+    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
+    HTTPRequest request = requestTo(server, "/p");
+    HTTPClient client;
+    QVERIFY(client.parseUrl(request));
+    HTTP_REQ_TYPE type = HTTP_REQ_GET;
+    {
+        HTTPSession session;
+        const SendPlan plan({1, 2, 0, 3, 0, 0, 10, 1});
+        QVERIFY(client.sendHeader(type, session, request));
+        QVERIFY(plan.used());
+    }
+    QVERIFY(server.waitForScripts(1));
+    QCOMPARE(server.received(0), defaultHead("/p", server));
+}
+
+void HTTPClient_ExchangeTest::headOfAMegabyteIsSentWhole()
+{
+    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
+    HTTPRequest request;
+    request.host = "127.0.0.1";
+    request.port = server.port();
+    request.headers = {{"A", std::string(1000000, 'x')}};
+    HTTP_REQ_TYPE type = HTTP_REQ_GET;
+    {
+        HTTPSession session;
+        QVERIFY(HTTPClient().sendHeader(type, session, request));
+    }
+    QVERIFY(server.waitForScripts(1));
+    QVERIFY(server.received(0).endsWith("\r\nA: " + QByteArray(1000000, 'x') + "\r\n\r\n"));
+}
+
+// --- get -------------------------------------------------------------------------------------------
+
+void HTTPClient_ExchangeTest::getOfTheRootOverPort80()
+{
+    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"),
+                          "192.168.1.120", 80);
+    HTTPRequest request;
+    request.url = "http://192.168.1.120";
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QVERIFY(server.waitForScripts(1));
+    QCOMPARE(server.received(0), QByteArray("GET / HTTP/1.1\r\nHost: 192.168.1.120\r\n"
+                                            "Accept: */*\r\nAccept-Language: zh-CN\r\n"
+                                            "Connection: Keep-Alive\r\n"
+                                            "User-Agent: SDK C++ http client\r\n\r\n"));
+}
+
+void HTTPClient_ExchangeTest::getFetchesTheBody()
+{
+    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"));
+    HTTPRequest request = requestTo(server, "/cgi-bin/a.cgi?-b=1&-c");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(response.statusCode, 200);
+    QCOMPARE(response.contentLength, 5u);
+    QCOMPARE(response.received, 5u);
+    QVERIFY((response.headers == HTTPHeaders{{"Content-Length", "5"}}));
+    QCOMPARE(body, std::string("hello"));
+    QVERIFY(server.waitForScripts(1));
+    QCOMPARE(server.received(0), defaultHead("/cgi-bin/a.cgi?-b=1&-c", server));
+}
+
+void HTTPClient_ExchangeTest::getOfAChunkedAnswerFetchesTheBody()
+{
+    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
+                                    "5\r\nhello\r\na;x\r\n0123456789\r\n0\r\n\r\n"));
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("hello0123456789"));
+    QCOMPARE(response.received, 15u);
+}
+
+void HTTPClient_ExchangeTest::getOfAnErrorStatusIsNoFailure()
+{
+    ScriptedServer server(answering("HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\ngone"));
+    HTTPRequest request = requestTo(server, "/missing");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(response.statusCode, 404);
+    QCOMPARE(body, std::string("gone"));
+}
+
+void HTTPClient_ExchangeTest::getOfAnotherSchemeOpensNoSocket()
+{
+    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
+    HTTPRequest request;
+    request.host = "127.0.0.1";
+    request.port = server.port();
+    HTTPResponse response;
+    std::string body = "before";
+    for (const char* url : {"https://127.0.0.1/p", "HTTP://127.0.0.1/p", "ftp://127.0.0.1/p",
+                            "127.0.0.1/p", "http://", "http://127.0.0.1/a:b", ""}) {
+        request.url = url;
+        QVERIFY2(!HTTPClient().get(request, response, body), url);
+    }
+    QCOMPARE(body, std::string("before"));
+    QCOMPARE(server.connectionCount(), 0);
+}
+
+void HTTPClient_ExchangeTest::getOfARefusedConnectionFails()
+{
+    HTTPRequest request;
+    request.url = "http://127.0.0.1:" + std::to_string(refusingPort());
+    HTTPResponse response;
+    std::string body = "before";
+    QVERIFY(!HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("before"));
+    QCOMPARE(response.statusCode, 0);
+}
+
+void HTTPClient_ExchangeTest::getWhoseHeadCannotBeSentFails()
+{
+    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    const SendPlan plan({-1});
+    QVERIFY(!HTTPClient().get(request, response, body));
+    QVERIFY(server.waitForScripts(1));
+    QCOMPARE(server.received(0), QByteArray());
+}
+
+void HTTPClient_ExchangeTest::getClosesItsConnectionAfterEachBody()
+{
+    // Each script ends only when the client has closed.
+    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\na"),
+                           answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nbb")});
+    HTTPRequest request = requestTo(server, "/");
+    for (const int number : {1, 2}) {
+        HTTPResponse response;
+        std::string body;
+        QVERIFY(HTTPClient().get(request, response, body));
+        QVERIFY(server.waitForScripts(number));
+        QCOMPARE(server.connectionCount(), number);
+        QVERIFY(server.received(number - 1).contains("\r\nConnection: Keep-Alive\r\n"));
+    }
+}
+
+void HTTPClient_ExchangeTest::getClosesItsConnectionAfterAFailure()
+{
+    const auto openDescriptors = [] {
+        return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size();
+    };
+    HTTPRequest request;
+    request.url = "http://127.0.0.1:" + std::to_string(refusingPort());
+    HTTPResponse response;
+    std::string body;
+    const auto before = openDescriptors();
+    for (int turn = 0; turn < 20; ++turn) {
+        QVERIFY(!HTTPClient().get(request, response, body));
+        QVERIFY(!HTTPClient().post(request, response, "data", body));
+    }
+    QCOMPARE(openDescriptors(), before);
+}
+
+void HTTPClient_ExchangeTest::getAppendsToTheBody()
+{
+    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nfirst"),
+                           answering("HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nsecond")});
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    response = HTTPResponse();
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("firstsecond"));
+}
+
+void HTTPClient_ExchangeTest::getReadsAnAnswerThatComesByteByByte()
+{
+    ScriptedServer server([](Peer& peer) {
+        peer.receiveUntil("\r\n\r\n");
+        peer.sendBytewise("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello");
+        peer.waitUntilClosedByClient();
+    });
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("hello"));
+}
+
+void HTTPClient_ExchangeTest::getOfAServerThatClosesAtOnceFails()
+{
+    ScriptedServer server([](Peer& peer) {
+        peer.receiveUntil("\r\n\r\n");
+        peer.close();
+    });
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body = "before";
+    QVERIFY(!HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("before"));
+    QVERIFY(response.headers.empty());
+}
+
+void HTTPClient_ExchangeTest::getOfAServerThatClosesInsideTheBodyFailsWithWhatArrived()
+{
+    ScriptedServer server([](Peer& peer) {
+        peer.receiveUntil("\r\n\r\n");
+        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel");
+        peer.close();
+    });
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(!HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("hel"));
+}
+
+void HTTPClient_ExchangeTest::getOfAServerThatClosesInsideAChunkFailsWithWhatArrived()
+{
+    ScriptedServer server([](Peer& peer) {
+        peer.receiveUntil("\r\n\r\n");
+        peer.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhel");
+        peer.close();
+    });
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(!HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("hel"));
+    QCOMPARE(response.chunkLeft, 2);
+}
+
+void HTTPClient_ExchangeTest::getOfAServerThatResetsInsideTheBodyFails()
+{
+    ScriptedServer server([](Peer& peer) {
+        peer.receiveUntil("\r\n\r\n");
+        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel");
+        peer.waitUntilRead();
+        peer.reset();
+    });
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(!HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("hel"));
+    QCOMPARE(response.received, 3u);
+}
+
+void HTTPClient_ExchangeTest::getWithoutLengthEndsWithTheFirstBytes()
+{
+    ScriptedServer server([](Peer& peer) {
+        peer.receiveUntil("\r\n\r\n");
+        peer.sendInPieces("HTTP/1.1 200 OK\r\n\r\nfirstsecond", {19, 24});
+        peer.waitUntilClosedByClient();
+    });
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("first"));
+}
+
+void HTTPClient_ExchangeTest::getOfLength0WaitsForTheServer()
+{
+    ScriptedServer server([](Peer& peer) {
+        peer.receiveUntil("\r\n\r\n");
+        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
+        peer.waitUntilRead();
+        peer.send("x");
+        peer.waitUntilClosedByClient();
+    });
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("x"));
+}
+
+// --- a response that is used again -----------------------------------------------------------------
+
+void HTTPClient_ExchangeTest::receivedCountKeepsGrowing()
+{
+    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc"),
+                           answering("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n123456")});
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(response.received, 3u);
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(response.received, 9u);
+    QCOMPARE(body, std::string("abc123456"));
+}
+
+void HTTPClient_ExchangeTest::bodyEndsWithItsFirstReceiveOnceTheCountHasReachedItsLength()
+{
+    const auto second = [](Peer& peer) {
+        peer.receiveUntil("\r\n\r\n");
+        // Cut behind the head and behind the third byte of the body.
+        peer.sendInPieces("HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n"
+                              + QByteArray(20000, 'b'),
+                          {42, 45});
+        peer.waitUntilClosedByClient();
+    };
+    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n"
+                                     + QByteArray(20000, 'a')),
+                           second,
+                           answering("HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n"
+                                     + QByteArray(20000, 'c'))});
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QVERIFY(body == std::string(20000, 'a'));
+
+    body.clear();
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("bbb"));
+    QCOMPARE(response.received, 20003u);
+
+    body.clear();
+    QVERIFY(HTTPClient().get(request, response, body));
+    QVERIFY2(!body.empty() && body.size() <= 10240, qPrintable(QString::number(body.size())));
+}
+
+void HTTPClient_ExchangeTest::chunkedStaysForLaterAnswers()
+{
+    ScriptedServer server(
+        {answering("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nok\r\n0\r\n\r\n"),
+         [](Peer& peer) {
+             peer.receiveUntil("\r\n\r\n");
+             peer.send("HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nA\r\n123");
+             peer.close();
+         }});
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    // Were the record told that no chunk has been the last one, "A" would be the size of a chunk.
+    response.lastChunkSeen = false;
+    QVERIFY(!HTTPClient().get(request, response, body));
+    QVERIFY(response.chunked);
+    QCOMPARE(response.contentLength, 6u);
+    QCOMPARE(response.chunkLeft, 7);
+    QCOMPARE(body, std::string("ok123"));
+}
+
+void HTTPClient_ExchangeTest::afterOneChunkedAnswerALaterBodyEndsWithOneLine()
+{
+    ScriptedServer server(
+        {answering("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nok\r\n0\r\n\r\n"),
+         answering("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nno\r\n0\r\n\r\n"),
+         answering("HTTP/1.1 200 OK\r\nContent-Length: 12\r\n\r\nline\r\nsecond")});
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("ok"));
+    QVERIFY(HTTPClient().get(request, response, body));
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("ok"));
+    QCOMPARE(response.received, 2u);
+    QCOMPARE(response.contentLength, 12u);
+}
+
+void HTTPClient_ExchangeTest::brokenChunkIsGoneOnWithInTheNextAnswer()
+{
+    ScriptedServer server(
+        {[](Peer& peer) {
+             peer.receiveUntil("\r\n\r\n");
+             peer.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhel");
+             peer.close();
+         },
+         answering("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nAB\r\n0\r\n\r\n")});
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(!HTTPClient().get(request, response, body));
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(body, std::string("helAB"));
+}
+
+void HTTPClient_ExchangeTest::statusWithoutReasonKeepsTheOlderStatus()
+{
+    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\na"),
+                           answering("HTTP/1.1 404\r\nContent-Length: 2\r\n\r\nbb")});
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(response.statusCode, 200);
+}
+
+void HTTPClient_ExchangeTest::headersOfEarlierAnswersStay()
+{
+    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nA: 1\r\nContent-Length: 1\r\n\r\na"),
+                           answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\nB: 2\r\n\r\nb")});
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QVERIFY(HTTPClient().get(request, response, body));
+    QVERIFY((response.headers == HTTPHeaders{{"A", "1"}, {"B", "2"}, {"Content-Length", "2"}}));
+}
+
+void HTTPClient_ExchangeTest::lengthOfAnEarlierAnswerStays()
+{
+    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"),
+                           answering("HTTP/1.1 200 OK\r\n\r\nx")});
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    response.received = 4;
+    QVERIFY(HTTPClient().get(request, response, body));
+    QCOMPARE(response.contentLength, 5u);
+    QCOMPARE(response.received, 5u);
+    QCOMPARE(body, std::string("hellox"));
+}
+
+void HTTPClient_ExchangeTest::portAndPathOfAnEarlierAddressStay()
+{
+    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\na"),
+                           answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nb")});
+    HTTPRequest request = requestTo(server, "/first");
+    HTTPResponse response;
+    std::string body;
+    QVERIFY(HTTPClient().get(request, response, body));
+    request.url = "http://127.0.0.1";
+    QVERIFY(HTTPClient().get(request, response, body));
+    QVERIFY(server.waitForScripts(2));
+    QCOMPARE(server.received(1), defaultHead("/first", server));
+}
+
+// --- in steps --------------------------------------------------------------------------------------
+
+void HTTPClient_ExchangeTest::startGetReadsTheHeadOnly()
+{
+    ScriptedServer server(answering("HTTP/1.1 206 Partial Content\r\nContent-Length: 5\r\n\r\nhello"));
+    HTTPRequest request = requestTo(server, "/p");
+    HTTPResponse response;
+    HTTPSession session;
+    QVERIFY(HTTPClient().startGet(session, response, request));
+    QCOMPARE(response.statusCode, 206);
+    QCOMPARE(response.contentLength, 5u);
+    QCOMPARE(response.received, 0u);
+    std::string line;
+    QCOMPARE(session.readLine(line, 5), 5);
+    QCOMPARE(line, std::string("hello"));
+    session.closeSession();
+    QVERIFY(server.waitForScripts(1));
+    QCOMPARE(server.received(0), defaultHead("/p", server));
+}
+
+void HTTPClient_ExchangeTest::startGetOfARefusedAddressOpensNoSocket()
+{
+    HTTPRequest request;
+    request.url = "https://127.0.0.1/";
+    HTTPResponse response;
+    HTTPSession session;
+    QVERIFY(!HTTPClient().startGet(session, response, request));
+    QCOMPARE(session.socketDescriptor, -1);
+}
+
+void HTTPClient_ExchangeTest::startGetOfARefusedConnectionLeavesTheSessionOpen()
+{
+    HTTPRequest request;
+    request.url = "http://127.0.0.1:" + std::to_string(refusingPort());
+    HTTPResponse response;
+    HTTPSession session;
+    QVERIFY(!HTTPClient().startGet(session, response, request));
+    const int descriptor = session.socketDescriptor;
+    QVERIFY(isOpen(descriptor));
+    HTTPClient().stopGet(session);
+    QVERIFY(!isOpen(descriptor));
+}
+
+void HTTPClient_ExchangeTest::startGetOnAConnectedSessionFails()
+{
+    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"));
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    HTTPSession session;
+    QVERIFY(HTTPClient().startGet(session, response, request));
+    QVERIFY(!HTTPClient().startGet(session, response, request));
+    std::string body;
+    QVERIFY(HTTPClient().getData(session, response, body));
+    QCOMPARE(body, std::string("hello"));
+    HTTPClient().stopGet(session);
+    QVERIFY(server.waitForScripts(1));
+    QCOMPARE(server.connectionCount(), 1);
+}
+
+void HTTPClient_ExchangeTest::getDataReadsTheBodyAndStopGetCloses()
+{
+    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"));
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    HTTPSession session;
+    std::string body = "before ";
+    QVERIFY(HTTPClient().startGet(session, response, request));
+    QVERIFY(HTTPClient().getData(session, response, body));
+    QCOMPARE(body, std::string("before hello"));
+    const int descriptor = session.socketDescriptor;
+    QVERIFY(isOpen(descriptor));
+    HTTPClient().stopGet(session);
+    QCOMPARE(session.socketDescriptor, -1);
+    QVERIFY(!isOpen(descriptor));
+    QVERIFY(server.waitForScripts(1));
+}
+
+void HTTPClient_ExchangeTest::getDataOfAClosedPeerIsFalse()
+{
+    ScriptedServer server([](Peer& peer) {
+        peer.receiveUntil("\r\n\r\n");
+        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel");
+        peer.close();
+    });
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    HTTPSession session;
+    std::string body;
+    QVERIFY(HTTPClient().startGet(session, response, request));
+    QVERIFY(!HTTPClient().getData(session, response, body));
+    QVERIFY(!HTTPClient().getData(session, response, body));
+    QCOMPARE(body, std::string("hel"));
+    HTTPClient().stopGet(session);
+}
+
+void HTTPClient_ExchangeTest::stopGetOfAnUnusedSessionDoesNothing()
+{
+    HTTPSession session;
+    HTTPClient().stopGet(session);
+    QCOMPARE(session.socketDescriptor, -1);
+}
+
+BELUN_NETWORK_TEST_MAIN(HTTPClient_ExchangeTest)
+#include "HTTPClient_ExchangeTest.moc"

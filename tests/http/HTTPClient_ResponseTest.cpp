@@ -1,0 +1,437 @@
+// Splitting a line, and what reading an answer does beyond HTTPClient_EveryCutTest: limits, sizes,
+// failing receives and what is kept in the record.
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <QtTest>
+
+#include "http/HTTPClient.h"
+#include "tests/support/SocketPair.h"
+#include "tests/support/TestMain.h"
+
+using support::SocketPair;
+
+namespace {
+
+/// A session that reads what the test sends.
+class Incoming
+{
+public:
+    Incoming()
+    {
+        session.socketDescriptor = m_pair.product;
+        m_pair.product = -1;
+    }
+
+    void deliver(const std::string& bytes)
+    {
+        QVERIFY(m_pair.send(QByteArray::fromStdString(bytes)));
+    }
+    void close() { m_pair.closeTest(); }
+    /// From now on a receive that would have to wait fails.
+    void failInsteadOfWaiting() { ::fcntl(session.socketDescriptor, F_SETFL, O_NONBLOCK); }
+    std::string unread()
+    {
+        failInsteadOfWaiting();
+        std::string bytes;
+        session.readLimit(bytes, 1000000);
+        return bytes;
+    }
+
+    HTTPSession session;
+
+private:
+    SocketPair m_pair;
+};
+
+HTTPResponse announced(std::uint32_t length)
+{
+    HTTPResponse response;
+    response.contentLength = length;
+    return response;
+}
+
+HTTPResponse chunked()
+{
+    HTTPResponse response;
+    response.chunked = true;
+    return response;
+}
+
+} // namespace
+
+class HTTPClient_ResponseTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void lineIsSplit_data();
+    void lineIsSplit();
+    void halvesOfALineAreAppended();
+
+    void headBeforeTheEmptyLineOnlyIsTaken();
+    void headLineEndsAt102400Bytes();
+    void headOfAFailingConnectionIsAHead();
+    void headersOfTwoAnswersAreKeptTogether();
+    void laterHeadWithoutLengthKeepsTheOlderLength();
+
+    void plainBodyIsReceivedInPiecesOfAtMost10240Bytes();
+    void plainBodyOf25000BytesArrivesWhole();
+    void plainBodyIsAppended();
+    void plainBodyOfAClosedPeerEndsAtOnceWithWhatArrived();
+    void plainBodyOfAFailingConnectionEndsWithWhatArrived();
+    void plainBodyWithoutLengthOfAClosedPeerIsFalse();
+    void hugeAnnouncedLengthReservesNoMemory();
+
+    void chunksAreAppended();
+    void thousandChunksArriveWhole();
+    void chunkLargerThanOnePieceArrivesWhole();
+    void chunkOfAClosedPeerEndsAtOnceWithWhatArrived();
+    void chunkOfAFailingConnectionEndsWithWhatArrived();
+    void sizeLineOfAFailingConnectionEndsTheBody();
+    void sizeLineOf1024BytesIsRead();
+    void sizeLineBeyond1024BytesRunsIntoTheData();
+    void hugeChunkReservesNoMemory();
+};
+
+void HTTPClient_ResponseTest::lineIsSplit_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArray>("value");
+    const auto row = [](const char* tag, const QByteArray& line, const QByteArray& name,
+                        const QByteArray& value) { QTest::newRow(tag) << line << name << value; };
+
+    row("header", "Server: x/1\r\n", "Server", "x/1");
+    row("header without line end", "Server: x/1", "Server", "x/1");
+    row("header with a bare line feed", "Server: x/1\n", "Server", "x/1");
+    row("line ends on both sides", "\r\n\n\rA: b\r\n\r\n", "A", "b");
+    row("line end inside stays", "A: b\r\nC: d\r\n", "A", "b\r\nC: d");
+    row("value empty", "A: \r\n", "A", "");
+    row("name empty", ": b\r\n", "", "b");
+    row("separator alone", ": ", "", "");
+    row("first separator counts", "A: b: c\r\n", "A", "b: c");
+    row("colon before the separator", "A:b: c\r\n", "A:b", "c");
+    row("two spaces", "A:  b\r\n", "A", " b");
+    row("space before the colon", "A : b\r\n", "A ", "b");
+    row("spaces and tabs stay", " \tA: b \t\r\n", " \tA", "b \t");
+    row("bytes beyond ASCII", "\xC4: \xFF\r\n", "\xC4", "\xFF");
+    row("zero bytes", QByteArray("A\0: \0b", 6), QByteArray("A\0", 2), QByteArray("\0b", 2));
+
+    row("no separator", "Server\r\n", "", "");
+    row("colon without space", "Server:x\r\n", "", "");
+    row("colon at the end", "Server:\r\n", "", "");
+    row("colon and tab", "Server:\tx\r\n", "", "");
+    row("space alone", "Server x\r\n", "", "");
+    row("empty", "", "", "");
+    row("line end alone", "\r\n", "", "");
+    row("line feeds alone", "\n\n", "", "");
+
+    row("status line", "HTTP/1.1 200 OK\r\n", "HTTP/1.1", "200 OK");
+    row("status line without reason", "HTTP/1.1 404\r\n", "HTTP/1.1", "404");
+    row("status line with a colon", "HTTP/1.1 200 a: b\r\n", "HTTP/1.1", "200 a: b");
+    row("status line behind line ends", "\r\nHTTP/1.1 200 OK", "HTTP/1.1", "200 OK");
+    row("two spaces in the status line", "HTTP/1.1  200\r\n", "HTTP/1.1", " 200");
+    row("space ends the status line", "HTTP/1.1 \r\n", "HTTP/1.1", "");
+    row("four letters are enough", "HTTP: b\r\n", "HTTP:", "b");
+    row("status word without space", "HTTP/1.1\r\n", "", "");
+    row("status word alone", "HTTP", "", "");
+    row("three letters", "HTT: b", "HTT", "b");
+    row("other case", "Http: b", "Http", "b");
+    row("space before the status word", " HTTP/1.1 200 OK", "", "");
+}
+
+void HTTPClient_ResponseTest::lineIsSplit()
+{
+    QFETCH(QByteArray, line);
+    std::string name;
+    std::string value;
+    HTTPClient().parseLine(line.toStdString(), name, value);
+    QTEST(QByteArray::fromStdString(name), "name");
+    QTEST(QByteArray::fromStdString(value), "value");
+}
+
+void HTTPClient_ResponseTest::halvesOfALineAreAppended()
+{
+    std::string name = "name ";
+    std::string value = "value ";
+    HTTPClient().parseLine("A: b\r\n", name, value);
+    HTTPClient().parseLine("HTTP/1.1 200 OK\r\n", name, value);
+    HTTPClient().parseLine("nothing\r\n", name, value);
+    QCOMPARE(name, std::string("name AHTTP/1.1"));
+    QCOMPARE(value, std::string("value b200 OK"));
+}
+
+void HTTPClient_ResponseTest::headBeforeTheEmptyLineOnlyIsTaken()
+{
+    Incoming incoming;
+    incoming.deliver("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello");
+    HTTPResponse response;
+    QVERIFY(HTTPClient().readHeader(incoming.session, response));
+    QCOMPARE(response.statusCode, 200);
+    QCOMPARE(response.contentLength, 5u);
+    QCOMPARE(response.received, 0u);
+    QCOMPARE(response.headers.size(), std::size_t(1));
+    QCOMPARE(response.headers.at("Content-Length"), std::string("5"));
+    QCOMPARE(incoming.unread(), std::string("hello"));
+}
+
+void HTTPClient_ResponseTest::headLineEndsAt102400Bytes()
+{
+    Incoming incoming;
+    incoming.deliver("A: " + std::string(102397, 'x') + "B: y\r\n\r\n");
+    HTTPResponse response;
+    QVERIFY(HTTPClient().readHeader(incoming.session, response));
+    QCOMPARE(response.headers.size(), std::size_t(2));
+    QCOMPARE(response.headers.at("A"), std::string(102397, 'x'));
+    QCOMPARE(response.headers.at("B"), std::string("y"));
+}
+
+void HTTPClient_ResponseTest::headOfAFailingConnectionIsAHead()
+{
+    Incoming incoming;
+    incoming.deliver("HTTP/1.1 200 OK\r\nContent-Length: 5");
+    incoming.failInsteadOfWaiting();
+    HTTPResponse response;
+    QVERIFY(HTTPClient().readHeader(incoming.session, response));
+    QCOMPARE(response.statusCode, 200);
+    QCOMPARE(response.contentLength, 5u);
+
+    HTTPSession withoutSocket;
+    HTTPResponse untouched;
+    QVERIFY(HTTPClient().readHeader(withoutSocket, untouched));
+    QCOMPARE(untouched.statusCode, 0);
+    QVERIFY(untouched.headers.empty());
+}
+
+void HTTPClient_ResponseTest::headersOfTwoAnswersAreKeptTogether()
+{
+    Incoming incoming;
+    incoming.deliver("HTTP/1.1 200 OK\r\nA: 1\r\nB: 1\r\n\r\n");
+    incoming.deliver("HTTP/1.1 404 Not Found\r\nB: 2\r\nC: 2\r\n\r\n");
+    HTTPResponse response;
+    QVERIFY(HTTPClient().readHeader(incoming.session, response));
+    QVERIFY(HTTPClient().readHeader(incoming.session, response));
+    QCOMPARE(response.statusCode, 404);
+    QVERIFY((response.headers == HTTPHeaders{{"A", "1"}, {"B", "2"}, {"C", "2"}}));
+}
+
+void HTTPClient_ResponseTest::laterHeadWithoutLengthKeepsTheOlderLength()
+{
+    Incoming incoming;
+    incoming.deliver("Content-Length: 9\r\n\r\nHTTP/1.1 200 OK\r\n\r\n");
+    HTTPResponse response;
+    QVERIFY(HTTPClient().readHeader(incoming.session, response));
+    QVERIFY(HTTPClient().readHeader(incoming.session, response));
+    QCOMPARE(response.contentLength, 9u);
+}
+
+void HTTPClient_ResponseTest::plainBodyIsReceivedInPiecesOfAtMost10240Bytes()
+{
+    // Of a packet a receive takes what it asks for, and the rest of the packet is gone.
+    int ends[2] = {-1, -1};
+    QCOMPARE(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
+    for (const char filler : {'a', 'b', 'c'}) {
+        const std::string packet(12000, filler);
+        QCOMPARE(::send(ends[1], packet.data(), packet.size(), MSG_NOSIGNAL), ssize_t(12000));
+    }
+    HTTPSession session;
+    session.socketDescriptor = ends[0];
+    HTTPResponse response = announced(25000);
+    std::string body;
+    QVERIFY(HTTPClient().readBody(session, response, body));
+    ::close(ends[1]);
+    QCOMPARE(response.received, 30720u);
+    QCOMPARE(body.size(), std::size_t(30720));
+    QVERIFY(body
+            == std::string(10240, 'a') + std::string(10240, 'b') + std::string(10240, 'c'));
+}
+
+void HTTPClient_ResponseTest::plainBodyOf25000BytesArrivesWhole()
+{
+    Incoming incoming;
+    incoming.deliver(std::string(12000, 'a') + std::string(13000, 'b'));
+    HTTPResponse response = announced(25000);
+    std::string body;
+    QVERIFY(HTTPClient().readBody(incoming.session, response, body));
+    QCOMPARE(response.received, 25000u);
+    QVERIFY(body == std::string(12000, 'a') + std::string(13000, 'b'));
+}
+
+void HTTPClient_ResponseTest::plainBodyIsAppended()
+{
+    Incoming incoming;
+    incoming.deliver("hello");
+    HTTPResponse response = announced(5);
+    std::string body = "before ";
+    QVERIFY(HTTPClient().readBody(incoming.session, response, body));
+    QCOMPARE(body, std::string("before hello"));
+}
+
+void HTTPClient_ResponseTest::plainBodyOfAClosedPeerEndsAtOnceWithWhatArrived()
+{
+    Incoming incoming;
+    incoming.deliver("hel");
+    incoming.close();
+    HTTPResponse response = announced(5);
+    std::string body;
+    QVERIFY(!HTTPClient().readBody(incoming.session, response, body));
+    QCOMPARE(body, std::string("hel"));
+    QCOMPARE(response.received, 3u);
+}
+
+void HTTPClient_ResponseTest::plainBodyOfAFailingConnectionEndsWithWhatArrived()
+{
+    Incoming incoming;
+    incoming.deliver("hel");
+    incoming.failInsteadOfWaiting();
+    HTTPResponse response = announced(5);
+    std::string body;
+    QVERIFY(!HTTPClient().readBody(incoming.session, response, body));
+    QCOMPARE(body, std::string("hel"));
+    // A negative count is not counted.
+    QCOMPARE(response.received, 3u);
+}
+
+void HTTPClient_ResponseTest::plainBodyWithoutLengthOfAClosedPeerIsFalse()
+{
+    Incoming incoming;
+    incoming.close();
+    HTTPResponse response;
+    std::string body = "before";
+    QVERIFY(!HTTPClient().readBody(incoming.session, response, body));
+    QCOMPARE(body, std::string("before"));
+}
+
+void HTTPClient_ResponseTest::hugeAnnouncedLengthReservesNoMemory()
+{
+    Incoming incoming;
+    incoming.deliver("abc");
+    incoming.close();
+    HTTPResponse response = announced(4294967295);
+    std::string body;
+    QVERIFY(!HTTPClient().readBody(incoming.session, response, body));
+    QCOMPARE(body, std::string("abc"));
+    QVERIFY2(body.capacity() < 100000, qPrintable(QString::number(body.capacity())));
+}
+
+void HTTPClient_ResponseTest::chunksAreAppended()
+{
+    Incoming incoming;
+    incoming.deliver("5\r\nhello\r\na;extension\r\n, vehicle!\r\n0\r\n\r\n");
+    HTTPResponse response = chunked();
+    std::string body = "before ";
+    QVERIFY(HTTPClient().readBody(incoming.session, response, body));
+    QCOMPARE(body, std::string("before hello, vehicle!"));
+    QCOMPARE(response.received, 15u);
+    QCOMPARE(response.chunkLeft, 0);
+    QVERIFY(response.lastChunkSeen);
+}
+
+void HTTPClient_ResponseTest::thousandChunksArriveWhole()
+{
+    Incoming incoming;
+    std::string sent;
+    std::string expected;
+    for (int chunk = 0; chunk < 1000; ++chunk) {
+        const auto filler = static_cast<char>('a' + chunk % 26);
+        sent += std::string("1A\r\n") + std::string(26, filler) + "\r\n";
+        expected += std::string(26, filler);
+    }
+    incoming.deliver(sent + "0\r\n\r\n");
+    HTTPResponse response = chunked();
+    std::string body;
+    QVERIFY(HTTPClient().readBody(incoming.session, response, body));
+    QCOMPARE(response.received, 26000u);
+    QVERIFY(body == expected);
+    QCOMPARE(incoming.unread(), std::string());
+}
+
+void HTTPClient_ResponseTest::chunkLargerThanOnePieceArrivesWhole()
+{
+    Incoming incoming;
+    incoming.deliver("61A8\r\n" + std::string(25000, 'x') + "\r\n0\r\n\r\n");
+    HTTPResponse response = chunked();
+    std::string body;
+    QVERIFY(HTTPClient().readBody(incoming.session, response, body));
+    QCOMPARE(response.received, 25000u);
+    QVERIFY(body == std::string(25000, 'x'));
+}
+
+void HTTPClient_ResponseTest::chunkOfAClosedPeerEndsAtOnceWithWhatArrived()
+{
+    Incoming incoming;
+    incoming.deliver("7d0\r\n" + std::string(1500, 'x'));
+    incoming.close();
+    HTTPResponse response = chunked();
+    std::string body;
+    QVERIFY(!HTTPClient().readBody(incoming.session, response, body));
+    QVERIFY(body == std::string(1500, 'x'));
+    QCOMPARE(response.received, 1500u);
+    QCOMPARE(response.chunkLeft, 500);
+}
+
+void HTTPClient_ResponseTest::chunkOfAFailingConnectionEndsWithWhatArrived()
+{
+    Incoming incoming;
+    incoming.deliver("5\r\nhel");
+    incoming.failInsteadOfWaiting();
+    HTTPResponse response = chunked();
+    std::string body;
+    QVERIFY(!HTTPClient().readBody(incoming.session, response, body));
+    QCOMPARE(body, std::string("hel"));
+    QCOMPARE(response.chunkLeft, 2);
+}
+
+void HTTPClient_ResponseTest::sizeLineOfAFailingConnectionEndsTheBody()
+{
+    Incoming incoming;
+    incoming.failInsteadOfWaiting();
+    HTTPResponse response = chunked();
+    std::string body;
+    QVERIFY(!HTTPClient().readBody(incoming.session, response, body));
+    QVERIFY(!response.lastChunkSeen);
+
+    incoming.deliver("0\r\n");
+    QVERIFY(!HTTPClient().readBody(incoming.session, response, body));
+    QVERIFY(response.lastChunkSeen);
+}
+
+void HTTPClient_ResponseTest::sizeLineOf1024BytesIsRead()
+{
+    Incoming incoming;
+    incoming.deliver("5;" + std::string(1020, 'x') + "\r\nhello\r\n0\r\n\r\n");
+    HTTPResponse response = chunked();
+    std::string body;
+    QVERIFY(HTTPClient().readBody(incoming.session, response, body));
+    QCOMPARE(body, std::string("hello"));
+}
+
+void HTTPClient_ResponseTest::sizeLineBeyond1024BytesRunsIntoTheData()
+{
+    Incoming incoming;
+    incoming.deliver("5;" + std::string(1021, 'x') + "\r\nhello\r\n0\r\n\r\n");
+    HTTPResponse response = chunked();
+    std::string body;
+    QVERIFY(HTTPClient().readBody(incoming.session, response, body));
+    // The line's last byte counts as data; what is left, "o", is a size line without digits.
+    QCOMPARE(body, std::string("\nhell"));
+    QCOMPARE(incoming.unread(), std::string("\r\n"));
+}
+
+void HTTPClient_ResponseTest::hugeChunkReservesNoMemory()
+{
+    Incoming incoming;
+    incoming.deliver("7fffffff\r\nabc");
+    incoming.close();
+    HTTPResponse response = chunked();
+    std::string body;
+    QVERIFY(!HTTPClient().readBody(incoming.session, response, body));
+    QCOMPARE(body, std::string("abc"));
+    QVERIFY2(body.capacity() < 100000, qPrintable(QString::number(body.capacity())));
+    QCOMPARE(response.chunkLeft, 2147483644);
+}
+
+BELUN_TEST_MAIN(HTTPClient_ResponseTest)
+#include "HTTPClient_ResponseTest.moc"
