@@ -9,7 +9,7 @@ namespace support {
 
 /// The methods that the class itself declares, in their order, one line each: kind, return type,
 /// name, and the parameters with their names where they have any, as in
-/// "signal void linked(bool flag)".
+/// "signal void linked(bool flag)". The meta-object knows qint64 as qlonglong.
 inline QStringList declaredMethods(const QMetaObject& metaObject)
 {
     QStringList lines;

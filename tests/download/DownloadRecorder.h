@@ -1,0 +1,60 @@
+// A download thread and what it tells the window, seen by a test.
+#pragma once
+
+#include "download/DownloadFileThread.h"
+
+#include "tests/support/StdoutCapture.h"
+
+#include <QList>
+#include <QObject>
+#include <QtTest>
+
+/// Takes the thread's signals as the window does, queued.
+class DownloadRecorder : public QObject
+{
+    Q_OBJECT
+
+public:
+    QList<qint64> received;  ///< First value of each progress signal.
+    QList<qint64> announced; ///< Second value of each.
+    int finished = 0;
+    int progressAfterFinished = 0;
+
+public slots:
+    void updateDownloadFileProgress(qint64 first, qint64 second)
+    {
+        received.append(first);
+        announced.append(second);
+        progressAfterFinished += finished;
+    }
+    void downloadFileFinished() { ++finished; }
+};
+
+/// One download, its standard output and log captured.
+struct Download
+{
+    explicit Download(const QString& name)
+    {
+        QObject::connect(&thread, SIGNAL(updateDownloadFileProgress(qint64, qint64)), &recorder,
+                         SLOT(updateDownloadFileProgress(qint64, qint64)));
+        QObject::connect(&thread, SIGNAL(downloadFileFinished()), &recorder,
+                         SLOT(downloadFileFinished()));
+        thread.fileName = name;
+    }
+    void start() { thread.start(QThread::InheritPriority); }
+
+    /// Starts and waits until the download has told its end and its thread is over.
+    bool run()
+    {
+        start();
+        return waitUntilFinished();
+    }
+    bool waitUntilFinished()
+    {
+        return QTest::qWaitFor([&] { return recorder.finished > 0; }) && thread.wait(5000);
+    }
+
+    support::StdoutCapture output;
+    DownloadRecorder recorder;
+    DownloadFileThread thread{nullptr};
+};
