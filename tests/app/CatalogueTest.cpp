@@ -1,0 +1,194 @@
+// The two catalogues, source and compiled, against the table of texts.
+#include <QFile>
+#include <QTranslator>
+#include <QXmlStreamReader>
+#include <QtEndian>
+#include <QtTest>
+
+#include "tests/support/TestMain.h"
+
+class CatalogueTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void chineseTextIsTranslated_data();
+    void chineseTextIsTranslated();
+    void englishTextIsTranslatedToItself_data();
+    void englishTextIsTranslatedToItself();
+    void windowTitleOfTheFormIsInTheChineseCatalogueOnly();
+    void compiledCatalogueHoldsNoOtherText_data();
+    void compiledCatalogueHoldsNoOtherText();
+    void sourceHoldsTheTableAndNothingUnfinished_data();
+    void sourceHoldsTheTableAndNothingUnfinished();
+
+private:
+    struct Text
+    {
+        const char* source;
+        const char* chinese;
+    };
+    static constexpr Text texts[] = {
+        {"BootloaderVersion:", "Bootloader版本\uFF1A"},
+        {"Browse Files in Card", "浏览相机卡内文件"},
+        {"Date", "日期"},
+        {"Delete All Files", "删除卡内所有文件"},
+        {"Delete File", "删除选中文件"},
+        {"Download File", "下载选中文件"},
+        {"Download Progress:", "下载进度\uFF1A"},
+        {"Duration", "时长"},
+        {"File Operate", "文件操作"},
+        {"Format Card", "格式化卡"},
+        {"HardwareType:", "硬件类型\uFF1A"},
+        {"HardwareVersion:", "硬件版本\uFF1A"},
+        {"Link Device", "连接设备"},
+        {"Link Fail!", "连接失败\uFF01"},
+        {"Link Success!", "连接成功\uFF01"},
+        {"Name", "名称"},
+        {"ProtocolVersion:", "协议版本\uFF1A"},
+        {"Select All", "全选"},
+        {"Size", "大小"},
+        {"SoftwareVersion:", "软件版本\uFF1A"},
+        {"Version Information", "版本信息"},
+        {"language:", "语言\uFF1A"},
+        {"MainWindow", "口"},
+    };
+    static constexpr int englishTexts = 22; // all but the last
+
+    static QString inChinese(const Text& text) { return QString::fromUtf8(text.chinese); }
+    static void addCatalogues();
+    static void addTexts(int count);
+};
+
+void CatalogueTest::addTexts(int count)
+{
+    QTest::addColumn<QByteArray>("source");
+    QTest::addColumn<QString>("chinese");
+    for (int index = 0; index < count; ++index) {
+        QTest::newRow(texts[index].source)
+            << QByteArray(texts[index].source) << inChinese(texts[index]);
+    }
+}
+
+void CatalogueTest::addCatalogues()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("isChinese");
+
+    QTest::newRow("Chinese") << "belun_chinese" << 23 << true;
+    QTest::newRow("English") << "belun_english" << 22 << false;
+}
+
+void CatalogueTest::chineseTextIsTranslated_data()
+{
+    addTexts(23);
+}
+
+void CatalogueTest::chineseTextIsTranslated()
+{
+    QFETCH(QByteArray, source);
+    QTranslator catalogue;
+    QVERIFY(catalogue.load(QStringLiteral(":/translation/belun_chinese.qm")));
+    QTEST(catalogue.translate("MainWindow", source.constData()), "chinese");
+    QVERIFY(catalogue.translate("Elsewhere", source.constData()).isEmpty());
+}
+
+void CatalogueTest::englishTextIsTranslatedToItself_data()
+{
+    addTexts(englishTexts);
+}
+
+void CatalogueTest::englishTextIsTranslatedToItself()
+{
+    QFETCH(QByteArray, source);
+    QTranslator catalogue;
+    QVERIFY(catalogue.load(QStringLiteral(":/translation/belun_english.qm")));
+    QCOMPARE(catalogue.translate("MainWindow", source.constData()), QString::fromLatin1(source));
+    QVERIFY(catalogue.translate("Elsewhere", source.constData()).isEmpty());
+}
+
+void CatalogueTest::windowTitleOfTheFormIsInTheChineseCatalogueOnly()
+{
+    QTranslator english;
+    QVERIFY(english.load(QStringLiteral(":/translation/belun_english.qm")));
+    QVERIFY(english.translate("MainWindow", "MainWindow").isEmpty());
+}
+
+void CatalogueTest::compiledCatalogueHoldsNoOtherText_data()
+{
+    addCatalogues();
+}
+
+/// A compiled catalogue: sixteen bytes of magic, then sections of a tag byte, a big-endian length
+/// and that many bytes. Section 0x42 has eight bytes for each text.
+void CatalogueTest::compiledCatalogueHoldsNoOtherText()
+{
+    QFETCH(QString, name);
+    QFETCH(int, count);
+    QFile file(QStringLiteral(":/translation/%1.qm").arg(name));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    int found = 0;
+    for (int section = 16; section + 5 <= bytes.size();) {
+        const int length =
+            static_cast<int>(qFromBigEndian<quint32>(bytes.constData() + section + 1));
+        if (bytes.at(section) == 0x42) {
+            found += length / 8;
+        }
+        section += 5 + length;
+    }
+    QCOMPARE(found, count);
+}
+
+void CatalogueTest::sourceHoldsTheTableAndNothingUnfinished_data()
+{
+    addCatalogues();
+}
+
+void CatalogueTest::sourceHoldsTheTableAndNothingUnfinished()
+{
+    QFETCH(QString, name);
+    QFETCH(int, count);
+    QFETCH(bool, isChinese);
+    QMap<QString, QString> expected;
+    for (int index = 0; index < count; ++index) {
+        const QString source = QString::fromUtf8(texts[index].source);
+        expected.insert(source, isChinese ? inChinese(texts[index]) : source);
+    }
+
+    QFile file(QStringLiteral(TRANSLATION_SOURCES "/%1.ts").arg(name));
+    QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.fileName()));
+    QXmlStreamReader xml(&file);
+    QMap<QString, QString> found;
+    QStringList contexts;
+    QString source;
+    int messages = 0;
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement) {
+            continue;
+        }
+        if (xml.name() == QLatin1String("name")) {
+            contexts.append(xml.readElementText());
+        } else if (xml.name() == QLatin1String("message")) {
+            ++messages;
+            QVERIFY(xml.attributes().isEmpty());
+        } else if (xml.name() == QLatin1String("comment")) {
+            QFAIL("a text with a disambiguation is another text");
+        } else if (xml.name() == QLatin1String("source")) {
+            source = xml.readElementText();
+        } else if (xml.name() == QLatin1String("translation")) {
+            const QString state = xml.attributes().value(QLatin1String("type")).toString();
+            QVERIFY2(state.isEmpty(), qPrintable(source + QStringLiteral(" is ") + state));
+            found.insert(source, xml.readElementText());
+        }
+    }
+    QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
+    QCOMPARE(contexts, QStringList{"MainWindow"});
+    QCOMPARE(messages, count);
+    QCOMPARE(found, expected);
+}
+
+BELUN_TEST_MAIN(CatalogueTest)
+
+#include "CatalogueTest.moc"

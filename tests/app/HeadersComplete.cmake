@@ -1,0 +1,10 @@
+# Fails when a header of the product is missing in CHECKED.
+file(GLOB headers RELATIVE "${ROOT}"
+  "${ROOT}/app/*.h" "${ROOT}/card/*.h" "${ROOT}/download/*.h" "${ROOT}/http/*.h" "${ROOT}/link/*.h")
+if(NOT headers)
+  message(FATAL_ERROR "no header found in ${ROOT}")
+endif()
+list(REMOVE_ITEM headers ${CHECKED})
+if(headers)
+  message(FATAL_ERROR "not compiled by themselves, add them to HeadersTest.cmake: ${headers}")
+endif()

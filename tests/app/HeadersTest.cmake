@@ -1,0 +1,35 @@
+# Every header compiled by itself, twice in a row, with nothing but what its own library brings: it
+# includes what it needs, guards itself, and knows no more of Qt than its library may. There is
+# nothing to run; the test app.Headers only sees to it that none is left out.
+function(check_headers library)
+  foreach(header ${ARGN})
+    string(MAKE_C_IDENTIFIER "${header}" name)
+    set(source "${CMAKE_CURRENT_BINARY_DIR}/headers/${name}.cpp")
+    file(CONFIGURE OUTPUT "${source}" CONTENT "#include \"@header@\"\n#include \"@header@\"\n" @ONLY)
+    list(APPEND sources "${source}")
+  endforeach()
+  add_library(headers_${library} OBJECT ${sources})
+  target_link_libraries(headers_${library} PRIVATE ${library})
+  set(checked_headers ${checked_headers} ${ARGN} PARENT_SCOPE)
+endfunction()
+
+check_headers(http
+  http/HTTPClient.h http/HTTPRecords.h http/HTTPSession.h http/Number.h)
+check_headers(link
+  link/ControlClientThread.h link/GroundClientThread.h link/ModuleSocket.h link/ReceiveLoop.h
+  link/VehicleFrame.h link/VersionText.h)
+check_headers(card
+  card/CardAnswers.h card/CardCommands.h card/FileInfoText.h card/NameTable.h
+  card/SelectionRecord.h)
+check_headers(cardwidgets
+  card/FileTable.h card/NoFocusDelegate.h)
+check_headers(download
+  download/DownloadFileThread.h download/DownloadRequest.h download/RecordingDownload.h
+  download/ResponseHead.h download/resp_header.h)
+check_headers(app
+  app/MainWindow.h app/NumberText.h app/ProcessSetup.h)
+
+add_test(NAME app.Headers
+  COMMAND ${CMAKE_COMMAND} "-DROOT=${PROJECT_SOURCE_DIR}" "-DCHECKED=${checked_headers}"
+          -P "${CMAKE_CURRENT_SOURCE_DIR}/HeadersComplete.cmake")
+_belun_set_test_properties(app.Headers unit FALSE)

@@ -1,0 +1,71 @@
+// The icon and the catalogues at their fixed paths.
+#include <QDir>
+#include <QDirIterator>
+#include <QImage>
+#include <QTranslator>
+#include <QtTest>
+
+#include "tests/app/EarlyReading.h"
+#include "tests/support/TestMain.h"
+
+class ResourceTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void pathsAreValidBeforeMain();
+    void collectionHoldsThreeFiles();
+    void iconIsASquarePictureOf512();
+    void cataloguesLoadByTheirFileName_data();
+    void cataloguesLoadByTheirFileName();
+};
+
+void ResourceTest::pathsAreValidBeforeMain()
+{
+    QCOMPARE(earlyReading().icon.left(8), QByteArray("\x89PNG\r\n\x1a\n"));
+    const QByteArray catalogue("\x3c\xb8\x64\x18\xca\xef\x9c\x95\xcd\x21\x1c\xbf\x60\xa1\xbd\xdd");
+    QCOMPARE(earlyReading().chinese.left(16), catalogue);
+    QCOMPARE(earlyReading().english.left(16), catalogue);
+}
+
+void ResourceTest::collectionHoldsThreeFiles()
+{
+    QStringList files;
+    for (const char* folder : {":/Images", ":/translation"}) {
+        for (QDirIterator entry(QString::fromLatin1(folder), QDir::Files,
+                                QDirIterator::Subdirectories);
+             entry.hasNext();) {
+            files.append(entry.next());
+        }
+    }
+    files.sort();
+    QCOMPARE(files, (QStringList{":/Images/appicon.png", ":/translation/belun_chinese.qm",
+                                 ":/translation/belun_english.qm"}));
+}
+
+void ResourceTest::iconIsASquarePictureOf512()
+{
+    const QImage icon(QStringLiteral(":/Images/appicon.png"), "PNG");
+    QCOMPARE(icon.size(), QSize(512, 512));
+    QVERIFY(QFileInfo(QStringLiteral(":/Images/appicon.png")).size() < 1048576);
+}
+
+void ResourceTest::cataloguesLoadByTheirFileName_data()
+{
+    QTest::addColumn<QString>("path");
+
+    QTest::newRow("Chinese") << ":/translation/belun_chinese.qm";
+    QTest::newRow("English") << ":/translation/belun_english.qm";
+}
+
+void ResourceTest::cataloguesLoadByTheirFileName()
+{
+    QFETCH(QString, path);
+    QTranslator catalogue;
+    QVERIFY(catalogue.load(path));
+    QVERIFY(!catalogue.isEmpty());
+}
+
+BELUN_TEST_MAIN(ResourceTest)
+
+#include "ResourceTest.moc"
