@@ -24,6 +24,13 @@ QString programPath(const QString& name)
     return found.isEmpty() ? QStandardPaths::findExecutable(name, {"/usr/sbin", "/sbin"}) : found;
 }
 
+/// A package that was unpacked and not installed has its modules beside it, not where it looks.
+QStringList moduleFolderOption(const QString& program)
+{
+    const QDir folder(QFileInfo(program).absolutePath() + "/../lib/lighttpd");
+    return folder.exists() ? QStringList{"-m", folder.absolutePath()} : QStringList();
+}
+
 } // namespace
 
 RealServer::RealServer(Kind kind, const QString& address, int port)
@@ -42,33 +49,30 @@ RealServer::~RealServer()
 bool RealServer::start()
 {
     const QString configuration = m_folder.filePath("configuration");
-    QString program;
+    const QString name = m_kind == Nginx ? "nginx" : m_kind == Lighttpd ? "lighttpd" : "busybox";
+    const QString program = programPath(name);
+    if (program.isEmpty()) {
+        m_error = name + " is not installed; its package has the same name";
+        return false;
+    }
     QStringList arguments;
     switch (m_kind) {
     case Nginx:
-        program = "nginx";
         arguments = QStringList{"-e", "stderr", "-p", m_folder.path(), "-c", configuration};
         write(configuration, nginxConfiguration());
         break;
     case Lighttpd:
-        program = "lighttpd";
-        arguments = QStringList{"-D", "-f", configuration};
+        arguments = QStringList{"-D", "-f", configuration} + moduleFolderOption(program);
         write(configuration, lighttpdConfiguration());
         break;
     case Busybox:
-        program = "busybox";
         arguments = QStringList{"httpd", "-f",
                                 "-c",    "/dev/null",
                                 "-h",    m_folder.filePath("www"),
                                 "-p",    QString("%1:%2").arg(m_address).arg(m_port)};
         break;
     }
-    const QString path = programPath(program);
-    if (path.isEmpty()) {
-        m_error = program + " is not installed; its package has the same name";
-        return false;
-    }
-    m_process.start(path, arguments, QIODevice::ReadOnly);
+    m_process.start(program, arguments, QIODevice::ReadOnly);
     const QDeadlineTimer limit(startLimit);
     while (m_process.waitForStarted(startLimit) && !limit.hasExpired()) {
         if (acceptsConnections()) {
@@ -79,7 +83,7 @@ bool RealServer::start()
         }
     }
     m_error = QString("%1 does not run: %2 %3")
-                  .arg(path, m_process.errorString(), QString::fromUtf8(m_process.readAll()));
+                  .arg(program, m_process.errorString(), QString::fromUtf8(m_process.readAll()));
     return false;
 }
 

@@ -14,13 +14,17 @@
 
 namespace {
 
-/// A program that tells what it was sent: method, type, length, digest.
+/// A program that tells what it was sent: method, type, length, digest. Asked for no length it adds
+/// a megabyte, so that a server cannot have the whole answer when it passes the head on.
 constexpr char receivingProgram[] = R"(#!/usr/bin/python3
 import hashlib, os, sys
 body = sys.stdin.buffer.read(int(os.environ.get("CONTENT_LENGTH") or 0))
 text = "%s %s %d %s\n" % (os.environ["REQUEST_METHOD"], os.environ.get("CONTENT_TYPE", "-"),
                           len(body), hashlib.sha256(body).hexdigest())
-length = "" if os.environ["QUERY_STRING"] == "no-length" else "Content-Length: %d\r\n" % len(text)
+length = "Content-Length: %d\r\n" % len(text)
+if os.environ["QUERY_STRING"] == "no-length":
+    length = ""
+    text += "x" * 1048576
 sys.stdout.write("Content-Type: text/plain\r\n" + length + "\r\n" + text)
 )";
 
