@@ -1,0 +1,16 @@
+# Writes each example of a page to a file of its own: PAGE, FOLDER and NAMES come with -D. An
+# example stands between "<!-- example: NAME -->", "```cpp" and "```", each on a line of its own.
+file(READ "${PAGE}" page)
+foreach(name ${NAMES})
+  set(opening "<!-- example: ${name} -->\n```cpp\n")
+  string(FIND "${page}" "${opening}" begin)
+  if(begin EQUAL -1)
+    message(FATAL_ERROR "${PAGE} has no example \"${name}\"")
+  endif()
+  string(LENGTH "${opening}" length)
+  math(EXPR begin "${begin} + ${length}")
+  string(SUBSTRING "${page}" ${begin} -1 example)
+  string(FIND "${example}" "```\n" end)
+  string(SUBSTRING "${example}" 0 ${end} example)
+  file(WRITE "${FOLDER}/${name}.inc" "${example}")
+endforeach()
