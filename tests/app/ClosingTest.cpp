@@ -1,0 +1,490 @@
+// The end of the window whatever its threads are at, in this process and as the whole program.
+#include "tests/app/LinkedScene.h"
+#include "tests/support/SilentAddress.h"
+#include "tests/support/TestMain.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <thread>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+
+namespace {
+
+using Texts = QList<QByteArray>;
+
+constexpr qint64 closingLimit = 2000; // milliseconds
+
+/// Takes one connection, a probe, and answers no other attempt.
+class AddressForAProbe
+{
+public:
+    explicit AddressForAProbe(const char* address)
+        : m_listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
+    {
+        const int on = 1;
+        ::setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+        sockaddr_in place{};
+        place.sin_family = AF_INET;
+        place.sin_addr.s_addr = inet_addr(address);
+        place.sin_port = htons(fake::modulePort);
+        if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0
+            || ::listen(m_listener, 0) != 0) {
+            qFatal("cannot listen on %s", address);
+        }
+    }
+    ~AddressForAProbe() { ::close(m_listener); }
+    AddressForAProbe(const AddressForAProbe&) = delete;
+    AddressForAProbe& operator=(const AddressForAProbe&) = delete;
+
+private:
+    int m_listener;
+};
+
+/// Sockets and recordings that a process has open.
+int openDescriptors(qint64 process)
+{
+    const QDir folder(QStringLiteral("/proc/%1/fd").arg(process));
+    int count = 0;
+    for (const QString& name : folder.entryList(QDir::AllEntries | QDir::System)) {
+        std::array<char, 4096> target{};
+        const ssize_t size = ::readlink(QFile::encodeName(folder.filePath(name)).constData(),
+                                        target.data(), target.size());
+        const QByteArray text(target.data(), static_cast<int>(std::max<ssize_t>(size, 0)));
+        count += text.startsWith("socket:") || text.contains("/DCIM/") ? 1 : 0;
+    }
+    return count;
+}
+
+/// The program with its window worked from inside.
+class DrivenProgram
+{
+public:
+    DrivenProgram()
+    {
+        m_process.start(QStringLiteral(DRIVEN_PROGRAM), QStringList());
+        m_process.waitForStarted();
+    }
+
+    ~DrivenProgram()
+    {
+        if (m_process.state() != QProcess::NotRunning) {
+            m_process.kill();
+            m_process.waitForFinished();
+        }
+    }
+    DrivenProgram(const DrivenProgram&) = delete;
+    DrivenProgram& operator=(const DrivenProgram&) = delete;
+
+    /// Returns when the program has done it.
+    void tell(const QByteArray& command)
+    {
+        m_process.write(command + "\n");
+        ++m_commands;
+        QTRY_COMPARE(output().count("done\n"), m_commands);
+    }
+    QByteArray output()
+    {
+        m_output += m_process.readAllStandardOutput();
+        return m_output;
+    }
+    qint64 id() const { return m_process.processId(); }
+
+    /// Closes the window and checks that the program ends in time and with status 0.
+    void close()
+    {
+        QElapsedTimer clock;
+        clock.start();
+        m_process.write("close\n");
+        QVERIFY2(m_process.waitForFinished(10000), "the program does not end");
+        QVERIFY2(clock.elapsed() < closingLimit, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(m_process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(m_process.exitCode(), 0);
+    }
+
+private:
+    QProcess m_process;
+    QByteArray m_output;
+    int m_commands = 0;
+};
+
+} // namespace
+
+class ClosingTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void idleWindow();
+    void afterAFailedLink();
+    void atOnceAfterTheLinkClick();
+    void linkedWindow();
+    void twoPairsOfLinks();
+    void linkThreadsConnectingToARefusingAddress();
+    void controlThreadConnectingToASilentAddress();
+    void groundThreadConnectingToASilentAddress();
+    void linkThreadReconnectingAgainAndAgain();
+    void downloadConnectingToASilentCamera();
+    void downloadWithoutAnAnswer();
+    void downloadStalledInTheHead();
+    void downloadStalledInTheBody();
+    void downloadInFlight();
+    void downloadStalledBesideRefusedAndSilentLinks();
+    void descriptorsAreReleasedWithTheWindow();
+
+    void programClosedIdle();
+    void programClosedLinked();
+    void programClosedWithItsModulesGone();
+    void programClosedWithAStalledDownload();
+    void programSurvivesADownloadFromACameraSwitchedOff();
+    void programSurvivesAModuleThatResetsBehindItsHeartbeats();
+    void programKeepsTheDescriptorsOfLinksAndDownloadsOpen();
+
+private:
+    /// Destroys the window and checks that it is quick.
+    void destroyInTime();
+    /// Has a camera that sends this, then waits; returns when it does.
+    void startDownload(const QByteArray& bytes);
+
+    std::unique_ptr<fake::Gate> gate; // outlives the camera that waits at it
+    std::unique_ptr<LinkedScene> scene;
+};
+
+void ClosingTest::init()
+{
+    gate = std::make_unique<fake::Gate>();
+    scene = std::make_unique<LinkedScene>();
+}
+
+void ClosingTest::cleanup()
+{
+    gate->open();
+    if (scene->camera) {
+        QCOMPARE(scene->camera->errors(), Texts());
+    }
+    scene.reset();
+    QDir(QDir::homePath() + QStringLiteral("/Desktop/DCIM")).removeRecursively();
+}
+
+void ClosingTest::destroyInTime()
+{
+    QElapsedTimer clock;
+    clock.start();
+    scene->user->destroy();
+    const qint64 elapsed = clock.elapsed();
+    QVERIFY2(elapsed < closingLimit, qPrintable(QString::number(elapsed) + " ms"));
+}
+
+void ClosingTest::startDownload(const QByteArray& bytes)
+{
+    scene->camera->on(fake::downloadTarget, [this, bytes](fake::Connection& connection) {
+        connection.send(bytes);
+        gate->pass();
+    });
+    scene->user->chooseRows({0});
+    scene->user->clickDownload();
+    QTRY_VERIFY(gate->isReached());
+    QVERIFY(!scene->user->canDownload());
+}
+
+void ClosingTest::idleWindow()
+{
+    destroyInTime();
+}
+
+void ClosingTest::afterAFailedLink()
+{
+    scene->ground.reset();
+    scene->user->clickLink();
+    QVERIFY(scene->user->showsLinkFail());
+    destroyInTime();
+}
+
+void ClosingTest::atOnceAfterTheLinkClick()
+{
+    scene->user->clickLink();
+    QVERIFY(scene->user->showsLinkSuccess());
+    destroyInTime();
+}
+
+void ClosingTest::linkedWindow()
+{
+    scene->link();
+    scene->control->link()->send(QByteArray::fromHex("aaaf04010000"));
+    QTRY_COMPARE(scene->control->link()->received(), QByteArray::fromHex("aaaf0401015f"));
+    destroyInTime();
+    // The modules see their links end.
+    QTRY_COMPARE(scene->control->links(), QList<int>());
+    QTRY_COMPARE(scene->ground->links(), QList<int>());
+}
+
+void ClosingTest::twoPairsOfLinks()
+{
+    scene->link();
+    scene->control->link()->close();
+    QTRY_VERIFY(scene->user->showsLinkFail());
+    scene->user->clickLink();
+    QTRY_COMPARE(scene->control->links().size(), 2);
+    QTRY_COMPARE(scene->ground->links().size(), 2);
+    destroyInTime();
+    QTRY_COMPARE(scene->control->links(), QList<int>());
+    QTRY_COMPARE(scene->ground->links(), QList<int>());
+}
+
+void ClosingTest::linkThreadsConnectingToARefusingAddress()
+{
+    scene->link();
+    scene->control.reset();
+    scene->ground.reset();
+    QTRY_VERIFY(scene->user->showsLinkFail());
+    destroyInTime();
+}
+
+void ClosingTest::controlThreadConnectingToASilentAddress()
+{
+    scene->control.reset();
+    const AddressForAProbe control(fake::controlAddress);
+    scene->user->clickLink();
+    QVERIFY(scene->user->showsLinkSuccess());
+    QTRY_VERIFY(fake::isConnectPending(fake::controlAddress, fake::modulePort));
+    destroyInTime();
+}
+
+void ClosingTest::groundThreadConnectingToASilentAddress()
+{
+    scene->ground.reset();
+    const AddressForAProbe ground(fake::groundAddress);
+    scene->user->clickLink();
+    QVERIFY(scene->user->showsLinkSuccess());
+    QTRY_VERIFY(fake::isConnectPending(fake::groundAddress, fake::modulePort));
+    destroyInTime();
+}
+
+void ClosingTest::linkThreadReconnectingAgainAndAgain()
+{
+    scene->control.reset();
+    fake::Listener closing(fake::controlAddress, fake::modulePort, [](fake::Connection&) {});
+    scene->user->clickLink();
+    QVERIFY(closing.connectionCount() >= 1);
+    QTRY_VERIFY(closing.connectionCount() >= 10);
+    destroyInTime();
+}
+
+void ClosingTest::downloadConnectingToASilentCamera()
+{
+    scene->linkAndBrowse({"a.mp4"});
+    scene->camera.reset();
+    const support::SilentAddress camera(fake::cameraAddress, fake::cameraPort);
+    scene->user->chooseRows({0});
+    scene->user->clickDownload();
+    QTRY_VERIFY(fake::isConnectPending(fake::cameraAddress, fake::cameraPort));
+    QCOMPARE(scene->user->downloadCount(), QStringLiteral("1/1"));
+    destroyInTime();
+}
+
+void ClosingTest::downloadWithoutAnAnswer()
+{
+    scene->linkAndBrowse({"a.mp4"});
+    startDownload(QByteArray());
+    destroyInTime();
+}
+
+void ClosingTest::downloadStalledInTheHead()
+{
+    scene->linkAndBrowse({"a.mp4"});
+    startDownload("HTTP/1.1 200 OK\r\nContent-Le");
+    destroyInTime();
+}
+
+void ClosingTest::downloadStalledInTheBody()
+{
+    scene->linkAndBrowse({"a.mp4"});
+    startDownload("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf");
+    QTRY_COMPARE(scene->user->progressBar().value(), 4);
+    destroyInTime();
+}
+
+void ClosingTest::downloadInFlight()
+{
+    scene->linkAndBrowse({"a.mp4", "b.mp4"});
+    std::atomic<bool> goOn{true};
+    scene->camera->on(fake::downloadTarget, [&goOn](fake::Connection& connection) {
+        connection.send("HTTP/1.1 200 OK\r\nContent-Length: 2000000000\r\n\r\n");
+        for (int piece = 0; piece < 10000 && goOn; ++piece) {
+            connection.send(QByteArray(4096, 'x'));
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    });
+    scene->user->chooseRows({0, 1});
+    scene->user->clickDownload();
+    QTRY_VERIFY(scene->user->progressBar().value() > 0);
+    destroyInTime();
+    goOn = false;
+    // The file that waited is not begun.
+    QCOMPARE(scene->camera->targets(), Texts{QByteArray(fake::downloadTarget) + "b.mp4"});
+    scene->camera.reset(); // its thread uses what goes here
+}
+
+void ClosingTest::downloadStalledBesideRefusedAndSilentLinks()
+{
+    scene->ground.reset();
+    const AddressForAProbe ground(fake::groundAddress);
+    scene->user->clickLink();
+    QVERIFY(scene->user->showsLinkSuccess());
+    scene->camera->holdFiles({"a.mp4"});
+    scene->user->clickBrowse();
+    startDownload("HTTP/1.1 200 OK\r\n");
+    scene->control.reset();
+    QTRY_VERIFY(scene->user->showsLinkFail());
+    QTRY_VERIFY(fake::isConnectPending(fake::groundAddress, fake::modulePort));
+    destroyInTime();
+}
+
+void ClosingTest::descriptorsAreReleasedWithTheWindow()
+{
+    scene->user->destroy();
+    const int before = openDescriptors(::getpid());
+    scene->user.emplace();
+    scene->link();
+    for (int loss = 0; loss < 5; ++loss) {
+        scene->control->link()->close();
+        QTRY_VERIFY(scene->user->showsLinkFail());
+        QTRY_VERIFY(scene->control->links().contains(loss + 2));
+    }
+    scene->control->link()->send(QByteArray::fromHex("aaaf04010000"));
+    QTRY_VERIFY(scene->user->showsLinkSuccess());
+    scene->camera->holdFiles({"a.mp4"});
+    scene->camera->answer(fake::downloadTarget, "recording");
+    scene->user->clickBrowse();
+    scene->user->chooseRows({0});
+    // Link, five lost ones and the ground link, on both sides only for those that stand.
+    QTRY_COMPARE(openDescriptors(::getpid()), before + 7 + 2);
+    for (int download = 1; download <= 3; ++download) {
+        QTRY_VERIFY(scene->user->canDownload());
+        scene->user->clickDownload();
+        QVERIFY(!scene->user->isIdle());
+        QTRY_VERIFY(scene->user->isIdle());
+        QTRY_COMPARE(openDescriptors(::getpid()), before + 7 + 2 + 2 * download);
+    }
+    scene->user->destroy();
+    QTRY_COMPARE(openDescriptors(::getpid()), before);
+}
+
+void ClosingTest::programClosedIdle()
+{
+    DrivenProgram program;
+    program.close();
+}
+
+void ClosingTest::programClosedLinked()
+{
+    DrivenProgram program;
+    program.tell("click pushButtonLinkBELUN");
+    QTRY_COMPARE(scene->control->links(), QList<int>{1});
+    QTRY_COMPARE(scene->ground->links(), QList<int>{1});
+    program.close();
+}
+
+void ClosingTest::programClosedWithItsModulesGone()
+{
+    DrivenProgram program;
+    program.tell("click pushButtonLinkBELUN");
+    QTRY_COMPARE(scene->control->links(), QList<int>{1});
+    scene->control.reset();
+    scene->ground.reset();
+    program.close();
+}
+
+void ClosingTest::programClosedWithAStalledDownload()
+{
+    scene->camera->holdFiles({"a.mp4"});
+    scene->camera->on(fake::downloadTarget, [this](fake::Connection&) { gate->pass(); });
+    DrivenProgram program;
+    program.tell("click pushButtonLinkBELUN");
+    program.tell("click pushButtonEnterTFcard");
+    program.tell("choose 0");
+    program.tell("click pushButtonDownloadFile");
+    QTRY_VERIFY(gate->isReached());
+    program.close();
+}
+
+void ClosingTest::programSurvivesADownloadFromACameraSwitchedOff()
+{
+    scene->camera->holdFiles({"a.mp4"});
+    DrivenProgram program;
+    program.tell("click pushButtonLinkBELUN");
+    program.tell("click pushButtonEnterTFcard");
+    program.tell("choose 0");
+    scene->camera.reset();
+    // The request is written all the same: a signal that would end the program.
+    program.tell("click pushButtonDownloadFile");
+    // Told at once although the output is a pipe.
+    QTRY_VERIFY(program.output().contains("connect failed, return: -1\n"));
+    program.tell("click checkBoxSelectAllFiles");
+    program.close();
+}
+
+void ClosingTest::programSurvivesAModuleThatResetsBehindItsHeartbeats()
+{
+    DrivenProgram program;
+    program.tell("click pushButtonLinkBELUN");
+    QTRY_COMPARE(scene->control->links(), QList<int>{1});
+    // Many of them, each as long as one receive, so that answers still go out behind the reset.
+    const QByteArray heartbeat = QByteArray::fromHex("aaaf04010000") + QByteArray(94, '\0');
+    for (int loss = 0; loss < 5; ++loss) {
+        scene->control->link()->send(heartbeat.repeated(500));
+        scene->control->link()->reset();
+        QTRY_COMPARE(scene->control->links(), QList<int>{loss + 2});
+    }
+    program.tell("click checkBoxSelectAllFiles");
+    program.close();
+}
+
+void ClosingTest::programKeepsTheDescriptorsOfLinksAndDownloadsOpen()
+{
+    scene->camera->holdFiles({"a.mp4"});
+    scene->camera->answer(fake::downloadTarget, "recording");
+    DrivenProgram program;
+    program.tell("click pushButtonEnterTFcard");
+    program.tell("choose 0");
+    const int before = openDescriptors(program.id());
+    program.tell("click pushButtonLinkBELUN");
+    QTRY_COMPARE(scene->control->links(), QList<int>{1});
+    QTRY_COMPARE(scene->ground->links(), QList<int>{1});
+    QTRY_COMPARE(openDescriptors(program.id()), before + 2);
+    for (int loss = 1; loss <= 3; ++loss) {
+        scene->control->link()->close();
+        QTRY_COMPARE(scene->control->links(), QList<int>{1 + loss});
+        QTRY_COMPARE(openDescriptors(program.id()), before + 2 + loss);
+    }
+    // The second answer goes out when the window has been told of the first heartbeat.
+    for (int beat = 1; beat <= 2; ++beat) {
+        scene->control->link()->send(QByteArray::fromHex("aaaf04010000"));
+        QTRY_COMPARE(scene->control->link()->received(),
+                     QByteArray::fromHex("aaaf0401015f").repeated(beat));
+    }
+    // A socket and a file each.
+    for (int download = 1; download <= 2; ++download) {
+        QTRY_COMPARE(scene->camera->heads().size(), download + 2);
+        program.tell("click pushButtonDownloadFile");
+        QTRY_COMPARE(openDescriptors(program.id()), before + 2 + 3 + 2 * download);
+    }
+    program.close();
+}
+
+BELUN_NETWORK_TEST_MAIN(ClosingTest)
+#include "ClosingTest.moc"
