@@ -76,7 +76,7 @@ void ScriptedServer::listenOn(quint16 port)
 
 void ScriptedServer::acceptConnections()
 {
-    while (!m_stopping) {
+    while (m_listening) {
         pollfd state{m_listener, POLLIN, 0};
         if (::poll(&state, 1, step) <= 0) {
             continue;
@@ -118,11 +118,13 @@ void ScriptedServer::runScript(Connection& connection, const Script& script)
 
 void ScriptedServer::stop()
 {
-    m_stopping = true;
+    // In this order: a client that makes its connection anew at once is refused already.
+    m_listening = false;
     if (m_thread.joinable()) {
         m_thread.join();
         ::close(m_listener);
     }
+    m_stopping = true;
     for (const auto& connection : m_connections) {
         if (connection->thread.joinable()) {
             connection->thread.join();

@@ -124,8 +124,9 @@ private:
     const std::vector<Script> m_scripts;
     const bool m_oneForAll;
     int m_listener = -1;
-    std::atomic<bool> m_stopping{false};
-    mutable std::mutex m_mutex; // of the following two
+    std::atomic<bool> m_listening{true};
+    std::atomic<bool> m_stopping{false}; // of the scripts
+    mutable std::mutex m_mutex;          // of the following two
     std::vector<std::unique_ptr<Connection>> m_connections;
     QStringList m_errors;
     mutable std::atomic<bool> m_errorsSeen{false};
