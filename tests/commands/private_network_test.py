@@ -1,0 +1,156 @@
+"""What a command finds inside simulator/private-network, and what is left when it ends."""
+
+import os
+import pathlib
+import secrets
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+import unittest
+
+SCRIPT = str(pathlib.Path(__file__).resolve().parents[2] / "simulator" / "private-network")
+ADDRESSES = ["192.168.1.120", "192.168.1.148", "192.168.1.149"]
+
+
+def inside(*arguments, **options):
+    return subprocess.run([SCRIPT, "--own", *arguments], capture_output=True, text=True,
+                          timeout=30, check=False, **options)
+
+
+def processesWith(mark):
+    """The processes of the whole machine, as far as they can be seen, with that in their command."""
+    found = []
+    for entry in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
+        try:
+            command = entry.read_bytes().replace(b"\0", b" ").decode(errors="replace")
+        except OSError:
+            continue
+        if mark in command:
+            found.append(command)
+    return found
+
+
+class PrivateNetworkTest(unittest.TestCase):
+    def waitUntil(self, what, condition, seconds=10):
+        end = time.monotonic() + seconds
+        while not condition():
+            self.assertLess(time.monotonic(), end, f"not within {seconds} s: {what}")
+            time.sleep(0.02)
+
+    def startSleepers(self):
+        """Starts a command with two children, one of them in a session of its own."""
+        mark = f"86399.{secrets.randbelow(10**9):09}"
+        process = subprocess.Popen(
+            [SCRIPT, "--own", "sh", "-c", f"sleep {mark} & setsid sleep {mark} &"
+             "trap 'echo hung up; exit 8' HUP; trap 'echo terminated; exit 5' TERM;"
+             "trap 'echo interrupted; exit 6' INT;"
+             "echo up; while :; do sleep 0.05; done"],
+            stdout=subprocess.PIPE, text=True,
+            # A runner in the background of a script ignores Ctrl-C, and so would all it starts.
+            preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
+        self.assertEqual(process.stdout.readline(), "up\n")
+        self.waitUntil("both sleepers", lambda: len(
+            [line for line in processesWith(mark) if line.startswith("sleep")]) == 2)
+        return process, mark
+
+    def testStatusIsTheCommands(self):
+        for command, status in (("exit 0", 0), ("exit 7", 7), ("exit 77", 77),
+                                ("kill -KILL $$", 137), ("kill -TERM $$", 143)):
+            with self.subTest(command):
+                result = inside("sh", "-c", command)
+                self.assertEqual((result.returncode, result.stdout, result.stderr),
+                                 (status, "", ""))
+
+    def testMissingCommandIsSaid(self):
+        result = inside("/nonexistent/command")
+        self.assertEqual(result.returncode, 127)
+        self.assertIn("/nonexistent/command", result.stderr)
+
+    def testOnlyTheThreeAddressesAreUp(self):
+        result = inside("ip", "-o", "-4", "addr", "show")
+        fields = [line.split() for line in result.stdout.splitlines()]
+        self.assertEqual(sorted((field[1], field[3]) for field in fields),
+                         [("lo", "127.0.0.1/8")] + [("lo", f"{address}/32")
+                                                    for address in ADDRESSES])
+        up = inside("ip", "-o", "link", "show", "up").stdout.splitlines()
+        self.assertEqual(len(up), 1, up)
+
+    def testTwoNetworksAtOnceBothServePort80(self):
+        serve = ("import socket, sys\n"
+                 "server = socket.create_server(('192.168.1.120', 80))\n"
+                 "print('listening', flush=True)\n"
+                 "sys.stdin.read()\n")
+        servers = [subprocess.Popen([SCRIPT, "--own", "python3", "-c", serve], text=True,
+                                    stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+                   for _ in range(2)]
+        for server in servers:
+            self.assertEqual(server.stdout.readline(), "listening\n")
+        for server in servers:
+            server.communicate(timeout=10)
+            self.assertEqual(server.returncode, 0)
+
+    def testCommandRunsAsTheCallerWithoutExtraRights(self):
+        shown = inside("sh", "-c", "id -u; id -g; grep CapEff /proc/self/status").stdout.split()
+        own = [line.split()[1] for line in pathlib.Path("/proc/self/status").read_text()
+               .splitlines() if line.startswith("CapEff")]
+        self.assertEqual(shown, [str(os.getuid()), str(os.getgid()), "CapEff:", own[0]])
+
+    @unittest.skipUnless(os.getuid() == 0, "only root can run a command as another user")
+    def testRootRunsACommandAsAnotherUser(self):
+        shown = inside("--as-user", "nobody", "sh", "-c",
+                       "id -un; grep CapEff /proc/self/status").stdout.split()
+        self.assertEqual(shown, ["nobody", "CapEff:", "0000000000000000"])
+
+    def testInputAndEnvironmentArrive(self):
+        result = inside("sh", "-c", 'cat; printf %s "$MARK"', input="from the caller\n",
+                        env=dict(os.environ, MARK="two\nlines"))
+        self.assertEqual(result.stdout, "from the caller\ntwo\nlines")
+
+    def testNestedCallStaysInTheSameNetwork(self):
+        show = "readlink /proc/self/ns/net"
+        outer, same, other = inside(
+            "sh", "-c", f"{show}; '{SCRIPT}' {show}; '{SCRIPT}' --own {show}").stdout.split()
+        self.assertEqual(outer, same)
+        self.assertNotEqual(outer, other)
+
+    def testNothingOutlivesTheCommand(self):
+        mark = f"86399.{secrets.randbelow(10**9):09}"
+        result = inside("sh", "-c", f"setsid sleep {mark} & sleep {mark} & exit 3")
+        self.assertEqual(result.returncode, 3)
+        self.assertEqual(processesWith(mark), [])
+
+    def testSignalsReachTheCommand(self):
+        for number, status, said in ((signal.SIGTERM, 5, "terminated\n"),
+                                     (signal.SIGHUP, 8, "hung up\n"),
+                                     (signal.SIGINT, 6, "interrupted\n")):
+            with self.subTest(number):
+                process, mark = self.startSleepers()
+                process.send_signal(number)
+                self.assertEqual(process.communicate(timeout=10)[0], said)
+                self.assertEqual(process.returncode, status)
+                self.assertEqual(processesWith(mark), [])
+
+    def testNothingOutlivesAKilledCaller(self):
+        process, mark = self.startSleepers()
+        process.kill()
+        process.communicate(timeout=10)
+        self.waitUntil("the end of everything inside", lambda: not processesWith(mark))
+
+    def testWithoutRightsItSaysSo(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for name in ("bash", "readlink", "id", "mktemp", "mkfifo", "rm", "ip", "true"):
+                os.symlink(shutil.which(name), f"{folder}/{name}")
+            os.symlink(shutil.which("false"), f"{folder}/unshare")
+            for arguments in (["--check"], ["--own", "echo", "must not run"]):
+                result = subprocess.run([SCRIPT, *arguments], capture_output=True, text=True,
+                                        env={"PATH": folder}, timeout=30, check=False)
+                if "--check" in arguments and "already" in result.stdout:
+                    continue
+                self.assertEqual((result.returncode, result.stdout), (77, ""))
+                self.assertIn("no network namespace", result.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
