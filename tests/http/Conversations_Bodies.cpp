@@ -207,7 +207,11 @@ std::vector<Conversation> oddChunkConversations()
     body.complete("size with the prefix in capitals",
                   withEnd({{"0X", last}, {"5\r\n", five}}));
     body.complete("empty lines before the size",
-                  withEnd({{"\r", last}, {"\n", none}, {"\r", last}, {"\n", none}, {"5\r\n", five}}));
+                  withEnd({{"\r", last},
+                           {"\n", none},
+                           {"\r", last},
+                           {"\n", none},
+                           {"5\r\n", five}}));
     body.complete("two carriage returns are a last chunk",
                   {{"\r\r\n", last}, {"5\r\nhello", "true chunked last"}}, "hello");
     body.complete("bare line feed is a last chunk",

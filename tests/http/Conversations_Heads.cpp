@@ -78,8 +78,8 @@ std::vector<Conversation> headConversations()
          {"\r\r\n", "true {: , A: b}"}});
     add("spaces are no empty line", false, {{" \r\n", "true {: }"}, {"\t\r\n", "true {: }"}});
     add("carriage returns around a line are trimmed", true,
-        {{"\r\rA:", "true {: }"}, {" ", "true {A: }"}, {"b", "true {A: b}"}, {"\r\r\n", "true {A: b}"},
-         {"\r", "true {: , A: b}"}, {"\n", "true {A: b}"}});
+        {{"\r\rA:", "true {: }"}, {" ", "true {A: }"}, {"b", "true {A: b}"},
+         {"\r\r\n", "true {A: b}"}, {"\r", "true {: , A: b}"}, {"\n", "true {A: b}"}});
     add("spaces and tabs are not trimmed", true,
         {{" A", "true {: }"}, {" :", "true {: }"}, {" ", "true { A : }"},
          {"\t", "true { A : \\x09}"}, {" ", "true { A : \\x09 }"},

@@ -128,9 +128,10 @@ void HTTPClient_EveryCutTest::closedAtEveryPosition()
     }
 }
 
-// --- where a cut changes the result, since a plain body may end with any receive -----------------
+// --- where a cut changes the result, since a plain body may end with any receive ---------------
 
-static void addCutRows(const HTTPResponse& before, const std::vector<std::vector<std::string>>& rows)
+static void addCutRows(const HTTPResponse& before,
+                       const std::vector<std::vector<std::string>>& rows)
 {
     QTest::addColumn<std::vector<std::string>>("row");
     QTest::addColumn<HTTPResponse>("before");

@@ -104,7 +104,7 @@ private slots:
     void stopGetOfAnUnusedSessionDoesNothing();
 };
 
-// --- sendHeader ------------------------------------------------------------------------------------
+// --- sendHeader --------------------------------------------------------------------------------
 
 void HTTPClient_ExchangeTest::headReachesTheServerByteForByte()
 {
@@ -244,7 +244,7 @@ void HTTPClient_ExchangeTest::headOfAMegabyteIsSentWhole()
     QVERIFY(server.received(0).endsWith("\r\nA: " + QByteArray(1000000, 'x') + "\r\n\r\n"));
 }
 
-// --- get -------------------------------------------------------------------------------------------
+// --- get ---------------------------------------------------------------------------------------
 
 void HTTPClient_ExchangeTest::getOfTheRootOverPort80()
 {
@@ -490,7 +490,7 @@ void HTTPClient_ExchangeTest::getOfLength0WaitsForTheServer()
     QCOMPARE(body, std::string("x"));
 }
 
-// --- a response that is used again -----------------------------------------------------------------
+// --- a response that is used again -------------------------------------------------------------
 
 void HTTPClient_ExchangeTest::receivedCountKeepsGrowing()
 {
@@ -647,11 +647,12 @@ void HTTPClient_ExchangeTest::portAndPathOfAnEarlierAddressStay()
     QCOMPARE(server.received(1), defaultHead("/first", server));
 }
 
-// --- in steps --------------------------------------------------------------------------------------
+// --- in steps ----------------------------------------------------------------------------------
 
 void HTTPClient_ExchangeTest::startGetReadsTheHeadOnly()
 {
-    ScriptedServer server(answering("HTTP/1.1 206 Partial Content\r\nContent-Length: 5\r\n\r\nhello"));
+    ScriptedServer server(
+        answering("HTTP/1.1 206 Partial Content\r\nContent-Length: 5\r\n\r\nhello"));
     HTTPRequest request = requestTo(server, "/p");
     HTTPResponse response;
     HTTPSession session;

@@ -97,7 +97,7 @@ private slots:
     void multipartBodyIsPosted();
 };
 
-// --- sendBody --------------------------------------------------------------------------------------
+// --- sendBody ----------------------------------------------------------------------------------
 
 void HTTPClient_PostTest::bodyIsSentInAsManySendsAsItTakes()
 {
@@ -143,7 +143,7 @@ void HTTPClient_PostTest::bodyIsLeftAsItWas()
     QCOMPARE(pair.arrived(), QByteArray("a\0\xFF\r\n", 5));
 }
 
-// --- post ------------------------------------------------------------------------------------------
+// --- post --------------------------------------------------------------------------------------
 
 void HTTPClient_PostTest::postSendsHeadAndBodyByteForByte()
 {
@@ -372,7 +372,7 @@ void HTTPClient_PostTest::postWhoseBodyCannotBeSentFailsWithoutReadingTheAnswer(
              server.received(0));
 }
 
-// --- in steps --------------------------------------------------------------------------------------
+// --- in steps ----------------------------------------------------------------------------------
 
 void HTTPClient_PostTest::startPostSendsTheHeadOnly()
 {

@@ -70,9 +70,10 @@ void LibraryPageTest::everyExampleOfThePageIsRunHere()
 
 void LibraryPageTest::get()
 {
-    ScriptedServer server({answering("\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 7\r\n\r\nanswer;"),
-                           answering("\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nlist")},
-                          camera, webPort);
+    ScriptedServer server(
+        {answering("\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 7\r\n\r\nanswer;"),
+         answering("\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nlist")},
+        camera, webPort);
 #include "get.inc"
     QVERIFY(found);
     QCOMPARE(body, std::string("answer;"));

@@ -1,5 +1,5 @@
-// Reading from a connection whose other end delivers given bytes in given pieces, and telling in one
-// line what became of it.
+// Reading from a connection whose other end delivers given bytes in given pieces, and telling in
+// one line what became of it.
 #pragma once
 
 #include <cstddef>
