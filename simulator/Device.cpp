@@ -2,20 +2,32 @@
 
 #include <algorithm>
 
+#include <sys/resource.h>
+
 #include "simulator/Text.h"
 
 namespace simulator {
 
 namespace {
 
-constexpr std::size_t connectionLimit = 500;
+/// Connections of one device; the three together stay within the limit on open descriptors.
+std::size_t connectionLimit()
+{
+    constexpr rlim_t otherDescriptors = 32;
+    constexpr rlim_t most = 1'000;
+    rlimit limit{};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    const rlim_t left = limit.rlim_cur - std::min(limit.rlim_cur, otherDescriptors);
+    return static_cast<std::size_t>(std::clamp<rlim_t>(left / 3, 1, most));
+}
 
 } // namespace
 
 Device::Device(std::string name, std::string address, std::uint16_t port, const FaultTable& faults,
                Journal& journal, Factory factory)
     : m_name(std::move(name)), m_faults(&faults), m_journal(&journal),
-      m_factory(std::move(factory)), m_listener(std::move(address), port)
+      m_factory(std::move(factory)), m_listener(std::move(address), port),
+      m_connectionLimit(connectionLimit())
 {
 }
 
@@ -59,7 +71,7 @@ void Device::applyReachability(TimePoint now)
 
 void Device::addTo(std::vector<pollfd>& descriptors) const
 {
-    if (m_listener.descriptor() >= 0) {
+    if (m_listener.descriptor() >= 0 && m_connections.size() < m_connectionLimit) {
         descriptors.push_back({m_listener.descriptor(), POLLIN, 0});
     }
     if (m_listener.reachability() == Reachability::Deaf) {
@@ -95,7 +107,7 @@ void Device::advance(const std::vector<pollfd>& descriptors, TimePoint now)
 
 void Device::acceptAll(TimePoint now)
 {
-    while (m_listener.descriptor() >= 0 && m_connections.size() < connectionLimit) {
+    while (m_listener.descriptor() >= 0 && m_connections.size() < m_connectionLimit) {
         std::string peer;
         FileDescriptor socket = m_listener.accept(peer);
         if (!socket.valid()) {

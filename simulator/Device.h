@@ -51,6 +51,7 @@ private:
     Factory m_factory;
     Listener m_listener;
     std::vector<std::unique_ptr<Connection>> m_connections;
+    std::size_t m_connectionLimit; ///< further clients wait until one leaves
     int m_lastNumber = 0;
 };
 

@@ -24,7 +24,7 @@ constexpr Milliseconds shortestFirstBeat{200};
 constexpr Milliseconds cutPause{60};
 constexpr Milliseconds unknownInterval{1'000};
 /// A client that lets this much pile up is beyond help.
-constexpr std::size_t outstandingLimit = 1'000;
+constexpr std::size_t queueLimit = 1'000;
 
 /// The heartbeat that half-close, reset-mid-frame and heartbeat-pause act on; the client has
 /// linked by then.
@@ -196,8 +196,8 @@ void ModuleConnection::beat(TimePoint now)
 
 void ModuleConnection::work(TimePoint now)
 {
-    if (queued() > outstandingLimit || m_expected.size() > outstandingLimit) {
-        close("the client neither reads nor answers");
+    if (queued() > queueLimit) {
+        close("the client does not read");
         return;
     }
     while (!m_expected.empty() && now >= m_expected.front()) {

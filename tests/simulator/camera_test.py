@@ -26,7 +26,8 @@ class CameraTest(SimulatorTest):
         self.startTwo()
         both = ok(b"sd/DCIM/100ZEPNA/A.MP4;sd/DCIM/100ZEPNA/B.MP4;\r\n")
         for end, answer in ((b"2", both), (b"3", both), (b"20200131124502", both),
-                            (b"9" * 40, both), (b"1", ok(b"sd/DCIM/100ZEPNA/A.MP4;\r\n")),
+                            (b"9" * 40, both), (b"0" * 14, both),
+                            (b"1", ok(b"sd/DCIM/100ZEPNA/A.MP4;\r\n")),
                             (b"0", ok(b"\r\n")), (b"", ok(b"\r\n")), (b"-3", ok(b"\r\n"))):
             with self.subTest(end=end):
                 self.assertEqual(answer, self.ask(LIST + end))
@@ -93,6 +94,12 @@ class CameraTest(SimulatorTest):
         for byte in b"GET " + COUNT + b" HTTP/1.1\r\n\r\n":
             peer.send(bytes([byte]))
         self.assertEqual(ok(b'var count="2";\r\n'), peer.rest()[0])
+
+    def test_answer_survives_what_comes_behind_the_request(self):
+        self.startTwo()
+        peer = self.peer(CAMERA)
+        peer.send(b"GET " + COUNT + b" HTTP/1.1\r\n\r\n" + b"x" * 100000)
+        self.assertEqual((ok(b'var count="2";\r\n'), "closed"), peer.rest())
 
     def test_delete_changes_the_card_only(self):
         self.startTwo()

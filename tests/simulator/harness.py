@@ -3,6 +3,7 @@
 import json
 import os
 import queue
+import resource
 import shutil
 import socket
 import subprocess
@@ -120,11 +121,13 @@ class SimulatorTest(unittest.TestCase):
             file.write(content)
         os.utime(path, (1580474702, 1580474702))  # 2020-01-31 12:45:02 UTC
 
-    def start(self, *arguments):
+    def start(self, *arguments, descriptors=1024):
         self.journalPath = os.path.join(self.folder, "journal")
         self.process = subprocess.Popen(
             [program, "--journal", self.journalPath, "--exit-with-stdin", *arguments],
-            stdin=subprocess.PIPE, stdout=subprocess.PIPE, env={**os.environ, "TZ": "UTC"})
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, env={**os.environ, "TZ": "UTC"},
+            preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_NOFILE,
+                                                  (descriptors, descriptors)))
         self.reader = threading.Thread(target=self.readLines, daemon=True)
         self.addCleanup(self.stop)
         self.reader.start()

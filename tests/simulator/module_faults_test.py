@@ -33,7 +33,7 @@ class ModuleFaultsTest(SimulatorTest):
         self.startWith("heartbeat-stops=1")
         peer = self.peer(CONTROL)
         peer.exactly(20)
-        while not peer.quietFor(QUIET):
+        while not peer.quietFor(QUIET) and time.monotonic() - peer.opened < harness.LIMIT:
             self.assertEqual(HEARTBEAT, peer.exactly(6))
         self.assertLess(time.monotonic() - peer.opened, 1.0 + QUIET + 0.5)
         self.assertEqual(HEARTBEAT, self.peer(CONTROL).segment())
@@ -189,9 +189,10 @@ class ModuleFaultsTest(SimulatorTest):
     def test_flapping(self):
         self.startWith("flapping=600", "no-version")
         peer = self.eventually(self.reach, "a connection while up")
-        while isinstance(segment := peer.segment(), bytes):
-            self.assertEqual(HEARTBEAT, segment)
-        self.assertEqual("reset", segment)
+        segments = [peer.segment()]
+        while segments[-1] == HEARTBEAT and len(segments) < 10:
+            segments.append(peer.segment())
+        self.assertEqual("reset", segments[-1], segments)
         with self.assertRaises(ConnectionRefusedError):
             self.peer(CONTROL)
         self.assertEqual(HEARTBEAT, self.eventually(self.reach, "up again").segment())

@@ -104,6 +104,26 @@ class ModuleTest(SimulatorTest):
             self.assertEqual("error send takes control or ground, then an even number of hex "
                              "digits", self.control(line))
 
+    def test_segments_do_not_wait_for_each_other(self):
+        self.start("--fault", "silent")
+        peer = self.peer(CONTROL)
+        self.eventually(lambda: self.journal(event="open"), "the connection")
+        delays = []
+        while len(delays) < 50 and min(delays, default=1) > 0.03:
+            # a peer that has just sent something delays its acknowledgement
+            self.switch("send control 01")
+            self.assertEqual(b"\x01", peer.exactly(1))
+            peer.send(ANSWER)
+            self.process.stdin.write(b"send control 02\nsend control 03\n")
+            self.process.stdin.flush()
+            peer.exactly(1)
+            start = time.monotonic()
+            peer.exactly(1)
+            delays.append(time.monotonic() - start)
+            self.answers.get(timeout=harness.LIMIT)
+            self.answers.get(timeout=harness.LIMIT)
+        self.assertLess(min(delays), 0.03, delays)
+
     def test_flooding_client_hurts_nobody_else(self):
         self.start("--heartbeat", "60000")
         flood = self.peer(CONTROL)
@@ -113,13 +133,29 @@ class ModuleTest(SimulatorTest):
         camera.send(b"\x00" * 60000)
         self.assertIn(b'count="11"', self.ask(COUNT))
 
+    def test_client_that_never_reads_is_let_go(self):
+        self.start("--fault", "long-chunk=20000", "--fault", "heartbeat-interval=5")
+        self.peer(CONTROL)
+        self.assertEqual("the client does not read", self.eventually(
+            lambda: self.journal(device="control", event="close"), "the end")[0]["reason"])
+
+    def test_clients_beyond_the_limit_wait_for_their_turn(self):
+        self.start(descriptors=200)
+        waiting = [self.peer(CAMERA) for _ in range(100)]
+        late = self.request(COUNT)
+        self.assertTrue(late.quietFor(0.3))
+        self.assertEqual(HEARTBEAT, self.peer(CONTROL).segment())
+        for peer in waiting:
+            peer.close()
+        self.assertIn(b'count="11"', late.rest()[0])
+
     def test_quit_ends_with_status_0(self):
         self.start()
         self.switch("quit")
         self.assertEqual(0, self.process.wait(harness.LIMIT))
 
     def test_signals_end_with_status_0(self):
-        for number in (signal.SIGTERM, signal.SIGINT):
+        for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
             self.start()
             peer = self.peer(CONTROL)
             peer.exactly(6)
