@@ -50,6 +50,8 @@ class PrivateNetworkTest(unittest.TestCase):
             stdout=subprocess.PIPE, text=True,
             # A runner in the background of a script ignores Ctrl-C, and so would all it starts.
             preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
+        self.addCleanup(process.wait, 10)
+        self.addCleanup(process.kill)
         self.assertEqual(process.stdout.readline(), "up\n")
         self.waitUntil("both sleepers", lambda: len(
             [line for line in processesWith(mark) if line.startswith("sleep")]) == 2)
