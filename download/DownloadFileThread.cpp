@@ -30,8 +30,8 @@ void DownloadFileThread::run()
     DownloadFile(name);
 }
 
-// QThread::exit() marks where the download has failed. There is no event loop that it would end: the
-// download always goes on to its end, so that the next one is started.
+// QThread::exit() marks where the download has failed. There is no event loop that it would end:
+// the download always goes on to its end, so that the next one is started.
 void DownloadFileThread::DownloadFile(QString name)
 {
     const QByteArray url = (urlPrefix + name).toLatin1();
@@ -52,6 +52,9 @@ void DownloadFileThread::DownloadFile(QString name)
     download::ResponseHead head;
     if (!m_download.readHead(head)) {
         QThread::exit(-1);
+    }
+    if (m_download.stopRequested()) {
+        return; // the program is closing: no file is begun
     }
     respHeader = get_resp_header(head.text());
 

@@ -25,7 +25,7 @@ public:
     void stopAndWait();
 
     QString fileName;       ///< The recording's bare name; set before start().
-    QString urlPrefix;      ///< What stands before the name in the request, scheme and host included.
+    QString urlPrefix;      ///< What stands before the name in the request, scheme included.
     resp_header respHeader; ///< The head of the last answer; written by the download thread.
 
 signals:

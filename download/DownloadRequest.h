@@ -10,8 +10,8 @@ namespace download {
 constexpr char cameraHost[] = "192.168.1.120";
 constexpr unsigned short cameraPort = 80;
 
-/// The request for an absolute URL. The camera's server takes the header lines in this form, without
-/// a space behind their colons.
+/// The request for an absolute URL. The camera's server takes the header lines in this form,
+/// without a space behind their colons.
 QByteArray requestText(const QByteArray& url, const char* host);
 
 /// The folder for recordings, with a slash at its end, in the user's desktop folder. The path is

@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QThread>
@@ -63,7 +64,8 @@ bool RecordingDownload::connectToCamera()
     camera.sin_family = AF_INET;
     camera.sin_addr.s_addr = inet_addr(cameraHost);
     camera.sin_port = htons(cameraPort);
-    if (::connect(m_socket, reinterpret_cast<const sockaddr*>(&camera), sizeof camera) == -1) {
+    if (::connect(m_socket, reinterpret_cast<const sockaddr*>(&camera), sizeof camera) == -1
+        && !m_stopRequested) {
         tell("connect failed, return: -1\n");
         return false;
     }
@@ -98,11 +100,16 @@ bool RecordingDownload::readHead(ResponseHead& head)
 
 bool RecordingDownload::openFile(const QByteArray& path)
 {
-    m_file = ::open(path.constData(), O_WRONLY | O_CREAT, 0777);
+    // A link would lead out of the folder, and a pipe would be waited for: neither is followed.
+    m_file = ::open(path.constData(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK, 0777);
     if (m_file < 0) {
         return refuseFile();
     }
     m_opened.push_back(m_file);
+    struct stat properties{};
+    if (::fstat(m_file, &properties) != 0 || !S_ISREG(properties.st_mode)) {
+        return refuseFile();
+    }
     return true;
 }
 
@@ -127,7 +134,7 @@ void RecordingDownload::copyBody(qint64 announced, const ProgressHandler& progre
             [[maybe_unused]] const ssize_t written =
                 ::write(m_file, buffer.data(), static_cast<std::size_t>(count));
             errorsInARow = 0;
-        } else {
+        } else if (errno != EINTR) {
             ++errorsInARow;
         }
         received = wrappingSum(received, static_cast<qint32>(count));

@@ -42,7 +42,8 @@ public:
     bool readHead(ResponseHead& head);
 
     /// Opens the local file for writing and keeps what an existing one holds: a longer one keeps
-    /// its old tail. False, and told, when it cannot be opened; the body is then read and dropped.
+    /// its old tail. False, and told, when it cannot be opened or is no regular file (a link is
+    /// none); the body is then read and dropped.
     bool openFile(const QByteArray& path);
 
     /// Refuses the local file, as if it could not be opened.
@@ -55,6 +56,7 @@ public:
 
     /// Asks the download to end, without waiting.
     void requestStop() noexcept { m_stopRequested = true; }
+    bool stopRequested() const noexcept { return m_stopRequested; }
 
     /// Asks the download to end and shuts its socket down every few milliseconds until the thread
     /// it runs in has finished.
@@ -62,7 +64,7 @@ public:
 
 private:
     std::atomic<bool> m_stopRequested{false};
-    std::atomic<int> m_socket{-1}; // written by the download's thread, read by the one that stops it
+    std::atomic<int> m_socket{-1}; // written by the download, read by whoever stops it
     int m_file = -1;
     std::vector<int> m_opened;
 };
