@@ -46,9 +46,13 @@ void MainWindow::updateLinkedFlag(bool flag)
 void MainWindow::showLinkState(bool isLinked)
 {
     QLineEdit& status = *ui->lineEditLinkBELUN;
-    status.setStyleSheet(isLinked
-                             ? QStringLiteral("border:1px;background:transparent;color:green")
-                             : QStringLiteral("border:1px;background:transparent;color:red"));
+    const QString look = isLinked
+        ? QStringLiteral("border:1px;background:transparent;color:green")
+        : QStringLiteral("border:1px;background:transparent;color:red");
+    // Every heartbeat comes here, and a style sheet set anew is costly also when it is the same.
+    if (status.styleSheet() != look) {
+        status.setStyleSheet(look);
+    }
     status.setText(isLinked ? tr("Link Success!") : tr("Link Fail!"));
     status.setFont(QFont(QStringLiteral("Timers"), 14, QFont::Bold, false));
 }
