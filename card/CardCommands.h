@@ -8,7 +8,7 @@ namespace card {
 
 /// Answer: the number of files between =" and ";
 QString fileCountCommand();
-/// Takes the count text. Answer: entries that each end in a semicolon, a carriage return at the end.
+/// Takes the count text. Answer: entries that each end in a semicolon, then a carriage return.
 QString fileListCommand();
 /// Takes a file name. Answer: create, size and time, each as key="value";
 QString fileInfoCommand();

@@ -1,16 +1,18 @@
 #include "card/FileInfoText.h"
 
-#include <array>
-#include <cstdio>
+#include <algorithm>
+#include <cstddef>
+#include <string>
 
 namespace card {
 
-QString dateText(const char* field)
+QString dateText(std::string_view field)
 {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.4s-%.2s-%.2s  %.2s:%.2s:%.2s", field, field + 4,
-                  field + 6, field + 8, field + 10, field + 12);
-    return QString::fromUtf8(text.data());
+    const auto digits = [field](std::size_t offset, std::size_t count) {
+        return std::string(field.substr(std::min(offset, field.size()), count));
+    };
+    return QString::fromStdString(digits(0, 4) + '-' + digits(4, 2) + '-' + digits(6, 2) + "  "
+                                  + digits(8, 2) + ':' + digits(10, 2) + ':' + digits(12, 2));
 }
 
 ShownSize shownSize(int bytes)

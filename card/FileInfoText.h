@@ -1,13 +1,15 @@
 // A recording's details as the table shows them.
 #pragma once
 
+#include <string_view>
+
 #include <QString>
 
 namespace card {
 
-/// A creation time of fourteen digits as "2020-01-31  12:45:02". `field` is a buffer of at least 32
-/// bytes; what a shorter text leaves of it is read as it is, up to zeros.
-QString dateText(const char* field);
+/// A creation time of fourteen digits as "2020-01-31  12:45:02". What a shorter text lacks is left
+/// out between the separators; what a longer one has more is dropped.
+QString dateText(std::string_view field);
 
 /// A size as it is shown: whole units, cut, and the unit's name.
 struct ShownSize

@@ -8,8 +8,8 @@
 namespace card {
 
 /// Fixed slots of 30 bytes in one flat block, each with a name of at most 29 characters and its
-/// terminating zero. A longer name runs on into the following slots, as the camera's own tables
-/// have it, but never past the block. Slots keep their text until they are written again.
+/// terminating zero. A longer name runs on into the following slots, which is deliberate, but never
+/// past the block. Slots keep their text until they are written again.
 class NameTable
 {
 public:
