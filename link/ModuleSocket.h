@@ -9,8 +9,8 @@ class QThread;
 namespace vehicle {
 
 /// The sockets of one link thread. By design a connection that ended stays open when the next one
-/// is made; all that were handed to keep() are closed with this object. The
-/// stopping calls may come from any thread, everything else is the link thread's.
+/// is made; all that were handed to keep() are closed with this object. The stopping calls may come
+/// from any thread, everything else is the link thread's.
 class ModuleSocket
 {
 public:

@@ -18,7 +18,7 @@ QString hardwareTypeText(char hardType)
 
 QString versionText(int hundredths)
 {
-    // Single precision, as the vehicle's own displays divide: both show the same digits.
+    // In single precision; six digits hide what it rounds.
     return withPrefix(static_cast<double>(static_cast<float>(hundredths) / 100.0F));
 }
 
