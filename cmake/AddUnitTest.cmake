@@ -4,8 +4,10 @@
 #   system  the built programs
 # A test marked PRIVATE_NETWORK also gets the label `network` and runs in a private network of its
 # own, so that such tests run side by side.
+
 # Always a network of its own, also for a caller who is inside one already.
 set(BELUN_PRIVATE_NETWORK "${PROJECT_SOURCE_DIR}/simulator/private-network" --own)
+
 set(BELUN_TIMEOUT_unit 60)
 set(BELUN_TIMEOUT_socket 180)
 set(BELUN_TIMEOUT_system 300)

@@ -1,4 +1,4 @@
-# Language level, warnings and include root, in one interface target that every target of ours links.
+# Language level, warnings and include root: one interface target that all of ours link.
 option(BELUN_WERROR "Treat compiler warnings as errors" OFF)
 
 add_library(project_options INTERFACE)
