@@ -3,6 +3,7 @@
 
 #include "app/NumberText.h"
 #include "card/CardCommands.h"
+#include "card/NoFocusDelegate.h"
 #include "download/DownloadFileThread.h"
 #include "link/ControlClientThread.h"
 #include "link/GroundClientThread.h"

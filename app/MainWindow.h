@@ -9,7 +9,6 @@
 #pragma once
 
 #include "card/NameTable.h"
-#include "card/NoFocusDelegate.h"
 #include "card/SelectionRecord.h"
 #include "http/HTTPClient.h"
 #include "http/HTTPRecords.h"
@@ -21,7 +20,9 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QString>
+#include <QStringList>
 
+class NoFocusDelegate;
 class QTranslator;
 class Ui_MainWindow;
 
@@ -99,7 +100,7 @@ private:
     std::optional<QString> takeNextFile();
     void stopWorkers();
 
-    // Destroyed last but for the widgets: the table paints with it and does not own it.
+    // The table paints with it and does not own it.
     std::unique_ptr<NoFocusDelegate> m_tableDelegate;
 
     QTranslator* translator = nullptr; // stays installed and alive until the process ends

@@ -4,6 +4,8 @@
 #include "card/CardCommands.h"
 #include "ui_MainWindow.h"
 
+#include <cstring>
+
 #include <QMessageBox>
 #include <QThread>
 
@@ -50,9 +52,8 @@ void MainWindow::emptyCard(const QString& address, const QString& successText)
     if (!linked || !askCamera(address)) {
         return;
     }
-    // Compared as a C string, as all of the camera's answers are read. The box speaks Chinese in
-    // both languages.
-    if (httpAnswer.c_str() == std::string_view(card::successAnswer)) {
+    // The box speaks Chinese in both languages.
+    if (std::strcmp(httpAnswer.c_str(), card::successAnswer) == 0) {
         QMessageBox::information(this, QStringLiteral("单击消息"), successText, QMessageBox::Ok,
                                  QMessageBox::NoButton);
     }
