@@ -1,0 +1,88 @@
+#include "tests/system/RecordedText.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStringList>
+
+namespace {
+
+constexpr char recordVariable[] = "BELUN_RECORD";
+
+bool isRecording()
+{
+    return !qEnvironmentVariableIsEmpty(recordVariable);
+}
+
+bool write(const QString& path, const QString& text)
+{
+    QFile file(path);
+    const QByteArray bytes = text.toUtf8();
+    return QDir().mkpath(QFileInfo(path).path()) &&
+           file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+           file.write(bytes) == bytes.size();
+}
+
+QString lineOf(const QStringList& lines, int number)
+{
+    return number < lines.size() ? lines[number] : QStringLiteral("(the end)");
+}
+
+/// The heading, in brackets, of the section that a line stands in.
+QString sectionOf(const QStringList& lines, int number)
+{
+    for (int i = qMin(number, static_cast<int>(lines.size()) - 1); i >= 0; --i) {
+        if (lines[i].startsWith('[')) {
+            return lines[i];
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+QString whyNotToRecord()
+{
+    return isRecording() && !qEnvironmentVariableIsEmpty("CI")
+               ? QStringLiteral("recording is off in continuous integration: unset ") +
+                     recordVariable
+               : QString();
+}
+
+QString recordedPath(const QString& name)
+{
+    return TEST_DATA "/" + name;
+}
+
+QString differenceToRecorded(const QString& name, const QString& text)
+{
+    const QString path = recordedPath(name);
+    if (isRecording()) {
+        return write(path, text)
+                   ? path + " is recorded anew; read what changed and run again without " +
+                         recordVariable
+                   : "cannot write " + path;
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return path + ": " + file.errorString();
+    }
+    const QStringList recorded = QString::fromUtf8(file.readAll()).split('\n');
+    const QStringList seen = text.split('\n');
+    if (recorded == seen) {
+        return {};
+    }
+    int number = 0;
+    while (lineOf(recorded, number) == lineOf(seen, number)) {
+        ++number;
+    }
+    const QString kept = QCoreApplication::applicationDirPath() + "/seen/" + name;
+    return QStringLiteral("%1, line %2, in %3\n   recorded: %4\n   seen:     %5\n   %6 %7")
+        .arg(path)
+        .arg(number + 1)
+        .arg(sectionOf(seen, number), lineOf(recorded, number), lineOf(seen, number),
+             write(kept, text) ? QStringLiteral("all that was seen:")
+                               : QStringLiteral("cannot write"),
+             kept);
+}

@@ -1,0 +1,49 @@
+// The same run with a camera that sends its answers in chunks. The answer record is never reset:
+// after one chunked answer each further one ends behind its first line, so that the window finds
+// nothing in it.
+#include "tests/support/TestMain.h"
+#include "tests/system/RecordedText.h"
+#include "tests/system/WireRun.h"
+
+class WireChunkedTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void runIsAsRecorded_data();
+    void runIsAsRecorded();
+};
+
+void WireChunkedTest::initTestCase()
+{
+    const QString reason = whyNotToRecord();
+    QVERIFY2(reason.isEmpty(), qPrintable(reason));
+}
+
+void WireChunkedTest::runIsAsRecorded_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<QString>("recorded");
+    QTest::newRow("from the first list on") << "chunked=2"
+                                            << "wire/chunked-from-the-list.txt";
+    QTest::newRow("from the first download on") << "chunked=17"
+                                                << "wire/chunked-from-the-download.txt";
+}
+
+void WireChunkedTest::runIsAsRecorded()
+{
+    QFETCH(QString, fault);
+    QFETCH(QString, recorded);
+    WireRun run(fault, false);
+    run.play();
+    if (QTest::currentTestFailed()) {
+        return;
+    }
+    const QString difference = differenceToRecorded(recorded, run.text());
+    QVERIFY2(difference.isEmpty(), qPrintable(difference));
+}
+
+BELUN_NETWORK_TEST_MAIN(WireChunkedTest)
+#include "WireChunkedTest.moc"

@@ -1,0 +1,54 @@
+// One user's run against the simulated vehicle, from the first link to the closed window.
+#pragma once
+
+#include "tests/app/UserWindow.h"
+#include "tests/system/Journal.h"
+#include "tests/system/SimulatorProcess.h"
+
+#include <functional>
+#include <optional>
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+/// Links, lists the card twice, downloads three recordings, deletes two, deletes all, formats,
+/// loses the link and links again. Card, contents, dates and time zone are always the same.
+class WireRun
+{
+public:
+    /// With `fault` as the simulator's option, or none where it is empty. `emptyingIsTold`: the
+    /// window shows a message after "delete all" and "format".
+    WireRun(const QString& fault, bool emptyingIsTold);
+
+    /// Plays the run. What goes wrong fails the test function that it is called from.
+    void play();
+    /// The simulator's journal, and what the window showed.
+    QString text() const;
+
+private:
+    void startSimulator();
+    void link();
+    void browse();
+    void download();
+    void deleteTwo();
+    void deleteAll();
+    void format();
+    void loseLink();
+    void linkAgain();
+    void close();
+
+    void emptyCard(void (UserWindow::*click)() const);
+    void control(const QByteArray& line);
+    void noteTable();
+    void noteLink();
+    Journal journal() const { return Journal(m_folder.filePath("journal")); }
+
+    const QString m_fault;
+    const bool m_emptyingIsTold;
+    QTemporaryDir m_folder;
+    SimulatorProcess m_simulator;
+    std::optional<UserWindow> m_user;
+    QStringList m_seen;
+};

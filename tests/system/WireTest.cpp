@@ -1,0 +1,55 @@
+// Every byte between the window and the vehicle in one user's run, as recorded.
+#include "tests/support/TestMain.h"
+#include "tests/system/RecordedText.h"
+#include "tests/system/WireRun.h"
+
+#include <QFileInfo>
+#include <QProcess>
+
+class WireTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void continuousIntegrationDoesNotRecord();
+    void runIsAsRecorded();
+};
+
+void WireTest::initTestCase()
+{
+    const QString reason = whyNotToRecord();
+    QVERIFY2(reason.isEmpty(), qPrintable(reason));
+}
+
+void WireTest::continuousIntegrationDoesNotRecord()
+{
+    const QString path = recordedPath("wire/healthy.txt");
+    const QDateTime before = QFileInfo(path).lastModified();
+    QProcess other;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("CI", "true");
+    environment.insert("BELUN_RECORD", "1");
+    other.setProcessEnvironment(environment);
+    other.start(QCoreApplication::applicationFilePath(), {"runIsAsRecorded"});
+    QVERIFY(other.waitForFinished());
+    const QByteArray output = other.readAllStandardOutput();
+    QVERIFY2(output.contains("recording is off in continuous integration"), output.constData());
+    QVERIFY(other.exitCode() != 0);
+    QCOMPARE(QFileInfo(path).lastModified(), before);
+}
+
+void WireTest::runIsAsRecorded()
+{
+    WireRun run({}, true);
+    run.play();
+    if (QTest::currentTestFailed()) {
+        return;
+    }
+    const QString difference = differenceToRecorded("wire/healthy.txt", run.text());
+    QVERIFY2(difference.isEmpty(), qPrintable(difference));
+}
+
+BELUN_NETWORK_TEST_MAIN(WireTest)
+#include "WireTest.moc"
