@@ -6,6 +6,8 @@
 #include "tests/support/TestMain.h"
 
 Q_DECLARE_METATYPE(Conversation)
+Q_DECLARE_METATYPE(std::vector<std::string>)
+Q_DECLARE_METATYPE(HTTPResponse)
 
 namespace {
 
@@ -152,9 +154,6 @@ static void checkCutRow()
         QCOMPARE(text(outcome.unread), text(row[2]));
     }
 }
-
-Q_DECLARE_METATYPE(std::vector<std::string>)
-Q_DECLARE_METATYPE(HTTPResponse)
 
 void HTTPClient_EveryCutTest::bodyWithoutLengthEndsWithTheFirstPiece_data()
 {
