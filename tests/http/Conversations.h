@@ -5,14 +5,9 @@
 #include <vector>
 
 #include "tests/http/WireOutcome.h"
+#include "tests/support/Cuts.h"
 
-/// Bytes, and the outcome's text when the connection is closed behind any one of them: behind the
-/// first, behind the last, or between.
-struct Piece
-{
-    std::string bytes;
-    std::string closed;
-};
+using support::Piece;
 
 /// One answer, or a part of one. The outcome when all of it arrives is that of its last piece. How
 /// it is cut on its way makes no difference to any of these.

@@ -28,30 +28,6 @@ void addAllConversations()
     addRows("carried over", carriedOverConversations());
 }
 
-std::string allBytes(const Conversation& conversation)
-{
-    std::string bytes;
-    for (const Piece& piece : conversation.pieces) {
-        bytes += piece.bytes;
-    }
-    return bytes;
-}
-
-/// The outcome expected when the connection is closed behind the first `count` bytes.
-std::string closedBehind(const Conversation& conversation, std::size_t count)
-{
-    std::string closed = conversation.closedAtStart;
-    std::size_t begin = 0;
-    for (const Piece& piece : conversation.pieces) {
-        if (count <= begin) {
-            break;
-        }
-        closed = piece.closed;
-        begin += piece.bytes.size();
-    }
-    return closed;
-}
-
 QByteArray text(const std::string& bytes)
 {
     return QByteArray::fromStdString(bytes);
@@ -60,7 +36,7 @@ QByteArray text(const std::string& bytes)
 /// Compares the outcome of a delivery of everything.
 void checkWhole(const Conversation& conversation, std::vector<std::string> pieces)
 {
-    const Delivery delivery{std::move(pieces), !conversation.endsByItself};
+    const support::Delivery delivery{std::move(pieces), !conversation.endsByItself};
     const Outcome outcome = readFrom(conversation.reader, conversation.before, delivery);
     QCOMPARE(text(outcome.text), text(conversation.pieces.back().closed));
     QCOMPARE(text(outcome.unread), text(conversation.unread));
@@ -93,21 +69,21 @@ private slots:
 void HTTPClient_EveryCutTest::deliveredWhole()
 {
     QFETCH(Conversation, conversation);
-    checkWhole(conversation, {allBytes(conversation)});
+    checkWhole(conversation, {support::allBytes(conversation.pieces)});
 }
 
 void HTTPClient_EveryCutTest::deliveredByteByByte()
 {
     QFETCH(Conversation, conversation);
-    checkWhole(conversation, singleBytes(allBytes(conversation)));
+    checkWhole(conversation, support::singleBytes(support::allBytes(conversation.pieces)));
 }
 
 void HTTPClient_EveryCutTest::cutAtEveryPosition()
 {
     QFETCH(Conversation, conversation);
-    const std::string bytes = allBytes(conversation);
+    const std::string bytes = support::allBytes(conversation.pieces);
     for (std::size_t position = 1; position < bytes.size(); ++position) {
-        checkWhole(conversation, cut(bytes, {position}));
+        checkWhole(conversation, support::cut(bytes, {position}));
         if (QTest::currentTestFailed()) {
             qInfo("cut behind %zu of %zu bytes", position, bytes.size());
             return;
@@ -118,11 +94,12 @@ void HTTPClient_EveryCutTest::cutAtEveryPosition()
 void HTTPClient_EveryCutTest::closedAtEveryPosition()
 {
     QFETCH(Conversation, conversation);
-    const std::string bytes = allBytes(conversation);
+    const std::string bytes = support::allBytes(conversation.pieces);
     for (std::size_t count = 0; count <= bytes.size(); ++count) {
-        const Delivery delivery{{bytes.substr(0, count)}, true};
+        const support::Delivery delivery{{bytes.substr(0, count)}, true};
         const Outcome outcome = readFrom(conversation.reader, conversation.before, delivery);
-        const std::string expected = closedBehind(conversation, count);
+        const std::string expected =
+            support::closedBehind(conversation.pieces, conversation.closedAtStart, count);
         if (outcome.text != expected) {
             qInfo("closed behind %zu of %zu bytes", count, bytes.size());
         }
@@ -148,7 +125,7 @@ static void checkCutRow()
     QFETCH(std::vector<std::string>, row);
     QFETCH(HTTPResponse, before);
     for (const bool closeAtTheEnd : {false, true}) {
-        const Delivery delivery{{row.begin() + 3, row.end()}, closeAtTheEnd};
+        const support::Delivery delivery{{row.begin() + 3, row.end()}, closeAtTheEnd};
         const Outcome outcome = readFrom(Reader::Body, before, delivery);
         QCOMPARE(text(outcome.text), text(row[1]));
         QCOMPARE(text(outcome.unread), text(row[2]));

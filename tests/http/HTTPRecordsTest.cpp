@@ -1,6 +1,5 @@
 #include "http/HTTPRecords.h"
 
-#include <climits>
 #include <type_traits>
 
 #include <QtTest>
@@ -13,7 +12,6 @@ class HTTPRecordsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void charHasTheSignThisTestIsBuiltFor();
     void methodsCountFromOneInThirtyTwoBits();
     void clientHoldsNoData();
     void newRequestFetchesTheRootOverPort80();
@@ -25,17 +23,6 @@ private slots:
     void newMultipartIsEmpty();
     void multipartPartsAreOrderedByTheirKey();
 };
-
-void HTTPRecordsTest::charHasTheSignThisTestIsBuiltFor()
-{
-#if defined(EXPECT_SIGNED_CHAR)
-    QCOMPARE(CHAR_MIN, -128);
-#elif defined(EXPECT_UNSIGNED_CHAR)
-    QCOMPARE(CHAR_MIN, 0);
-#else
-    QFAIL("the build says nothing about the sign of char");
-#endif
-}
 
 void HTTPRecordsTest::methodsCountFromOneInThirtyTwoBits()
 {

@@ -2,11 +2,10 @@
 // one line what became of it.
 #pragma once
 
-#include <cstddef>
 #include <string>
-#include <vector>
 
 #include "http/HTTPRecords.h"
+#include "tests/support/PieceSender.h"
 
 /// What a reader is asked to read.
 enum class Reader { Head, Body, Answer };
@@ -20,17 +19,6 @@ struct Outcome
     std::string unread;
 };
 
-/// How the other end delivers.
-struct Delivery
-{
-    std::vector<std::string> pieces; ///< Each is sent when the one before has been received.
-    bool closeAtTheEnd = false;
-};
-
-/// The bytes cut before the given positions, which ascend.
-std::vector<std::string> cut(const std::string& bytes, const std::vector<std::size_t>& positions);
-std::vector<std::string> singleBytes(const std::string& bytes);
-
 /// Reads over a socket pair with the response as given. A reader that does not return within five
 /// seconds is stopped, and the text says so.
-Outcome readFrom(Reader reader, const HTTPResponse& before, const Delivery& delivery);
+Outcome readFrom(Reader reader, const HTTPResponse& before, const support::Delivery& delivery);

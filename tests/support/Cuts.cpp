@@ -1,0 +1,72 @@
+#include "tests/support/Cuts.h"
+
+#include <cstdio>
+
+namespace support {
+
+std::string allBytes(const std::vector<Piece>& pieces)
+{
+    std::string bytes;
+    for (const Piece& piece : pieces) {
+        bytes += piece.bytes;
+    }
+    return bytes;
+}
+
+std::string closedBehind(const std::vector<Piece>& pieces, const std::string& closedAtStart,
+                         std::size_t count)
+{
+    std::string closed = closedAtStart;
+    std::size_t begin = 0;
+    for (const Piece& piece : pieces) {
+        if (count <= begin) {
+            break;
+        }
+        closed = piece.closed;
+        begin += piece.bytes.size();
+    }
+    return closed;
+}
+
+std::vector<std::string> cut(const std::string& bytes, const std::vector<std::size_t>& positions)
+{
+    std::vector<std::string> pieces;
+    std::size_t begin = 0;
+    for (const std::size_t end : positions) {
+        pieces.push_back(bytes.substr(begin, end - begin));
+        begin = end;
+    }
+    pieces.push_back(bytes.substr(begin));
+    return pieces;
+}
+
+std::vector<std::string> singleBytes(const std::string& bytes)
+{
+    std::vector<std::string> pieces;
+    for (const char byte : bytes) {
+        pieces.emplace_back(1, byte);
+    }
+    return pieces;
+}
+
+std::string printable(const std::string& bytes)
+{
+    std::string text;
+    for (const char byte : bytes) {
+        const auto value = static_cast<unsigned char>(byte);
+        if (byte == '\r') {
+            text += "\\r";
+        } else if (byte == '\n') {
+            text += "\\n";
+        } else if (value < 0x20 || value > 0x7E) {
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\x%02X", value);
+            text += escape;
+        } else {
+            text += byte;
+        }
+    }
+    return text;
+}
+
+} // namespace support
