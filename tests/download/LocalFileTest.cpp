@@ -120,6 +120,8 @@ private slots:
     void linkToNowhereIsAFailure();
     void fileInPlaceOfTheFolderIsAFailure();
     void folderUnderTheRecordingsNameIsAFailure();
+    void linkUnderTheRecordingsNameIsAFailure();
+    void pipeUnderTheRecordingsNameIsAFailure();
     void missingDesktopIsAFailureAndMakesNothing();
     void desktopWithAnotherNameIsFound_data();
     void desktopWithAnotherNameIsFound();
@@ -273,6 +275,30 @@ void LocalFileTest::folderUnderTheRecordingsNameIsAFailure()
     QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
     QCOMPARE(download.recorder.received, QList<qint64>({11}));
     QCOMPARE(download.recorder.finished, 1);
+}
+
+void LocalFileTest::linkUnderTheRecordingsNameIsAFailure()
+{
+    QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
+    write("outside", "kept");
+    QCOMPARE(::symlink("../../outside", inHome("Desktop/DCIM/a.mp4")), 0);
+    const Camera camera;
+    Download download("a.mp4");
+    QVERIFY(download.run());
+    QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
+    QCOMPARE(contentOf("outside"), QByteArray("kept"));
+    QCOMPARE(download.recorder.received, QList<qint64>({11}));
+}
+
+void LocalFileTest::pipeUnderTheRecordingsNameIsAFailure()
+{
+    QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
+    QCOMPARE(::mkfifo(inHome("Desktop/DCIM/a.mp4"), 0600), 0);
+    const Camera camera;
+    Download download("a.mp4");
+    QVERIFY(download.run());
+    QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
+    QCOMPARE(download.recorder.received, QList<qint64>({11}));
 }
 
 void LocalFileTest::missingDesktopIsAFailureAndMakesNothing()
