@@ -1,7 +1,8 @@
 #include "tests/support/PieceSender.h"
 
+#include "tests/support/SleepWatch.h"
+
 #include <chrono>
-#include <fstream>
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
@@ -18,8 +19,7 @@ constexpr std::chrono::seconds patience{5};
 
 PieceSender::PieceSender(int descriptor, int readersDescriptor, const Delivery& delivery)
     : m_descriptor(descriptor), m_readersDescriptor(readersDescriptor),
-      m_readersState("/proc/self/task/" + std::to_string(::gettid()) + "/stat"),
-      m_delivery(delivery), m_thread([this] { run(); })
+      m_readersThread(::gettid()), m_delivery(delivery), m_thread([this] { run(); })
 {
 }
 
@@ -72,14 +72,8 @@ void PieceSender::run()
 bool PieceSender::readerWaitsForMore() const
 {
     int waiting = 0;
-    if (::ioctl(m_readersDescriptor, FIONREAD, &waiting) != 0 || waiting != 0) {
-        return false;
-    }
-    std::ifstream file(m_readersState);
-    std::string line;
-    std::getline(file, line);
-    const std::size_t name = line.rfind(')'); // "number (name) state ..."
-    return name != std::string::npos && line.compare(name, 3, ") S") == 0;
+    return ::ioctl(m_readersDescriptor, FIONREAD, &waiting) == 0 && waiting == 0
+        && threadIsAsleep(m_readersThread);
 }
 
 // Puts something into the reader's descriptor that nothing can be received from, so that a

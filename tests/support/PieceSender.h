@@ -36,7 +36,7 @@ private:
 
     const int m_descriptor;
     const int m_readersDescriptor;
-    const std::string m_readersState; // the file that tells what the reading thread does
+    const int m_readersThread;
     const Delivery& m_delivery;
     std::string m_unsent;
     std::atomic<bool> m_readerReturned = false;

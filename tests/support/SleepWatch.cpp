@@ -15,6 +15,15 @@ constexpr int looks = 5; // in a row: a mutex makes a thread sleep too, but brie
 
 } // namespace
 
+bool threadIsAsleep(int id)
+{
+    std::ifstream file("/proc/self/task/" + std::to_string(id) + "/stat");
+    std::string line;
+    std::getline(file, line);
+    const std::size_t name = line.rfind(')'); // "number (name) state ..."
+    return name != std::string::npos && line.compare(name, 3, ") S") == 0;
+}
+
 SleepWatch::SleepWatch(QThread& thread)
     : m_connection(QObject::connect(
           &thread, &QThread::started, &thread, [this] { m_id = static_cast<int>(::gettid()); },
@@ -31,18 +40,9 @@ bool SleepWatch::waitUntilAsleep() const
 {
     int seen = 0;
     return QTest::qWaitFor([&] {
-        seen = asleep() ? seen + 1 : 0;
+        seen = isAsleep() ? seen + 1 : 0;
         return seen >= looks;
     });
-}
-
-bool SleepWatch::asleep() const
-{
-    std::ifstream file("/proc/self/task/" + std::to_string(m_id) + "/stat");
-    std::string line;
-    std::getline(file, line);
-    const std::size_t name = line.rfind(')'); // "number (name) state ..."
-    return name != std::string::npos && line.compare(name, 3, ") S") == 0;
 }
 
 } // namespace support
