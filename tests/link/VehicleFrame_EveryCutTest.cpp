@@ -5,6 +5,7 @@
 
 #include "tests/link/LinkRecorder.h"
 #include "tests/support/Cuts.h"
+#include "tests/support/PacedSending.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/SleepWatch.h"
 #include "tests/support/TestMain.h"
@@ -183,12 +184,8 @@ private:
             peer.holdOpen();
             return;
         }
-        for (const std::string& piece : m_deliveries[static_cast<std::size_t>(peer.number())]) {
-            peer.send(QByteArray::fromStdString(piece));
-            peer.waitUntilRead();
-            // The receive that has emptied the socket has returned only then.
-            peer.waitUntil([this] { return m_watch.isAsleep(); });
-        }
+        support::sendPaced(peer, m_deliveries[static_cast<std::size_t>(peer.number())],
+                           m_server.port(), [this] { return m_watch.isAsleep(); });
         peer.halfClose();
         // All answers were sent before the next connection is made.
         peer.waitUntil([this, &peer] { return m_connections > peer.number() + 1; });
