@@ -14,38 +14,52 @@ namespace {
 constexpr int highestDescriptor = 4096; // among those that are looked at
 constexpr int established = 1;          // state of a connection that neither side has closed
 
-/// False when the descriptor is no TCP socket.
-bool readInfo(int descriptor, tcp_info& info)
+/// A connection by its descriptor, and by its own port: the descriptor may be used again.
+struct Connection
 {
-    socklen_t size = sizeof info;
-    return ::getsockopt(descriptor, IPPROTO_TCP, TCP_INFO, &info, &size) == 0;
+    int descriptor;
+    quint16 ownPort;
+};
+
+quint16 portOf(int descriptor, decltype(::getsockname)* name)
+{
+    sockaddr_in place{};
+    socklen_t size = sizeof place;
+    const bool known = name(descriptor, reinterpret_cast<sockaddr*>(&place), &size) == 0
+        && place.sin_family == AF_INET;
+    return known ? ntohs(place.sin_port) : quint16{0};
 }
 
-bool isConnectedTo(int descriptor, quint16 port)
+tcp_info infoOf(int descriptor)
 {
-    sockaddr_in peer{};
-    socklen_t size = sizeof peer;
     tcp_info info{};
-    return ::getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &size) == 0
-        && peer.sin_family == AF_INET && ntohs(peer.sin_port) == port
-        && readInfo(descriptor, info) && info.tcpi_state == established;
+    socklen_t size = sizeof info;
+    ::getsockopt(descriptor, IPPROTO_TCP, TCP_INFO, &info, &size);
+    return info;
 }
 
-int connectionTo(quint16 port)
+Connection connectionTo(quint16 port)
 {
     int descriptor = 0;
-    while (descriptor <= highestDescriptor && !isConnectedTo(descriptor, port)) {
+    while (descriptor <= highestDescriptor
+           && (portOf(descriptor, ::getpeername) != port
+               || infoOf(descriptor).tcpi_state != established)) {
         ++descriptor;
     }
-    return descriptor;
+    return {descriptor, portOf(descriptor, ::getsockname)};
 }
 
-bool hasTaken(int descriptor, std::size_t bytes)
+bool stands(const Connection& connection)
 {
-    tcp_info info{};
+    return connection.ownPort != 0
+        && portOf(connection.descriptor, ::getsockname) == connection.ownPort;
+}
+
+bool hasTaken(const Connection& connection, std::size_t bytes)
+{
     int waiting = 0;
-    return readInfo(descriptor, info) && info.tcpi_bytes_received >= bytes
-        && ::ioctl(descriptor, FIONREAD, &waiting) == 0 && waiting == 0;
+    return infoOf(connection.descriptor).tcpi_bytes_received >= bytes
+        && ::ioctl(connection.descriptor, FIONREAD, &waiting) == 0 && waiting == 0;
 }
 
 } // namespace
@@ -53,12 +67,16 @@ bool hasTaken(int descriptor, std::size_t bytes)
 void sendPaced(Peer& peer, const std::vector<std::string>& pieces, quint16 port,
                const std::function<bool()>& readerSleeps)
 {
-    const int reader = connectionTo(port);
+    const Connection reader = connectionTo(port);
     std::size_t sent = 0;
     for (const std::string& piece : pieces) {
+        if (!stands(reader)) {
+            return;
+        }
         peer.send(QByteArray::fromStdString(piece));
         sent += piece.size();
-        peer.waitUntil([&] { return hasTaken(reader, sent) && readerSleeps(); });
+        peer.waitUntil(
+            [&] { return (hasTaken(reader, sent) || !stands(reader)) && readerSleeps(); });
     }
 }
 

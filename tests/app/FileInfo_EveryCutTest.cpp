@@ -1,0 +1,96 @@
+// The details of a recording, good and bad, delivered in every way a connection may deliver them,
+// and what the window's row then shows.
+#include "app/MainWindow.h"
+
+#include "tests/card/AnswerCuts.h"
+#include "tests/support/TestMain.h"
+#include "tests/support/WindowProbe.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <QTableWidget>
+#include <QtTest>
+
+using support::Piece;
+using Pieces = std::vector<Piece>;
+Q_DECLARE_METATYPE(Pieces)
+
+class FileInfo_EveryCutTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase() { m_window.reset(); }
+
+    void detailsAreShownAsFarAsTheyCame_data();
+    void detailsAreShownAsFarAsTheyCame();
+
+private:
+    /// Date, size and duration of the row, with bars between.
+    std::string shown(const std::string& answer) const;
+
+    std::unique_ptr<MainWindow> m_window;
+};
+
+void FileInfo_EveryCutTest::initTestCase()
+{
+    m_window = std::make_unique<MainWindow>();
+    support::WindowProbe(*m_window).child<QTableWidget>("tableWidgetFileInfo").insertRow(0);
+}
+
+std::string FileInfo_EveryCutTest::shown(const std::string& answer) const
+{
+    const support::WindowProbe probe(*m_window);
+    probe.call("ParseFileInfo", Q_ARG(const char*, answer.c_str()), Q_ARG(int, 0));
+    const QTableWidget& table = probe.child<QTableWidget>("tableWidgetFileInfo");
+    QStringList texts;
+    for (int column = 1; column < 4; ++column) {
+        texts.append(table.item(0, column)->text());
+    }
+    return support::printable(texts.join(QLatin1Char('|')).toStdString());
+}
+
+void FileInfo_EveryCutTest::detailsAreShownAsFarAsTheyCame_data()
+{
+    QTest::addColumn<Pieces>("pieces");
+    const auto row = [](const char* name, const Pieces& pieces) {
+        QTest::newRow(name) << pieces;
+    };
+    // A field that has not come shows the text of the one before it.
+    row("recording", {{"create=\"20200131124502\"", "--  ::|KB|s"},
+                      {";size=\"1572864\"", "2020-01-31  12:45:02|858MB|858s"},
+                      {";time=\"37\"", "2020-01-31  12:45:02|1MB|1s"},
+                      {";\r\n", "2020-01-31  12:45:02|1MB|37s"}});
+    row("turned round", {{"time=\"37\"", "--  ::|KB|s"},
+                         {";size=\"4096\"", "--  ::|KB|37s"},
+                         {";create=\"20200131124502\"", "--  ::|4KB|37s"},
+                         {";", "2020-01-31  12:45:02|4KB|37s"}});
+    row("no size", {{"create=\"20200131124502\"", "--  ::|KB|s"},
+                    {";time=\"5\"", "2020-01-31  12:45:02|858MB|858s"},
+                    {";", "2020-01-31  12:45:02|858MB|5s"}});
+    row("size not closed", {{"create=\"20200131124502\"", "--  ::|KB|s"},
+                            {";size=\"4096;time=\"3\"", "2020-01-31  12:45:02|858MB|858s"},
+                            {";", "2020-01-31  12:45:02|4KB|3s"}});
+    row("short creation time", {{"create=\"202001\"", "--  ::|KB|s"},
+                                {";", "2020-01-  ::|197KB|197s"}});
+    row("small size", {{"size=\"500\"", "--  ::|KB|s"}, {";time=\"1\"", "--  ::|KB|s"},
+                       {";", "--  ::|KB|1s"}});
+    row("negative size", {{"size=\"-2048\"", "--  ::|KB|s"}, {";", "--  ::|-2048KB|-2048s"}});
+    row("bytes beyond ASCII", {{"time=\"\xE6\xB5\xB7\"", "--  ::|KB|s"},
+                               {";", "--  ::|KB|\\xE6\\xB5\\xB7s"}});
+    row("zero byte ends it", {{"time=\"9\"", "--  ::|KB|s"},
+                              {std::string(";\0size=\"4096\";", 14), "--  ::|KB|9s"}});
+    row("no such file", {{"no such file\r\n", "--  ::|KB|s"}});
+}
+
+void FileInfo_EveryCutTest::detailsAreShownAsFarAsTheyCame()
+{
+    QFETCH(Pieces, pieces);
+    checkEveryCut(pieces, [this](const std::string& answer) { return shown(answer); });
+}
+
+BELUN_TEST_MAIN(FileInfo_EveryCutTest)
+#include "FileInfo_EveryCutTest.moc"

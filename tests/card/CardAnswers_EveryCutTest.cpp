@@ -1,0 +1,121 @@
+// List and count answers, good and bad, delivered in every way a connection may deliver them.
+#include "card/CardAnswers.h"
+
+#include "tests/card/AnswerCuts.h"
+#include "tests/support/TestMain.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <QtTest>
+
+using support::Piece;
+using Pieces = std::vector<Piece>;
+Q_DECLARE_METATYPE(Pieces)
+
+namespace {
+
+/// The rows of a list, each in angle brackets. The slots hold old0, old1, old2 before.
+std::string rowsOf(const std::string& answer)
+{
+    const auto names = std::make_unique<card::NameTable>();
+    names->store(0, "old0");
+    names->store(1, "old1");
+    names->store(2, "old2");
+    std::string rows;
+    for (const std::string& row : card::readFileList(answer.c_str(), *names)) {
+        rows += '<' + support::printable(row) + '>';
+    }
+    return rows;
+}
+
+std::string countOf(const std::string& answer)
+{
+    const auto text = card::textBetween(answer.c_str(), card::countStart, card::valueEnd);
+    return text ? '<' + std::string(*text) + '>' : "none";
+}
+
+} // namespace
+
+class CardAnswers_EveryCutTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void listIsReadAsFarAsItCame_data();
+    void listIsReadAsFarAsItCame();
+    void countIsReadAsFarAsItCame_data();
+    void countIsReadAsFarAsItCame();
+};
+
+void CardAnswers_EveryCutTest::listIsReadAsFarAsItCame_data()
+{
+    QTest::addColumn<Pieces>("pieces");
+    const auto row = [](const char* name, const Pieces& pieces) {
+        QTest::newRow(name) << pieces;
+    };
+    row("two recordings", {{"sd/DCIM/100ZEPNA/a.mp4", "<old0>"},
+                           {";", "<a.mp4>"},
+                           {"sd/DCIM/100ZEPNA/b.mp4", "<a.mp4><old1>"},
+                           {";", "<a.mp4><b.mp4>"},
+                           {"\r\n", "<a.mp4><b.mp4>"}});
+    row("empty card", {{"\r\n", ""}});
+    row("return first, then an entry", {{"\r\nZEPNA/a.mp4;\r\n", ""}});
+    row("no end", {{"ZEPNA/a.mp4", "<old0>"}, {";", "<a.mp4>"}, {"ZEPNA/b.mp4", "<a.mp4><old1>"}});
+    row("entry without a folder takes the next one's name",
+        {{"note;", "<old0>"},
+         {"ZEPNA/b.mp4", "<old0><old1>"},
+         {";", "<b.mp4><b.mp4>"},
+         {"\r\n", "<b.mp4><b.mp4>"}});
+    row("empty name", {{"ZEPNA/", "<old0>"}, {";", "<>"}, {"\r\n", "<>"}});
+    row("name longer than its slot",
+        {{"ZEPNA/abcdefghijklmnopqrstuvwxyz01234.mp4", "<old0>"},
+         {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4>"},
+         {"ZEPNA/n", "<abcdefghijklmnopqrstuvwxyz01234.mp4><4.mp4>"},
+         {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"},
+         {"\r\n", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"}});
+    row("bytes beyond ASCII", {{"ZEPNA/\xE6\xB5\xB7\xFF\x80", "<old0>"},
+                               {";\r", "<\\xE6\\xB5\\xB7\\xFF\\x80>"}});
+    row("zero byte ends it", {{"ZEPNA/a", "<old0>"},
+                              {";", "<a>"},
+                              {std::string("\0ZEPNA/b;\r", 10), "<a>"}});
+    row("return inside a name", {{"ZEPNA/a\rb", "<old0>"}, {";\r", "<a\\rb>"}});
+    row("return between entries", {{"ZEPNA/a", "<old0>"}, {";\rZEPNA/b;\r", "<a>"}});
+    row("line feed between entries", {{"ZEPNA/a", "<old0>"},
+                                      {";", "<a>"},
+                                      {"\nZEPNA/b", "<a><old1>"},
+                                      {";\r", "<a><b>"}});
+    row("semicolons only", {{";", "<old0>"}, {";", "<old0><old1>"}, {";", "<old0><old1><old2>"}});
+    row("no list at all", {{"404 Not Found\r\n", "<old0>"}});
+}
+
+void CardAnswers_EveryCutTest::listIsReadAsFarAsItCame()
+{
+    QFETCH(Pieces, pieces);
+    checkEveryCut(pieces, rowsOf);
+}
+
+void CardAnswers_EveryCutTest::countIsReadAsFarAsItCame_data()
+{
+    QTest::addColumn<Pieces>("pieces");
+    const auto row = [](const char* name, const Pieces& pieces) {
+        QTest::newRow(name) << pieces;
+    };
+    row("count", {{"var count=\"12\"", "none"}, {";\r\n", "<12>"}});
+    row("first of two", {{"=\"1\"", "none"}, {";=\"2\";", "<1>"}});
+    row("empty", {{"=\"\"", "none"}, {";", "<>"}});
+    row("not closed", {{"=\"12\r\n", "none"}});
+    row("closed by the next value", {{"=\"1;b=\"2\"", "none"}, {";", "<1;b=\"2>"}});
+    row("end before the start", {{"\";12=\"3\"", "none"}, {";", "<3>"}});
+    row("zero byte before the end", {{std::string("=\"12\0\";", 7), "none"}});
+}
+
+void CardAnswers_EveryCutTest::countIsReadAsFarAsItCame()
+{
+    QFETCH(Pieces, pieces);
+    checkEveryCut(pieces, countOf);
+}
+
+BELUN_TEST_MAIN(CardAnswers_EveryCutTest)
+#include "CardAnswers_EveryCutTest.moc"
