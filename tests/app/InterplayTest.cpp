@@ -8,8 +8,10 @@
 #include <memory>
 #include <thread>
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QTimer>
 
 namespace {
 
@@ -58,10 +60,15 @@ private slots:
     void browseDuringADownloadLeavesItAlone();
     void deleteDuringADownloadEndsTheRowOfDownloads();
     void downloadedFileMayBeDeletedMeanwhile();
+    void deleteOfNothingDuringADownloadEndsTheRowOfDownloads();
+    void emptyingTheCardDuringADownloadEndsTheRowOfDownloads_data();
+    void emptyingTheCardDuringADownloadEndsTheRowOfDownloads();
+    void nextFileStartsBehindTheBoxOfADeleteAll();
     void languageSwitchesWhileLinkedAndDownloading();
     void linkLostDuringADownloadDoesNotStopIt();
     void linkLostBetweenClickAndAnswerShowsAfterTheAnswer();
     void linkLostBetweenTwoDeletesDoesNotStopTheSecond();
+    void linkLostDuringABrowseShowsAfterTheLastDetails();
     void heartbeatIsAnsweredWhileTheWindowWaitsForTheCamera();
     void twoPairsOfLinksBothAnswer();
     void eitherPairMovesTheStatus();
@@ -176,6 +183,95 @@ void InterplayTest::downloadedFileMayBeDeletedMeanwhile()
     QTRY_VERIFY(user.isIdle());
 }
 
+void InterplayTest::deleteOfNothingDuringADownloadEndsTheRowOfDownloads()
+{
+    scene->linkAndBrowse(fiveFiles);
+    const UserWindow& user = *scene->user;
+    answerInTwo("e.mp4", 0);
+    user.chooseRows({3, 4});
+    user.clickDownload();
+    QTRY_COMPARE(user.progressBar().value(), 5);
+
+    // The delete empties the record of chosen rows before it sees that none is chosen.
+    user.table().clearSelection();
+    user.clickDelete();
+    QCOMPARE(user.table().rowCount(), 5);
+    (*gates)[0].open();
+    QTRY_VERIFY(user.isIdle());
+    QCOMPARE(recording("e.mp4"), QByteArray("from e.mp4"));
+    QCOMPARE(scene->camera->targets(), Texts{target("e.mp4")});
+}
+
+void InterplayTest::emptyingTheCardDuringADownloadEndsTheRowOfDownloads_data()
+{
+    QTest::addColumn<QByteArray>("command");
+    QTest::newRow("delete all") << QByteArray(fake::deleteAllTarget);
+    QTest::newRow("format") << QByteArray(fake::formatTarget);
+}
+
+void InterplayTest::emptyingTheCardDuringADownloadEndsTheRowOfDownloads()
+{
+    QFETCH(QByteArray, command);
+    scene->linkAndBrowse(fiveFiles);
+    const UserWindow& user = *scene->user;
+    answerInTwo("e.mp4", 0);
+    scene->camera->answer(command, "Success\r\n");
+    user.chooseRows({2, 3, 4});
+    user.clickDownload();
+    QTRY_COMPARE(user.progressBar().value(), 5);
+
+    support::MessageBoxWatcher watcher;
+    watcher.answerNext(QMessageBox::Ok);
+    if (command == fake::formatTarget) {
+        user.clickFormat();
+    } else {
+        user.clickDeleteAll();
+    }
+    QCOMPARE(user.table().rowCount(), 0);
+    QCOMPARE(user.downloadCount(), QStringLiteral("1/3"));
+    QVERIFY(!user.canDownload());
+    (*gates)[0].open();
+    QTRY_VERIFY(user.isIdle());
+    QCOMPARE(recording("e.mp4"), QByteArray("from e.mp4"));
+    QCOMPARE(scene->camera->targets(), (Texts{target("e.mp4"), command}));
+}
+
+// The box waits in an event loop of its own, in which the download goes on; the rows are there
+// until it closes.
+void InterplayTest::nextFileStartsBehindTheBoxOfADeleteAll()
+{
+    scene->linkAndBrowse(fiveFiles);
+    const UserWindow& user = *scene->user;
+    answerInTwo("e.mp4", 0);
+    answerInTwo("d.mp4", 1);
+    scene->camera->answer(fake::deleteAllTarget, "Success\r\n");
+    user.chooseRows({2, 3, 4});
+    user.clickDownload();
+    QTRY_COMPARE(user.progressBar().value(), 5);
+
+    QString countBehindTheBox;
+    QTimer look;
+    connect(&look, &QTimer::timeout, &look, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            (*gates)[0].open();
+            if ((*gates)[1].isReached()) {
+                look.stop();
+                countBehindTheBox = user.downloadCount();
+                QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
+            }
+        }
+    });
+    look.start(1);
+    user.clickDeleteAll();
+    QCOMPARE(countBehindTheBox, QStringLiteral("2/3"));
+    QCOMPARE(user.table().rowCount(), 0);
+    (*gates)[1].open();
+    QTRY_VERIFY(user.isIdle());
+    QCOMPARE(recording("e.mp4"), QByteArray("from e.mp4"));
+    QCOMPARE(recording("d.mp4"), QByteArray("from d.mp4"));
+    QCOMPARE(recording("c.mp4"), QByteArray("no file"));
+}
+
 void InterplayTest::languageSwitchesWhileLinkedAndDownloading()
 {
     scene->linkAndBrowse({"a.mp4", "b.mp4"});
@@ -262,6 +358,24 @@ void InterplayTest::linkLostBetweenTwoDeletesDoesNotStopTheSecond()
     user.chooseRows({0});
     user.clickDelete();
     QCOMPARE(user.table().rowCount(), 3);
+}
+
+void InterplayTest::linkLostDuringABrowseShowsAfterTheLastDetails()
+{
+    scene->link();
+    const UserWindow& user = *scene->user;
+    scene->camera->holdFiles({"a.mp4", "b.mp4"});
+    scene->camera->on(fake::listTarget, [&](fake::Connection& connection) {
+        scene->control->link()->close();
+        if (waitFor([this] { return scene->control->links() == QList<int>{2}; })) {
+            connection.send(fake::withLength("ZEPNA/a.mp4;ZEPNA/b.mp4;\r\n"));
+        }
+    });
+    user.clickBrowse();
+    QCOMPARE(user.names(), (QStringList{"a.mp4", "b.mp4"}));
+    QCOMPARE(user.row(1).last(), QStringLiteral("37s"));
+    QVERIFY(user.showsLinkSuccess()); // the loss waits in the window's queue
+    QTRY_VERIFY(user.showsLinkFail());
 }
 
 void InterplayTest::heartbeatIsAnsweredWhileTheWindowWaitsForTheCamera()
