@@ -9,6 +9,7 @@
 #include <thread>
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QTimer>
@@ -250,11 +251,12 @@ void InterplayTest::nextFileStartsBehindTheBoxOfADeleteAll()
     QTRY_COMPARE(user.progressBar().value(), 5);
 
     QString countBehindTheBox;
+    const QDeadlineTimer patience(5000);
     QTimer look;
     connect(&look, &QTimer::timeout, &look, [&] {
         if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
             (*gates)[0].open();
-            if ((*gates)[1].isReached()) {
+            if ((*gates)[1].isReached() || patience.hasExpired()) {
                 look.stop();
                 countBehindTheBox = user.downloadCount();
                 QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
