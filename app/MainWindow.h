@@ -43,7 +43,8 @@ signals:
     /// Reserved for naming a module; nothing emits it.
     void ModuleNameInit(char* modulename);
 
-    // The order of the slots is fixed, and so are the names of their parameters.
+    // The order of the slots is fixed, and so are the names of their parameters. The form binds the
+    // on_ slots to its widgets by name. clazy:excludeall=connect-by-name
 private slots:
     // MainWindow.cpp
     void itoa(int value, char* string, int radix);

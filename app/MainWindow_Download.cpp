@@ -32,10 +32,8 @@ std::optional<QString> MainWindow::takeNextFile()
 
 void MainWindow::DownloadFile(QString fileName)
 {
-    ui->lineEditDownloadProgress->setText(QStringLiteral("%1%2%3")
-                                              .arg(selectedCursor)
-                                              .arg(QStringLiteral("/"))
-                                              .arg(selectedCount));
+    ui->lineEditDownloadProgress->setText(
+        QStringLiteral("%1%2%3").arg(selectedCursor).arg(QStringLiteral("/")).arg(selectedCount));
     ui->lineEditDownloadLabel->setText(tr("Download Progress:"));
     ui->progressBarDownLoad->setValue(0);
     ui->progressBarDownLoad->show();
@@ -43,8 +41,9 @@ void MainWindow::DownloadFile(QString fileName)
 
     auto* download = new DownloadFileThread(this);
     download->fileName = fileName;
+    // By signature, as all connections of the window are. clazy:excludeall=old-style-connect
     connect(download, SIGNAL(updateDownloadFileProgress(qint64,qint64)), this,
-            SLOT(updateDownloadFileProgress(qint64,qint64)));
+                             SLOT(updateDownloadFileProgress(qint64,qint64)));
     connect(download, SIGNAL(downloadFileFinished()), this, SLOT(DownloadFileFinished()));
     download->start(QThread::InheritPriority);
 }

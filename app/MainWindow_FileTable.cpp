@@ -23,7 +23,8 @@ void MainWindow::GetSelectedFiles()
     selectedCursor = 0;
     selectedCount = 0;
     selectedRows.fill(0);
-    for (const QTableWidgetSelectionRange& range : ui->tableWidgetFileInfo->selectedRanges()) {
+    const auto ranges = ui->tableWidgetFileInfo->selectedRanges();
+    for (const QTableWidgetSelectionRange& range : ranges) {
         for (int row = range.topRow(); row <= range.bottomRow(); ++row) {
             card::insertLargestFirst(selectedRows, selectedCount, row);
         }

@@ -9,9 +9,9 @@ void MainWindow::comboxLanguageChanged()
 {
     const bool isChinese = ui->comboBox->currentText() == QLatin1String("Chinese");
     // A catalogue that does not load leaves the English source texts.
-    static_cast<void>(
-        translator->load(isChinese ? QStringLiteral(":/translation/belun_chinese.qm")
-                                   : QStringLiteral(":/translation/belun_english.qm")));
+    static_cast<void>(translator->load(isChinese
+                                           ? QStringLiteral(":/translation/belun_chinese.qm")
+                                           : QStringLiteral(":/translation/belun_english.qm")));
     translateLanguage();
 }
 

@@ -14,13 +14,14 @@ void MainWindow::on_pushButtonLinkBELUN_clicked()
     if (linked) {
         return;
     }
-    const bool reachable = IPLive(QStringLiteral("192.168.1.148"), 5000, 1000)
-        && IPLive(QStringLiteral("192.168.1.149"), 5000, 1000);
+    const bool reachable = IPLive(QStringLiteral("192.168.1.148"), 5000, 1000) &&
+                           IPLive(QStringLiteral("192.168.1.149"), 5000, 1000);
     showLinkState(reachable);
     if (reachable) {
+        // By signature, as all connections of the window are. clazy:excludeall=old-style-connect
         auto* control = new ControlClientThread(this);
         connect(control, SIGNAL(VersionInfo(char,int,int,int,int)), this,
-                SLOT(VersionInfo(char,int,int,int,int)));
+                                SLOT(VersionInfo(char,int,int,int,int)));
         connect(control, SIGNAL(updateLinkedFlag(bool)), this, SLOT(updateLinkedFlag(bool)));
         control->start(QThread::InheritPriority);
         auto* ground = new GroundClientThread(this);
@@ -46,9 +47,8 @@ void MainWindow::updateLinkedFlag(bool flag)
 void MainWindow::showLinkState(bool isLinked)
 {
     QLineEdit& status = *ui->lineEditLinkBELUN;
-    const QString look = isLinked
-        ? QStringLiteral("border:1px;background:transparent;color:green")
-        : QStringLiteral("border:1px;background:transparent;color:red");
+    const QString look = isLinked ? QStringLiteral("border:1px;background:transparent;color:green")
+                                  : QStringLiteral("border:1px;background:transparent;color:red");
     // Every heartbeat comes here, and a style sheet set anew is costly also when it is the same.
     if (status.styleSheet() != look) {
         status.setStyleSheet(look);

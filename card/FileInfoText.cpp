@@ -11,8 +11,8 @@ QString dateText(std::string_view field)
     const auto digits = [field](std::size_t offset, std::size_t count) {
         return std::string(field.substr(std::min(offset, field.size()), count));
     };
-    return QString::fromStdString(digits(0, 4) + '-' + digits(4, 2) + '-' + digits(6, 2) + "  "
-                                  + digits(8, 2) + ':' + digits(10, 2) + ':' + digits(12, 2));
+    return QString::fromStdString(digits(0, 4) + '-' + digits(4, 2) + '-' + digits(6, 2) + "  " +
+                                  digits(8, 2) + ':' + digits(10, 2) + ':' + digits(12, 2));
 }
 
 ShownSize shownSize(int bytes)

@@ -32,8 +32,7 @@ std::unique_ptr<NoFocusDelegate> setUpFileTable(QTableWidget& table, const QStri
     table.setEditTriggers(QAbstractItemView::NoEditTriggers);
     columns.setFixedHeight(30);
     table.setStyleSheet(QStringLiteral("selection-background-color:rgb(89,153,247);"));
-    columns.setStyleSheet(
-        QStringLiteral("QHeaderView::section{background:rgb(231,228,229);}"));
+    columns.setStyleSheet(QStringLiteral("QHeaderView::section{background:rgb(231,228,229);}"));
     columns.setHighlightSections(false);
     return delegate;
 }

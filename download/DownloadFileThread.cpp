@@ -59,8 +59,8 @@ void DownloadFileThread::DownloadFile(QString name)
     respHeader = get_resp_header(head.text());
 
     const bool opened = download::isBareFileName(localName)
-        ? m_download.openFile(folder + localName)
-        : m_download.refuseFile();
+                            ? m_download.openFile(folder + localName)
+                            : m_download.refuseFile();
     if (!opened) {
         QThread::exit(0);
     }

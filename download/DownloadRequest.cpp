@@ -39,8 +39,8 @@ QByteArray recordingsFolder(const QString& desktop)
 
 bool isBareFileName(const QByteArray& name)
 {
-    return !name.isEmpty() && name != "." && name != ".." && !name.contains('/')
-        && !name.contains('\0');
+    return !name.isEmpty() && name != "." && name != ".." && !name.contains('/') &&
+           !name.contains('\0');
 }
 
 } // namespace download

@@ -64,8 +64,8 @@ bool RecordingDownload::connectToCamera()
     camera.sin_family = AF_INET;
     camera.sin_addr.s_addr = inet_addr(cameraHost);
     camera.sin_port = htons(cameraPort);
-    if (::connect(m_socket, reinterpret_cast<const sockaddr*>(&camera), sizeof camera) == -1
-        && !m_stopRequested) {
+    if (::connect(m_socket, reinterpret_cast<const sockaddr*>(&camera), sizeof camera) == -1 &&
+        !m_stopRequested) {
         tell("connect failed, return: -1\n");
         return false;
     }
@@ -106,7 +106,9 @@ bool RecordingDownload::openFile(const QByteArray& path)
         return refuseFile();
     }
     m_opened.push_back(m_file);
-    struct stat properties{};
+    struct stat properties
+    {
+    };
     if (::fstat(m_file, &properties) != 0 || !S_ISREG(properties.st_mode)) {
         return refuseFile();
     }

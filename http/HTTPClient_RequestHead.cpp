@@ -46,8 +46,8 @@ bool HTTPClient::sendHeader(HTTP_REQ_TYPE& type, HTTPSession& session, HTTPReque
     std::string head;
     makeHeader(type, request, head);
     const unsigned int address = hostToLong(request.host);
-    return session.connect(address, htons(static_cast<unsigned short>(request.port)))
-        && sendBody(session, head);
+    return session.connect(address, htons(static_cast<unsigned short>(request.port))) &&
+           sendBody(session, head);
 }
 
 bool HTTPClient::sendBody(HTTPSession& session, const std::string& data)

@@ -11,6 +11,7 @@ GroundClientThread::GroundClientThread(QObject* parent) : QThread(parent)
 {
     qDebug("GroundClientThread build");
     auto* timer = new QTimer(this);
+    // By signature, like the window's connections. clazy:excludeall=old-style-connect
     connect(timer, SIGNAL(timeout()), this, SLOT(heartBeatTimer()));
     timer->setInterval(1000);
     timer->start();

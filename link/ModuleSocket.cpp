@@ -45,8 +45,8 @@ int ModuleSocket::connectTo(const char* ip, int port)
     module.sin_family = AF_INET;
     module.sin_port = htons(static_cast<std::uint16_t>(port));
     module.sin_addr.s_addr = inet_addr(ip);
-    while (::connect(descriptor, reinterpret_cast<const sockaddr*>(&module), sizeof module) != 0
-           && errno != EISCONN) { // that is: connected by a call that a signal had interrupted
+    while (::connect(descriptor, reinterpret_cast<const sockaddr*>(&module), sizeof module) != 0 &&
+           errno != EISCONN) { // that is: connected by a call that a signal had interrupted
         if (stopRequested()) {
             return descriptor;
         }

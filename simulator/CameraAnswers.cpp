@@ -66,7 +66,7 @@ std::optional<std::string> requestTarget(std::string_view requestLine)
 {
     constexpr std::string_view method = "GET ";
     const std::size_t end = requestLine.rfind(" HTTP/1.1");
-    if (!startsWith(requestLine, method) || end == requestLine.npos || end < method.size()) {
+    if (!startsWith(requestLine, method) || end == std::string::npos || end < method.size()) {
         return std::nullopt;
     }
     std::string_view target = requestLine.substr(method.size(), end - method.size());

@@ -23,7 +23,7 @@ void CameraConnection::received(std::string_view bytes)
     }
     m_request += bytes;
     m_requestWhole =
-        m_request.find("\r\n\r\n") != m_request.npos || m_request.size() > longestRequest;
+        m_request.find("\r\n\r\n") != std::string::npos || m_request.size() > longestRequest;
 }
 
 void CameraConnection::work(TimePoint)
@@ -58,7 +58,7 @@ void CameraConnection::takeRequest()
     if (m_request.size() > longestRequest) {
         queueAnswer(errorAnswer(431), faults);
     } else if (!target) {
-        const bool otherMethod = m_request.rfind(" HTTP/1.1", lineEnd) != m_request.npos;
+        const bool otherMethod = m_request.rfind(" HTTP/1.1", lineEnd) != std::string::npos;
         queueAnswer(errorAnswer(otherMethod ? 405 : 400), faults);
     } else {
         queueAnswer(m_state->answers->answer(kind, *target), faults);

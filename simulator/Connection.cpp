@@ -273,7 +273,7 @@ void Connection::setSingleBytes(Milliseconds gap)
 
 JournalLine Connection::line(std::string_view event) const
 {
-    return JournalLine(m_name.device, m_name.number, event);
+    return {m_name.device, m_name.number, event};
 }
 
 } // namespace simulator

@@ -34,7 +34,7 @@ std::string Simulator::control(const std::string& line)
 {
     const std::size_t space = line.find(' ');
     const std::string word = line.substr(0, space);
-    const std::string rest = space == line.npos ? std::string() : line.substr(space + 1);
+    const std::string rest = space == std::string::npos ? std::string() : line.substr(space + 1);
     const std::map<std::string, std::function<std::string()>> actions = {
         {"fault", [&] { return setFault(rest); }},
         {"clear", [&] { return clearFault(rest); }},
@@ -105,7 +105,7 @@ std::string Simulator::send(const std::string& arguments)
     const std::size_t space = arguments.find(' ');
     const std::string name = arguments.substr(0, space);
     std::string bytes;
-    if ((name != "control" && name != "ground") || space == arguments.npos ||
+    if ((name != "control" && name != "ground") || space == std::string::npos ||
         !fromHex(arguments.substr(space + 1), bytes)) {
         return "send takes control or ground, then an even number of hex digits";
     }

@@ -14,8 +14,9 @@ std::vector<std::string> split(std::string_view text, char separator)
     std::size_t start = 0;
     for (;;) {
         const std::size_t end = text.find(separator, start);
-        parts.emplace_back(text.substr(start, end == text.npos ? text.npos : end - start));
-        if (end == text.npos) {
+        parts.emplace_back(text.substr(start, end == std::string_view::npos ? std::string_view::npos
+                                                                            : end - start));
+        if (end == std::string_view::npos) {
             return parts;
         }
         start = end + 1;
@@ -122,7 +123,7 @@ std::string readValue(const FaultDescription& row, std::string& value)
     }
     const auto bytes = unescape(value);
     if (!bytes) {
-        return "fault " + row.name + ": only \\r \\n \\t \\\\ and \\xHH may follow a backslash";
+        return "fault " + row.name + R"(: only \r \n \t \\ and \xHH may follow a backslash)";
     }
     value = *bytes;
     return {};

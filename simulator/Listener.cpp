@@ -70,8 +70,7 @@ std::string Listener::listen(int backlog)
         ::setsockopt(m_socket.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on) != 0 ||
         ::bind(m_socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0 ||
         ::listen(m_socket.get(), backlog) != 0) {
-        const std::string error =
-            m_address + ":" + std::to_string(m_port) + ": " + std::strerror(errno);
+        std::string error = m_address + ":" + std::to_string(m_port) + ": " + std::strerror(errno);
         m_socket.reset();
         return error;
     }

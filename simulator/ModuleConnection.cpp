@@ -76,7 +76,7 @@ ModuleConnection::ModuleConnection(FileDescriptor socket, ConnectionName name, J
 
 FaultScope ModuleConnection::faults() const
 {
-    return FaultScope(*m_faults, name().device);
+    return {*m_faults, name().device};
 }
 
 std::string ModuleConnection::started(std::string frame) const

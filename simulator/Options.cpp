@@ -13,41 +13,60 @@ bool parseUnsigned(const std::string& text, std::uint64_t& number)
     return !text.empty() && error == std::errc() && end == last;
 }
 
-std::string parseOptions(const std::vector<std::string>& arguments, Options& options)
+namespace {
+
+using PlainOptions = std::map<std::string, std::function<void()>>;
+using ValuedOptions = std::map<std::string, std::function<bool(const std::string&)>>;
+
+PlainOptions plainOptions(Options& options, bool& sample)
 {
-    bool sample = false;
-    const auto accepts = [](bool fine) { return fine; };
-    const std::map<std::string, std::function<void()>> plain = {
+    return {
         {"--help", [&] { options.action = Options::Action::Help; }},
         {"--version", [&] { options.action = Options::Action::Version; }},
         {"--list-faults", [&] { options.action = Options::Action::ListFaults; }},
         {"--sample", [&] { sample = true; }},
         {"--exit-with-stdin", [&] { options.exitWithStdin = true; }},
     };
-    const std::map<std::string, std::function<bool(const std::string&)>> valued = {
-        {"--card",
-         [&](const std::string& v) { return accepts(!(options.cardFolder = v).empty()); }},
-        {"--sample-to",
-         [&](const std::string& v) { return accepts(!(options.sampleFolder = v).empty()); }},
-        {"--journal",
-         [&](const std::string& v) { return accepts(!(options.journal = v).empty()); }},
+}
+
+bool parseHeartbeat(const std::string& text, Milliseconds& heartbeat)
+{
+    std::uint64_t milliseconds = 0;
+    const bool fine =
+        parseUnsigned(text, milliseconds) && milliseconds >= 5 && milliseconds <= 86'400'000;
+    heartbeat = Milliseconds(static_cast<long>(milliseconds));
+    return fine;
+}
+
+/// Each returns whether the option takes the value.
+ValuedOptions valuedOptions(Options& options)
+{
+    const auto nonEmpty = [](std::string& target) {
+        return [&target](const std::string& value) { return !(target = value).empty(); };
+    };
+    return {
+        {"--card", nonEmpty(options.cardFolder)},
+        {"--sample-to", nonEmpty(options.sampleFolder)},
+        {"--journal", nonEmpty(options.journal)},
         {"--seed", [&](const std::string& v) { return parseUnsigned(v, options.seed); }},
         {"--rate", [&](const std::string& v) { return parseUnsigned(v, options.rate); }},
         {"--versions", [&](const std::string& v) { return parseVersions(v, options.versions); }},
+        {"--heartbeat", [&](const std::string& v) { return parseHeartbeat(v, options.heartbeat); }},
         {"--fault",
          [&](const std::string& v) {
              options.faults.push_back(v);
              return true;
          }},
-        {"--heartbeat",
-         [&](const std::string& v) {
-             std::uint64_t milliseconds = 0;
-             const bool fine =
-                 parseUnsigned(v, milliseconds) && milliseconds >= 5 && milliseconds <= 86'400'000;
-             options.heartbeat = Milliseconds(static_cast<long>(milliseconds));
-             return fine;
-         }},
     };
+}
+
+} // namespace
+
+std::string parseOptions(const std::vector<std::string>& arguments, Options& options)
+{
+    bool sample = false;
+    const PlainOptions plain = plainOptions(options, sample);
+    const ValuedOptions valued = valuedOptions(options);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         std::string name = arguments[i];
         if (const auto option = plain.find(name); option != plain.end()) {
@@ -56,7 +75,7 @@ std::string parseOptions(const std::vector<std::string>& arguments, Options& opt
         }
         std::string value;
         const std::size_t equals = name.find('=');
-        const bool joined = equals != name.npos;
+        const bool joined = equals != std::string::npos;
         if (joined) {
             value = name.substr(equals + 1);
             name.resize(equals);

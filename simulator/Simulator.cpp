@@ -59,13 +59,13 @@ std::string Simulator::start()
 {
     const TimePoint now = Clock::now();
     if (!m_options.journal.empty()) {
-        const std::string error = m_journal.open(m_options.journal);
+        std::string error = m_journal.open(m_options.journal);
         if (!error.empty()) {
             return error;
         }
     }
     for (const std::string& fault : m_options.faults) {
-        const std::string error = m_faults.set(fault, now);
+        std::string error = m_faults.set(fault, now);
         if (!error.empty()) {
             return error;
         }
@@ -85,8 +85,7 @@ std::string Simulator::loadCard()
     Card card;
     if (m_options.cardFolder.empty()) {
         card = sampleCard(m_options.seed);
-    } else if (const std::string error = readFolderCard(m_options.cardFolder, card);
-               !error.empty()) {
+    } else if (std::string error = readFolderCard(m_options.cardFolder, card); !error.empty()) {
         return error;
     }
     m_card = std::move(card);
@@ -167,7 +166,7 @@ void Simulator::readControlLines()
         return;
     }
     m_input.append(buffer, static_cast<std::size_t>(count));
-    for (std::size_t end = m_input.find('\n'); end != m_input.npos; end = m_input.find('\n')) {
+    for (std::size_t end = m_input.find('\n'); end != std::string::npos; end = m_input.find('\n')) {
         const std::string text = m_input.substr(0, end);
         m_input.erase(0, end + 1);
         if (!text.empty()) {
@@ -176,7 +175,7 @@ void Simulator::readControlLines()
     }
     if (m_input.size() > longestControlLine) {
         m_input.clear();
-        m_replies.push_back("error the line is too long");
+        m_replies.emplace_back("error the line is too long");
     }
 }
 

@@ -30,7 +30,7 @@ public:
 private:
     std::string setFault(const std::string& assignment);
     std::string clearFault(const std::string& name);
-    std::string drop(const std::string& device);
+    std::string drop(const std::string& name);
     std::string send(const std::string& arguments);
     std::string changeVersions(const std::string& text);
     std::string changeRate(const std::string& text);
