@@ -110,7 +110,7 @@ ScriptedServer::Script script(const QList<QStringList>& lines, bool closes)
                 peer.send(bytes(line[1]));
                 peer.waitUntilRead();
             } else {
-                peer.receiveExactly(bytes(line[1]).size());
+                peer.receiveExactly(static_cast<int>(bytes(line[1]).size()));
             }
         }
         if (closes) {
@@ -234,8 +234,8 @@ private:
 void ProtocolPagesTest::initTestCase()
 {
     for (auto [page, path] :
-         {std::pair(&m_linkPage, QFINDTESTDATA("../../docs/link-protocol.md")),
-          std::pair(&m_cameraPage, QFINDTESTDATA("../../docs/camera-protocol.md"))}) {
+         {std::pair(&m_linkPage, PROTOCOL_PAGES "/link-protocol.md"),
+          std::pair(&m_cameraPage, PROTOCOL_PAGES "/camera-protocol.md")}) {
         QFile file(path);
         QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.errorString()));
         *page = QString::fromUtf8(file.readAll());
@@ -308,7 +308,7 @@ void ProtocolPagesTest::theControlConversationHappensAsItStands()
     QCoreApplication::sendPostedEvents();
     QCOMPARE(signalTexts, expected.signalTexts);
     thread.reset();
-    QVERIFY(module.waitForScripts(expected.programBytes.size()));
+    QVERIFY(module.waitForScripts(static_cast<int>(expected.programBytes.size())));
     QCOMPARE(sentBytes(module), expected.programBytes);
 }
 
@@ -325,7 +325,7 @@ void ProtocolPagesTest::theGroundConversationHappensAsItStands()
     thread->start();
     QTRY_COMPARE(sentBytes(module), expected.programBytes);
     thread.reset();
-    QVERIFY(module.waitForScripts(expected.programBytes.size()));
+    QVERIFY(module.waitForScripts(static_cast<int>(expected.programBytes.size())));
     QCOMPARE(sentBytes(module), expected.programBytes);
 }
 
