@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 #include <unistd.h>
 
@@ -58,8 +59,14 @@ int runTest(QObject& test, int argc, char** argv, bool needsNetwork)
             return EXIT_FAILURE;
         }
     }
+    std::vector<char*> arguments(argv, argv + argc);
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    // There it takes over SIGPIPE too, although that is ignored, and halts to print a stack trace.
+    char withoutCrashHandler[] = "-nocrashhandler";
+    arguments.push_back(withoutCrashHandler);
+#endif
     // Between these two steps Qt Test has its own message handler in place, which ours then calls.
-    QTest::qInit(&test, argc, argv);
+    QTest::qInit(&test, static_cast<int>(arguments.size()), arguments.data());
     MessageLog::instance().install();
     const int failed = QTest::qRun();
     const QStringList stray = MessageLog::instance().uninstall();
