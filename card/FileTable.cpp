@@ -3,7 +3,6 @@
 #include <QColor>
 #include <QFont>
 #include <QHeaderView>
-#include <QStringList>
 #include <QTableWidget>
 
 namespace card {

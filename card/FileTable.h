@@ -5,9 +5,9 @@
 
 #include <memory>
 
+#include <QStringList>
 #include <QTableWidgetItem>
 
-class QStringList;
 class QTableWidget;
 
 namespace card {

@@ -56,7 +56,7 @@ void readCommands()
         std::_Exit(EXIT_FAILURE); // the test has gone
     }
     pending.append(buffer, static_cast<int>(count));
-    for (int end = pending.indexOf('\n'); end >= 0; end = pending.indexOf('\n')) {
+    for (auto end = pending.indexOf('\n'); end >= 0; end = pending.indexOf('\n')) {
         const QByteArray line = pending.left(end);
         pending.remove(0, end + 1);
         obey(line);

@@ -94,7 +94,7 @@ std::vector<SocketState> allSockets()
 
 QByteArray targetOf(const QByteArray& head)
 {
-    const int end = head.lastIndexOf(" HTTP/1.1\r\n");
+    const auto end = head.lastIndexOf(" HTTP/1.1\r\n");
     return head.startsWith("GET ") && end >= 4 ? head.mid(4, end - 4) : QByteArray();
 }
 
@@ -417,7 +417,7 @@ void Camera::serve(Connection& connection)
     {
         const std::lock_guard lock(m_mutex);
         m_heads.append(head);
-        int longest = -1;
+        qint64 longest = -1;
         for (const auto& [start, candidate] : m_answers) {
             if (target.startsWith(start) && start.size() > longest) {
                 longest = start.size();

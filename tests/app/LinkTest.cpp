@@ -24,12 +24,12 @@ const QStringList noVersions{QString(), QString(), QString(), QString(), QString
 
 int controlThreads(const UserWindow& user)
 {
-    return user.window().findChildren<ControlClientThread*>().size();
+    return static_cast<int>(user.window().findChildren<ControlClientThread*>().size());
 }
 
 int groundThreads(const UserWindow& user)
 {
-    return user.window().findChildren<GroundClientThread*>().size();
+    return static_cast<int>(user.window().findChildren<GroundClientThread*>().size());
 }
 
 } // namespace
@@ -196,7 +196,7 @@ void LinkTest::failureAndSuccessHaveTheirExactLook()
         const QFont font = user.statusField().font();
         QCOMPARE(font.family(), QStringLiteral("Timers"));
         QCOMPARE(font.pointSize(), 14);
-        QCOMPARE(font.weight(), 75);
+        QCOMPARE(int{font.weight()}, int{QFont::Bold});
         QCOMPARE(font.italic(), false);
         QVERIFY(!user.statusField().isEnabled());
     };

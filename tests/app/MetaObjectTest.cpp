@@ -117,9 +117,10 @@ void MetaObjectTest::fieldOfLineEditInitIsAKnownType()
 {
     const QMetaObject& window = MainWindow::staticMetaObject;
     const QMetaMethod method = window.method(window.indexOfSlot("LineEditInit(QLineEdit*)"));
-    QVERIFY(method.parameterType(0) != QMetaType::UnknownType);
-    QCOMPARE(QMetaType::typeName(method.parameterType(0)), "QLineEdit*");
-    QCOMPARE(QMetaType::metaObjectForType(method.parameterType(0)), &QLineEdit::staticMetaObject);
+    const QMetaType type(method.parameterType(0));
+    QVERIFY(type.isRegistered());
+    QCOMPARE(QByteArray(type.name()), QByteArray("QLineEdit*"));
+    QCOMPARE(type.metaObject(), &QLineEdit::staticMetaObject);
 }
 
 void MetaObjectTest::nothingEmitsTheReservedSignal()

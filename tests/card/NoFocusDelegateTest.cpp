@@ -29,6 +29,7 @@ private:
         QStyleOptionViewItem option;
         option.rect = QRect(0, 0, 120, 25);
         option.state = state;
+        option.showDecorationSelected = true; // as a table has it: the whole cell is coloured
         option.palette.setColor(QPalette::Highlight, QColor(89, 153, 247));
         return option;
     }

@@ -277,7 +277,7 @@ void DownloadFileThreadTest::bodyIsReadIn4096BytesWithOneSignalEach()
 void DownloadFileThreadTest::everyReceiveGivesOneSignal()
 {
     const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 4299\r\n\r\n";
-    const int begin = head.size();
+    const int begin = static_cast<int>(head.size());
     ScriptedServer server(
         Script([&](Peer& peer) {
             peer.receiveUntil(requestEnd);
@@ -293,7 +293,7 @@ void DownloadFileThreadTest::everyReceiveGivesOneSignal()
 void DownloadFileThreadTest::bodyLongerThanAnnouncedIsDroppedFromTheNextReceiveOn()
 {
     const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n";
-    const int begin = head.size();
+    const int begin = static_cast<int>(head.size());
     ScriptedServer server(Script([&](Peer& peer) {
                               peer.receiveUntil(requestEnd);
                               peer.sendInPieces(head + "123456789012dropped", {begin, begin + 12});
@@ -360,7 +360,7 @@ void DownloadFileThreadTest::resetInTheBodyKeepsWhatCame()
     const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n";
     ScriptedServer server(Script([&](Peer& peer) {
                               peer.receiveUntil(requestEnd);
-                              peer.sendInPieces(head + "1234", {head.size()});
+                              peer.sendInPieces(head + "1234", {static_cast<int>(head.size())});
                               peer.reset();
                           }),
                           address, port);

@@ -20,7 +20,7 @@ Read readHead(const QByteArray& bytes)
             return {true, number + 1, head.text()};
         }
     }
-    return {false, bytes.size(), head.text()};
+    return {false, static_cast<int>(bytes.size()), head.text()};
 }
 
 } // namespace
