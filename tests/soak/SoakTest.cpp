@@ -1,0 +1,302 @@
+// A long day at sea: hundreds of lost links, hundreds of downloads, hours of heartbeats, in one
+// window. What grows is what is designed to grow, and the window always answers.
+#include "link/ControlClientThread.h"
+#include "tests/app/UserWindow.h"
+#include "tests/soak/StallWatch.h"
+#include "tests/support/OpenDescriptors.h"
+#include "tests/support/TestMain.h"
+#include "tests/system/SimulatorProcess.h"
+
+#include <cstdio>
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int limit = 30'000;                // milliseconds for anything that is to happen
+constexpr qint64 answersWithin = 100;        // milliseconds
+constexpr qint64 answersWhileRefused = 200;  // milliseconds; two link threads are busy then
+constexpr qint64 growthPerDownload = 20'480; // bytes
+constexpr char controlAddress[] = "192.168.1.149";
+constexpr char groundAddress[] = "192.168.1.148";
+
+/// Of a figure for a whole run; a shorter run is a share of it.
+int share(int whole)
+{
+    const double part = qEnvironmentVariable("BELUN_SOAK_SHARE", "1").toDouble();
+    return qMax(1, qRound(whole * part));
+}
+
+void tell(const QString& line)
+{
+    std::printf("soak: %s\n", qPrintable(line));
+    std::fflush(stdout);
+}
+
+/// Bytes of this process that are in memory.
+qint64 residentBytes()
+{
+    QFile file("/proc/self/statm");
+    return file.open(QIODevice::ReadOnly)
+               ? file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE)
+               : -1;
+}
+
+int openDescriptors()
+{
+    return static_cast<int>(QDir("/proc/self/fd").entryList(QDir::System | QDir::Files).size());
+}
+
+bool eventually(const std::function<bool()>& condition, int milliseconds = limit)
+{
+    return support::WindowProbe::waitUntil(condition, milliseconds);
+}
+
+bool writeCard(const QString& folder, int count, int size)
+{
+    if (!QDir().mkpath(folder)) {
+        return false;
+    }
+    for (int i = 0; i < count; ++i) {
+        QFile file(QStringLiteral("%1/REC%2.MP4").arg(folder).arg(i, 5, 10, QLatin1Char('0')));
+        const QByteArray content(size, static_cast<char>('a' + i % 26));
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != size) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+class SoakTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void modulesDropAndReturn();
+    void windowAnswersWhileModulesRefuse();
+    void heartbeats();
+    void downloads();
+    void browses();
+    void idleWhileLinked();
+
+private:
+    void start(const QStringList& options);
+    void link();
+    void waitForNextConnection(const char* device, const char* address);
+    void downloadAll(int count);
+    static int connectionsTo(const char* address)
+    {
+        return support::socketsConnectedTo(address, 5000);
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<SimulatorProcess> m_simulator;
+    std::unique_ptr<UserWindow> m_user;
+};
+
+void SoakTest::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_simulator = std::make_unique<SimulatorProcess>();
+    m_user = std::make_unique<UserWindow>();
+}
+
+void SoakTest::cleanup()
+{
+    QElapsedTimer closing;
+    closing.start();
+    m_user.reset();
+    QVERIFY2(closing.elapsed() < 2000, "closing the window took more than two seconds");
+    m_simulator.reset();
+    m_folder.reset();
+}
+
+void SoakTest::start(const QStringList& options)
+{
+    QVERIFY2(m_simulator->start(options), qPrintable(m_simulator->error()));
+}
+
+void SoakTest::link()
+{
+    m_user->clickLink();
+    QVERIFY(eventually([this] {
+        return m_user->showsLinkSuccess() && connectionsTo(controlAddress) == 1 &&
+               connectionsTo(groundAddress) == 1;
+    }));
+}
+
+void SoakTest::waitForNextConnection(const char* device, const char* address)
+{
+    const int before = connectionsTo(address);
+    QVERIFY2(m_simulator->control(QByteArray("drop ") + device), qPrintable(m_simulator->error()));
+    QVERIFY2(eventually([&] { return connectionsTo(address) == before + 1; }),
+             qPrintable(QStringLiteral("%1: %2 connections before the drop, %3 after it")
+                            .arg(device)
+                            .arg(before)
+                            .arg(connectionsTo(address))));
+}
+
+void SoakTest::modulesDropAndReturn()
+{
+    start({"--sample", "--heartbeat", "20"});
+    link();
+    const int before = openDescriptors();
+    const int drops = share(500);
+    const StallWatch watch;
+    for (int i = 0; i < drops && !QTest::currentTestFailed(); ++i) {
+        waitForNextConnection("control", controlAddress);
+        waitForNextConnection("ground", groundAddress);
+        QVERIFY2(eventually([this] { return m_user->showsLinkSuccess(); }),
+                 "the status is not green again");
+    }
+    const int grown = openDescriptors() - before;
+    tell(QStringLiteral("%1 drops of each module: %2 descriptors more, longest wait %3 ms")
+             .arg(drops)
+             .arg(grown)
+             .arg(watch.longest()));
+    QCOMPARE(grown, 2 * drops);
+    QVERIFY2(watch.longest() <= answersWithin, "the window kept its user waiting");
+}
+
+void SoakTest::windowAnswersWhileModulesRefuse()
+{
+    start({"--sample", "--heartbeat", "100"});
+    link();
+    for (const char* line : {"fault refuse=control,ground", "drop control", "drop ground"}) {
+        QVERIFY2(m_simulator->control(line), qPrintable(m_simulator->error()));
+    }
+    QVERIFY(eventually([this] { return m_user->showsLinkFail(); }));
+    const StallWatch watch;
+    QTest::qWait(share(30) * 1000);
+    tell(QStringLiteral("%1 s of refusal: longest wait %2 ms").arg(share(30)).arg(watch.longest()));
+    QVERIFY(watch.ticks() > 0);
+    QVERIFY2(watch.longest() <= answersWhileRefused, "the window kept its user waiting");
+    QVERIFY2(m_simulator->control("clear refuse"), qPrintable(m_simulator->error()));
+    QVERIFY(eventually([this] { return m_user->showsLinkSuccess(); }));
+}
+
+void SoakTest::heartbeats()
+{
+    start({"--sample", "--heartbeat", "5"});
+    link();
+    auto* control = m_user->window().findChild<ControlClientThread*>();
+    QVERIFY(control != nullptr);
+    QSignalSpy heard(control, SIGNAL(updateLinkedFlag(bool)));
+    const int before = openDescriptors();
+    const int wanted = share(10'000);
+    const StallWatch watch;
+    QVERIFY2(eventually([&] { return heard.size() >= wanted; }, limit + wanted * 20),
+             qPrintable(QStringLiteral("%1 of %2 heartbeats").arg(heard.size()).arg(wanted)));
+    tell(QStringLiteral("%1 heartbeats: longest wait %2 ms").arg(wanted).arg(watch.longest()));
+    QVERIFY2(watch.longest() <= answersWithin, "the window kept its user waiting");
+    QVERIFY(std::all_of(heard.cbegin(), heard.cend(),
+                        [](const QList<QVariant>& call) { return call.first().toBool(); }));
+    QCOMPARE(openDescriptors(), before);
+}
+
+void SoakTest::downloadAll(int count)
+{
+    m_user->probe().click("checkBoxSelectAllFiles");
+    m_user->clickDownload();
+    QVERIFY(!m_user->canDownload());
+    QVERIFY2(eventually([this] { return m_user->isIdle(); }, limit + count * 1000),
+             qPrintable(QStringLiteral("stuck at %1").arg(m_user->downloadCount())));
+    m_user->probe().click("checkBoxSelectAllFiles");
+}
+
+void SoakTest::downloads()
+{
+    constexpr int filesOnCard = 20;
+    constexpr int fileSize = 300'000;
+    const QString card = m_folder->filePath("card");
+    QVERIFY(writeCard(card, filesOnCard, fileSize));
+    start({"--card", card});
+    link();
+    m_user->clickBrowse();
+    QCOMPARE(m_user->table().rowCount(), filesOnCard);
+    // What is set up once, such as fonts and the first thread's memory, is no growth.
+    downloadAll(filesOnCard);
+    const int rounds = share(300 / filesOnCard - 1);
+    const int descriptors = openDescriptors();
+    const qint64 memory = residentBytes();
+    const StallWatch watch;
+    for (int round = 0; round < rounds && !QTest::currentTestFailed(); ++round) {
+        downloadAll(filesOnCard);
+    }
+    const int done = rounds * filesOnCard;
+    const qint64 growth = (residentBytes() - memory) / done;
+    const int opened = openDescriptors() - descriptors;
+    tell(QStringLiteral("%1 downloads: %2 bytes of memory and %3 descriptors each, longest wait "
+                        "%4 ms")
+             .arg(done)
+             .arg(growth)
+             .arg(static_cast<double>(opened) / done)
+             .arg(watch.longest()));
+    QCOMPARE(opened, 2 * done);
+    QVERIFY2(growth <= growthPerDownload, "memory grows with each download");
+    QVERIFY2(watch.longest() <= answersWithin, "the window kept its user waiting");
+    const QFileInfoList files =
+        QDir(QDir::homePath() + "/Desktop/DCIM").entryInfoList(QDir::Files, QDir::Name);
+    QCOMPARE(files.size(), filesOnCard);
+    QVERIFY(std::all_of(files.cbegin(), files.cend(),
+                        [](const QFileInfo& file) { return file.size() == fileSize; }));
+}
+
+void SoakTest::browses()
+{
+    constexpr int filesOnCard = 128;
+    const QString card = m_folder->filePath("card");
+    QVERIFY(writeCard(card, filesOnCard, 2048));
+    start({"--card", card});
+    m_user->clickBrowse();
+    const int descriptors = openDescriptors();
+    const qint64 memory = residentBytes();
+    const int rounds = share(10);
+    for (int round = 0; round < rounds; ++round) {
+        m_user->clickBrowse();
+        QCOMPARE(m_user->table().rowCount(), filesOnCard);
+        QCOMPARE(m_user->row(filesOnCard - 1).at(2), QStringLiteral("2KB"));
+    }
+    const qint64 growth = residentBytes() - memory;
+    tell(QStringLiteral("%1 browses of %2 recordings: %3 bytes more")
+             .arg(rounds)
+             .arg(filesOnCard)
+             .arg(growth));
+    QCOMPARE(openDescriptors(), descriptors);
+    QVERIFY2(growth <= 1'048'576, "memory grows with each browse");
+}
+
+void SoakTest::idleWhileLinked()
+{
+    start({"--sample"});
+    link();
+    const int descriptors = openDescriptors();
+    const qint64 memory = residentBytes();
+    const StallWatch watch;
+    QTest::qWait(share(600) * 1000);
+    tell(QStringLiteral("%1 idle seconds: %2 bytes more, longest wait %3 ms")
+             .arg(share(600))
+             .arg(residentBytes() - memory)
+             .arg(watch.longest()));
+    QVERIFY(m_user->showsLinkSuccess());
+    QCOMPARE(connectionsTo(controlAddress), 1);
+    QCOMPARE(connectionsTo(groundAddress), 1);
+    QCOMPARE(openDescriptors(), descriptors);
+    QVERIFY2(residentBytes() - memory <= 1'048'576, "memory grows while nothing happens");
+    QVERIFY2(watch.longest() <= answersWithin, "the window kept its user waiting");
+}
+
+BELUN_NETWORK_TEST_MAIN(SoakTest)
+
+#include "SoakTest.moc"
