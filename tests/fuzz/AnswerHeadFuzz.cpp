@@ -1,0 +1,84 @@
+// Reading an answer's head.
+//
+// Input: what the camera sends. Ends with the connection, once closed and once failed.
+#include "http/HTTPClient.h"
+#include "tests/fuzz/Decimal.h"
+#include "tests/fuzz/MemoryPeer.h"
+
+#include <tuple>
+
+namespace {
+
+auto fields(const HTTPResponse& response)
+{
+    return std::tie(response.statusCode, response.chunked, response.lastChunkSeen,
+                    response.contentLength, response.received, response.chunkLeft,
+                    response.headers);
+}
+
+/// Reads the head into the record and returns how many bytes that took.
+std::size_t readHead(const std::string& text, fuzz::End end, HTTPResponse& response)
+{
+    fuzz::TextPeer peer(text, text.size(), end);
+    HTTPSession session;
+    fuzz::require(HTTPClient().readHeader(session, response), "reading a head never fails");
+    return peer.received();
+}
+
+/// Where the head ends: behind the first line of nothing but its end.
+std::size_t endOfHead(const std::string& text)
+{
+    if (text.compare(0, 2, "\r\n") == 0) {
+        return 2;
+    }
+    const std::size_t emptyLine = text.find("\n\r\n");
+    return emptyLine == std::string::npos ? text.size() : emptyLine + 3;
+}
+
+void requireHeadersStandIn(const std::string& head, const HTTPHeaders& headers)
+{
+    for (const auto& [name, value] : headers) {
+        fuzz::require(name.find(": ") == std::string::npos, "a name ends at the first separator");
+        fuzz::require(name.compare(0, 4, "HTTP") != 0, "a status line is no header");
+        fuzz::require((name.empty() && value.empty()) ||
+                          head.find(name + ": " + value) != std::string::npos,
+                      "a header stands in the head as it was sent");
+    }
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const std::string text = fuzz::textOf(data, size);
+    HTTPResponse response;
+    const std::size_t taken = readHead(text, fuzz::End::Closed, response);
+    fuzz::require(taken == endOfHead(text), "no byte behind the empty line is taken");
+
+    const std::string head = text.substr(0, taken);
+    requireHeadersStandIn(head, response.headers);
+    fuzz::require(response.received == 0 && response.chunkLeft == 0 && !response.lastChunkSeen,
+                  "a head does not touch what belongs to the body");
+    fuzz::require(response.statusCode == 0 || head.find("HTTP") != std::string::npos,
+                  "a status comes from a status line");
+
+    const auto length = response.headers.find("Content-Length");
+    if (length == response.headers.end()) {
+        fuzz::require(response.contentLength == 0, "without a length there is none");
+    } else if (const auto value = fuzz::shortDecimal(length->second)) {
+        fuzz::require(response.contentLength == static_cast<std::uint32_t>(*value),
+                      "the length is the number in its header");
+    }
+    const auto coding = response.headers.find("Transfer-Encoding");
+    if (coding != response.headers.end() && coding->second == "chunked") {
+        fuzz::require(response.chunked, "a coding that is announced is noticed");
+    }
+    fuzz::require(!response.chunked || head.find("Transfer-Encoding: chunked") != std::string::npos,
+                  "a coding is noticed only where it is announced");
+
+    HTTPResponse again = response;
+    fuzz::require(readHead(text, fuzz::End::Failed, again) == taken &&
+                      fields(again) == fields(response),
+                  "the same head once more changes nothing, nor does how the connection ends");
+    return 0;
+}
