@@ -54,6 +54,8 @@ MainWindow::MainWindow(QWidget* parent)
     ui->progressBarDownLoad->hide();
     LineEditsInit();
     TableWidgetItemInit();
+    joinLabelsToFields();
+    openTableToKeyboard();
     translator = makeLastingTranslator();
     QCoreApplication::installTranslator(translator);
     ui->comboBox->insertItems(ui->comboBox->count(),

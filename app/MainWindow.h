@@ -6,6 +6,7 @@
 //   MainWindow_FileTable.cpp  table set-up, select all, collecting the selection
 //   MainWindow_Download.cpp   start, next, progress, finished
 //   MainWindow_Delete.cpp     delete chosen, delete all, format
+//   MainWindow_Accessibility.cpp  names for assistive programs, keyboard in the table
 #pragma once
 
 #include "card/NameTable.h"
@@ -100,6 +101,11 @@ private:
     /// The next file of the selection that still stands in the table; moves the cursor behind it.
     std::optional<QString> takeNextFile();
     void stopWorkers();
+    // MainWindow_Accessibility.cpp
+    void joinLabelsToFields();
+    /// In the language that is shown, from the catalogue's texts.
+    void setAccessibleNames();
+    void openTableToKeyboard();
 
     // The table paints with it and does not own it.
     std::unique_ptr<NoFocusDelegate> m_tableDelegate;

@@ -33,6 +33,7 @@ void MainWindow::translateLanguage()
     ui->groupBoxFile->setTitle(tr("File Operate"));
     ui->groupBoxVersionInfo->setTitle(tr("Version Information"));
     ui->tableWidgetFileInfo->setHorizontalHeaderLabels(tableHeaders());
+    setAccessibleNames();
 }
 
 QStringList MainWindow::tableHeaders() const

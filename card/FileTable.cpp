@@ -7,6 +7,26 @@
 
 namespace card {
 
+namespace {
+
+/// Tells assistive programs which column it is in: its description is the header, as that reads
+/// now.
+class Cell : public QTableWidgetItem
+{
+public:
+    using QTableWidgetItem::QTableWidgetItem;
+
+    QVariant data(int role) const override
+    {
+        if (role == Qt::AccessibleDescriptionRole && tableWidget() != nullptr) {
+            return tableWidget()->model()->headerData(column(), Qt::Horizontal);
+        }
+        return QTableWidgetItem::data(role);
+    }
+};
+
+} // namespace
+
 std::unique_ptr<NoFocusDelegate> setUpFileTable(QTableWidget& table, const QStringList& headers)
 {
     QHeaderView& columns = *table.horizontalHeader();
@@ -39,7 +59,7 @@ std::unique_ptr<NoFocusDelegate> setUpFileTable(QTableWidget& table, const QStri
 void addNameRow(QTableWidget& table, int row, const QString& name)
 {
     table.insertRow(row);
-    table.setItem(row, NameColumn, new QTableWidgetItem(name));
+    table.setItem(row, NameColumn, new Cell(name));
 }
 
 void setDetail(QTableWidget& table, int row, Column column, const QString& text,
@@ -48,7 +68,7 @@ void setDetail(QTableWidget& table, int row, Column column, const QString& text,
     if (row < 0 || row >= table.rowCount()) {
         return;
     }
-    auto* item = new QTableWidgetItem(text);
+    auto* item = new Cell(text);
     item->setData(Qt::ForegroundRole, QColor(QStringLiteral("gray")));
     item->setData(Qt::TextAlignmentRole, static_cast<int>(alignment));
     table.setItem(row, column, item);

@@ -1,0 +1,237 @@
+// What assistive programs are told about the window, in both languages.
+#include "app/MainWindow.h"
+#include "card/FileTable.h"
+
+#include <algorithm>
+#include <memory>
+
+#include <QAccessible>
+#include <QtTest>
+#include <QtWidgets>
+
+#include "tests/support/TestMain.h"
+#include "tests/support/WindowProbe.h"
+
+namespace {
+
+/// The catalogue's text in English and in Chinese.
+struct Text
+{
+    const char* english;
+    const char* chinese;
+};
+
+const QString shownName = QStringLiteral("VID_0001.MP4");
+
+QAccessibleInterface& interfaceOf(QObject& object)
+{
+    QAccessibleInterface* found = QAccessible::queryAccessibleInterface(&object);
+    if (found == nullptr) {
+        qFatal("%s is not in the accessibility tree", qPrintable(object.objectName()));
+    }
+    return *found;
+}
+
+} // namespace
+
+class AccessibilityTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void widgetIsNamedInBothLanguages_data();
+    void widgetIsNamedInBothLanguages();
+    void fieldIsLabelledByTheLabelBesideIt_data();
+    void fieldIsLabelledByTheLabelBesideIt();
+    void nothingThatIsUsedIsWithoutAName();
+    void cellIsNamedByItsTextAndDescribedByItsHeader_data();
+    void cellIsNamedByItsTextAndDescribedByItsHeader();
+    void cellOutsideATableHasNoDescription();
+
+private:
+    template <class Widget>
+    Widget& child(const QString& name) const
+    {
+        return support::WindowProbe(*m_window).child<Widget>(name);
+    }
+    QTableWidget& table() const { return child<QTableWidget>("tableWidgetFileInfo"); }
+    void choose(int language) const { child<QComboBox>("comboBox").setCurrentIndex(language); }
+    QString accessibleName(const QString& name) const
+    {
+        return interfaceOf(child<QWidget>(name)).text(QAccessible::Name);
+    }
+    /// A row as a browse makes it.
+    void addRow() const
+    {
+        card::addNameRow(table(), 0, shownName);
+        support::WindowProbe(*m_window).call(
+            "ParseFileInfo",
+            Q_ARG(const char*, "var create=\"20200131124502\";\r\nvar size=\"3145728\";\r\n"
+                               "var time=\"61\";\r\n"),
+            Q_ARG(int, 0));
+    }
+
+    std::unique_ptr<MainWindow> m_window;
+};
+
+void AccessibilityTest::init()
+{
+    m_window = std::make_unique<MainWindow>();
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+}
+
+/// The translator outlives its window: leave it with the English texts for the next one.
+void AccessibilityTest::cleanup()
+{
+    choose(1);
+    choose(0);
+    m_window.reset();
+}
+
+void AccessibilityTest::widgetIsNamedInBothLanguages_data()
+{
+    QTest::addColumn<QString>("english");
+    QTest::addColumn<QString>("chinese");
+
+    const auto row = [](const char* widget, const Text& text) {
+        QTest::newRow(widget) << QString::fromUtf8(text.english) << QString::fromUtf8(text.chinese);
+    };
+    row("pushButtonLinkBELUN", {"Link Device", "连接设备"});
+    row("lineEditLinkBELUN", {"Link Device", "连接设备"});
+    row("label_language", {"language:", "语言\uFF1A"});
+    row("groupBoxVersionInfo", {"Version Information", "版本信息"});
+    row("lineEditHardType", {"HardwareType:", "硬件类型\uFF1A"});
+    row("lineEditHardVer", {"HardwareVersion:", "硬件版本\uFF1A"});
+    row("lineEditSoftVer", {"SoftwareVersion:", "软件版本\uFF1A"});
+    row("lineEditProtocolVer", {"ProtocolVersion:", "协议版本\uFF1A"});
+    row("lineEditBootVer", {"BootloaderVersion:", "Bootloader版本\uFF1A"});
+    row("groupBoxFile", {"File Operate", "文件操作"});
+    row("pushButtonEnterTFcard", {"Browse Files in Card", "浏览相机卡内文件"});
+    row("pushButtonDownloadFile", {"Download File", "下载选中文件"});
+    row("pushButtonDeleteFile", {"Delete File", "删除选中文件"});
+    row("pushButtonFormatCard", {"Format Card", "格式化卡"});
+    row("pushButtonDeleteAllFiles", {"Delete All Files", "删除卡内所有文件"});
+    row("lineEditDownloadLabel", {"Download Progress:", "下载进度\uFF1A"});
+    row("progressBarDownLoad", {"Download Progress:", "下载进度\uFF1A"});
+    row("lineEditDownloadProgress", {"Download Progress:", "下载进度\uFF1A"});
+    row("checkBoxSelectAllFiles", {"Select All", "全选"});
+    row("tableWidgetFileInfo", {"Browse Files in Card", "浏览相机卡内文件"});
+}
+
+void AccessibilityTest::widgetIsNamedInBothLanguages()
+{
+    QFETCH(QString, english);
+    QFETCH(QString, chinese);
+    const QString widget = QString::fromLatin1(QTest::currentDataTag());
+    QCOMPARE(accessibleName(widget), english);
+    choose(1);
+    QCOMPARE(accessibleName(widget), chinese);
+    choose(0);
+    QCOMPARE(accessibleName(widget), english);
+}
+
+void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt_data()
+{
+    QTest::addColumn<QString>("label");
+
+    QTest::newRow("comboBox") << QStringLiteral("label_language");
+    QTest::newRow("lineEditHardType") << QStringLiteral("label_1");
+    QTest::newRow("lineEditHardVer") << QStringLiteral("label_2");
+    QTest::newRow("lineEditSoftVer") << QStringLiteral("label_3");
+    QTest::newRow("lineEditProtocolVer") << QStringLiteral("label_4");
+    QTest::newRow("lineEditBootVer") << QStringLiteral("label_5");
+}
+
+/// The combo box needs it: its own name is the chosen language.
+void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt()
+{
+    QFETCH(QString, label);
+    const QString field = QString::fromLatin1(QTest::currentDataTag());
+    const auto labels = interfaceOf(child<QWidget>(field)).relations(QAccessible::Label);
+    QVERIFY(std::any_of(labels.begin(), labels.end(), [&](const auto& found) {
+        return found.first->object() == &child<QWidget>(label);
+    }));
+}
+
+/// Whatever takes a key or shows a value has a name, a widget that the list above forgot included.
+void AccessibilityTest::nothingThatIsUsedIsWithoutAName()
+{
+    for (const int language : {0, 1}) {
+        choose(language);
+        int named = 0;
+        for (QWidget* child : m_window->centralWidget()->findChildren<QWidget*>()) {
+            const bool isUsed = qobject_cast<QAbstractButton*>(child) != nullptr ||
+                                qobject_cast<QLineEdit*>(child) != nullptr ||
+                                qobject_cast<QComboBox*>(child) != nullptr ||
+                                qobject_cast<QProgressBar*>(child) != nullptr ||
+                                qobject_cast<QGroupBox*>(child) != nullptr ||
+                                qobject_cast<QTableWidget*>(child) != nullptr;
+            // Qt's own parts, such as the corner of the table, have no name of their own.
+            if (isUsed && !child->objectName().isEmpty() &&
+                !child->objectName().startsWith("qt_")) {
+                QVERIFY2(!accessibleName(child->objectName()).isEmpty(),
+                         qPrintable(child->objectName()));
+                ++named;
+            }
+        }
+        QCOMPARE(named, 20);
+    }
+}
+
+void AccessibilityTest::cellIsNamedByItsTextAndDescribedByItsHeader_data()
+{
+    QTest::addColumn<int>("column");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("english");
+    QTest::addColumn<QString>("chinese");
+
+    QTest::newRow("name") << 0 << shownName << "Name"
+                          << "名称";
+    QTest::newRow("date") << 1 << "2020-01-31  12:45:02"
+                          << "Date"
+                          << "日期";
+    QTest::newRow("size") << 2 << "3MB"
+                          << "Size"
+                          << "大小";
+    QTest::newRow("duration") << 3 << "61s"
+                              << "Duration"
+                              << "时长";
+}
+
+void AccessibilityTest::cellIsNamedByItsTextAndDescribedByItsHeader()
+{
+    QFETCH(int, column);
+    QFETCH(QString, text);
+    QFETCH(QString, english);
+    QFETCH(QString, chinese);
+    addRow();
+    QAccessibleTableInterface* cells = interfaceOf(table()).tableInterface();
+    QVERIFY(cells != nullptr);
+    for (const int language : {0, 1, 0}) {
+        choose(language);
+        QAccessibleInterface* cell = cells->cellAt(0, column);
+        QVERIFY(cell != nullptr);
+        QCOMPARE(cell->text(QAccessible::Name), text);
+        const QString header = language == 0 ? english : chinese;
+        QCOMPARE(cell->text(QAccessible::Description), header);
+        const auto headers = cell->tableCellInterface()->columnHeaderCells();
+        QCOMPARE(headers.size(), 1);
+        QCOMPARE(headers.first()->text(QAccessible::Name), header);
+    }
+}
+
+void AccessibilityTest::cellOutsideATableHasNoDescription()
+{
+    addRow();
+    const std::unique_ptr<QTableWidgetItem> item(table().takeItem(0, 0));
+    QCOMPARE(item->data(Qt::DisplayRole).toString(), shownName);
+    QVERIFY(!item->data(Qt::AccessibleDescriptionRole).isValid());
+}
+
+BELUN_TEST_MAIN(AccessibilityTest)
+
+#include "AccessibilityTest.moc"

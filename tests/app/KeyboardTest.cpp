@@ -1,0 +1,183 @@
+// The window without a mouse: where the Tab key leads, and the way into and out of the table.
+#include "app/MainWindow.h"
+#include "card/FileTable.h"
+
+#include <algorithm>
+#include <memory>
+
+#include <QtTest>
+#include <QtWidgets>
+
+#include "tests/support/TestMain.h"
+#include "tests/support/WindowProbe.h"
+
+class KeyboardTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void tabGoesThroughTheWidgetsFromTopToBottom();
+    void shiftTabGoesBack();
+    void spacePressesTheButtonInFocus_data();
+    void spacePressesTheButtonInFocus();
+    void arrowsChooseRowsInTheTable();
+    void tabStaysInATableWithRows();
+    void ctrlTabLeavesTheTableAndKeepsTheSelection_data();
+    void ctrlTabLeavesTheTableAndKeepsTheSelection();
+
+private:
+    QTableWidget& table() const
+    {
+        return support::WindowProbe(*m_window).child<QTableWidget>("tableWidgetFileInfo");
+    }
+    /// Into the table, as it stands after a browse.
+    void enterTableOfFive() const;
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
+    {
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+    }
+    static QString focused() { return QApplication::focusWidget()->objectName(); }
+    QList<int> selectedRows() const
+    {
+        QList<int> rows;
+        for (const QModelIndex& index : table().selectionModel()->selectedRows()) {
+            rows.append(index.row());
+        }
+        std::sort(rows.begin(), rows.end());
+        return rows;
+    }
+
+    std::unique_ptr<MainWindow> m_window;
+};
+
+static const QStringList inTheirOrder{"pushButtonLinkBELUN",      "comboBox",
+                                      "pushButtonEnterTFcard",    "pushButtonDownloadFile",
+                                      "pushButtonDeleteFile",     "pushButtonFormatCard",
+                                      "pushButtonDeleteAllFiles", "checkBoxSelectAllFiles",
+                                      "tableWidgetFileInfo"};
+
+void KeyboardTest::init()
+{
+    m_window = std::make_unique<MainWindow>();
+    m_window->show();
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QTRY_VERIFY(QApplication::focusWidget() != nullptr);
+}
+
+void KeyboardTest::cleanup()
+{
+    m_window.reset();
+}
+
+void KeyboardTest::enterTableOfFive() const
+{
+    for (int row = 0; row < 5; ++row) {
+        card::addNameRow(table(), row, QStringLiteral("%1.mp4").arg(row));
+    }
+    press(Qt::Key_Backtab, Qt::ShiftModifier);
+    QCOMPARE(focused(), QStringLiteral("tableWidgetFileInfo"));
+    press(Qt::Key_Home, Qt::ControlModifier);
+}
+
+void KeyboardTest::tabGoesThroughTheWidgetsFromTopToBottom()
+{
+    for (const QString& name : inTheirOrder) {
+        QCOMPARE(focused(), name);
+        press(Qt::Key_Tab);
+    }
+    QCOMPARE(focused(), inTheirOrder.first());
+}
+
+void KeyboardTest::shiftTabGoesBack()
+{
+    for (int index = inTheirOrder.size() - 1; index >= 0; --index) {
+        press(Qt::Key_Backtab, Qt::ShiftModifier);
+        QCOMPARE(focused(), inTheirOrder[index]);
+    }
+}
+
+void KeyboardTest::spacePressesTheButtonInFocus_data()
+{
+    QTest::addColumn<int>("tabs");
+
+    for (const int tabs : {0, 2, 3, 4, 5, 6, 7}) {
+        QTest::newRow(qPrintable(inTheirOrder[tabs])) << tabs;
+    }
+}
+
+void KeyboardTest::spacePressesTheButtonInFocus()
+{
+    QFETCH(int, tabs);
+    for (int times = 0; times < tabs; ++times) {
+        press(Qt::Key_Tab);
+    }
+    auto* button = qobject_cast<QAbstractButton*>(QApplication::focusWidget());
+    QVERIFY(button != nullptr);
+    QCOMPARE(button->objectName(), QString::fromLatin1(QTest::currentDataTag()));
+    // Only the key is of interest here: what the buttons do is tested with a vehicle.
+    QVERIFY(button->disconnect(m_window.get()));
+    const QSignalSpy clicks(button, SIGNAL(clicked()));
+    press(Qt::Key_Space);
+    QCOMPARE(clicks.count(), 1);
+}
+
+void KeyboardTest::arrowsChooseRowsInTheTable()
+{
+    enterTableOfFive();
+    press(Qt::Key_Down);
+    QCOMPARE(selectedRows(), QList<int>{1});
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    QCOMPARE(selectedRows(), (QList<int>{1, 2}));
+    press(Qt::Key_Down, Qt::ControlModifier);
+    press(Qt::Key_Down, Qt::ControlModifier);
+    press(Qt::Key_Space, Qt::ControlModifier);
+    QCOMPARE(selectedRows(), (QList<int>{1, 2, 4}));
+    press(Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(selectedRows(), (QList<int>{0, 1, 2, 3, 4}));
+}
+
+/// Which is why another key has to lead out.
+void KeyboardTest::tabStaysInATableWithRows()
+{
+    enterTableOfFive();
+    for (int times = 0; times < 21; ++times) {
+        press(Qt::Key_Tab);
+        QCOMPARE(focused(), QStringLiteral("tableWidgetFileInfo"));
+    }
+    QCOMPARE(table().currentRow(), 0);
+    QCOMPARE(table().currentColumn(), 1);
+}
+
+void KeyboardTest::ctrlTabLeavesTheTableAndKeepsTheSelection_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::addColumn<QString>("next");
+
+    QTest::newRow("forward") << Qt::Key_Tab << Qt::KeyboardModifiers(Qt::ControlModifier)
+                             << inTheirOrder.first();
+    QTest::newRow("back") << Qt::Key_Backtab
+                          << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::ShiftModifier)
+                          << QStringLiteral("checkBoxSelectAllFiles");
+}
+
+void KeyboardTest::ctrlTabLeavesTheTableAndKeepsTheSelection()
+{
+    QFETCH(Qt::Key, key);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(QString, next);
+    enterTableOfFive();
+    press(Qt::Key_Down);
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    press(key, modifiers);
+    QCOMPARE(focused(), next);
+    QCOMPARE(selectedRows(), (QList<int>{1, 2}));
+}
+
+BELUN_TEST_MAIN(KeyboardTest)
+
+#include "KeyboardTest.moc"
