@@ -122,7 +122,8 @@ def click(point, holding=None):
     held = ["keydown", holding] if holding else []
     released = ["keyup", holding] if holding else []
     x, y = (str(number) for number in point)
-    _run("xdotool", "mousemove", "--sync", x, y, *held, "click", "1", *released)
+    # Without --sync, which waits long in vain where the pointer is there already.
+    _run("xdotool", "mousemove", x, y, *held, "click", "1", *released)
 
 
 def key(*names):
