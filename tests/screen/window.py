@@ -1,0 +1,136 @@
+"""The program's window as assistive programs are told of it: what is shown, where and how it is.
+
+Only for reading; the tests act with mouse and keyboard.
+"""
+
+import dataclasses
+import time
+
+import gi
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
+
+Atspi.set_timeout(2000, 5000)
+
+_STATES = {name: getattr(Atspi.StateType, name)
+           for name in ("ENABLED", "SHOWING", "FOCUSED", "CHECKED", "SELECTED")}
+# What these hold is shown by themselves, or only once they are opened.
+_CLOSED = ("combo box", "status bar", "tool bar", "menu bar")
+_WITHOUT_PARTS = ("push button", "check box", "label", "text", "progress bar",
+                  "table column header", "table row header", "table cell", "list item")
+_READ_BY_NAME = ("push button", "check box", "label", "panel", "combo box", "table column header",
+                 "table cell")
+
+
+@dataclasses.dataclass(frozen=True)
+class Item:
+    role: str
+    name: str
+    text: str  # what is to be read on it
+    states: frozenset
+    accessible: object
+
+    def has(self, state):
+        return state in self.states
+
+    @property
+    def box(self):
+        """Left, top, right, bottom on the display, now."""
+        extents = self.accessible.get_extents(Atspi.CoordType.SCREEN)
+        return (extents.x, extents.y, extents.x + extents.width, extents.y + extents.height)
+
+
+def _textOf(role, name, accessible):
+    if role == "text":
+        return Atspi.Text.get_text(accessible, 0, -1)
+    if role == "progress bar":
+        most = Atspi.Value.get_maximum_value(accessible)
+        value = Atspi.Value.get_current_value(accessible)
+        return f"{int(100 * value / most)}%" if most else "0%"
+    return name if role in _READ_BY_NAME else ""
+
+
+def _walk(accessible, items, closed=_CLOSED):
+    states = accessible.get_state_set()
+    if not states.contains(Atspi.StateType.SHOWING):
+        return
+    role, name = accessible.get_role_name(), accessible.get_name()
+    items.append(Item(role, name, _textOf(role, name, accessible), frozenset(
+        state for state, number in _STATES.items() if states.contains(number)), accessible))
+    if role in closed or role in _WITHOUT_PARTS:
+        return
+    for index in range(accessible.get_child_count()):
+        child = accessible.get_child_at_index(index)
+        if child is not None:
+            _walk(child, items, closed)
+
+
+class Program:
+    """The windows of the process with this number."""
+
+    def __init__(self, process):
+        self.process = process
+        self.application = None
+
+    def _findApplication(self):
+        desktop = Atspi.get_desktop(0)
+        for index in range(desktop.get_child_count()):
+            child = desktop.get_child_at_index(index)
+            if child is not None and child.get_process_id() == self.process:
+                # Each look asks anew: no loop runs here that would keep a memory fresh.
+                child.set_cache_mask(Atspi.Cache.NONE)
+                self.application = child
+                return
+        raise LookupError("the program is not in the accessibility tree")
+
+    def _topLevels(self):
+        if self.application is None:
+            self._findApplication()
+        children = (self.application.get_child_at_index(index)
+                    for index in range(self.application.get_child_count()))
+        return [child for child in children if child is not None]
+
+    def _look(self, wanted, closed=_CLOSED):
+        for top in self._topLevels():
+            if wanted(top):
+                items = []
+                _walk(top, items, closed)
+                if items:
+                    return items
+        return []
+
+    def items(self):
+        """All that is shown in the window, from top to bottom; none when there is no window."""
+        return self._patiently(lambda: self._look(lambda top: top.get_role_name() == "frame"))
+
+    def box(self):
+        """The same of the message box."""
+        return self._patiently(lambda: self._look(
+            lambda top: top.get_role_name() in ("alert", "dialog", "notification")))
+
+    def languages(self):
+        """The entries of the list of languages; none while it is closed, and so nowhere."""
+        items = self._patiently(lambda: self._look(
+            lambda top: top.get_role_name() == "frame", closed=()))
+        opened = [item for item in items if item.role == "list" and item.box[2] > item.box[0]]
+        return [item for item in items if item.role == "list item"] if opened else []
+
+    @staticmethod
+    def _patiently(look):
+        """A look that the program disturbs, by changing meanwhile, is worth nothing: no items."""
+        try:
+            return look()
+        except (GLib.Error, LookupError):
+            time.sleep(0.05)
+            return []
+
+    def read(self):
+        """Kind and text of all that is to be read in the window."""
+        return readable(self.items())
+
+
+def readable(items):
+    kinds = _READ_BY_NAME + ("text", "progress bar")
+    return [("disabled button" if item.role == "push button" and not item.has("ENABLED")
+             else item.role, item.text) for item in items
+            if item.role in kinds and not (item.role in ("panel", "label") and not item.text)]
