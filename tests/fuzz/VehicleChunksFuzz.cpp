@@ -26,6 +26,7 @@ public:
     {
         fuzz::require(limit == longestReceive, "receives take a hundred bytes");
         fuzz::require(!m_ended, "nothing is received behind the end");
+        fuzz::require(m_ticks < tickLimit, "six ticks without a heartbeat end a connection");
         while (m_pending.empty() && m_next < m_steps.size()) {
             const auto step = static_cast<std::uint8_t>(m_steps[m_next++]);
             if (step == 0xFF) {
