@@ -3,6 +3,7 @@
 
 #include "tests/download/DownloadRecorder.h"
 #include "tests/support/MetaMethods.h"
+#include "tests/support/NoDescriptorsLeft.h"
 #include "tests/support/OpenDescriptors.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/SilentAddress.h"
@@ -84,6 +85,7 @@ private slots:
     void bodyShorterThanAnnouncedLeavesAShorterFile();
     void answerWithoutALengthBringsNoBody();
     void refusedConnectionStillFinishes();
+    void downloadWithoutADescriptorStillFinishes();
     void resetInTheHeadStillFinishes();
     void resetInTheBodyKeepsWhatCame();
     void failureIsPrintedWhileTheDownloadGoesOn();
@@ -337,6 +339,23 @@ void DownloadFileThreadTest::refusedConnectionStillFinishes()
     QCOMPARE(contentOf("a.mp4"), QByteArray(""));
     QCOMPARE(download.recorder.received, QList<qint64>());
     QCOMPARE(download.recorder.finished, 1);
+}
+
+void DownloadFileThreadTest::downloadWithoutADescriptorStillFinishes()
+{
+    ScriptedServer server(answerWith("HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc"), address,
+                          port);
+    Download download("none.mp4");
+    {
+        const support::NoDescriptorsLeft limit;
+        download.thread.DownloadFile("none.mp4");
+    }
+    QTRY_COMPARE(download.recorder.finished, 1);
+    QCOMPARE(download.recorder.received, QList<qint64>());
+    QCOMPARE(download.output.text(), QByteArray("invalid socket descriptor: -1\n"
+                                                "connect failed, return: -1\n"
+                                                "Create file failed\n"));
+    QCOMPARE(server.connectionCount(), 0);
 }
 
 void DownloadFileThreadTest::resetInTheHeadStillFinishes()

@@ -1,13 +1,12 @@
 #include "download/RecordingDownload.h"
 
+#include "tests/support/NoDescriptorsLeft.h"
 #include "tests/support/OpenDescriptors.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/StdoutCapture.h"
 #include "tests/support/TestMain.h"
 
 #include <limits>
-
-#include <sys/resource.h>
 
 #include <QTemporaryDir>
 
@@ -19,24 +18,6 @@ namespace {
 
 constexpr char address[] = "192.168.1.120";
 constexpr quint16 port = 80;
-
-/// Forbids new descriptors while it lives.
-class NoDescriptorsLeft
-{
-public:
-    NoDescriptorsLeft()
-    {
-        ::getrlimit(RLIMIT_NOFILE, &m_before);
-        const rlimit none{0, m_before.rlim_max};
-        ::setrlimit(RLIMIT_NOFILE, &none);
-    }
-    ~NoDescriptorsLeft() { ::setrlimit(RLIMIT_NOFILE, &m_before); }
-    NoDescriptorsLeft(const NoDescriptorsLeft&) = delete;
-    NoDescriptorsLeft& operator=(const NoDescriptorsLeft&) = delete;
-
-private:
-    rlimit m_before{};
-};
 
 } // namespace
 
@@ -63,7 +44,7 @@ void RecordingDownloadTest::missingSocketIsToldAtOnce()
         const support::StdoutCapture output;
         RecordingDownload recording;
         {
-            const NoDescriptorsLeft limit;
+            const support::NoDescriptorsLeft limit;
             opened = recording.openSocket();
         }
         printed = output.text();

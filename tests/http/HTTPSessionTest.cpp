@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include "http/HTTPSession.h"
+#include "tests/support/NoDescriptorsLeft.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/TestMain.h"
 
@@ -91,6 +92,7 @@ private slots:
     void failedConnectLeavesTheSocketOpenUntilDestruction();
     void failedConnectLeavesTheSocketOpenUntilClosed();
     void connectOnAClosedDescriptorFails();
+    void connectWithoutADescriptorLeftFails();
     void closeSessionClosesAndForgetsTheSocket();
     void destructionClosesTheSocket();
 
@@ -216,6 +218,21 @@ void HTTPSessionTest::connectOnAClosedDescriptorFails()
     ::close(session.socketDescriptor);
     QVERIFY(!session.connect(inet_addr("127.0.0.1"), htons(1)));
     session.socketDescriptor = -1;
+}
+
+void HTTPSessionTest::connectWithoutADescriptorLeftFails()
+{
+    HTTPSession session;
+    bool made = true;
+    bool connected = true;
+    {
+        const support::NoDescriptorsLeft limit;
+        made = session.initSocket();
+        connected = session.connect(htonl(INADDR_LOOPBACK), htons(80));
+    }
+    QVERIFY(!made);
+    QVERIFY(!connected);
+    QCOMPARE(session.socketDescriptor, -1);
 }
 
 void HTTPSessionTest::closeSessionClosesAndForgetsTheSocket()
