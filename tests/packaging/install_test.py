@@ -1,0 +1,135 @@
+#!/usr/bin/python3
+"""Installs into an empty folder, looks at what is there, and starts it from there."""
+
+import argparse
+import gzip
+import os
+import pathlib
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+import menu_entry  # noqa: E402
+
+SIZES = (16, 22, 24, 32, 48, 64, 128, 256)
+ICONS = "share/icons/hicolor"
+COMPONENT = "localhost.belun.download"
+PROGRAM = {
+    "bin/belun-download",
+    "share/applications/belun-download.desktop",
+    "share/doc/belun-download/README.md",
+    "share/doc/belun-download/README.zh.md",
+    "share/doc/belun-download/changelog.gz",
+    "share/doc/belun-download/copyright",
+    "share/doc/belun-download/docs/images/window-en.png",
+    "share/doc/belun-download/docs/images/window-zh.png",
+    f"{ICONS}/scalable/apps/belun-download.svg",
+    "share/lintian/overrides/belun-download",
+    "share/man/man1/belun-download.1.gz",
+    f"share/metainfo/{COMPONENT}.metainfo.xml",
+} | {f"{ICONS}/{size}x{size}/apps/belun-download.png" for size in SIZES}
+SIMULATOR = {
+    "bin/belun-private-network",
+    "bin/belun-simulator",
+    "share/doc/belun-simulator/README.md",
+    "share/doc/belun-simulator/changelog.gz",
+    "share/doc/belun-simulator/copyright",
+    "share/lintian/overrides/belun-simulator",
+    "share/man/man1/belun-private-network.1.gz",
+    "share/man/man1/belun-simulator.1.gz",
+}
+
+
+def install(prefix, component=None):
+    command = [ARGUMENTS.cmake, "--install", ARGUMENTS.build, "--prefix", prefix]
+    subprocess.run(command + (["--component", component] if component else []),
+                   check=True, stdout=subprocess.DEVNULL, timeout=60)
+
+
+def filesIn(folder):
+    return {str(path.relative_to(folder)) for path in folder.rglob("*") if not path.is_dir()}
+
+
+class InstallTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.folder.cleanup)
+        cls.prefix = pathlib.Path(cls.folder.name, "prefix")
+        install(cls.prefix)
+
+    def text(self, path):
+        return (self.prefix / path).read_text(encoding="utf-8")
+
+    def unpacked(self, path):
+        return gzip.decompress((self.prefix / path).read_bytes()).decode("utf-8")
+
+    def test_everything_is_installed_and_nothing_else(self):
+        self.assertEqual(PROGRAM | SIMULATOR, filesIn(self.prefix))
+
+    def test_each_component_stands_alone(self):
+        for component, files in (("program", PROGRAM), ("simulator", SIMULATOR)):
+            prefix = pathlib.Path(self.folder.name, component)
+            install(prefix, component)
+            self.assertEqual(files, filesIn(prefix))
+
+    def test_no_file_but_a_program_may_be_run_and_all_may_be_read(self):
+        for path in PROGRAM | SIMULATOR:
+            mode = (self.prefix / path).stat().st_mode & 0o777
+            self.assertEqual(0o755 if path.startswith("bin/") else 0o644, mode, path)
+
+    def test_icons_have_the_size_of_their_folder(self):
+        for size in SIZES:
+            head = (self.prefix / f"{ICONS}/{size}x{size}/apps/belun-download.png").read_bytes()
+            self.assertEqual((size, size), struct.unpack(">II", head[16:24]))
+
+    def test_the_menu_entry_is_in_both_languages(self):
+        entry = menu_entry.read(self.prefix / "share/applications/belun-download.desktop")
+        for key in ("Name", "GenericName", "Comment", "Keywords"):
+            self.assertTrue(entry[key].isascii())
+            self.assertFalse(entry[f"{key}[zh_CN]"].isascii())
+        self.assertEqual(("Application", "belun-download", "belun-download"),
+                         (entry["Type"], entry["Exec"], entry["Icon"]))
+
+    def test_the_version_is_the_same_everywhere(self):
+        version = ARGUMENTS.version
+        told = subprocess.run([self.prefix / "bin/belun-simulator", "--version"], check=True,
+                              stdout=subprocess.PIPE, timeout=20).stdout
+        self.assertEqual(f"belun-simulator {version}\n".encode(), told)
+        for name in ("belun-download", "belun-simulator"):
+            self.assertIn(f" {version}\"", self.unpacked(f"share/man/man1/{name}.1.gz"))
+            self.assertTrue(self.unpacked(f"share/doc/{name}/changelog.gz").startswith(
+                f"belun-download ({version}) "))
+        metainfo = xml.etree.ElementTree.parse(
+            self.prefix / f"share/metainfo/{COMPONENT}.metainfo.xml")
+        self.assertEqual(version, metainfo.find("releases/release").get("version"))
+
+    def test_no_address_is_told_where_none_was_given(self):
+        text = self.text(f"share/metainfo/{COMPONENT}.metainfo.xml")
+        self.assertNotIn("://", text)
+        self.assertIn(f"<id>{COMPONENT}</id>", text)
+
+    def test_the_simulator_starts_in_the_network_beside_it(self):
+        tools = self.prefix / "bin"
+        ready = subprocess.run([tools / "belun-private-network", "--own", tools / "belun-simulator",
+                                "--exit-with-stdin"], stdin=subprocess.DEVNULL, check=True,
+                               stdout=subprocess.PIPE, timeout=60).stdout
+        self.assertEqual(b"belun-simulator ready\n", ready)
+
+    def test_the_program_starts_from_the_menu_entry(self):
+        os.environ["PATH"] = f"{self.prefix}/bin:{os.environ['PATH']}"
+        self.assertEqual(0, menu_entry.startAndClose(
+            self.prefix / "share/applications/belun-download.desktop"))
+
+
+PARSER = argparse.ArgumentParser(description=__doc__)
+PARSER.add_argument("--cmake", required=True)
+PARSER.add_argument("--build", required=True)
+PARSER.add_argument("--version", required=True)
+ARGUMENTS, REST = PARSER.parse_known_args()
+unittest.main(argv=sys.argv[:1] + REST)

@@ -1,0 +1,56 @@
+#!/usr/bin/python3
+"""Starts a program as a desktop does, by its menu entry, and closes its window again.
+
+Runs on a display: simulator/private-display tests/packaging/menu_entry.py ENTRY...
+"""
+
+import argparse
+import configparser
+import pathlib
+import shlex
+import subprocess
+import sys
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "simulator"))
+import screen  # noqa: E402
+
+
+def read(path):
+    """The keys of a menu entry."""
+    parser = configparser.ConfigParser(interpolation=None, delimiters="=", comment_prefixes="#")
+    parser.optionxform = str
+    parser.read(path, encoding="utf-8")
+    return parser["Desktop Entry"]
+
+
+def startAndClose(path):
+    """Returns the program's exit status."""
+    entry = read(path)
+    program = subprocess.Popen(shlex.split(entry["Exec"]))
+    try:
+        screen.findWindow("BELUN-DownLoad")
+
+        # A key is lost while the window manager still hands over the focus.
+        def closes():
+            screen.key("alt+F4")
+            try:
+                program.wait(2)
+            except subprocess.TimeoutExpired:
+                return False
+            return True
+        screen.waitFor("the end of the program", closes, 20)
+        return program.returncode
+    finally:
+        program.kill()
+        program.wait()
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("entry")
+    return startAndClose(parser.parse_args().entry)
+
+
+if __name__ == "__main__":
+    sys.exit(main())
