@@ -40,16 +40,18 @@ void Connection::readable()
     }
     char buffer[16'384];
     const ssize_t count = ::recv(m_socket.get(), buffer, sizeof buffer, MSG_DONTWAIT);
-    if (count < 0) {
-        if (errno != EAGAIN && errno != EINTR) {
-            finish("peer", "reset");
-        }
+    if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
         return;
     }
     if (m_lingering) {
-        if (count == 0) {
+        // Closed by us, and the journal says so: however the peer ends it is no second end.
+        if (count <= 0) {
             m_socket.reset();
         }
+        return;
+    }
+    if (count < 0) {
+        finish("peer", "reset");
         return;
     }
     if (count > 0) {

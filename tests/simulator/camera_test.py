@@ -1,6 +1,8 @@
 """The camera's commands and recordings, as literal bytes."""
 
 import os
+import socket
+import struct
 import subprocess
 import time
 import zlib
@@ -215,6 +217,17 @@ class CameraTest(SimulatorTest):
              "reason": "end"}], lines)
         body = self.journal(device="camera", connection=2, event="sent")[1]
         self.assertEqual((500, f"{zlib.crc32(ALPHA):08x}"), (body["count"], body["crc32"]))
+
+    def test_reset_of_a_closed_connection_is_no_second_close(self):
+        self.startTwo()
+        peer = self.request(COUNT)
+        self.assertEqual((ok(b'var count="2";\r\n'), "closed"), peer.rest())
+        peer.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+        peer.close()
+        self.eventually(lambda: self.control("connections").endswith(" camera=0"),
+                        "the connection forgotten")
+        self.assertEqual([("device", "end")],
+                         [(line["by"], line["reason"]) for line in self.journal(event="close")])
 
 
 if __name__ == "__main__":
