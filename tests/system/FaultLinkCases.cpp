@@ -1,0 +1,95 @@
+#include "tests/system/FaultCase.h"
+
+namespace {
+
+const QString linked = "Link Success! / v7 v3 v6 v1 v0.1";
+const QString unheard = "Link Success! / ";
+const QString failed = "Link Fail! / ";
+const QString lostAndBack = "Link Success!, Link Fail!, Link Success! / v7 v3 v6 v1 v0.1";
+
+} // namespace
+
+const QList<FaultCase>& linkFaultCases()
+{
+    using A = FaultAction;
+    static const QList<FaultCase> cases = {
+        {{"refuse=ground"}, A::Link, failed},
+        {{"refuse=control"}, A::Link, failed},
+        {{"refuse"}, A::Link, failed},
+        {{"down=ground"}, A::Link, failed},
+        {{"down=control"}, A::Link, failed},
+        {{"never-accept=control,ground"}, A::Link, unheard},
+        {{"silent=control,ground"}, A::Link, unheard},
+        {{"silent=control,ground", "clear silent"}, A::Link, linked},
+        {{"silent=ground"}, A::Link, linked},
+        {{"refuse=control", "drop control"},
+         A::Linked,
+         "Link Success!, Link Fail! / v7 v3 v6 v1 v0.1"},
+        {{"refuse=control", "drop control", "clear refuse"}, A::Linked, lostAndBack},
+        {{"drop control"}, A::Linked, lostAndBack},
+        {{"drop ground"}, A::Linked, linked},
+        {{"down=control,ground"}, A::Linked, linked},
+        {{"down=control", "clear down"}, A::Linked, lostAndBack},
+        {{"reboot=1"}, A::Linked, lostAndBack},
+        {{"flapping=300"},
+         A::Linked,
+         "Link Success!, Link Fail!, Link Success!, Link Fail! / v7 v3 v6 v1 v0.1..."},
+
+        {{"no-heartbeat"}, A::Link, linked},
+        {{"no-heartbeat=ground"}, A::Link, linked},
+        {{"heartbeat-interval=100"}, A::Link, linked},
+        {{"wrong-start=other"}, A::Link, unheard},
+        {{"wrong-start=5A"}, A::Link, unheard},
+        {{"unknown-type"}, A::Link, linked},
+        {{"early-version"}, A::Link, linked},
+        {{"no-version"}, A::Link, unheard},
+        // Halves are frames too when they have a start byte and a type.
+        {{"split-frames"}, A::Link, "Link Success! / v7 v3 v0 v0 v0"},
+        {{"split-version"}, A::Link, "Link Success! / v7 v3 v0 v0 v0"},
+        // What is not first in its segment is not looked at.
+        {{"two-frames=heartbeat"}, A::Link, unheard},
+        {{"two-frames=version"}, A::Link, linked},
+        {{"long-chunk=106"}, A::Link, linked},
+        {{"long-chunk=4000"}, A::Link, linked},
+        {{"high-bit-version"}, A::Link, "Link Success! / v-1 v1.44 v-327.68 v-2.57 v-1.28"},
+        {{"reset-mid-frame", "only=control"},
+         A::Link,
+         "Link Success!, Link Fail!, Link Success! / v7 v3 v6 v1 v0.1..."},
+        {{"half-close", "only=control"},
+         A::Link,
+         "Link Success!, Link Fail!, Link Success! / v7 v3 v6 v1 v0.1..."},
+        {{"half-close", "only=ground"}, A::Link, linked},
+    };
+    return cases;
+}
+
+// These take their time: the limit of six seconds is that of a real clock. An executable for each
+// list, so that they wait side by side.
+const QList<FaultCase>& heartbeatKeptFaultCases()
+{
+    static const QList<FaultCase> cases = {
+        {{"heartbeat-pause=5", "unknown-type"}, FaultAction::Link, linked, 6500},
+        // The sixth second is over only when the heartbeat is about to come.
+        {{"heartbeat-pause=6", "unknown-type"}, FaultAction::Link, linked, 7500},
+        // Nothing else arrives, so nothing tells that heartbeats are missing.
+        {{"heartbeat-stops=1"}, FaultAction::Link, linked, 7500},
+    };
+    return cases;
+}
+
+const QList<FaultCase>& heartbeatLostFaultCases()
+{
+    static const QList<FaultCase> cases = {
+        {{"heartbeat-pause=7", "unknown-type"}, FaultAction::Link, lostAndBack + "..."},
+        {{"heartbeat-stops=1", "unknown-type"}, FaultAction::Link, lostAndBack + "..."},
+    };
+    return cases;
+}
+
+const QList<FaultCase>& rebootFaultCases()
+{
+    static const QList<FaultCase> cases = {
+        {{"reboot=10"}, FaultAction::Linked, lostAndBack},
+    };
+    return cases;
+}

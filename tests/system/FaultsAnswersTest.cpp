@@ -1,0 +1,14 @@
+#include "tests/support/TestMain.h"
+#include "tests/system/FaultRun.h"
+
+class FaultsAnswersTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void faultIsSeenAsStated_data() { addFaultRows(answerFaultCases()); }
+    void faultIsSeenAsStated() { playFaultRow(answerFaultCases()); }
+};
+
+BELUN_NETWORK_TEST_MAIN(FaultsAnswersTest)
+#include "FaultsAnswersTest.moc"

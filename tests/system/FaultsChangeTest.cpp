@@ -1,0 +1,14 @@
+#include "tests/support/TestMain.h"
+#include "tests/system/FaultRun.h"
+
+class FaultsChangeTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void faultIsSeenAsStated_data() { addFaultRows(changeFaultCases()); }
+    void faultIsSeenAsStated() { playFaultRow(changeFaultCases()); }
+};
+
+BELUN_NETWORK_TEST_MAIN(FaultsChangeTest)
+#include "FaultsChangeTest.moc"

@@ -1,0 +1,14 @@
+#include "tests/support/TestMain.h"
+#include "tests/system/FaultRun.h"
+
+class FaultsHeartbeatKeptTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void faultIsSeenAsStated_data() { addFaultRows(heartbeatKeptFaultCases()); }
+    void faultIsSeenAsStated() { playFaultRow(heartbeatKeptFaultCases()); }
+};
+
+BELUN_NETWORK_TEST_MAIN(FaultsHeartbeatKeptTest)
+#include "FaultsHeartbeatKeptTest.moc"

@@ -1,0 +1,14 @@
+#include "tests/support/TestMain.h"
+#include "tests/system/FaultRun.h"
+
+class FaultsListTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void faultIsSeenAsStated_data() { addFaultRows(listFaultCases()); }
+    void faultIsSeenAsStated() { playFaultRow(listFaultCases()); }
+};
+
+BELUN_NETWORK_TEST_MAIN(FaultsListTest)
+#include "FaultsListTest.moc"

@@ -1,0 +1,60 @@
+// No fault without a case, and no case without a fault.
+#include "tests/support/TestMain.h"
+#include "tests/system/FaultCase.h"
+
+#include <QProcess>
+#include <QSet>
+
+class FaultsListedTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everyFaultHasACase();
+    void everyFaultHasALineOfItsOwn();
+
+private:
+    static QStringList listed();
+};
+
+QStringList FaultsListedTest::listed()
+{
+    QProcess simulator;
+    simulator.start(BELUN_SIMULATOR, {"--list-faults"});
+    simulator.waitForFinished();
+    QStringList names;
+    for (const QString& line :
+         QString::fromUtf8(simulator.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts)) {
+        names += line.section(' ', 0, 0).section('=', 0, 0).section('[', 0, 0);
+    }
+    return names;
+}
+
+void FaultsListedTest::everyFaultHasACase()
+{
+    QSet<QString> played;
+    for (const auto* cases : {&linkFaultCases(), &heartbeatKeptFaultCases(),
+                              &heartbeatLostFaultCases(), &rebootFaultCases(), &listFaultCases(),
+                              &answerFaultCases(), &downloadFaultCases(), &changeFaultCases()}) {
+        for (const FaultCase& faultCase : *cases) {
+            for (const QByteArray& name : faultCase.faultNames()) {
+                played += QString::fromLatin1(name);
+            }
+        }
+    }
+    QStringList names = listed();
+    QStringList seen = played.values();
+    names.sort();
+    seen.sort();
+    QCOMPARE(seen.join('\n'), names.join('\n'));
+}
+
+void FaultsListedTest::everyFaultHasALineOfItsOwn()
+{
+    const QStringList names = listed();
+    QVERIFY2(names.size() >= 50, qPrintable(QString::number(names.size())));
+    QCOMPARE(QSet<QString>(names.begin(), names.end()).size(), names.size());
+}
+
+BELUN_TEST_MAIN(FaultsListedTest)
+#include "FaultsListedTest.moc"
