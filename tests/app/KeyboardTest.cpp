@@ -94,7 +94,7 @@ void KeyboardTest::tabGoesThroughTheWidgetsFromTopToBottom()
 
 void KeyboardTest::shiftTabGoesBack()
 {
-    for (int index = inTheirOrder.size() - 1; index >= 0; --index) {
+    for (auto index = inTheirOrder.size() - 1; index >= 0; --index) {
         press(Qt::Key_Backtab, Qt::ShiftModifier);
         QCOMPARE(focused(), inTheirOrder[index]);
     }
