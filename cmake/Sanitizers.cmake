@@ -1,8 +1,45 @@
 # -DBELUN_SANITIZE=address,undefined (or thread) instruments every target of ours.
+#
+# What the run-time libraries are told stands in BELUN_SANITIZER_ENVIRONMENT, which every test gets
+# and hands on to the programs it starts.
 set(BELUN_SANITIZE "" CACHE STRING "Sanitizers to build with, separated by commas")
 
+set(BELUN_SANITIZER_ENVIRONMENT)
+# Instrumented code is slower: the tests' time limits, and the times they hold the program to, grow
+# by this factor.
+set(BELUN_TIME_FACTOR 1)
 if(BELUN_SANITIZE)
   target_compile_options(project_options INTERFACE
     -fsanitize=${BELUN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(project_options INTERFACE -fsanitize=${BELUN_SANITIZE})
+
+  set(suppressions "${PROJECT_SOURCE_DIR}/cmake/sanitizers")
+  # ignore_noninstrumented_modules: Qt's locks and atomics cannot be seen, so neither must be what
+  # it does under them.
+  # halt_on_error: also a program that its test kills in the end shall not hide a race.
+  set(BELUN_TIME_FACTOR 3)
+  set(BELUN_SANITIZER_ENVIRONMENT
+    "BELUN_TIME_FACTOR=${BELUN_TIME_FACTOR}"
+    "ASAN_OPTIONS=detect_stack_use_after_return=1"
+    "LSAN_OPTIONS=print_suppressions=0:suppressions='${suppressions}/lsan.supp'"
+    "UBSAN_OPTIONS=print_stacktrace=1"
+    "TSAN_OPTIONS=ignore_noninstrumented_modules=1:halt_on_error=1:suppressions='${suppressions}/tsan.supp'")
 endif()
+
+if(BELUN_SANITIZE MATCHES "thread")
+  # See QtThreads.cpp. Whoever links Qt gets it.
+  set(qt_core "Qt${BELUN_QT_MAJOR}::Core")
+  add_library(qt_threads STATIC "${PROJECT_SOURCE_DIR}/cmake/sanitizers/QtThreads.cpp")
+  target_include_directories(qt_threads SYSTEM PRIVATE
+    $<TARGET_PROPERTY:${qt_core},INTERFACE_INCLUDE_DIRECTORIES>)
+  target_compile_options(qt_threads PRIVATE -fPIC)
+  target_link_libraries(${qt_core} INTERFACE qt_threads)
+  foreach(symbol _ZN7QThread5startENS_8PriorityE _ZN7QThread4waitEm
+                 _ZN7QThread4waitE14QDeadlineTimer)
+    target_link_options(${qt_core} INTERFACE "LINKER:--wrap=${symbol}")
+  endforeach()
+endif()
+
+# The same for programs that CTest does not start: a line for each variable.
+list(JOIN BELUN_SANITIZER_ENVIRONMENT "\n" lines)
+file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/test-environment" CONTENT "${lines}\n" @ONLY)

@@ -2,6 +2,7 @@
 #include "tests/app/LinkedScene.h"
 #include "tests/support/SilentAddress.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/TimeFactor.h"
 
 #include <algorithm>
 #include <array>
@@ -24,7 +25,7 @@ namespace {
 
 using Texts = QList<QByteArray>;
 
-constexpr qint64 closingLimit = 2000; // milliseconds
+const qint64 closingLimit = 2000 * support::timeFactor(); // milliseconds
 
 /// Takes one connection, a probe, and answers no other attempt.
 class AddressForAProbe

@@ -9,6 +9,7 @@
 #include "tests/support/SilentAddress.h"
 #include "tests/support/SleepWatch.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/TimeFactor.h"
 
 #include <atomic>
 #include <memory>
@@ -25,7 +26,7 @@ namespace {
 
 constexpr char address[] = "192.168.1.120";
 constexpr quint16 port = 80;
-constexpr int stopLimit = 500; // milliseconds
+const int stopLimit = 500 * support::timeFactor(); // milliseconds
 const QByteArray requestEnd = "Connection:close\r\n\r\n";
 
 /// Bytes that tell where a piece is lost or doubled.

@@ -1,5 +1,6 @@
 #include "link/GroundClientThread.h"
 
+#include "tests/link/HeartBeats.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/MetaMethods.h"
 #include "tests/support/OpenDescriptors.h"
@@ -8,6 +9,7 @@
 #include "tests/support/SleepWatch.h"
 #include "tests/support/SocketPair.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/TimeFactor.h"
 
 #include <algorithm>
 #include <atomic>
@@ -27,7 +29,7 @@ namespace {
 
 constexpr char address[] = "192.168.1.148";
 constexpr quint16 port = 5000;
-constexpr int stopLimit = 500; // milliseconds
+const int stopLimit = 500 * support::timeFactor(); // milliseconds
 
 const QByteArray heartbeat = QByteArray::fromHex("bbaf0401005e");
 const QByteArray answer = QByteArray::fromHex("aaaf0401015f");
@@ -110,7 +112,7 @@ void GroundClientThreadTest::newThreadKnowsTheModule()
     QCOMPARE(QByteArray(link.thread.serverIP, sizeof link.thread.serverIP),
              QByteArray("192.168.1.148\0\0\0\0\0\0\0", 20));
     QCOMPARE(link.thread.serverPort, 5000);
-    QCOMPARE(link.thread.heartBeatCount, 0);
+    QCOMPARE(heartBeatsOf(link.thread), 0);
 }
 
 void GroundClientThreadTest::constructionAndDestructionAreLogged()
@@ -136,7 +138,7 @@ void GroundClientThreadTest::timerTicksEachSecondBeforeTheThreadIsStarted()
     QCOMPARE(timers.first()->thread(), QThread::currentThread());
     QElapsedTimer time;
     time.start();
-    QVERIFY(QTest::qWaitFor([&] { return thread.heartBeatCount == 1; }));
+    QVERIFY(QTest::qWaitFor([&] { return heartBeatsOf(thread) == 1; }));
     QVERIFY2(time.elapsed() > 900, qPrintable(QString::number(time.elapsed()) + " ms"));
 }
 
@@ -254,7 +256,7 @@ void GroundClientThreadTest::sixTicksAndAnotherChunkReconnectSilently()
     QCOMPARE(lines.mid(lines.indexOf(hostLine) + 1, 3),
              QStringList({"GroundClientThread run exit", "GroundClientThread run begin",
                           "ground new socket begin"}));
-    QTRY_COMPARE(link.thread.heartBeatCount, 0);
+    QTRY_COMPARE(heartBeatsOf(link.thread), 0);
 }
 
 void GroundClientThreadTest::fiveTicksAndAnotherChunkKeepTheConnection()
@@ -297,7 +299,7 @@ void GroundClientThreadTest::sixTicksAndAHeartbeatKeepTheConnection()
     ticked = true;
     QVERIFY(server.waitForReceived(0, answer + answer + answer));
     QCOMPARE(server.connectionCount(), 1);
-    QCOMPARE(link.thread.heartBeatCount, 0);
+    QCOMPARE(heartBeatsOf(link.thread), 0);
 }
 
 void GroundClientThreadTest::countStartsAnewWithEachConnection()

@@ -7,6 +7,7 @@
 #include "tests/support/SocketPair.h"
 #include "tests/support/StdoutCapture.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/TimeFactor.h"
 
 #include <array>
 #include <atomic>
@@ -28,7 +29,7 @@ namespace {
 
 constexpr char host[] = "127.0.0.1";
 constexpr quint16 closedPort = 45679;
-constexpr int stopLimit = 500; // milliseconds
+const int stopLimit = 500 * support::timeFactor(); // milliseconds
 
 sockaddr_in place(quint16 port)
 {
