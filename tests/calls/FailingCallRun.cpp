@@ -1,0 +1,267 @@
+// One user's run of the window on a simulated vehicle in which one call into the system fails:
+//   failing_call_run [CALL NUMBER ERROR]
+// Each step is taken again when it did not succeed, as a user would: one call that failed may spoil
+// one attempt, never the next. Tells how often each call was made and what is wrong; status 0 when
+// nothing is, 2 when it was called wrongly. A run that hangs is ended by SIGALRM.
+#include "app/ProcessSetup.h"
+#include "tests/app/UserWindow.h"
+#include "tests/calls/FailingCall.h"
+#include "tests/support/NetworkGuard.h"
+#include "tests/support/TestMain.h"
+#include "tests/support/TimeFactor.h"
+#include "tests/system/SimulatorProcess.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+
+#include <unistd.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QMessageBox>
+#include <QTemporaryDir>
+#include <QTimer>
+
+namespace {
+
+constexpr unsigned int runLimit = 60; // seconds
+constexpr int stepLimit = 10'000;     // milliseconds, as the next two
+constexpr int versionsLimit = 1'000;
+constexpr int closingLimit = 2'000;
+constexpr int attempts = 3;
+constexpr int fileSize = 5'000;
+const QStringList fileNames = {"A.MP4", "B.MP4"};
+
+bool isRight = true;
+
+void complain(const QString& what)
+{
+    isRight = false;
+    std::printf("wrong: %s\n", qPrintable(what));
+}
+
+QByteArray contentOf(const QString& name)
+{
+    QByteArray content(fileSize, '\0');
+    for (int i = 0; i < fileSize; ++i) {
+        content[i] = static_cast<char>(name.front().unicode() + i / 7);
+    }
+    return content;
+}
+
+bool eventually(const std::function<bool()>& condition, int limit = stepLimit)
+{
+    return support::WindowProbe::waitUntil(condition, limit);
+}
+
+/// Closes the message boxes that come and counts those of a success.
+class BoxCloser : public QObject
+{
+public:
+    BoxCloser() { qApp->installEventFilter(this); }
+    int seen() const { return m_seen; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        auto* box = qobject_cast<QMessageBox*>(watched);
+        if (box != nullptr && event->type() == QEvent::Show) {
+            ++m_seen;
+            QTimer::singleShot(0, box, &QDialog::accept);
+        }
+        return false;
+    }
+
+private:
+    int m_seen = 0;
+};
+
+QString desktop()
+{
+    return QDir::homePath() + "/Desktop";
+}
+
+int openDescriptors()
+{
+    return static_cast<int>(QDir("/proc/self/fd")
+                                .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
+                                .size());
+}
+
+class Run
+{
+public:
+    explicit Run(UserWindow& user) : m_user(user) {}
+
+    void play()
+    {
+        link();
+        step(
+            "browse", [this] { browse(); }, [this] { return isListed(); });
+        step(
+            "download", [this] { download(); }, [] { return isDownloaded(); });
+        step(
+            "delete", [this] { deleteFirst(); }, [this] { return m_user.table().rowCount() == 1; });
+        step(
+            "format", [this] { m_user.clickFormat(); }, [this] { return isFormatted(); });
+    }
+
+private:
+    /// Takes the step, and again, until it has succeeded.
+    void step(const char* name, const std::function<void()>& take,
+              const std::function<bool()>& succeeded)
+    {
+        for (int attempt = 0; attempt < attempts; ++attempt) {
+            if (!eventually([this] { return m_user.showsLinkSuccess(); })) {
+                complain(QStringLiteral("no link before: %1").arg(name));
+                return;
+            }
+            take();
+            if (succeeded()) {
+                return;
+            }
+        }
+        complain(QStringLiteral("in vain: %1").arg(name));
+    }
+
+    void link()
+    {
+        m_user.clickLink();
+        // A link thread without a socket connects for ever: no versions, but no failure either.
+        const QStringList none = {QString(), QString(), QString(), QString(), QString()};
+        eventually([&] { return m_user.versions() != none; }, versionsLimit);
+    }
+
+    void browse() { m_user.clickBrowse(); }
+
+    bool isListed() const
+    {
+        if (m_user.names() != fileNames) {
+            return false;
+        }
+        return !m_user.row(0).contains(QString()) && !m_user.row(1).contains(QString());
+    }
+
+    void download()
+    {
+        m_user.chooseRows({0, 1});
+        m_user.clickDownload();
+        if (!eventually([this] { return m_user.isIdle(); })) {
+            complain("a download does not end");
+        }
+    }
+
+    static bool isDownloaded()
+    {
+        for (const QString& name : fileNames) {
+            QFile file(desktop() + "/DCIM/" + name);
+            if (!file.open(QIODevice::ReadOnly) || file.readAll() != contentOf(name)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    void deleteFirst()
+    {
+        m_user.chooseRows({0});
+        m_user.clickDelete();
+    }
+
+    bool isFormatted() const { return m_boxes.seen() > 0 && m_user.table().rowCount() == 0; }
+
+    UserWindow& m_user;
+    BoxCloser m_boxes;
+};
+
+/// Every file and folder that is not one of the two recordings where they belong.
+void checkFolders()
+{
+    const QString folder = desktop() + "/DCIM";
+    QDirIterator walk(QDir::homePath(),
+                      QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                      QDirIterator::Subdirectories);
+    QStringList expected = {desktop(), folder};
+    for (const QString& name : fileNames) {
+        expected += folder + '/' + name;
+    }
+    while (walk.hasNext()) {
+        if (!expected.contains(walk.next())) {
+            complain("made: " + walk.filePath());
+        }
+    }
+    for (const std::string& path : calls::paths()) {
+        const QString given = QString::fromStdString(path);
+        if (!expected.contains(QDir::cleanPath(given))) {
+            complain("opened: " + given);
+        }
+    }
+}
+
+bool writeCard(const QString& folder)
+{
+    for (const QString& name : fileNames) {
+        QFile file(folder + '/' + name);
+        if (!file.open(QIODevice::WriteOnly) || file.write(contentOf(name)) != fileSize) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void runAndClose(SimulatorProcess& simulator)
+{
+    const int before = openDescriptors();
+    UserWindow user;
+    Run(user).play();
+    QElapsedTimer clock;
+    clock.start();
+    user.destroy();
+    if (clock.elapsed() > closingLimit * support::timeFactor()) {
+        complain(QStringLiteral("closing took %1 ms").arg(clock.elapsed()));
+    }
+    if (openDescriptors() > before) {
+        complain("descriptors stay open");
+    }
+    checkFolders();
+    if (!simulator.end()) {
+        complain(simulator.error());
+    }
+}
+
+void tellCounts()
+{
+    const auto counts = calls::counts();
+    for (std::size_t call = 0; call < counts.size(); ++call) {
+        std::printf("calls: %s %d\n", calls::names[call], counts[call]);
+    }
+    std::printf("failed: %s\n", calls::hasFailed() ? "yes" : "no");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    ::alarm(runLimit);
+    app::setUpProcess();
+    const support::TestEnvironment environment;
+    const QApplication application(argc, argv);
+    const QString reason = support::whyNotInPrivateNetwork();
+    if (!reason.isEmpty() || (argc != 1 && argc != 4) ||
+        (argc == 4 && !calls::failFromNowOn(argv[1], std::atoi(argv[2]), argv[3]))) {
+        std::fprintf(stderr, "failing_call_run: %s\n", qPrintable(reason));
+        return 2;
+    }
+    const QTemporaryDir card;
+    SimulatorProcess simulator;
+    if (!writeCard(card.path()) ||
+        !simulator.start({"--card", card.path(), "--heartbeat", "100"})) {
+        std::fprintf(stderr, "failing_call_run: %s\n", qPrintable(simulator.error()));
+        return 2;
+    }
+    runAndClose(simulator);
+    tellCounts();
+    return isRight ? EXIT_SUCCESS : EXIT_FAILURE;
+}
