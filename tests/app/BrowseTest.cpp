@@ -12,14 +12,14 @@ using Texts = QList<QByteArray>;
 
 QByteArray head(const QByteArray& target)
 {
-    return "GET " + target
-        + " HTTP/1.1\r\n"
-          "Host: 192.168.1.120\r\n"
-          "Accept: */*\r\n"
-          "Accept-Language: zh-CN\r\n"
-          "Connection: Keep-Alive\r\n"
-          "User-Agent: SDK C++ http client\r\n"
-          "\r\n";
+    return "GET " + target +
+           " HTTP/1.1\r\n"
+           "Host: 192.168.1.120\r\n"
+           "Accept: */*\r\n"
+           "Accept-Language: zh-CN\r\n"
+           "Connection: Keep-Alive\r\n"
+           "User-Agent: SDK C++ http client\r\n"
+           "\r\n";
 }
 
 /// The targets of the detail requests, without what all of them start with.
@@ -197,8 +197,7 @@ void BrowseTest::countTextGoesIntoTheListCommandAsFound()
     const UserWindow user;
     user.clickBrowse();
     QVERIFY(camera->targets().size() >= 2);
-    QCOMPARE(camera->targets()[1],
-             "/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end=" + argument);
+    QCOMPARE(camera->targets()[1], "/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end=" + argument);
     QCOMPARE(namesAskedAbout(*camera), (Texts{"a.mp4", "b.mp4"}).mid(0, asked));
     QCOMPARE(user.names(), (QStringList{"a.mp4", "b.mp4"}));
 }
@@ -280,9 +279,8 @@ void BrowseTest::longListStopsAtRow127ButNotTheDetails()
     user.clickBrowse();
     QCOMPARE(user.table().rowCount(), rows);
     QCOMPARE(user.row(0).first(), QStringLiteral("VID0.mp4"));
-    QCOMPARE(user.row(rows - 1),
-             (QStringList{QString::fromLatin1(names[rows - 1]), "2020-01-31  12:45:02", "1MB",
-                          "37s"}));
+    QCOMPARE(user.row(rows - 1), (QStringList{QString::fromLatin1(names[rows - 1]),
+                                              "2020-01-31  12:45:02", "1MB", "37s"}));
     Texts asked = names.mid(0, rows);
     while (asked.size() < listed) {
         asked.append(QByteArray());
@@ -383,8 +381,7 @@ void BrowseTest::listWithoutItsEndStopsAtTheEndOfTheAnswer_data()
         << QByteArray("ZEPNA/a.mp4;ZEPNA/b.mp4;") << QStringList{"a.mp4", "b.mp4"};
     QTest::newRow("no last semicolon")
         << QByteArray("ZEPNA/a.mp4;ZEPNA/b.mp4") << QStringList{"a.mp4", ""};
-    QTest::newRow("line feed only")
-        << QByteArray("ZEPNA/a.mp4;\n") << QStringList{"a.mp4", ""};
+    QTest::newRow("line feed only") << QByteArray("ZEPNA/a.mp4;\n") << QStringList{"a.mp4", ""};
     QTest::newRow("no entry at all") << QByteArray("error") << QStringList{""};
 }
 
@@ -437,9 +434,9 @@ void BrowseTest::detailsAreFoundInAnyOrderAndMissingOnesShowTheTextBefore_data()
 {
     QTest::addColumn<QByteArray>("details");
     QTest::addColumn<QStringList>("shown");
-    QTest::newRow("turned round")
-        << QByteArray("time=\"37\";size=\"4096\";create=\"20200131124502\";")
-        << QStringList{"2020-01-31  12:45:02", "4KB", "37s"};
+    QTest::newRow("turned round") << QByteArray(
+                                         "time=\"37\";size=\"4096\";create=\"20200131124502\";")
+                                  << QStringList{"2020-01-31  12:45:02", "4KB", "37s"};
     QTest::newRow("the first of two")
         << QByteArray("time=\"1\";time=\"2\";size=\"4096\";size=\"1\";create=\"20200131124502\";")
         << QStringList{"2020-01-31  12:45:02", "4KB", "1s"};
@@ -675,9 +672,8 @@ void BrowseTest::longTextsDoNoHarm()
     const QByteArray digits(2000, '9');
     camera->holdFiles({"a.mp4"});
     camera->answer(fake::countTarget, "=\"" + digits + "\";");
-    camera->answer(fake::infoTarget,
-                   "create=\"" + digits + "\";size=\"4096" + QByteArray(2000, ' ') + "\";time=\""
-                       + digits + "\";");
+    camera->answer(fake::infoTarget, "create=\"" + digits + "\";size=\"4096" +
+                                         QByteArray(2000, ' ') + "\";time=\"" + digits + "\";");
     const UserWindow user;
     user.clickBrowse();
     QCOMPARE(camera->targets()[1], fake::listTarget + digits);

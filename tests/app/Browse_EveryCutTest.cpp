@@ -50,9 +50,9 @@ struct Answers
 
 const std::string& answerTo(const QByteArray& head, const Answers& answers)
 {
-    return head.contains("getfilecount") ? answers.count
-        : head.contains("getfilelist")   ? answers.list
-                                         : answers.details;
+    return head.contains("getfilecount")  ? answers.count
+           : head.contains("getfilelist") ? answers.list
+                                          : answers.details;
 }
 
 /// What a new window's table shows after a browse: rows in brackets, their cells with bars between.

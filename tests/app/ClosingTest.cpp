@@ -40,8 +40,8 @@ public:
         place.sin_family = AF_INET;
         place.sin_addr.s_addr = inet_addr(address);
         place.sin_port = htons(fake::modulePort);
-        if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0
-            || ::listen(m_listener, 0) != 0) {
+        if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0 ||
+            ::listen(m_listener, 0) != 0) {
             qFatal("cannot listen on %s", address);
         }
     }

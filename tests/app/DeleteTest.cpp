@@ -15,14 +15,14 @@ using Texts = QList<QByteArray>;
 
 QByteArray head(const QByteArray& target)
 {
-    return "GET " + target
-        + " HTTP/1.1\r\n"
-          "Host: 192.168.1.120\r\n"
-          "Accept: */*\r\n"
-          "Accept-Language: zh-CN\r\n"
-          "Connection: Keep-Alive\r\n"
-          "User-Agent: SDK C++ http client\r\n"
-          "\r\n";
+    return "GET " + target +
+           " HTTP/1.1\r\n"
+           "Host: 192.168.1.120\r\n"
+           "Accept: */*\r\n"
+           "Accept-Language: zh-CN\r\n"
+           "Connection: Keep-Alive\r\n"
+           "User-Agent: SDK C++ http client\r\n"
+           "\r\n";
 }
 
 const Texts fiveFiles{"a.mp4", "b.mp4", "c.mp4", "d.mp4", "e.mp4"};
@@ -327,8 +327,8 @@ void DeleteTest::emptyingSendsItsLiteralHead_data()
     QTest::addColumn<bool>("format");
     QTest::addColumn<QByteArray>("target");
     QTest::newRow("delete all") << false << QByteArray("/cgi-bin/hi3510/deleteallfiles.cgi?");
-    QTest::newRow("format")
-        << true << QByteArray("/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1");
+    QTest::newRow("format") << true
+                            << QByteArray("/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1");
 }
 
 void DeleteTest::emptyingSendsItsLiteralHead()

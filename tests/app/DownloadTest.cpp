@@ -18,14 +18,14 @@ using Texts = QList<QByteArray>;
 
 QByteArray head(const QByteArray& name)
 {
-    return "GET http://192.168.1.120/sd/DCIM/100ZEPNA/" + name
-        + " HTTP/1.1\r\n"
-          "Accept:text/html,application/xhtml+xml,application/xml;q=0.9,image/webp,*/*;q=0.8\r\n"
-          "User-Agent:Mozilla/5.0 (X11; Linux x86_64) AppleWebKit/537(KHTML, like Gecko) "
-          "Chrome/47.0.2526Safari/537.36\r\n"
-          "Host:192.168.1.120\r\n"
-          "Connection:close\r\n"
-          "\r\n";
+    return "GET http://192.168.1.120/sd/DCIM/100ZEPNA/" + name +
+           " HTTP/1.1\r\n"
+           "Accept:text/html,application/xhtml+xml,application/xml;q=0.9,image/webp,*/*;q=0.8\r\n"
+           "User-Agent:Mozilla/5.0 (X11; Linux x86_64) AppleWebKit/537(KHTML, like Gecko) "
+           "Chrome/47.0.2526Safari/537.36\r\n"
+           "Host:192.168.1.120\r\n"
+           "Connection:close\r\n"
+           "\r\n";
 }
 
 QByteArray target(const QByteArray& name)
@@ -179,15 +179,14 @@ void DownloadTest::threeFilesGoOneAfterTheOther()
         QVERIFY(user.progressBar().isVisible());
         QVERIFY(!user.canDownload());
         user.clickDownload(); // a disabled button
-        QCOMPARE(scene->camera->heads(), (Texts{head("e.mp4"), head("c.mp4"), head("b.mp4")}
-                                              .mid(0, number + 1)));
+        QCOMPARE(scene->camera->heads(),
+                 (Texts{head("e.mp4"), head("c.mp4"), head("b.mp4")}.mid(0, number + 1)));
         gate.open();
     }
     QTRY_VERIFY(user.isIdle());
     QCOMPARE(scene->camera->heads().size(), 3);
     for (const QByteArray& name : names) {
-        QCOMPARE(recording(QString::fromLatin1(name)),
-                 "recording " + name + QByteArray(9000, 'x'));
+        QCOMPARE(recording(QString::fromLatin1(name)), "recording " + name + QByteArray(9000, 'x'));
     }
     QCOMPARE(QDir(recordings()).entryList(QDir::Files), (QStringList{"b.mp4", "c.mp4", "e.mp4"}));
 }
@@ -325,8 +324,8 @@ void DownloadTest::failedFileIsFollowedByTheNext_data()
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("closed without an answer") << QByteArray() << false << QByteArray();
     QTest::newRow("reset without an answer") << QByteArray() << true << QByteArray();
-    QTest::newRow("no length")
-        << QByteArray("HTTP/1.1 200 OK\r\n\r\nbody") << false << QByteArray();
+    QTest::newRow("no length") << QByteArray("HTTP/1.1 200 OK\r\n\r\nbody") << false
+                               << QByteArray();
     QTest::newRow("closed in the body")
         << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf") << false
         << QByteArray("half");

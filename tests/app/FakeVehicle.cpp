@@ -42,8 +42,8 @@ int listenOn(const char* address, int port)
     const int on = 1;
     ::setsockopt(descriptor, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     const sockaddr_in place = socketAddress(address, port);
-    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0
-        || ::listen(descriptor, queueLength) != 0) {
+    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0 ||
+        ::listen(descriptor, queueLength) != 0) {
         qFatal("cannot listen on %s:%d: %s", address, port, qPrintable(qt_error_string(errno)));
     }
     return descriptor;
@@ -67,7 +67,6 @@ struct SocketState
     int state;
     uint unread;
 };
-
 
 std::vector<SocketState> allSockets()
 {
@@ -157,8 +156,8 @@ bool Connection::isAllReadByClient() const
     int unacknowledged = 0;
     ::ioctl(m_descriptor, SIOCOUTQ, &unacknowledged);
     const std::vector<SocketState> sockets = allSockets();
-    return unacknowledged == 0
-        && std::none_of(sockets.begin(), sockets.end(), [this](const SocketState& socket) {
+    return unacknowledged == 0 &&
+           std::none_of(sockets.begin(), sockets.end(), [this](const SocketState& socket) {
                return socket.localPort == m_clientPort && socket.unread > 0;
            });
 }
@@ -172,8 +171,8 @@ void Connection::reset()
 bool Connection::receiveHead()
 {
     const auto end = std::chrono::steady_clock::now() + patience;
-    while (!m_received.endsWith("\r\n\r\n") && m_open && !m_closeWanted
-           && std::chrono::steady_clock::now() < end) {
+    while (!m_received.endsWith("\r\n\r\n") && m_open && !m_closeWanted &&
+           std::chrono::steady_clock::now() < end) {
         receiveOnce();
     }
     return m_received.endsWith("\r\n\r\n");
@@ -255,8 +254,8 @@ void Listener::acceptConnections()
         }
         sockaddr_in client{};
         socklen_t size = sizeof client;
-        const int descriptor = ::accept4(m_descriptor, reinterpret_cast<sockaddr*>(&client), &size,
-                                         SOCK_CLOEXEC);
+        const int descriptor =
+            ::accept4(m_descriptor, reinterpret_cast<sockaddr*>(&client), &size, SOCK_CLOEXEC);
         if (descriptor < 0) {
             continue;
         }
@@ -289,11 +288,15 @@ int Listener::connectionCount()
     while (!accepted && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
         const std::lock_guard lock(m_mutex);
-        accepted = !m_connections.empty() && std::any_of(m_connections.begin(), m_connections.end(),
-            [port](const auto& connection) { return connection->clientPort() == port; });
+        accepted =
+            !m_connections.empty() &&
+            std::any_of(m_connections.begin(), m_connections.end(), [port](const auto& connection) {
+                return connection->clientPort() == port;
+            });
         if (accepted) {
             // Not one of the connections under test: it leaves no trace.
-            m_connections.erase(std::find_if(m_connections.begin(), m_connections.end(),
+            m_connections.erase(std::find_if(
+                m_connections.begin(), m_connections.end(),
                 [port](const auto& connection) { return connection->clientPort() == port; }));
             others = static_cast<int>(m_connections.size());
         }
@@ -335,8 +338,8 @@ std::shared_ptr<Connection> Module::link() const
 }
 
 Camera::Camera()
-    : m_listener(std::make_unique<Listener>(
-          cameraAddress, cameraPort, [this](Connection& connection) { serve(connection); }))
+    : m_listener(std::make_unique<Listener>(cameraAddress, cameraPort,
+                                            [this](Connection& connection) { serve(connection); }))
 {
 }
 
@@ -434,8 +437,8 @@ void Camera::serve(Connection& connection)
 
 QByteArray withLength(const QByteArray& body)
 {
-    return "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n"
-        + body;
+    return "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" +
+           body;
 }
 
 QByteArray fileList(const QList<QByteArray>& names)
@@ -452,8 +455,8 @@ bool isConnectPending(const char* address, int port)
     const sockaddr_in place = socketAddress(address, port);
     const std::vector<SocketState> sockets = allSockets();
     return std::any_of(sockets.begin(), sockets.end(), [&place, port](const SocketState& socket) {
-        return socket.state == synSent && socket.remoteAddress == place.sin_addr.s_addr
-            && socket.remotePort == port;
+        return socket.state == synSent && socket.remoteAddress == place.sin_addr.s_addr &&
+               socket.remotePort == port;
     });
 }
 

@@ -134,10 +134,7 @@ public:
     int connectionCount() { return m_listener.connectionCount(); }
     /// The connections that stand: the links, without the probes.
     QList<int> links() const { return m_listener.openConnections(); }
-    std::shared_ptr<Connection> operator[](int index) const
-    {
-        return m_listener.connection(index);
-    }
+    std::shared_ptr<Connection> operator[](int index) const { return m_listener.connection(index); }
     /// The youngest link; there has to be one.
     std::shared_ptr<Connection> link() const;
 

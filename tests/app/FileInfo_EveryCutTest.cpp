@@ -56,9 +56,7 @@ std::string FileInfo_EveryCutTest::shown(const std::string& answer) const
 void FileInfo_EveryCutTest::detailsAreShownAsFarAsTheyCame_data()
 {
     QTest::addColumn<Pieces>("pieces");
-    const auto row = [](const char* name, const Pieces& pieces) {
-        QTest::newRow(name) << pieces;
-    };
+    const auto row = [](const char* name, const Pieces& pieces) { QTest::newRow(name) << pieces; };
     // A field that has not come shows the text of the one before it.
     row("recording", {{"create=\"20200131124502\"", "--  ::|KB|s"},
                       {";size=\"1572864\"", "2020-01-31  12:45:02|858MB|858s"},
@@ -74,15 +72,15 @@ void FileInfo_EveryCutTest::detailsAreShownAsFarAsTheyCame_data()
     row("size not closed", {{"create=\"20200131124502\"", "--  ::|KB|s"},
                             {";size=\"4096;time=\"3\"", "2020-01-31  12:45:02|858MB|858s"},
                             {";", "2020-01-31  12:45:02|4KB|3s"}});
-    row("short creation time", {{"create=\"202001\"", "--  ::|KB|s"},
-                                {";", "2020-01-  ::|197KB|197s"}});
-    row("small size", {{"size=\"500\"", "--  ::|KB|s"}, {";time=\"1\"", "--  ::|KB|s"},
-                       {";", "--  ::|KB|1s"}});
+    row("short creation time",
+        {{"create=\"202001\"", "--  ::|KB|s"}, {";", "2020-01-  ::|197KB|197s"}});
+    row("small size",
+        {{"size=\"500\"", "--  ::|KB|s"}, {";time=\"1\"", "--  ::|KB|s"}, {";", "--  ::|KB|1s"}});
     row("negative size", {{"size=\"-2048\"", "--  ::|KB|s"}, {";", "--  ::|-2048KB|-2048s"}});
-    row("bytes beyond ASCII", {{"time=\"\xE6\xB5\xB7\"", "--  ::|KB|s"},
-                               {";", "--  ::|KB|\\xE6\\xB5\\xB7s"}});
-    row("zero byte ends it", {{"time=\"9\"", "--  ::|KB|s"},
-                              {std::string(";\0size=\"4096\";", 14), "--  ::|KB|9s"}});
+    row("bytes beyond ASCII",
+        {{"time=\"\xE6\xB5\xB7\"", "--  ::|KB|s"}, {";", "--  ::|KB|\\xE6\\xB5\\xB7s"}});
+    row("zero byte ends it",
+        {{"time=\"9\"", "--  ::|KB|s"}, {std::string(";\0size=\"4096\";", 14), "--  ::|KB|9s"}});
     row("no such file", {{"no such file\r\n", "--  ::|KB|s"}});
 }
 

@@ -616,7 +616,7 @@ void FormTest::userActionIsConnectedOnceByName_data()
     row("pushButtonDeleteAllFiles", SIGNAL(clicked()), SLOT(on_pushButtonDeleteAllFiles_clicked()));
     row("pushButtonFormatCard", SIGNAL(clicked()), SLOT(on_pushButtonFormatCard_clicked()));
     row("checkBoxSelectAllFiles", SIGNAL(stateChanged(int)),
-        SLOT(on_checkBoxSelectAllFiles_stateChanged(int)));
+                                         SLOT(on_checkBoxSelectAllFiles_stateChanged(int)));
 }
 
 void FormTest::userActionIsConnectedOnceByName()
@@ -636,7 +636,7 @@ void FormTest::languageSwitchIsConnectedOnce()
     auto& combo = child<QComboBox>(window, QStringLiteral("comboBox"));
     QCOMPARE(connectionsOf(combo, SIGNAL(currentIndexChanged(int))), 1);
     QVERIFY(QObject::disconnect(&combo, SIGNAL(currentIndexChanged(int)), &window,
-                                SLOT(comboxLanguageChanged())));
+                                               SLOT(comboxLanguageChanged())));
 }
 
 void FormTest::fieldOnlyDisplays_data()

@@ -102,8 +102,8 @@ void InterplayTest::cleanup()
 void InterplayTest::answerInTwo(const QByteArray& name, std::size_t gate)
 {
     scene->camera->on(target(name), [this, name, gate](fake::Connection& connection) {
-        connection.send("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(5 + name.size())
-                        + "\r\n\r\nfrom ");
+        connection.send("HTTP/1.1 200 OK\r\nContent-Length: " +
+                        QByteArray::number(5 + name.size()) + "\r\n\r\nfrom ");
         (*gates)[gate].pass();
         connection.send(name);
     });
@@ -390,8 +390,8 @@ void InterplayTest::heartbeatIsAnsweredWhileTheWindowWaitsForTheCamera()
         scene->control->link()->send(heartbeat);
         scene->ground->link()->send(QByteArray::fromHex("bbaf04010000"));
         answered = waitFor([this] {
-            return scene->control->link()->received() == heartbeatAnswer
-                && scene->ground->link()->received() == heartbeatAnswer;
+            return scene->control->link()->received() == heartbeatAnswer &&
+                   scene->ground->link()->received() == heartbeatAnswer;
         });
         connection.send(fake::withLength("=\"1\";"));
     });

@@ -396,16 +396,26 @@ void LinkTest::versionsAreWrittenInHundredths_data()
     QTest::addColumn<int>("hundredths");
     QTest::addColumn<QString>("typeText");
     QTest::addColumn<QString>("versionText");
-    QTest::newRow("whole") << 7 << 300 << "v7" << "v3";
-    QTest::newRow("two decimals") << 0 << 101 << "v0" << "v1.01";
-    QTest::newRow("four digits") << 127 << 1234 << "v127" << "v12.34";
-    QTest::newRow("negative type, version zero") << -1 << 0 << "v-1" << "v0";
-    QTest::newRow("one decimal") << -128 << 10 << "v-128" << "v0.1";
-    QTest::newRow("negative") << 1 << -257 << "v1" << "v-2.57";
-    QTest::newRow("six digits") << 1 << 123456 << "v1" << "v1234.56";
-    QTest::newRow("seven digits are rounded to six") << 1 << 1234567 << "v1" << "v12345.7";
-    QTest::newRow("single precision rounds this one up") << 1 << 1234565 << "v1" << "v12345.7";
-    QTest::newRow("a million") << 1 << 100000000 << "v1" << "v1e+06";
+    QTest::newRow("whole") << 7 << 300 << "v7"
+                           << "v3";
+    QTest::newRow("two decimals") << 0 << 101 << "v0"
+                                  << "v1.01";
+    QTest::newRow("four digits") << 127 << 1234 << "v127"
+                                 << "v12.34";
+    QTest::newRow("negative type, version zero") << -1 << 0 << "v-1"
+                                                 << "v0";
+    QTest::newRow("one decimal") << -128 << 10 << "v-128"
+                                 << "v0.1";
+    QTest::newRow("negative") << 1 << -257 << "v1"
+                              << "v-2.57";
+    QTest::newRow("six digits") << 1 << 123456 << "v1"
+                                << "v1234.56";
+    QTest::newRow("seven digits are rounded to six") << 1 << 1234567 << "v1"
+                                                     << "v12345.7";
+    QTest::newRow("single precision rounds this one up") << 1 << 1234565 << "v1"
+                                                         << "v12345.7";
+    QTest::newRow("a million") << 1 << 100000000 << "v1"
+                               << "v1e+06";
 }
 
 void LinkTest::versionsAreWrittenInHundredths()

@@ -91,6 +91,6 @@ QProgressBar& UserWindow::progressBar() const
 
 bool UserWindow::isIdle() const
 {
-    return canDownload() && !progressBar().isVisible() && downloadLabel().isEmpty()
-        && downloadCount().isEmpty();
+    return canDownload() && !progressBar().isVisible() && downloadLabel().isEmpty() &&
+           downloadCount().isEmpty();
 }

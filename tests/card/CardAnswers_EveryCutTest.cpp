@@ -52,9 +52,7 @@ private slots:
 void CardAnswers_EveryCutTest::listIsReadAsFarAsItCame_data()
 {
     QTest::addColumn<Pieces>("pieces");
-    const auto row = [](const char* name, const Pieces& pieces) {
-        QTest::newRow(name) << pieces;
-    };
+    const auto row = [](const char* name, const Pieces& pieces) { QTest::newRow(name) << pieces; };
     row("two recordings", {{"sd/DCIM/100ZEPNA/a.mp4", "<old0>"},
                            {";", "<a.mp4>"},
                            {"sd/DCIM/100ZEPNA/b.mp4", "<a.mp4><old1>"},
@@ -63,29 +61,24 @@ void CardAnswers_EveryCutTest::listIsReadAsFarAsItCame_data()
     row("empty card", {{"\r\n", ""}});
     row("return first, then an entry", {{"\r\nZEPNA/a.mp4;\r\n", ""}});
     row("no end", {{"ZEPNA/a.mp4", "<old0>"}, {";", "<a.mp4>"}, {"ZEPNA/b.mp4", "<a.mp4><old1>"}});
-    row("entry without a folder takes the next one's name",
-        {{"note;", "<old0>"},
-         {"ZEPNA/b.mp4", "<old0><old1>"},
-         {";", "<b.mp4><b.mp4>"},
-         {"\r\n", "<b.mp4><b.mp4>"}});
+    row("entry without a folder takes the next one's name", {{"note;", "<old0>"},
+                                                             {"ZEPNA/b.mp4", "<old0><old1>"},
+                                                             {";", "<b.mp4><b.mp4>"},
+                                                             {"\r\n", "<b.mp4><b.mp4>"}});
     row("empty name", {{"ZEPNA/", "<old0>"}, {";", "<>"}, {"\r\n", "<>"}});
-    row("name longer than its slot",
-        {{"ZEPNA/abcdefghijklmnopqrstuvwxyz01234.mp4", "<old0>"},
-         {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4>"},
-         {"ZEPNA/n", "<abcdefghijklmnopqrstuvwxyz01234.mp4><4.mp4>"},
-         {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"},
-         {"\r\n", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"}});
-    row("bytes beyond ASCII", {{"ZEPNA/\xE6\xB5\xB7\xFF\x80", "<old0>"},
-                               {";\r", "<\\xE6\\xB5\\xB7\\xFF\\x80>"}});
-    row("zero byte ends it", {{"ZEPNA/a", "<old0>"},
-                              {";", "<a>"},
-                              {std::string("\0ZEPNA/b;\r", 10), "<a>"}});
+    row("name longer than its slot", {{"ZEPNA/abcdefghijklmnopqrstuvwxyz01234.mp4", "<old0>"},
+                                      {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4>"},
+                                      {"ZEPNA/n", "<abcdefghijklmnopqrstuvwxyz01234.mp4><4.mp4>"},
+                                      {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"},
+                                      {"\r\n", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"}});
+    row("bytes beyond ASCII",
+        {{"ZEPNA/\xE6\xB5\xB7\xFF\x80", "<old0>"}, {";\r", "<\\xE6\\xB5\\xB7\\xFF\\x80>"}});
+    row("zero byte ends it",
+        {{"ZEPNA/a", "<old0>"}, {";", "<a>"}, {std::string("\0ZEPNA/b;\r", 10), "<a>"}});
     row("return inside a name", {{"ZEPNA/a\rb", "<old0>"}, {";\r", "<a\\rb>"}});
     row("return between entries", {{"ZEPNA/a", "<old0>"}, {";\rZEPNA/b;\r", "<a>"}});
-    row("line feed between entries", {{"ZEPNA/a", "<old0>"},
-                                      {";", "<a>"},
-                                      {"\nZEPNA/b", "<a><old1>"},
-                                      {";\r", "<a><b>"}});
+    row("line feed between entries",
+        {{"ZEPNA/a", "<old0>"}, {";", "<a>"}, {"\nZEPNA/b", "<a><old1>"}, {";\r", "<a><b>"}});
     row("semicolons only", {{";", "<old0>"}, {";", "<old0><old1>"}, {";", "<old0><old1><old2>"}});
     row("no list at all", {{"404 Not Found\r\n", "<old0>"}});
 }
@@ -99,9 +92,7 @@ void CardAnswers_EveryCutTest::listIsReadAsFarAsItCame()
 void CardAnswers_EveryCutTest::countIsReadAsFarAsItCame_data()
 {
     QTest::addColumn<Pieces>("pieces");
-    const auto row = [](const char* name, const Pieces& pieces) {
-        QTest::newRow(name) << pieces;
-    };
+    const auto row = [](const char* name, const Pieces& pieces) { QTest::newRow(name) << pieces; };
     row("count", {{"var count=\"12\"", "none"}, {";\r\n", "<12>"}});
     row("first of two", {{"=\"1\"", "none"}, {";=\"2\";", "<1>"}});
     row("empty", {{"=\"\"", "none"}, {";", "<>"}});

@@ -36,9 +36,9 @@ struct Download
     explicit Download(const QString& name)
     {
         QObject::connect(&thread, SIGNAL(updateDownloadFileProgress(qint64, qint64)), &recorder,
-                         SLOT(updateDownloadFileProgress(qint64, qint64)));
+                                         SLOT(updateDownloadFileProgress(qint64, qint64)));
         QObject::connect(&thread, SIGNAL(downloadFileFinished()), &recorder,
-                         SLOT(downloadFileFinished()));
+                                         SLOT(downloadFileFinished()));
         thread.fileName = name;
     }
     void start() { thread.start(QThread::InheritPriority); }

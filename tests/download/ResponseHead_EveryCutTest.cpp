@@ -39,7 +39,7 @@ QString localPath()
 /// What came of one download.
 struct Outcome
 {
-    std::string text; ///< Status, type in brackets, length, and the local file in quotes.
+    std::string text;       ///< Status, type in brackets, length, and the local file in quotes.
     QList<qint64> received; ///< First values of the progress signals.
 };
 
@@ -56,12 +56,13 @@ public:
         download.thread.DownloadFile(QString::fromLatin1(name));
 
         const resp_header& head = download.thread.respHeader;
-        std::string text = std::to_string(head.status_code) + " ["
-            + support::printable(head.content_type) + "] " + std::to_string(head.content_length);
+        std::string text = std::to_string(head.status_code) + " [" +
+                           support::printable(head.content_type) + "] " +
+                           std::to_string(head.content_length);
         QFile file(localPath());
         text += file.open(QIODevice::ReadOnly)
-            ? " \"" + support::printable(file.readAll().toStdString()) + '"'
-            : " no file";
+                    ? " \"" + support::printable(file.readAll().toStdString()) + '"'
+                    : " no file";
         text += download.recorder.finished == 1 ? "" : " not finished";
         return {text, download.recorder.received};
     }
@@ -156,8 +157,7 @@ void ResponseHead_EveryCutTest::addAnswers()
     row("head ended by line feeds", headOfFive("\n\n\n\n"), hello);
     row("head ended by LF LF CR LF", headOfFive("\n\n\r\n"), hello);
     row("head ended by carriage returns", headOfFive("\r\r\r\r"), hello);
-    row("zero bytes in the head are left out",
-        headOfFive(std::string("\0\r\n\0\r\n", 6)), hello);
+    row("zero bytes in the head are left out", headOfFive(std::string("\0\r\n\0\r\n", 6)), hello);
     row("body one byte short", headOfFive("\r\n\r\n"),
         {{"h", "200 [v/4] 5 \"h\""},
          {"e", "200 [v/4] 5 \"he\""},
@@ -177,10 +177,11 @@ void ResponseHead_EveryCutTest::addAnswers()
          {"3", "404 [] 3 \"\""},
          {"\n\nabc", "404 [] 3 \"\""}},
         {});
-    row("no length, no body", {{"HTTP/1.1 ", nothing},
-                               {"2", "2 [] 0 \"\""},
-                               {"0", "20 [] 0 \"\""},
-                               {"0 OK\r\n\r\nhello", "200 [] 0 \"\""}},
+    row("no length, no body",
+        {{"HTTP/1.1 ", nothing},
+         {"2", "2 [] 0 \"\""},
+         {"0", "20 [] 0 \"\""},
+         {"0 OK\r\n\r\nhello", "200 [] 0 \"\""}},
         {});
     row("length in small letters is none", {{"content-length: 5\r\n\r\nhello", nothing}}, {});
     row("length without a space is the next word",

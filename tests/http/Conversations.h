@@ -19,7 +19,7 @@ struct Conversation
     bool endsByItself;         ///< The reader returns while the connection stays open.
     std::string closedAtStart; ///< Outcome when the connection is closed without a byte.
     std::vector<Piece> pieces;
-    std::string unread;        ///< What the reader leaves when all has arrived.
+    std::string unread; ///< What the reader leaves when all has arrived.
 };
 
 std::vector<Conversation> headConversations();

@@ -13,8 +13,7 @@ public:
     /// A body that the reader finds the end of.
     void complete(const char* name, std::vector<Piece> pieces, const std::string& unread = "")
     {
-        all.push_back(
-            {name, m_reader, m_before, true, m_closedAtStart, std::move(pieces), unread});
+        all.push_back({name, m_reader, m_before, true, m_closedAtStart, std::move(pieces), unread});
     }
     /// A body that only the end of the connection ends.
     void open(const char* name, std::vector<Piece> pieces)
@@ -53,40 +52,37 @@ std::vector<Conversation> plainConversations()
     HTTPResponse length5;
     length5.contentLength = 5;
     Collector body(Reader::Body, length5, "false length=5");
-    body.complete("body of its announced length",
-                  {{"h", "false length=5 received=1 \"h\""},
-                   {"e", "false length=5 received=2 \"he\""},
-                   {"l", "false length=5 received=3 \"hel\""},
-                   {"l", "false length=5 received=4 \"hell\""},
-                   {"o", "true length=5 received=5 \"hello\""}});
+    body.complete("body of its announced length", {{"h", "false length=5 received=1 \"h\""},
+                                                   {"e", "false length=5 received=2 \"he\""},
+                                                   {"l", "false length=5 received=3 \"hel\""},
+                                                   {"l", "false length=5 received=4 \"hell\""},
+                                                   {"o", "true length=5 received=5 \"hello\""}});
     body.complete("body of line ends and bytes beyond ASCII",
                   {{"\r", "false length=5 received=1 \"\\r\""},
                    {"\n", "false length=5 received=2 \"\\r\\n\""},
                    {std::string("\0", 1), "false length=5 received=3 \"\\r\\n\\x00\""},
                    {"\xFF", "false length=5 received=4 \"\\r\\n\\x00\\xFF\""},
                    {"\x80", "true length=5 received=5 \"\\r\\n\\x00\\xFF\\x80\""}});
-    body.open("body one byte short",
-              {{"h", "false length=5 received=1 \"h\""},
-               {"e", "false length=5 received=2 \"he\""},
-               {"l", "false length=5 received=3 \"hel\""},
-               {"l", "false length=5 received=4 \"hell\""}});
+    body.open("body one byte short", {{"h", "false length=5 received=1 \"h\""},
+                                      {"e", "false length=5 received=2 \"he\""},
+                                      {"l", "false length=5 received=3 \"hel\""},
+                                      {"l", "false length=5 received=4 \"hell\""}});
 
     Collector answer(Reader::Answer, {}, "false");
-    answer.complete(
-        "whole answer",
-        {{"HTTP/1.1", "false {: }"},
-         {" 200", "false"},
-         {" OK\r\n", "false status=200"},
-         {"Content-Length:", "false status=200 {: }"},
-         {" ", "false status=200 {Content-Length: }"},
-         {"5\r\n", "false status=200 length=5 {Content-Length: 5}"},
-         {"\r", "false status=200 length=5 {: , Content-Length: 5}"},
-         {"\n", "false status=200 length=5 {Content-Length: 5}"},
-         {"h", "false status=200 length=5 received=1 {Content-Length: 5} \"h\""},
-         {"e", "false status=200 length=5 received=2 {Content-Length: 5} \"he\""},
-         {"l", "false status=200 length=5 received=3 {Content-Length: 5} \"hel\""},
-         {"l", "false status=200 length=5 received=4 {Content-Length: 5} \"hell\""},
-         {"o", "true status=200 length=5 received=5 {Content-Length: 5} \"hello\""}});
+    answer.complete("whole answer",
+                    {{"HTTP/1.1", "false {: }"},
+                     {" 200", "false"},
+                     {" OK\r\n", "false status=200"},
+                     {"Content-Length:", "false status=200 {: }"},
+                     {" ", "false status=200 {Content-Length: }"},
+                     {"5\r\n", "false status=200 length=5 {Content-Length: 5}"},
+                     {"\r", "false status=200 length=5 {: , Content-Length: 5}"},
+                     {"\n", "false status=200 length=5 {Content-Length: 5}"},
+                     {"h", "false status=200 length=5 received=1 {Content-Length: 5} \"h\""},
+                     {"e", "false status=200 length=5 received=2 {Content-Length: 5} \"he\""},
+                     {"l", "false status=200 length=5 received=3 {Content-Length: 5} \"hel\""},
+                     {"l", "false status=200 length=5 received=4 {Content-Length: 5} \"hell\""},
+                     {"o", "true status=200 length=5 received=5 {Content-Length: 5} \"hello\""}});
     answer.open("answer without a body that announces none",
                 {{"HTTP/1.1", "false {: }"},
                  {" 204", "false"},
@@ -144,11 +140,10 @@ std::vector<Conversation> chunkedConversations()
                   {{"0\r\n", "false chunked last"}, {"A: b\r\nC: d\r\n\r\n", "true chunked last"}},
                   "C: d\\r\\n\\r\\n");
     body.open("closed behind the last chunk's size line", {{"0\r\n", "false chunked last"}});
-    body.open("closed before the last chunk",
-              {{"1\r\n", "false chunked left=1"},
-               {"a", "false chunked received=1 \"a\""},
-               {"\r", "false chunked last received=1 \"a\""},
-               {"\n", "false chunked received=1 \"a\""}});
+    body.open("closed before the last chunk", {{"1\r\n", "false chunked left=1"},
+                                               {"a", "false chunked received=1 \"a\""},
+                                               {"\r", "false chunked last received=1 \"a\""},
+                                               {"\n", "false chunked received=1 \"a\""}});
 
     const std::string head = "{Transfer-Encoding: chunked}";
     Collector answer(Reader::Answer, {}, "false");
@@ -190,13 +185,14 @@ std::vector<Conversation> oddChunkConversations()
     const std::string five = "false chunked left=5";
 
     // Forms of the number 5. A beginning without digits is a last chunk while it is all there is.
-    body.complete("size with leading zeros",
-                  withEnd({{"0000000", last}, {"5\r\n", five}}));
+    body.complete("size with leading zeros", withEnd({{"0000000", last}, {"5\r\n", five}}));
     body.complete("size with an extension", withEnd({{"5;name=value; 7\r\n", five}}));
     body.complete("size with a space behind it", withEnd({{"5 \r\n", five}}));
     body.complete("size with text behind it", withEnd({{"5 bytes\r\n", five}}));
-    body.complete("size with a zero byte behind it",
-                  withEnd({{std::string("5\0" "7\r\n", 5), five}}));
+    body.complete("size with a zero byte behind it", withEnd({{std::string("5\0"
+                                                                           "7\r\n",
+                                                                           5),
+                                                               five}}));
     body.complete("size with a byte beyond ASCII behind it", withEnd({{"5\xFF\r\n", five}}));
     body.complete("size ended by a bare line feed", withEnd({{"5\n", five}}));
     body.complete("size with a space before it", withEnd({{" ", last}, {"5\r\n", five}}));
@@ -204,14 +200,10 @@ std::vector<Conversation> oddChunkConversations()
     body.complete("size with a plus sign", withEnd({{"+", last}, {"5\r\n", five}}));
     body.complete("size with the prefix of hexadecimal numbers",
                   withEnd({{"0x", last}, {"5\r\n", five}}));
-    body.complete("size with the prefix in capitals",
-                  withEnd({{"0X", last}, {"5\r\n", five}}));
-    body.complete("empty lines before the size",
-                  withEnd({{"\r", last},
-                           {"\n", none},
-                           {"\r", last},
-                           {"\n", none},
-                           {"5\r\n", five}}));
+    body.complete("size with the prefix in capitals", withEnd({{"0X", last}, {"5\r\n", five}}));
+    body.complete(
+        "empty lines before the size",
+        withEnd({{"\r", last}, {"\n", none}, {"\r", last}, {"\n", none}, {"5\r\n", five}}));
     body.complete("two carriage returns are a last chunk",
                   {{"\r\r\n", last}, {"5\r\nhello", "true chunked last"}}, "hello");
     body.complete("bare line feed is a last chunk",
@@ -220,8 +212,10 @@ std::vector<Conversation> oddChunkConversations()
                   {{"g5\r\n", last}, {"\r\n", "true chunked last"}});
     body.complete("semicolon without digits is a last chunk",
                   {{";a=5\r\n", last}, {"\r\n", "true chunked last"}});
-    body.complete("bytes beyond ASCII are a last chunk",
-                  {{"\xFF" "5\r\n", last}, {"\r\n", "true chunked last"}});
+    body.complete("bytes beyond ASCII are a last chunk", {{"\xFF"
+                                                           "5\r\n",
+                                                           last},
+                                                          {"\r\n", "true chunked last"}});
     body.complete("long zero is a last chunk",
                   {{"00000000000000000000\r\n", last}, {"\r\n", "true chunked last"}});
 
@@ -233,16 +227,15 @@ std::vector<Conversation> oddChunkConversations()
     body.open("eE is 238", {{"e", "false chunked left=14"}, {"E\r\n", "false chunked left=238"}});
     body.open("digits end at a letter", {{"bg\r\n", "false chunked left=11"}});
     body.open("10 is 16", {{"1", "false chunked left=1"}, {"0\r\n", "false chunked left=16"}});
-    body.open("largest size there is",
-              {{"7", "false chunked left=7"},
-               {"f", "false chunked left=127"},
-               {"f", "false chunked left=2047"},
-               {"f", "false chunked left=32767"},
-               {"f", "false chunked left=524287"},
-               {"f", "false chunked left=8388607"},
-               {"f", "false chunked left=134217727"},
-               {"f\r\n", "false chunked left=2147483647"},
-               {"a", "false chunked received=1 left=2147483646 \"a\""}});
+    body.open("largest size there is", {{"7", "false chunked left=7"},
+                                        {"f", "false chunked left=127"},
+                                        {"f", "false chunked left=2047"},
+                                        {"f", "false chunked left=32767"},
+                                        {"f", "false chunked left=524287"},
+                                        {"f", "false chunked left=8388607"},
+                                        {"f", "false chunked left=134217727"},
+                                        {"f\r\n", "false chunked left=2147483647"},
+                                        {"a", "false chunked received=1 left=2147483646 \"a\""}});
 
     // With the top bit set a size line is passed over as if it were not there.
     body.complete("size with the top bit set is passed over",
@@ -255,16 +248,15 @@ std::vector<Conversation> oddChunkConversations()
                            {"0", "false chunked left=134217728"},
                            {"0\r\n", none},
                            {"5\r\n", five}}));
-    body.complete("all digits f are passed over",
-                  withEnd({{"f", "false chunked left=15"},
-                           {"f", "false chunked left=255"},
-                           {"f", "false chunked left=4095"},
-                           {"f", "false chunked left=65535"},
-                           {"f", "false chunked left=1048575"},
-                           {"f", "false chunked left=16777215"},
-                           {"f", "false chunked left=268435455"},
-                           {"f\r\n", none},
-                           {"5\r\n", five}}));
+    body.complete("all digits f are passed over", withEnd({{"f", "false chunked left=15"},
+                                                           {"f", "false chunked left=255"},
+                                                           {"f", "false chunked left=4095"},
+                                                           {"f", "false chunked left=65535"},
+                                                           {"f", "false chunked left=1048575"},
+                                                           {"f", "false chunked left=16777215"},
+                                                           {"f", "false chunked left=268435455"},
+                                                           {"f\r\n", none},
+                                                           {"5\r\n", five}}));
     body.complete("negative size is passed over",
                   withEnd({{"-", last}, {"1\r\n", none}, {"5\r\n", five}}));
 
@@ -283,11 +275,10 @@ std::vector<Conversation> oddChunkConversations()
                {"0", "false chunked received=2 left=13 \"h0\""},
                {"\r", "false chunked received=3 left=12 \"h0\\r\""},
                {"\n", "false chunked received=4 left=11 \"h0\\r\\n\""}});
-    body.complete("no line end behind the data",
-                  {{"1\r\n", "false chunked left=1"},
-                   {"h", "false chunked received=1 \"h\""},
-                   {"0\r\n", "false chunked last received=1 \"h\""},
-                   {"\r\n", "true chunked last received=1 \"h\""}});
+    body.complete("no line end behind the data", {{"1\r\n", "false chunked left=1"},
+                                                  {"h", "false chunked received=1 \"h\""},
+                                                  {"0\r\n", "false chunked last received=1 \"h\""},
+                                                  {"\r\n", "true chunked last received=1 \"h\""}});
     body.complete("bare line feed behind the data is a last chunk",
                   {{"1\n", "false chunked left=1"},
                    {"h", "false chunked received=1 \"h\""},
@@ -357,9 +348,9 @@ std::vector<Conversation> carriedOverConversations()
     grown.contentLength = 5;
     grown.received = 3;
     Collector counted(Reader::Body, grown, "false length=5 received=3");
-    counted.complete("bytes received before count towards the length",
-                     {{"h", "false length=5 received=4 \"h\""},
-                      {"e", "true length=5 received=5 \"he\""}});
+    counted.complete(
+        "bytes received before count towards the length",
+        {{"h", "false length=5 received=4 \"h\""}, {"e", "true length=5 received=5 \"he\""}});
     add(counted);
 
     HTTPResponse nearTheTop;

@@ -135,13 +135,13 @@ static void checkCutRow()
 void HTTPClient_EveryCutTest::bodyWithoutLengthEndsWithTheFirstPiece_data()
 {
     addCutRows({}, {
-        {"whole", "true received=5 \"hello\"", "", "hello"},
-        {"cut behind 1", "true received=1 \"h\"", "ello", "h", "ello"},
-        {"cut behind 2", "true received=2 \"he\"", "llo", "he", "llo"},
-        {"cut behind 3", "true received=3 \"hel\"", "lo", "hel", "lo"},
-        {"cut behind 4", "true received=4 \"hell\"", "o", "hell", "o"},
-        {"byte by byte", "true received=1 \"h\"", "ello", "h", "e", "l", "l", "o"},
-    });
+                       {"whole", "true received=5 \"hello\"", "", "hello"},
+                       {"cut behind 1", "true received=1 \"h\"", "ello", "h", "ello"},
+                       {"cut behind 2", "true received=2 \"he\"", "llo", "he", "llo"},
+                       {"cut behind 3", "true received=3 \"hel\"", "lo", "hel", "lo"},
+                       {"cut behind 4", "true received=4 \"hell\"", "o", "hell", "o"},
+                       {"byte by byte", "true received=1 \"h\"", "ello", "h", "e", "l", "l", "o"},
+                   });
 }
 
 void HTTPClient_EveryCutTest::bodyWithoutLengthEndsWithTheFirstPiece()
@@ -154,13 +154,14 @@ void HTTPClient_EveryCutTest::bodyBeyondItsLengthIsKeptAsFarAsItCameInOnePiece_d
     HTTPResponse length2;
     length2.contentLength = 2;
     addCutRows(length2, {
-        {"whole", "true length=2 received=5 \"hello\"", "", "hello"},
-        {"cut behind 1", "true length=2 received=5 \"hello\"", "", "h", "ello"},
-        {"cut behind 2", "true length=2 received=2 \"he\"", "llo", "he", "llo"},
-        {"cut behind 3", "true length=2 received=3 \"hel\"", "lo", "hel", "lo"},
-        {"cut behind 4", "true length=2 received=4 \"hell\"", "o", "hell", "o"},
-        {"byte by byte", "true length=2 received=2 \"he\"", "llo", "h", "e", "l", "l", "o"},
-    });
+                            {"whole", "true length=2 received=5 \"hello\"", "", "hello"},
+                            {"cut behind 1", "true length=2 received=5 \"hello\"", "", "h", "ello"},
+                            {"cut behind 2", "true length=2 received=2 \"he\"", "llo", "he", "llo"},
+                            {"cut behind 3", "true length=2 received=3 \"hel\"", "lo", "hel", "lo"},
+                            {"cut behind 4", "true length=2 received=4 \"hell\"", "o", "hell", "o"},
+                            {"byte by byte", "true length=2 received=2 \"he\"", "llo", "h", "e",
+                             "l", "l", "o"},
+                        });
 }
 
 void HTTPClient_EveryCutTest::bodyBeyondItsLengthIsKeptAsFarAsItCameInOnePiece()
@@ -173,14 +174,16 @@ void HTTPClient_EveryCutTest::bodyBehindAnOlderLargerCountEndsWithTheFirstPiece_
     HTTPResponse countReached;
     countReached.contentLength = 5;
     countReached.received = 5;
-    addCutRows(countReached, {
-        {"whole", "true length=5 received=10 \"hello\"", "", "hello"},
-        {"cut behind 1", "true length=5 received=6 \"h\"", "ello", "h", "ello"},
-        {"cut behind 2", "true length=5 received=7 \"he\"", "llo", "he", "llo"},
-        {"cut behind 3", "true length=5 received=8 \"hel\"", "lo", "hel", "lo"},
-        {"cut behind 4", "true length=5 received=9 \"hell\"", "o", "hell", "o"},
-        {"byte by byte", "true length=5 received=6 \"h\"", "ello", "h", "e", "l", "l", "o"},
-    });
+    addCutRows(
+        countReached,
+        {
+            {"whole", "true length=5 received=10 \"hello\"", "", "hello"},
+            {"cut behind 1", "true length=5 received=6 \"h\"", "ello", "h", "ello"},
+            {"cut behind 2", "true length=5 received=7 \"he\"", "llo", "he", "llo"},
+            {"cut behind 3", "true length=5 received=8 \"hel\"", "lo", "hel", "lo"},
+            {"cut behind 4", "true length=5 received=9 \"hell\"", "o", "hell", "o"},
+            {"byte by byte", "true length=5 received=6 \"h\"", "ello", "h", "e", "l", "l", "o"},
+        });
 }
 
 void HTTPClient_EveryCutTest::bodyBehindAnOlderLargerCountEndsWithTheFirstPiece()

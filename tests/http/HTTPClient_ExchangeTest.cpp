@@ -34,9 +34,9 @@ HTTPRequest requestTo(const ScriptedServer& server, const std::string& path)
 /// The head of a request with the default headers.
 QByteArray defaultHead(const QByteArray& path, const ScriptedServer& server)
 {
-    return "GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port())
-        + "\r\nAccept: */*\r\nAccept-Language: zh-CN\r\nConnection: Keep-Alive\r\n"
-          "User-Agent: SDK C++ http client\r\n\r\n";
+    return "GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) +
+           "\r\nAccept: */*\r\nAccept-Language: zh-CN\r\nConnection: Keep-Alive\r\n"
+           "User-Agent: SDK C++ http client\r\n\r\n";
 }
 
 bool isOpen(int descriptor)
@@ -120,8 +120,9 @@ void HTTPClient_ExchangeTest::headReachesTheServerByteForByte()
         QVERIFY(HTTPClient().sendHeader(type, session, request));
     }
     QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), "DELETE /a b?c=\xE4 HTTP/1.1\r\nHost: 127.0.0.1:"
-                 + QByteArray::number(server.port()) + "\r\nA: 1\r\nB: 2\r\n\r\n");
+    QCOMPARE(server.received(0),
+             "DELETE /a b?c=\xE4 HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) +
+                 "\r\nA: 1\r\nB: 2\r\n\r\n");
 }
 
 void HTTPClient_ExchangeTest::headOfAnUnknownMethodBeginsWithASpace()
@@ -137,8 +138,8 @@ void HTTPClient_ExchangeTest::headOfAnUnknownMethodBeginsWithASpace()
         QVERIFY(HTTPClient().sendHeader(type, session, request));
     }
     QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), " / HTTP/1.1\r\nHost: 127.0.0.1:"
-                 + QByteArray::number(server.port()) + "\r\n\r\n");
+    QCOMPARE(server.received(0),
+             " / HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) + "\r\n\r\n");
 }
 
 void HTTPClient_ExchangeTest::lowSixteenBitsOfThePortAreUsed()
@@ -153,8 +154,8 @@ void HTTPClient_ExchangeTest::lowSixteenBitsOfThePortAreUsed()
         QVERIFY(HTTPClient().sendHeader(type, session, request));
     }
     QVERIFY(server.waitForScripts(1));
-    QVERIFY(server.received(0).contains("Host: 127.0.0.1:"
-                                        + QByteArray::number(server.port() + 0x30000) + "\r\n"));
+    QVERIFY(server.received(0).contains(
+        "Host: 127.0.0.1:" + QByteArray::number(server.port() + 0x30000) + "\r\n"));
 }
 
 void HTTPClient_ExchangeTest::hostWithoutAddressIsConnectedToAllTheSame()
@@ -511,16 +512,14 @@ void HTTPClient_ExchangeTest::bodyEndsWithItsFirstReceiveOnceTheCountHasReachedI
     const auto second = [](Peer& peer) {
         peer.receiveUntil("\r\n\r\n");
         // Cut behind the head and behind the third byte of the body.
-        peer.sendInPieces("HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n"
-                              + QByteArray(20000, 'b'),
-                          {42, 45});
+        peer.sendInPieces(
+            "HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n" + QByteArray(20000, 'b'), {42, 45});
         peer.waitUntilClosedByClient();
     };
-    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n"
-                                     + QByteArray(20000, 'a')),
-                           second,
-                           answering("HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n"
-                                     + QByteArray(20000, 'c'))});
+    ScriptedServer server(
+        {answering("HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n" + QByteArray(20000, 'a')),
+         second,
+         answering("HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n" + QByteArray(20000, 'c'))});
     HTTPRequest request = requestTo(server, "/");
     HTTPResponse response;
     std::string body;

@@ -39,8 +39,7 @@ void HTTPClient_MultipartTest::onePartWithoutHeaders()
 void HTTPClient_MultipartTest::twoPartsAreLaidOutByteForByte()
 {
     const HTTPMultipart multipart{"b", {{1, {{{"N", "V"}}, "1"}}, {2, {{}, "2"}}}};
-    QCOMPARE(bodyOf(multipart),
-             std::string("--b\r\nN: V\r\n\r\n1\r\n--b\r\n\r\n2\r\n--b--\r\n"));
+    QCOMPARE(bodyOf(multipart), std::string("--b\r\nN: V\r\n\r\n1\r\n--b\r\n\r\n2\r\n--b--\r\n"));
 }
 
 void HTTPClient_MultipartTest::partsComeInKeyOrderAndHeadersInNameOrder()

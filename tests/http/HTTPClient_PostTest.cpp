@@ -38,8 +38,8 @@ HTTPRequest requestTo(const ScriptedServer& server, const std::string& path)
 /// The head of a request without header lines of its own.
 QByteArray bareHead(const QByteArray& path, const ScriptedServer& server)
 {
-    return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port())
-        + "\r\n\r\n";
+    return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) +
+           "\r\n\r\n";
 }
 
 bool isOpen(int descriptor)
@@ -156,9 +156,9 @@ void HTTPClient_PostTest::postSendsHeadAndBodyByteForByte()
     QCOMPARE(response.statusCode, 200);
     QCOMPARE(body, std::string("done"));
     QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), "POST /form?x HTTP/1.1\r\nHost: 127.0.0.1:"
-                 + QByteArray::number(server.port())
-                 + "\r\nContent-Length: 7\r\nContent-Type: text/plain\r\n\r\na=1&b=2");
+    QCOMPARE(server.received(0),
+             "POST /form?x HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) +
+                 "\r\nContent-Length: 7\r\nContent-Type: text/plain\r\n\r\na=1&b=2");
 }
 
 void HTTPClient_PostTest::postWithDefaultHeadersAddsNeitherLengthNorType()
@@ -170,10 +170,10 @@ void HTTPClient_PostTest::postWithDefaultHeadersAddsNeitherLengthNorType()
     std::string body;
     QVERIFY(HTTPClient().post(request, response, "data", body));
     QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), "POST / HTTP/1.1\r\nHost: 127.0.0.1:"
-                 + QByteArray::number(server.port())
-                 + "\r\nAccept: */*\r\nAccept-Language: zh-CN\r\nConnection: Keep-Alive\r\n"
-                   "User-Agent: SDK C++ http client\r\n\r\ndata");
+    QCOMPARE(server.received(0),
+             "POST / HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) +
+                 "\r\nAccept: */*\r\nAccept-Language: zh-CN\r\nConnection: Keep-Alive\r\n"
+                 "User-Agent: SDK C++ http client\r\n\r\ndata");
 }
 
 void HTTPClient_PostTest::postOfAnEmptyBodySendsTheHeadOnlyAndReadsTheAnswer()

@@ -109,8 +109,7 @@ void HTTPClient_RequestHeadTest::hostInTheMapIsWrittenASecondTime()
 {
     HTTPRequest request = bareRequest();
     request.headers["Host"] = "other";
-    QCOMPARE(headOf(request),
-             std::string("GET / HTTP/1.1\r\nHost: host\r\nHost: other\r\n\r\n"));
+    QCOMPARE(headOf(request), std::string("GET / HTTP/1.1\r\nHost: host\r\nHost: other\r\n\r\n"));
 }
 
 void HTTPClient_RequestHeadTest::versionAndPathAreWrittenAsTheyStand()

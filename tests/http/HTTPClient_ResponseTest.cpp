@@ -244,8 +244,7 @@ void HTTPClient_ResponseTest::plainBodyIsReceivedInPiecesOfAtMost10240Bytes()
     ::close(ends[1]);
     QCOMPARE(response.received, 30720u);
     QCOMPARE(body.size(), std::size_t(30720));
-    QVERIFY(body
-            == std::string(10240, 'a') + std::string(10240, 'b') + std::string(10240, 'c'));
+    QVERIFY(body == std::string(10240, 'a') + std::string(10240, 'b') + std::string(10240, 'c'));
 }
 
 void HTTPClient_ResponseTest::plainBodyOf25000BytesArrivesWhole()

@@ -93,8 +93,8 @@ void HTTPRecordsTest::headerNamesAreOrderedByPlainByteValue()
 void HTTPRecordsTest::newResponseIsEmpty()
 {
     const HTTPResponse response;
-    const auto& [statusCode, chunked, lastChunkSeen, contentLength, received, chunkLeft, headers]
-        = response;
+    const auto& [statusCode, chunked, lastChunkSeen, contentLength, received, chunkLeft, headers] =
+        response;
     QCOMPARE(statusCode, 0);
     QCOMPARE(chunked, false);
     QCOMPARE(lastChunkSeen, false);

@@ -57,8 +57,9 @@ void LibraryPageTest::everyExampleOfThePageIsRunHere()
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QString page = file.readAll();
     QStringList names;
-    auto match = QRegularExpression("^<!-- example: (.*) -->\n```cpp\n",
-                                    QRegularExpression::MultilineOption).globalMatch(page);
+    auto match =
+        QRegularExpression("^<!-- example: (.*) -->\n```cpp\n", QRegularExpression::MultilineOption)
+            .globalMatch(page);
     while (match.hasNext()) {
         names += match.next().captured(1);
     }
@@ -83,15 +84,16 @@ void LibraryPageTest::get()
     QCOMPARE(response.received, 4u);
     QVERIFY(server.waitForScripts(2));
     QCOMPARE(server.received(0), "GET /cgi-bin/hi3510/getsdcareinfo.cgi HTTP/1.1\r\n"
-                                 "Host: 192.168.1.120\r\n" + usualHeaders);
-    QCOMPARE(server.received(1), "GET /sd/DCIM/list.txt HTTP/1.1\r\nHost: 192.168.1.120\r\n"
-                                     + usualHeaders);
+                                 "Host: 192.168.1.120\r\n" +
+                                     usualHeaders);
+    QCOMPARE(server.received(1),
+             "GET /sd/DCIM/list.txt HTTP/1.1\r\nHost: 192.168.1.120\r\n" + usualHeaders);
 }
 
 void LibraryPageTest::getSteps()
 {
-    ScriptedServer server(
-        answering("\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nlist"), camera, webPort);
+    ScriptedServer server(answering("\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nlist"),
+                          camera, webPort);
 #include "get-steps.inc"
     QCOMPARE(body, std::string("list"));
     QCOMPARE(session.socketDescriptor, -1);
@@ -106,12 +108,11 @@ void LibraryPageTest::post()
     QVERIFY(sent);
     QCOMPARE(answer, std::string("ok"));
     QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0),
-             QByteArray("POST /form HTTP/1.1\r\nHost: 192.168.1.120:8080\r\n"
-                        "Accept: */*\r\nAccept-Language: zh-CN\r\n"
-                        "Connection: Keep-Alive\r\nContent-Length: 10\r\n"
-                        "Content-Type: application/x-www-form-urlencoded\r\n"
-                        "User-Agent: SDK C++ http client\r\n\r\nname=value"));
+    QCOMPARE(server.received(0), QByteArray("POST /form HTTP/1.1\r\nHost: 192.168.1.120:8080\r\n"
+                                            "Accept: */*\r\nAccept-Language: zh-CN\r\n"
+                                            "Connection: Keep-Alive\r\nContent-Length: 10\r\n"
+                                            "Content-Type: application/x-www-form-urlencoded\r\n"
+                                            "User-Agent: SDK C++ http client\r\n\r\nname=value"));
 }
 
 void LibraryPageTest::postSteps()
@@ -141,16 +142,16 @@ void LibraryPageTest::texts()
 #include "texts.inc"
     QVERIFY(understood);
     QCOMPARE(address, htonl(0xC0A80178));
-    QCOMPARE(head, std::string("GET /list?-end=3 HTTP/1.1\r\nHost: 192.168.1.120:8080\r\n")
-                 + usualHeaders.toStdString());
+    QCOMPARE(head, std::string("GET /list?-end=3 HTTP/1.1\r\nHost: 192.168.1.120:8080\r\n") +
+                       usualHeaders.toStdString());
     QCOMPARE(name, std::string("Content-Length"));
     QCOMPARE(value, std::string("5"));
 }
 
 void LibraryPageTest::put()
 {
-    ScriptedServer server(
-        answering("hello", "HTTP/1.1 201 Created\r\nContent-Length: 2\r\n\r\nok"), camera, webPort);
+    ScriptedServer server(answering("hello", "HTTP/1.1 201 Created\r\nContent-Length: 2\r\n\r\nok"),
+                          camera, webPort);
 #include "put.inc"
     QVERIFY(stored);
     QCOMPARE(response.statusCode, 201);

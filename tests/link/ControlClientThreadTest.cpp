@@ -44,9 +44,9 @@ struct Link
     {
         thread.findChild<QTimer*>()->stop();
         QObject::connect(&thread, SIGNAL(VersionInfo(char, int, int, int, int)), &recorder,
-                         SLOT(VersionInfo(char, int, int, int, int)));
+                                         SLOT(VersionInfo(char, int, int, int, int)));
         QObject::connect(&thread, SIGNAL(updateLinkedFlag(bool)), &recorder,
-                         SLOT(updateLinkedFlag(bool)));
+                                         SLOT(updateLinkedFlag(bool)));
     }
     void start() { thread.start(QThread::InheritPriority); }
     void tick(int times)

@@ -84,40 +84,51 @@ QVector<Frames> controlFrames()
                                      {12, "version -1 144 -32769 32384 -256"},
                                      {13, "version -1 144 -32769 32384 -257"}};
     return {
-        {"heartbeat", heartbeat, linked, zeros,
+        {"heartbeat",
+         heartbeat,
+         linked,
+         zeros,
          {{1, zeros}, {3, linked}},
          {{1, zeros}, {3, linked}}},
-        {"heartbeat of start bytes", QByteArray::fromHex("aaaa04aaaaaa"), linked,
+        {"heartbeat of start bytes",
+         QByteArray::fromHex("aaaa04aaaaaa"),
+         linked,
          zeros + ", " + zeros + ", " + zeros + ", " + zeros + ", " + zeros,
          {{1, zeros}, {3, linked}, {4, linked + ", " + zeros}},
          {{1, zeros}, {3, linked}}},
         {"version report", version, report, zeros, versionGrows, versionGrows},
         {"version report of bytes from 80 on", QByteArray::fromHex("aaaf0009ff019080ff7f80ffff"),
          "version -1 144 -32769 32384 -257", zeros, bigBytesGrow, bigBytesGrow},
-        {"heartbeat, then a report", heartbeat + version, linked, zeros + ", " + zeros,
+        {"heartbeat, then a report",
+         heartbeat + version,
+         linked,
+         zeros + ", " + zeros,
          {{1, zeros}, {3, linked}, {6, linked + ", " + report}, {7, linked}},
          {{1, zeros}, {3, linked}}},
         {"report, then a heartbeat", version + heartbeat, report, zeros + ", " + zeros,
          versionGrows.mid(0, 7) + QVector<Step>{{13, report + ", " + linked}, {14, report}},
          versionGrows},
-        {"more than one receive takes", heartbeat + filler + heartbeat, linked + ", " + linked,
+        {"more than one receive takes",
+         heartbeat + filler + heartbeat,
+         linked + ", " + linked,
          zeros + ", " + zeros,
          {{1, zeros},
           {3, linked},
           {100, linked + ", " + linked},
           {101, linked + ", " + zeros},
           {103, linked + ", " + linked}},
-         {{1, zeros},
-          {3, linked},
-          {101, linked + ", " + zeros},
-          {103, linked + ", " + linked}}},
-        {"another byte, then a heartbeat", '\0' + heartbeat, "", zeros,
-         {{1, linked}, {2, ""}},
-         {}},
-        {"unknown type", QByteArray::fromHex("aaaf77010000"), "", zeros,
+         {{1, zeros}, {3, linked}, {101, linked + ", " + zeros}, {103, linked + ", " + linked}}},
+        {"another byte, then a heartbeat", '\0' + heartbeat, "", zeros, {{1, linked}, {2, ""}}, {}},
+        {"unknown type",
+         QByteArray::fromHex("aaaf77010000"),
+         "",
+         zeros,
          {{1, zeros}, {3, ""}},
          {{1, zeros}, {3, ""}}},
-        {"type from 80 on", QByteArray::fromHex("aaaf84010000"), "", zeros,
+        {"type from 80 on",
+         QByteArray::fromHex("aaaf84010000"),
+         "",
+         zeros,
          {{1, zeros}, {3, ""}},
          {{1, zeros}, {3, ""}}},
         {"heartbeat of the ground module", QByteArray::fromHex("bbaf04010000"), "", "", {}, {}},
@@ -130,13 +141,22 @@ QVector<Frames> groundFrames()
     const QByteArray version = QByteArray::fromHex("aaaf000907012c02580064000a");
     return {
         {"heartbeat", heartbeat, once, "", {{3, once}}, {{3, once}}},
-        {"heartbeat of start bytes", QByteArray::fromHex("bbbb04bbbbbb"), once, "",
+        {"heartbeat of start bytes",
+         QByteArray::fromHex("bbbb04bbbbbb"),
+         once,
+         "",
          {{3, once}},
          {{3, once}}},
-        {"two heartbeats", heartbeat + heartbeat, once, "",
+        {"two heartbeats",
+         heartbeat + heartbeat,
+         once,
+         "",
          {{3, once}, {6, twice}, {7, once}},
          {{3, once}}},
-        {"more than one receive takes", heartbeat + filler + heartbeat, twice, "",
+        {"more than one receive takes",
+         heartbeat + filler + heartbeat,
+         twice,
+         "",
          {{3, once}, {100, twice}, {101, once}, {103, twice}},
          {{3, once}, {103, twice}}},
         {"another byte, then a heartbeat", '\0' + heartbeat, "", "", {{1, once}, {2, ""}}, {}},
@@ -203,9 +223,9 @@ QStringList toldBy(Receiver<ControlClientThread>& receiver)
 {
     LinkRecorder recorder;
     QObject::connect(&receiver.thread, SIGNAL(VersionInfo(char,int,int,int,int)), &recorder,
-                     SLOT(VersionInfo(char,int,int,int,int)));
+                                              SLOT(VersionInfo(char,int,int,int,int)));
     QObject::connect(&receiver.thread, SIGNAL(updateLinkedFlag(bool)), &recorder,
-                     SLOT(updateLinkedFlag(bool)));
+                                              SLOT(updateLinkedFlag(bool)));
     const QStringList answers = receiver.answers();
     QStringList all;
     if (!QTest::qWaitFor([&] { return recorder.events.count("lost") >= answers.size(); })) {
@@ -219,9 +239,8 @@ QStringList toldBy(Receiver<ControlClientThread>& receiver)
         }
         const QString expected =
             QString::fromLatin1(answer.toHex()).repeated(static_cast<int>(told.count(linked)));
-        all.append(answers.value(all.size()) == expected
-                       ? told.join(QStringLiteral(", "))
-                       : "answered " + answers.value(all.size()));
+        all.append(answers.value(all.size()) == expected ? told.join(QStringLiteral(", "))
+                                                         : "answered " + answers.value(all.size()));
         told.clear();
     }
     return all;

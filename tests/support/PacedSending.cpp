@@ -25,8 +25,8 @@ quint16 portOf(int descriptor, decltype(::getsockname)* name)
 {
     sockaddr_in place{};
     socklen_t size = sizeof place;
-    const bool known = name(descriptor, reinterpret_cast<sockaddr*>(&place), &size) == 0
-        && place.sin_family == AF_INET;
+    const bool known = name(descriptor, reinterpret_cast<sockaddr*>(&place), &size) == 0 &&
+                       place.sin_family == AF_INET;
     return known ? ntohs(place.sin_port) : quint16{0};
 }
 
@@ -41,9 +41,8 @@ tcp_info infoOf(int descriptor)
 Connection connectionTo(quint16 port)
 {
     int descriptor = 0;
-    while (descriptor <= highestDescriptor
-           && (portOf(descriptor, ::getpeername) != port
-               || infoOf(descriptor).tcpi_state != established)) {
+    while (descriptor <= highestDescriptor && (portOf(descriptor, ::getpeername) != port ||
+                                               infoOf(descriptor).tcpi_state != established)) {
         ++descriptor;
     }
     return {descriptor, portOf(descriptor, ::getsockname)};
@@ -51,15 +50,15 @@ Connection connectionTo(quint16 port)
 
 bool stands(const Connection& connection)
 {
-    return connection.ownPort != 0
-        && portOf(connection.descriptor, ::getsockname) == connection.ownPort;
+    return connection.ownPort != 0 &&
+           portOf(connection.descriptor, ::getsockname) == connection.ownPort;
 }
 
 bool hasTaken(const Connection& connection, std::size_t bytes)
 {
     int waiting = 0;
-    return infoOf(connection.descriptor).tcpi_bytes_received >= bytes
-        && ::ioctl(connection.descriptor, FIONREAD, &waiting) == 0 && waiting == 0;
+    return infoOf(connection.descriptor).tcpi_bytes_received >= bytes &&
+           ::ioctl(connection.descriptor, FIONREAD, &waiting) == 0 && waiting == 0;
 }
 
 } // namespace

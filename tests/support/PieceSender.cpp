@@ -18,8 +18,8 @@ constexpr std::chrono::seconds patience{5};
 } // namespace
 
 PieceSender::PieceSender(int descriptor, int readersDescriptor, const Delivery& delivery)
-    : m_descriptor(descriptor), m_readersDescriptor(readersDescriptor),
-      m_readersThread(::gettid()), m_delivery(delivery), m_thread([this] { run(); })
+    : m_descriptor(descriptor), m_readersDescriptor(readersDescriptor), m_readersThread(::gettid()),
+      m_delivery(delivery), m_thread([this] { run(); })
 {
 }
 
@@ -45,11 +45,11 @@ void PieceSender::run()
 
     std::size_t next = 0;
     const std::vector<std::string>& pieces = m_delivery.pieces;
-    while (next < pieces.size()
-           && (next == 0 || waitUntil([this] { return readerWaitsForMore(); }))) {
+    while (next < pieces.size() &&
+           (next == 0 || waitUntil([this] { return readerWaitsForMore(); }))) {
         const std::string& piece = pieces[next++];
-        if (::send(m_descriptor, piece.data(), piece.size(), MSG_NOSIGNAL)
-            != static_cast<ssize_t>(piece.size())) {
+        if (::send(m_descriptor, piece.data(), piece.size(), MSG_NOSIGNAL) !=
+            static_cast<ssize_t>(piece.size())) {
             break;
         }
     }
@@ -72,8 +72,8 @@ void PieceSender::run()
 bool PieceSender::readerWaitsForMore() const
 {
     int waiting = 0;
-    return ::ioctl(m_readersDescriptor, FIONREAD, &waiting) == 0 && waiting == 0
-        && threadIsAsleep(m_readersThread);
+    return ::ioctl(m_readersDescriptor, FIONREAD, &waiting) == 0 && waiting == 0 &&
+           threadIsAsleep(m_readersThread);
 }
 
 // Puts something into the reader's descriptor that nothing can be received from, so that a

@@ -233,9 +233,8 @@ private:
 
 void ProtocolPagesTest::initTestCase()
 {
-    for (auto [page, path] :
-         {std::pair(&m_linkPage, PROTOCOL_PAGES "/link-protocol.md"),
-          std::pair(&m_cameraPage, PROTOCOL_PAGES "/camera-protocol.md")}) {
+    for (auto [page, path] : {std::pair(&m_linkPage, PROTOCOL_PAGES "/link-protocol.md"),
+                              std::pair(&m_cameraPage, PROTOCOL_PAGES "/camera-protocol.md")}) {
         QFile file(path);
         QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.errorString()));
         *page = QString::fromUtf8(file.readAll());
