@@ -1,0 +1,18 @@
+// The least that a Qt program can show: a window with a button.
+#include <QApplication>
+#include <QIcon>
+#include <QMainWindow>
+#include <QPushButton>
+
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    QMainWindow window;
+    window.setCentralWidget(new QPushButton(QStringLiteral("Button")));
+    if (argc == 2) { // an icon, to tell what showing one costs
+        window.setWindowIcon(QIcon(QString::fromLocal8Bit(argv[1])));
+    }
+    window.resize(800, 600);
+    window.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,49 @@
+// Linked beside a main function: tells when the program's first window has been painted, and how
+// much memory it has half a second later, then ends the program.
+#include "bench/Report.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QTimer>
+#include <QWindow>
+
+namespace {
+
+constexpr int settleTime = 500; // milliseconds
+
+class FirstFrame : public QObject
+{
+public:
+    /// The window paints while it handles its first exposure; what is posted now comes behind that.
+    bool eventFilter(QObject* receiver, QEvent* event) override
+    {
+        const auto* window = qobject_cast<QWindow*>(receiver);
+        if (event->type() == QEvent::Expose && window != nullptr && window->isExposed()) {
+            QCoreApplication::instance()->removeEventFilter(this);
+            QMetaObject::invokeMethod(
+                this, [this] { tell(); }, Qt::QueuedConnection);
+        }
+        return false;
+    }
+
+private:
+    void tell()
+    {
+        const double painted = bench::now();
+        QTimer::singleShot(settleTime, this, [painted] {
+            bench::report(
+                {{"painted", painted}, {"residentKilobytes", bench::residentKilobytes()}});
+            QCoreApplication::quit();
+        });
+    }
+};
+
+void watch()
+{
+    static FirstFrame frame;
+    QCoreApplication::instance()->installEventFilter(&frame);
+}
+
+} // namespace
+
+Q_COREAPP_STARTUP_FUNCTION(watch)

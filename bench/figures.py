@@ -1,0 +1,70 @@
+"""Figures, their spread, and the lines of the table."""
+
+import dataclasses
+import statistics
+
+
+@dataclasses.dataclass
+class Line:
+    """One line of the table. Without a limit it only tells; a ratio is to the named reference."""
+
+    topic: str
+    what: str
+    figure: str
+    target: str = ""
+    reached: object = None
+
+    @property
+    def verdict(self):
+        return {None: "", True: "reached", False: "not reached"}[self.reached]
+
+
+def atMost(topic, what, values, limit, unit="", places=2):
+    """A line whose figure is the median of the values, with the lowest and the highest."""
+    middle = statistics.median(values)
+    figure = f"{middle:.{places}f}{unit}"
+    if len(values) > 1:
+        figure += f" ({min(values):.{places}f} to {max(values):.{places}f})"
+    if limit is None:
+        return Line(topic, what, figure)
+    # The figure as it is printed decides: a reader has to be able to check it.
+    return Line(topic, what, figure, f"at most {limit:g}{unit}", round(middle, places) <= limit)
+
+
+def ratios(measured, reference):
+    """Of pairs that were measured one after the other."""
+    return [ours / theirs for ours, theirs in zip(measured, reference)]
+
+
+def alternating(count, measurements):
+    """Measures each of the named functions `count` times, by turns and in changing order, so that
+    what else the machine does meets all alike. Returns the results by name."""
+    results = {name: [] for name in measurements}
+    names = list(measurements)
+    for turn in range(count):
+        for name in names if turn % 2 == 0 else reversed(names):
+            results[name].append(measurements[name]())
+    return results
+
+
+def field(results, name):
+    return [result[name] for result in results]
+
+
+def printed(lines):
+    """The table as text for a terminal."""
+    head = Line("topic", "what", "figure, median (lowest to highest)", "target")
+    rows = [[*map(str, (line.topic, line.what, line.figure, line.target)), line.verdict]
+            for line in [head, *lines]]
+    rows[0][4] = "verdict"
+    widths = [max(len(row[i]) for row in rows) for i in range(4)]
+    return "\n".join("  ".join([*(text.ljust(width) for text, width in zip(row, widths)), row[4]])
+                     .rstrip() for row in rows)
+
+
+def markdown(lines):
+    rows = ["| What | Figure, median (lowest to highest) | Target | Verdict |",
+            "| --- | --- | --- | --- |"]
+    rows += [f"| {line.topic}: {line.what} | {line.figure} | {line.target} | {line.verdict} |"
+             for line in lines]
+    return "\n".join(rows)

@@ -1,0 +1,84 @@
+#!/usr/bin/python3
+"""Measures the built program and prints what it reached.
+
+Run by bench/run, which builds what is measured and makes the private network and the display.
+"""
+
+import argparse
+import importlib
+import json
+import os
+import pathlib
+import platform
+import sys
+import time
+
+from figures import markdown, printed
+from peers import Failed, ROOT
+
+TOPICS = ("download", "alive", "browse", "start", "idle", "exchange", "growth")
+
+
+def machine():
+    """What the figures are figures of."""
+    processor = next((line.split(":", 1)[1].strip() for line in open("/proc/cpuinfo")
+                      if line.startswith("model name")), platform.machine())
+    memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES") / 2**30
+    system = platform.freedesktop_os_release().get("PRETTY_NAME", "")
+    return (f"{os.cpu_count()} cores of {processor}, {memory:.0f} GiB, {system}, "
+            f"Linux {platform.release()}")
+
+
+def publish(results):
+    """Charts and table into docs/."""
+    page = ROOT / "docs/performance.md"
+    for topic in results["topics"]:
+        begin, end = f"<!-- {topic}: begin -->", f"<!-- {topic}: end -->"
+        text = page.read_text(encoding="utf-8")
+        before, _, rest = text.partition(begin)
+        _, _, after = rest.partition(end)
+        lines = [line for line in results["lines"] if line.topic == topic]
+        page.write_text(f"{before}{begin}\n{markdown(lines)}\n{end}{after}", encoding="utf-8")
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="./check --bench")
+    parser.add_argument("topics", nargs="*", metavar="TOPIC")
+    parser.add_argument("--quick", action="store_true")
+    parser.add_argument("--pairs", type=int)
+    parser.add_argument("--publish", action="store_true")
+    options = parser.parse_args()
+    options.pairs = options.pairs or (3 if options.quick else 7)
+    topics = options.topics or TOPICS
+
+    print(f"Measured on {machine()}, {time.strftime('%Y-%m-%d')}", flush=True)
+    load = os.getloadavg()[0]
+    if load > 0.5:
+        print(f"The machine is busy (load {load:.1f}): the figures will be worse than it is.")
+    lines, data = [], {}
+    for topic in topics:
+        print(f"... {topic}", file=sys.stderr, flush=True)
+        measured, data[topic] = importlib.import_module(f"topic_{topic}").measure(options)
+        lines += measured
+    print(printed(lines))
+
+    import charts
+    folder = ROOT / ("docs/images" if options.publish else "build/bench/charts")
+    folder.mkdir(parents=True, exist_ok=True)
+    for topic in topics:
+        charts.draw(topic, data[topic], folder / f"performance-{topic}.svg")
+    pathlib.Path(ROOT / "build/bench/results.json").write_text(json.dumps(
+        {"machine": machine(), "lines": [vars(line) for line in lines], "data": data}, indent=1),
+        encoding="utf-8")
+    if options.publish:
+        publish({"topics": topics, "lines": lines})
+    print(f"Charts in {folder.relative_to(ROOT)}, all figures in build/bench/results.json")
+    return 0
+
+
+if __name__ == "__main__":
+    try:
+        sys.exit(main())
+    except Failed as failure:
+        print(f"bench: {failure}", file=sys.stderr)
+        sys.exit(1)

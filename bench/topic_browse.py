@@ -1,0 +1,60 @@
+"""Browsing a card, beside one curl process that makes the same requests over a connection each."""
+
+import os
+import pathlib
+import statistics
+
+from figures import alternating, atMost, field, ratios
+from peers import CAMERA, driver, folderInMemory, usageOf, vehicle
+
+TOPIC = "browse"
+COUNTS = (16, 64, 128)
+COMMANDS = CAMERA + "/cgi-bin/hi3510/"
+
+
+def addresses(names):
+    """What a browse asks for."""
+    return [COMMANDS + "getfilecount.cgi?",
+            COMMANDS + f"getfilelist.cgi?&-start=1&-end={len(names)}",
+            *(COMMANDS + f"getfileinfo.cgi?&-name=sd/DCIM/100ZEPNA/{name}" for name in names)]
+
+
+def curlBrowse(folder, count, name):
+    """The browse of `count` files by curl; "Connection: close" keeps it from using one again."""
+    configuration = pathlib.Path(folder, name)
+    configuration.write_text("silent\nhttp1.1\nheader = \"Connection: close\"\n" + "".join(
+        f'url = "{address}"\noutput = "{os.devnull}"\n'
+        for address in addresses([f"REC{i:05}.MP4" for i in range(count)])), encoding="ascii")
+    return usageOf(["curl", "-K", configuration])["seconds"]
+
+
+def measureCard(options, count):
+    """Seconds per request, of the window and of curl. A curl process that asks for one file less
+    than none is taken off its time: the window does not start either."""
+    requests = count + 2
+    with folderInMemory() as folder:
+        card = pathlib.Path(folder, "card")
+        card.mkdir()
+        for i in range(count):
+            (card / f"REC{i:05}.MP4").write_bytes(b"x" * 2048)
+        with vehicle("--card", card):
+            results = alternating(options.pairs, {
+                "window": lambda: statistics.median(
+                    field(driver("bench_window", "browse", 3), "seconds")) / requests,
+                "curl": lambda: (curlBrowse(folder, count, "all") -
+                                 curlBrowse(folder, 0, "start")) / count})
+    return results
+
+
+def measure(options):
+    results = {count: measureCard(options, count) for count in COUNTS}
+    lines = [atMost(TOPIC, f"{count} recordings, time per file, to curl's",
+                    ratios(result["window"], result["curl"]), 1.0)
+             for count, result in results.items()]
+    lines += [atMost(TOPIC, f"{count} recordings, time per file",
+                     [value * 1e6 for value in result["window"]], None, " us", 0)
+              for count, result in results.items()]
+    grown = ratios(results[COUNTS[-1]]["window"], results[COUNTS[0]]["window"])
+    lines.append(atMost(TOPIC, f"time per file, {COUNTS[-1]} recordings to {COUNTS[0]}", grown,
+                        1.1))
+    return lines, results

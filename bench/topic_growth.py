@@ -1,0 +1,80 @@
+"""Whether time and memory for one of many stay what they are when there are more."""
+
+import pathlib
+import statistics
+
+from figures import Line, atMost
+from peers import CAMERA, camera, driver, folderInMemory, home, modules, vehicle
+
+TOPIC = "growth"
+ROWS = (16, 32, 64, 128)
+KILOBYTES = (1, 10, 100, 1000, 20_000)
+
+
+def selection(options):
+    """Microseconds a row, by the number of rows."""
+    result = {}
+    for count in ROWS:
+        with folderInMemory() as folder:
+            for i in range(count):
+                pathlib.Path(folder, f"REC{i:05}.MP4").write_bytes(b"x")
+            with vehicle("--card", folder):
+                times = [driver("bench_window", "select", 200)[0]["seconds"]
+                         for _ in range(options.pairs)]
+        result[count] = [1e6 * value / count for value in times]
+    return result
+
+
+def answers(options):
+    """Seconds and memory of one answer, by its kilobytes."""
+    result = {}
+    with camera([1]) as (folder, _):
+        for size in KILOBYTES:
+            entries = b"sd/DCIM/100ZEPNA/REC00000.MP4;" * (size * 1000 // 30)
+            pathlib.Path(folder, f"www/list{size}").write_bytes(entries + b"\r\n")
+            times = [driver("bench_exchange", "http", CAMERA + f"/list{size}", 10)[0]
+                     for _ in range(options.pairs)]
+            result[size] = {"seconds": [each["seconds"] / 10 for each in times],
+                            "grownKilobytes": [each["grownKilobytes"] for each in times]}
+    return result
+
+
+def downloads(options):
+    count = 120 if options.quick else 300
+    with home() as (folder, _), modules(), camera([1]):
+        return driver("bench_window", "downloads", count, HOME=str(folder))
+
+
+def thirds(values):
+    """Median of the last third and of the first, without the very first ones: they set up what
+    lasts."""
+    part = len(values) // 3
+    return statistics.median(values[-part:]), statistics.median(values[5:5 + part])
+
+
+def measure(options):
+    perRow, perAnswer, perDownload = selection(options), answers(options), downloads(options)
+    most, fewest = perRow[ROWS[-1]], perRow[ROWS[0]]
+    lines = [atMost(TOPIC, f"selection, time per row, {ROWS[-1]} rows to {ROWS[0]}",
+                    [many / few for many, few in zip(most, fewest)], 1.25)]
+
+    big, middle = perAnswer[KILOBYTES[-1]], perAnswer[KILOBYTES[-2]]
+    factor = KILOBYTES[-1] / KILOBYTES[-2]
+    lines.append(atMost(TOPIC, "list answer, time per megabyte, 20 MB to 1 MB",
+                        [many / few / factor for many, few in zip(big["seconds"],
+                                                                  middle["seconds"])], 1.25))
+    lines.append(atMost(TOPIC, "list answer of 20 MB, memory to its size",
+                        [each / KILOBYTES[-1] for each in big["grownKilobytes"]], 3))
+
+    seconds = [each["seconds"] for each in perDownload]
+    late, early = thirds(seconds)
+    lines.append(atMost(TOPIC, f"{len(seconds)} downloads, time of one, last third to first",
+                        [late / early], 1.25))
+    memory = [each["residentKilobytes"] for each in perDownload]
+    last = memory[-len(memory) // 3:]
+    lines.append(atMost(TOPIC, f"{len(seconds)} downloads, memory of one of the last third",
+                        [(last[-1] - last[0]) / (len(last) - 1)], 20, " kB", 1))
+    lines.append(Line(TOPIC, f"{len(seconds)} downloads, memory of the first two thirds",
+                      f"{(last[0] - memory[0]) / 1024:.1f} MB"))
+    return lines, {"selection": perRow, "answers": perAnswer, "seconds": seconds,
+                   "memory": memory}

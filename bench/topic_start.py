@@ -1,0 +1,38 @@
+"""From the start of the process to the first painted frame, beside a bare window with a button."""
+
+import json
+import statistics
+
+from figures import Line, alternating, atMost, field, ratios
+from peers import BUILT, ROOT, run
+
+TOPIC = "start"
+ICON = ROOT / "resources/Images/appicon.png"
+
+
+def start(name, *arguments):
+    result = run([BUILT / name, *arguments])
+    told = json.loads(result["output"].splitlines()[-1])
+    return {"seconds": told["painted"] - result["begin"],
+            "megabytes": told["residentKilobytes"] / 1024}
+
+
+def measure(options):
+    # Short runs: more of them for the same time.
+    results = alternating(options.pairs * 2 + 1, {
+        "window": lambda: start("bench_start"),
+        "bare": lambda: start("bench_bare_window"),
+        "bare with icon": lambda: start("bench_bare_window", ICON)})
+    seconds = {name: field(values, "seconds") for name, values in results.items()}
+    memory = {name: field(values, "megabytes") for name, values in results.items()}
+    icon = 1000 * (statistics.median(seconds["bare with icon"]) -
+                   statistics.median(seconds["bare"]))
+    lines = [atMost(TOPIC, "first frame, to a bare window's",
+                    ratios(seconds["window"], seconds["bare"]), 1.3)]
+    lines += [atMost(TOPIC, f"first frame, {name}", [1000 * value for value in values], None,
+                     " ms", 0) for name, values in seconds.items()]
+    lines.append(Line(TOPIC, "the icon's share", f"{icon:.1f} ms"))
+    lines.append(atMost(TOPIC, "resident memory above the bare window's",
+                        [ours - bare for ours, bare in zip(memory["window"], memory["bare"])], 6,
+                        " MB", 1))
+    return lines, {"seconds": seconds, "megabytes": memory}
