@@ -48,6 +48,12 @@ std::size_t wantedEntries(std::string_view end, std::size_t all)
     return std::min(number, all);
 }
 
+/// The first of the other names is that of the card's first recording, the second the second's, ...
+const std::string& shownName(const Recording& recording, const std::vector<std::string>& otherNames)
+{
+    return recording.ordinal < otherNames.size() ? otherNames[recording.ordinal] : recording.name;
+}
+
 std::string field(const char* name, const std::string& value)
 {
     return "var "s + name + "=\"" + value + "\";\r\n";
@@ -147,25 +153,23 @@ Card& CameraAnswers::card()
     return m_madeUp;
 }
 
-std::string CameraAnswers::shownName(const Recording& recording) const
+std::vector<std::string> CameraAnswers::otherNames() const
 {
-    // The first fault of this family renames the first recording, the second the second, ...
-    const auto names = m_faults->valuesWithPrefix("name-");
-    return recording.ordinal < names.size() ? names[recording.ordinal] : recording.name;
+    return m_faults->valuesWithPrefix("name-");
 }
 
 std::optional<std::size_t> CameraAnswers::find(std::string_view name)
 {
-    const auto names = m_faults->valuesWithPrefix("name-");
+    const std::vector<std::string> names = otherNames();
     const auto& recordings = card().recordings();
-    for (std::size_t i = 0; i < recordings.size(); ++i) {
-        const Recording& recording = recordings[i];
-        if (name ==
-            (recording.ordinal < names.size() ? names[recording.ordinal] : recording.name)) {
-            return i;
-        }
+    const auto found =
+        std::find_if(recordings.begin(), recordings.end(), [&names, name](const Recording& each) {
+            return name == shownName(each, names);
+        });
+    if (found == recordings.end()) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    return static_cast<std::size_t>(found - recordings.begin());
 }
 
 Answer CameraAnswers::answer(RequestKind kind, std::string_view target)
@@ -209,9 +213,9 @@ Answer CameraAnswers::listAnswer(const FaultScope& faults, std::string_view end)
     if (const auto padding = faults.number("list-padding")) {
         text.assign(static_cast<std::size_t>(*padding), 'x');
     }
+    const std::vector<std::string> names = otherNames();
     for (std::size_t i = 0; i < wanted; ++i) {
-        // only the first few can have another name
-        text += directory + (i < 64 ? shownName(recordings[i]) : recordings[i].name) + separator;
+        text += directory + shownName(recordings[i], names) + separator;
     }
     if (faults.active("unending-list")) {
         Answer answer;

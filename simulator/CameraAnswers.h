@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "simulator/Card.h"
 #include "simulator/FaultTable.h"
@@ -47,7 +48,8 @@ public:
 
 private:
     Card& card();
-    std::string shownName(const Recording& recording) const;
+    /// What the faults "name-..." call the first recordings.
+    std::vector<std::string> otherNames() const;
     std::optional<std::size_t> find(std::string_view name);
     Answer countAnswer(const FaultScope& faults);
     Answer listAnswer(const FaultScope& faults, std::string_view end);
