@@ -15,7 +15,8 @@ namespace simulator {
 namespace {
 
 const std::string advice = "\nRun it inside a private network of its own:\n"
-                           "    simulator/private-network belun-simulator ...";
+                           "    belun-private-network belun-simulator ...\n"
+                           "That is simulator/private-network in the source tree.";
 
 } // namespace
 

@@ -8,6 +8,9 @@ import subprocess
 import harness
 from harness import COUNT, SimulatorTest
 
+ADVICE = ("\n    belun-private-network belun-simulator ...\n"
+          "That is simulator/private-network in the source tree.\n")
+
 
 class CommandLineTest(SimulatorTest):
     def run_(self, *arguments, wrapper=(), **options):
@@ -69,7 +72,7 @@ class CommandLineTest(SimulatorTest):
                 self.assertEqual(3, result.returncode, result.stderr)
                 self.assertIn("loopback interface lacks the address 192.168.1." + missing,
                               result.stderr)
-                self.assertIn("simulator/private-network", result.stderr)
+                self.assertIn(ADVICE, result.stderr)
 
     def test_network_with_another_interface_is_refused(self):
         result = self.runInNetwork(
@@ -81,7 +84,7 @@ class CommandLineTest(SimulatorTest):
             self.skipTest("this system has no second interface to offer")
         self.assertEqual(3, result.returncode, result.stderr)
         self.assertIn("interface other is up", result.stderr)
-        self.assertIn("simulator/private-network", result.stderr)
+        self.assertIn(ADVICE, result.stderr)
 
     def test_control_lines_are_answered_in_turn(self):
         self.start()
