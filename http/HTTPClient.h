@@ -2,10 +2,10 @@
 //
 // Where the bodies live:
 //   HTTPClient_Url.cpp          parseUrl, hostToLong
-//   HTTPClient_RequestHead.cpp  makeHeader, sendHeader, and the send loop that all writers share
+//   HTTPClient_RequestHead.cpp  makeHeader, sendHeader, sendBody
 //   HTTPClient_Response.cpp     readHeader, parseLine, readBody
-//   HTTPClient_Exchange.cpp     get, startGet, getData, stopGet, post, sendBody, startPost,
-//                               postData, stopPost
+//   HTTPClient_Exchange.cpp     get, startGet, getData, stopGet, post, startPost, postData,
+//                               stopPost
 //   HTTPClient_Multipart.cpp    makeMultipartBody
 #pragma once
 
