@@ -28,6 +28,7 @@ PROGRAM = {
     "share/doc/belun-download/copyright",
     "share/doc/belun-download/docs/images/window-en.png",
     "share/doc/belun-download/docs/images/window-zh.png",
+    "share/doc/belun-download/docs/recordings-safe.md",
     f"{ICONS}/scalable/apps/belun-download.svg",
     "share/lintian/overrides/belun-download",
     "share/man/man1/belun-download.1.gz",
