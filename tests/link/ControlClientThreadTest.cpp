@@ -2,6 +2,7 @@
 
 #include "tests/link/HeartBeats.h"
 #include "tests/link/LinkRecorder.h"
+#include "tests/link/ModuleScripts.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/MetaMethods.h"
 #include "tests/support/OpenDescriptors.h"
@@ -49,32 +50,13 @@ struct Link
                                          SLOT(updateLinkedFlag(bool)));
     }
     void start() { thread.start(QThread::InheritPriority); }
-    void tick(int times)
-    {
-        for (int number = 0; number < times; ++number) {
-            QMetaObject::invokeMethod(&thread, "heartBeatTimer", Qt::DirectConnection);
-        }
-    }
+    void tick(int times) { tickHeartBeats(thread, times); }
 
     support::LogCapture log;
     LinkRecorder recorder;
     ControlClientThread thread{nullptr};
     support::SleepWatch watch{thread};
 };
-
-/// Sends the bytes; keeps receiving until the server ends, so that answers are recorded.
-Script sendAndHold(const QByteArray& bytes)
-{
-    return [bytes](Peer& peer) {
-        peer.send(bytes);
-        peer.holdOpen();
-    };
-}
-
-void hold(Peer& peer)
-{
-    peer.holdOpen();
-}
 
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "link/GroundClientThread.h"
 
 #include "tests/link/HeartBeats.h"
+#include "tests/link/ModuleScripts.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/MetaMethods.h"
 #include "tests/support/OpenDescriptors.h"
@@ -41,31 +42,12 @@ struct Link
 {
     Link() { thread.findChild<QTimer*>()->stop(); }
     void start() { thread.start(QThread::InheritPriority); }
-    void tick(int times)
-    {
-        for (int number = 0; number < times; ++number) {
-            QMetaObject::invokeMethod(&thread, "heartBeatTimer", Qt::DirectConnection);
-        }
-    }
+    void tick(int times) { tickHeartBeats(thread, times); }
 
     support::LogCapture log;
     GroundClientThread thread{nullptr};
     support::SleepWatch watch{thread};
 };
-
-/// Sends the bytes, records the answers until the server ends.
-Script sendAndHold(const QByteArray& bytes)
-{
-    return [bytes](Peer& peer) {
-        peer.send(bytes);
-        peer.holdOpen();
-    };
-}
-
-void hold(Peer& peer)
-{
-    peer.holdOpen();
-}
 
 } // namespace
 
