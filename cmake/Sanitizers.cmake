@@ -17,7 +17,7 @@ if(BELUN_SANITIZE)
   # ignore_noninstrumented_modules: Qt's locks and atomics cannot be seen, so neither must be what
   # it does under them.
   # halt_on_error: also a program that its test kills in the end shall not hide a race.
-  set(BELUN_TIME_FACTOR 3)
+  set(BELUN_TIME_FACTOR 6)
   set(BELUN_SANITIZER_ENVIRONMENT
     "BELUN_TIME_FACTOR=${BELUN_TIME_FACTOR}"
     "ASAN_OPTIONS=detect_stack_use_after_return=1"

@@ -29,13 +29,16 @@ sockaddr_in socketAddress(const QByteArray& address, quint16 port)
 SilentAddress::SilentAddress(const QByteArray& address, quint16 port)
     : m_listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
 {
-    const sockaddr_in place = socketAddress(address, port);
+    sockaddr_in place = socketAddress(address, port);
     const int on = 1;
     ::setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0 ||
         ::listen(m_listener, 0) != 0) {
         qFatal("nothing can listen on %s:%d", address.constData(), port);
     }
+    socklen_t size = sizeof place;
+    ::getsockname(m_listener, reinterpret_cast<sockaddr*>(&place), &size);
+    m_port = ntohs(place.sin_port);
     for (int number = 0; number < most; ++number) {
         const int client = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
         m_waiting.push_back(client);
@@ -45,7 +48,7 @@ SilentAddress::SilentAddress(const QByteArray& address, quint16 port)
             return;
         }
     }
-    qFatal("%s:%d still answers", address.constData(), port);
+    qFatal("%s:%d still answers", address.constData(), m_port);
 }
 
 SilentAddress::~SilentAddress()
@@ -54,6 +57,11 @@ SilentAddress::~SilentAddress()
         ::close(client);
     }
     ::close(m_listener);
+}
+
+quint16 SilentAddress::port() const
+{
+    return m_port;
 }
 
 } // namespace support

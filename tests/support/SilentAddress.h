@@ -13,13 +13,17 @@ namespace support {
 class SilentAddress
 {
 public:
+    /// Port 0 stands for any free one.
     SilentAddress(const QByteArray& address, quint16 port);
     ~SilentAddress();
     SilentAddress(const SilentAddress&) = delete;
     SilentAddress& operator=(const SilentAddress&) = delete;
 
+    quint16 port() const;
+
 private:
     int m_listener;
+    quint16 m_port = 0;
     std::vector<int> m_waiting;
 };
 

@@ -177,12 +177,12 @@ void SupportTest::stopEndsAScriptThatWaits()
 
 void SupportTest::silentAddressNeitherAcceptsNorRefuses()
 {
-    const support::SilentAddress silent("127.0.0.1", 45678);
+    const support::SilentAddress silent("127.0.0.1", 0);
     const int descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
     sockaddr_in place{};
     place.sin_family = AF_INET;
     place.sin_addr.s_addr = inet_addr("127.0.0.1");
-    place.sin_port = htons(45678);
+    place.sin_port = htons(silent.port());
     QCOMPARE(::connect(descriptor, reinterpret_cast<const sockaddr*>(&place), sizeof place), -1);
     QCOMPARE(errno, EINPROGRESS);
     pollfd state{descriptor, POLLOUT, 0};
