@@ -9,10 +9,9 @@
 #include <memory>
 #include <string>
 
+#include <benchmark/benchmark.h>
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include <benchmark/benchmark.h>
 
 namespace {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
-
 #include "simulator/CameraAnswers.h"
 #include "simulator/FaultTable.h"
 #include "simulator/Outbox.h"
+
+#include <cstdint>
 
 namespace simulator {
 

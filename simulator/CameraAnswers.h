@@ -1,13 +1,13 @@
 #pragma once
 
+#include "simulator/Card.h"
+#include "simulator/FaultTable.h"
+#include "simulator/Outbox.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "simulator/Card.h"
-#include "simulator/FaultTable.h"
-#include "simulator/Outbox.h"
 
 namespace simulator {
 

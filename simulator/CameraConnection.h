@@ -1,13 +1,13 @@
 #pragma once
 
+#include "simulator/AnswerBytes.h"
+#include "simulator/Connection.h"
+#include "simulator/FaultTable.h"
+
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
-
-#include "simulator/AnswerBytes.h"
-#include "simulator/Connection.h"
-#include "simulator/FaultTable.h"
 
 namespace simulator {
 

@@ -1,5 +1,7 @@
 #include "simulator/Card.h"
 
+#include "simulator/Mp4Duration.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -9,8 +11,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
-
-#include "simulator/Mp4Duration.h"
 
 namespace simulator {
 

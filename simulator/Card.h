@@ -1,13 +1,13 @@
 #pragma once
 
+#include "simulator/Content.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "simulator/Content.h"
 
 namespace simulator {
 

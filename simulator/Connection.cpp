@@ -1,13 +1,13 @@
 #include "simulator/Connection.h"
 
+#include "simulator/Text.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <vector>
 
 #include <poll.h>
 #include <sys/socket.h>
-
-#include "simulator/Text.h"
 
 namespace simulator {
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <cstdint>
-#include <deque>
-#include <string>
-#include <string_view>
-
 #include "simulator/Clock.h"
 #include "simulator/FileDescriptor.h"
 #include "simulator/Journal.h"
 #include "simulator/Outbox.h"
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
 
 namespace simulator {
 

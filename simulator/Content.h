@@ -1,11 +1,11 @@
 #pragma once
 
+#include "simulator/FileDescriptor.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
-
-#include "simulator/FileDescriptor.h"
 
 namespace simulator {
 

@@ -1,10 +1,10 @@
 #include "simulator/Device.h"
 
+#include "simulator/Text.h"
+
 #include <algorithm>
 
 #include <sys/resource.h>
-
-#include "simulator/Text.h"
 
 namespace simulator {
 

@@ -1,17 +1,17 @@
 #pragma once
 
+#include "simulator/Clock.h"
+#include "simulator/Connection.h"
+#include "simulator/FaultTable.h"
+#include "simulator/Journal.h"
+#include "simulator/Listener.h"
+
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <poll.h>
-
-#include "simulator/Clock.h"
-#include "simulator/Connection.h"
-#include "simulator/FaultTable.h"
-#include "simulator/Journal.h"
-#include "simulator/Listener.h"
 
 namespace simulator {
 

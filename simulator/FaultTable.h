@@ -1,12 +1,12 @@
 #pragma once
 
+#include "simulator/Clock.h"
+
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "simulator/Clock.h"
 
 namespace simulator {
 

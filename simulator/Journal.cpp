@@ -1,13 +1,13 @@
 #include "simulator/Journal.h"
 
+#include "simulator/Text.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
 
 #include <fcntl.h>
-
-#include "simulator/Text.h"
 
 namespace simulator {
 

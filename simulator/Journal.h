@@ -1,10 +1,10 @@
 #pragma once
 
+#include "simulator/FileDescriptor.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-#include "simulator/FileDescriptor.h"
 
 namespace simulator {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "simulator/FileDescriptor.h"
+
 #include <cstdint>
 #include <string>
-
-#include "simulator/FileDescriptor.h"
 
 namespace simulator {
 

@@ -1,9 +1,9 @@
 #include "simulator/ModuleConnection.h"
 
+#include "simulator/Text.h"
+
 #include <algorithm>
 #include <charconv>
-
-#include "simulator/Text.h"
 
 namespace simulator {
 

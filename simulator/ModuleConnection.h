@@ -1,12 +1,12 @@
 #pragma once
 
+#include "simulator/Connection.h"
+#include "simulator/FaultTable.h"
+
 #include <array>
 #include <deque>
 #include <string>
 #include <string_view>
-
-#include "simulator/Connection.h"
-#include "simulator/FaultTable.h"
 
 namespace simulator {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "simulator/Content.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
-
-#include "simulator/Content.h"
 
 namespace simulator {
 

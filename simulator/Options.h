@@ -1,10 +1,10 @@
 #pragma once
 
+#include "simulator/ModuleConnection.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include "simulator/ModuleConnection.h"
 
 namespace simulator {
 

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "simulator/Clock.h"
+#include "simulator/Content.h"
+
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "simulator/Clock.h"
-#include "simulator/Content.h"
 
 namespace simulator {
 

@@ -1,5 +1,7 @@
 #include "simulator/SampleCard.h"
 
+#include "simulator/Mp4Duration.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -8,8 +10,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-
-#include "simulator/Mp4Duration.h"
 
 namespace simulator {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "simulator/Card.h"
+
 #include <cstdint>
 #include <string>
-
-#include "simulator/Card.h"
 
 namespace simulator {
 

@@ -1,5 +1,8 @@
 #include "simulator/Simulator.h"
 
+#include "simulator/SampleCard.h"
+#include "simulator/Text.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <utility>
@@ -7,9 +10,6 @@
 
 #include <poll.h>
 #include <unistd.h>
-
-#include "simulator/SampleCard.h"
-#include "simulator/Text.h"
 
 namespace simulator {
 

@@ -1,15 +1,15 @@
 #pragma once
 
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "simulator/CameraConnection.h"
 #include "simulator/Card.h"
 #include "simulator/Device.h"
 #include "simulator/FaultTable.h"
 #include "simulator/Journal.h"
 #include "simulator/Options.h"
+
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace simulator {
 

@@ -1,3 +1,11 @@
+#include "simulator/FaultTable.h"
+#include "simulator/FileDescriptor.h"
+#include "simulator/Options.h"
+#include "simulator/PrivateNetwork.h"
+#include "simulator/SampleCard.h"
+#include "simulator/Simulator.h"
+#include "simulator/Text.h"
+
 #include <csignal>
 #include <cstdio>
 #include <string>
@@ -6,14 +14,6 @@
 #include <fcntl.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
-
-#include "simulator/FaultTable.h"
-#include "simulator/FileDescriptor.h"
-#include "simulator/Options.h"
-#include "simulator/PrivateNetwork.h"
-#include "simulator/SampleCard.h"
-#include "simulator/Simulator.h"
-#include "simulator/Text.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // Tells the thread sanitizer what it cannot see in a Qt that is not instrumented: all that a thread
 // has done comes before the return of the QThread::wait() that waited for it. The linker sends our
 // calls of start() and wait() here (Sanitizers.cmake).
-#include <QThread>
-
 #include <sanitizer/tsan_interface.h>
+
+#include <QThread>
 
 void realStart(QThread* thread,
                QThread::Priority priority) asm("__real__ZN7QThread5startENS_8PriorityE");

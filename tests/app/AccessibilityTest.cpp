@@ -1,6 +1,8 @@
 // What assistive programs are told about the window, in both languages.
 #include "app/MainWindow.h"
 #include "card/FileTable.h"
+#include "tests/support/TestMain.h"
+#include "tests/support/WindowProbe.h"
 
 #include <algorithm>
 #include <memory>
@@ -8,9 +10,6 @@
 #include <QAccessible>
 #include <QtTest>
 #include <QtWidgets>
-
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 // The two catalogues, source and compiled, against the table of texts.
+#include "tests/support/TestMain.h"
+
 #include <QFile>
 #include <QTranslator>
 #include <QXmlStreamReader>
 #include <QtEndian>
 #include <QtTest>
-
-#include "tests/support/TestMain.h"
 
 class CatalogueTest : public QObject
 {

@@ -6,14 +6,13 @@
 #include <chrono>
 
 #include <arpa/inet.h>
+#include <linux/sockios.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include <linux/sockios.h>
 
 #include <QFile>
 #include <QtGlobal>

@@ -1,13 +1,12 @@
 // The details of a recording in the window's table. The answers are recorded, one case per file.
 #include "app/MainWindow.h"
+#include "tests/support/TestMain.h"
+#include "tests/support/WindowProbe.h"
 
 #include <memory>
 
 #include <QTableWidget>
 #include <QtTest>
-
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
 
 class FileInfoTest : public QObject
 {

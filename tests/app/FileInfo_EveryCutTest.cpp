@@ -1,7 +1,6 @@
 // The details of a recording, good and bad, delivered in every way a connection may deliver them,
 // and what the window's row then shows.
 #include "app/MainWindow.h"
-
 #include "tests/card/AnswerCuts.h"
 #include "tests/support/TestMain.h"
 #include "tests/support/WindowProbe.h"

@@ -1,15 +1,14 @@
 // The window's file table: how it is set up, and the check box that selects all of it.
 #include "app/MainWindow.h"
+#include "tests/card/LoudFocusStyle.h"
+#include "tests/support/TestMain.h"
+#include "tests/support/WindowProbe.h"
 
 #include <algorithm>
 #include <memory>
 
 #include <QtTest>
 #include <QtWidgets>
-
-#include "tests/card/LoudFocusStyle.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
 
 class FileTableTest : public QObject
 {

@@ -1,5 +1,7 @@
 // The form: its objects, where they are placed, their properties and their connections by name.
 #include "app/MainWindow.h"
+#include "tests/support/TestMain.h"
+#include "tests/support/WindowProbe.h"
 #include "ui_MainWindow.h"
 
 #include <array>
@@ -13,9 +15,6 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <QtWidgets>
-
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
 
 namespace {
 

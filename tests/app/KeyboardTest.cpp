@@ -1,15 +1,14 @@
 // The window without a mouse: where the Tab key leads, and the way into and out of the table.
 #include "app/MainWindow.h"
 #include "card/FileTable.h"
+#include "tests/support/TestMain.h"
+#include "tests/support/WindowProbe.h"
 
 #include <algorithm>
 #include <memory>
 
 #include <QtTest>
 #include <QtWidgets>
-
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
 
 class KeyboardTest : public QObject
 {

@@ -1,13 +1,12 @@
 // English and Chinese, switched while the window stands.
 #include "app/MainWindow.h"
+#include "tests/support/TestMain.h"
+#include "tests/support/WindowProbe.h"
 
 #include <memory>
 
 #include <QtTest>
 #include <QtWidgets>
-
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
 
 // Outside any namespace, since the collection's functions are.
 static void withdrawResources()

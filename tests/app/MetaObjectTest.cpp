@@ -1,10 +1,9 @@
 // What the window offers by name, entry by entry.
 #include "app/MainWindow.h"
+#include "tests/support/TestMain.h"
 
 #include <QMetaMethod>
 #include <QtTest>
-
-#include "tests/support/TestMain.h"
 
 class MetaObjectTest : public QObject
 {

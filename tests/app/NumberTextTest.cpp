@@ -1,12 +1,11 @@
 // Integers as text in any base, asked for by name as everything private of the window is.
 #include "app/MainWindow.h"
+#include "tests/support/TestMain.h"
+#include "tests/support/WindowProbe.h"
 
 #include <climits>
 
 #include <QtTest>
-
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
 
 class NumberTextTest : public QObject
 {

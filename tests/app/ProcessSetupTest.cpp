@@ -1,6 +1,8 @@
 // What the process is given before anything else.
 #include "app/ProcessSetup.h"
 
+#include "tests/support/TestMain.h"
+
 #include <cerrno>
 #include <csignal>
 
@@ -8,8 +10,6 @@
 #include <unistd.h>
 
 #include <QtTest>
-
-#include "tests/support/TestMain.h"
 
 class ProcessSetupTest : public QObject
 {

@@ -1,12 +1,12 @@
 // The icon and the catalogues at their fixed paths.
+#include "tests/app/EarlyReading.h"
+#include "tests/support/TestMain.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QImage>
 #include <QTranslator>
 #include <QtTest>
-
-#include "tests/app/EarlyReading.h"
-#include "tests/support/TestMain.h"
 
 class ResourceTest : public QObject
 {

@@ -1,12 +1,12 @@
 // The progress bar's groove, remembered.
 #include "app/SteadyGrooveStyle.h"
 
+#include "tests/support/TestMain.h"
+
 #include <QImage>
 #include <QProgressBar>
 #include <QStyleFactory>
 #include <QtTest>
-
-#include "tests/support/TestMain.h"
 
 Q_DECLARE_METATYPE(QStyleOptionProgressBar)
 

@@ -1,6 +1,8 @@
 // Rests of the event loop, and that nothing suffers from them.
 #include "app/UnhurriedLoop.h"
 
+#include "tests/support/TestMain.h"
+
 #include <algorithm>
 #include <memory>
 
@@ -9,8 +11,6 @@
 #include <QEventLoop>
 #include <QThread>
 #include <QtTest>
-
-#include "tests/support/TestMain.h"
 
 namespace {
 

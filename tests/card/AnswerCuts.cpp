@@ -1,7 +1,6 @@
 #include "tests/card/AnswerCuts.h"
 
 #include "http/HTTPClient.h"
-
 #include "tests/support/PieceSender.h"
 #include "tests/support/SocketPair.h"
 

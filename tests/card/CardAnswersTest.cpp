@@ -1,14 +1,14 @@
 // Marker search, count, list walk. The lists are recorded answers, one case per file.
 #include "card/CardAnswers.h"
 
+#include "tests/support/TestMain.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstring>
 #include <memory>
 
 #include <QtTest>
-
-#include "tests/support/TestMain.h"
 
 using card::NameTable;
 

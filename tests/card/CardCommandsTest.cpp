@@ -1,9 +1,9 @@
 // The addresses that the camera understands, letter for letter.
 #include "card/CardCommands.h"
 
-#include <QtTest>
-
 #include "tests/support/TestMain.h"
+
+#include <QtTest>
 
 class CardCommandsTest : public QObject
 {

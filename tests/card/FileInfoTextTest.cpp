@@ -1,11 +1,11 @@
 // Date, size and duration as the table shows them.
 #include "card/FileInfoText.h"
 
+#include "tests/support/TestMain.h"
+
 #include <climits>
 
 #include <QtTest>
-
-#include "tests/support/TestMain.h"
 
 class FileInfoTextTest : public QObject
 {

@@ -1,13 +1,13 @@
 // The making of the table's cells. How the window's table is set up is tested with the window.
 #include "card/FileTable.h"
 
+#include "tests/support/TestMain.h"
+
 #include <memory>
 
 #include <QHeaderView>
 #include <QTableWidget>
 #include <QtTest>
-
-#include "tests/support/TestMain.h"
 
 class FileTableTest : public QObject
 {

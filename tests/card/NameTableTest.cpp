@@ -1,14 +1,14 @@
 // The fixed slots of the file names: what fits, what runs on, what is never written.
 #include "card/NameTable.h"
 
+#include "tests/support/TestMain.h"
+
 #include <array>
 #include <climits>
 #include <memory>
 #include <string>
 
 #include <QtTest>
-
-#include "tests/support/TestMain.h"
 
 using card::NameTable;
 

@@ -1,12 +1,12 @@
 // Cells without a focus frame, compared pixel by pixel with the base delegate's.
 #include "card/NoFocusDelegate.h"
 
+#include "tests/card/LoudFocusStyle.h"
+#include "tests/support/TestMain.h"
+
 #include <QApplication>
 #include <QStandardItemModel>
 #include <QtTest>
-
-#include "tests/card/LoudFocusStyle.h"
-#include "tests/support/TestMain.h"
 
 class NoFocusDelegateTest : public QObject
 {

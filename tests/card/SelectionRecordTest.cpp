@@ -1,12 +1,12 @@
 // The chosen rows: their order, and what a full record does.
 #include "card/SelectionRecord.h"
 
+#include "tests/support/TestMain.h"
+
 #include <climits>
 #include <memory>
 
 #include <QtTest>
-
-#include "tests/support/TestMain.h"
 
 class SelectionRecordTest : public QObject
 {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "download/DownloadFileThread.h"
-
 #include "tests/support/StdoutCapture.h"
 
 #include <QList>

@@ -1,11 +1,11 @@
 // What devices may send, good and bad, with what becomes of it wherever the connection ends.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "tests/http/WireOutcome.h"
 #include "tests/support/Cuts.h"
+
+#include <string>
+#include <vector>
 
 using support::Piece;
 

@@ -1,9 +1,9 @@
 // Heads and bodies, good and bad, delivered in every way a connection may deliver them.
-#include <QtTest>
-
 #include "tests/http/Conversations.h"
 #include "tests/http/WireOutcome.h"
 #include "tests/support/TestMain.h"
+
+#include <QtTest>
 
 Q_DECLARE_METATYPE(Conversation)
 Q_DECLARE_METATYPE(std::vector<std::string>)

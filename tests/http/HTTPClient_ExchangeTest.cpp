@@ -1,13 +1,14 @@
 // Whole GET exchanges over a connection: sendHeader, get, startGet, getData, stopGet.
+#include "http/HTTPClient.h"
+
+#include "tests/http/SendPlan.h"
+#include "tests/support/ScriptedServer.h"
+#include "tests/support/TestMain.h"
+
 #include <fcntl.h>
 
 #include <QDir>
 #include <QtTest>
-
-#include "http/HTTPClient.h"
-#include "tests/http/SendPlan.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/TestMain.h"
 
 using support::Peer;
 using support::ScriptedServer;

@@ -1,12 +1,13 @@
 // hostToLong. Names are looked up where no name server can be reached: unknown ones fail at once.
+#include "http/HTTPClient.h"
+
+#include "tests/support/TestMain.h"
+
 #include <cstring>
 
 #include <QFile>
 #include <QRegularExpression>
 #include <QtTest>
-
-#include "http/HTTPClient.h"
-#include "tests/support/TestMain.h"
 
 class HTTPClient_HostTest : public QObject
 {

@@ -1,7 +1,8 @@
-#include <QtTest>
-
 #include "http/HTTPClient.h"
+
 #include "tests/support/TestMain.h"
+
+#include <QtTest>
 
 class HTTPClient_MultipartTest : public QObject
 {

@@ -1,15 +1,16 @@
 // POST exchanges over a connection: post, sendBody, startPost, postData, stopPost.
+#include "http/HTTPClient.h"
+
+#include "tests/http/SendPlan.h"
+#include "tests/support/ScriptedServer.h"
+#include "tests/support/SocketPair.h"
+#include "tests/support/TestMain.h"
+
 #include <utility>
 
 #include <fcntl.h>
 
 #include <QtTest>
-
-#include "http/HTTPClient.h"
-#include "tests/http/SendPlan.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/SocketPair.h"
-#include "tests/support/TestMain.h"
 
 using support::Peer;
 using support::ScriptedServer;

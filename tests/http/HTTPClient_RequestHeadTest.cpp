@@ -1,8 +1,9 @@
 // makeHeader; how a head travels is in HTTPClient_ExchangeTest.
-#include <QtTest>
-
 #include "http/HTTPClient.h"
+
 #include "tests/support/TestMain.h"
+
+#include <QtTest>
 
 class HTTPClient_RequestHeadTest : public QObject
 {

@@ -1,14 +1,15 @@
 // Splitting a line, and what reading an answer does beyond HTTPClient_EveryCutTest: limits, sizes,
 // failing receives and what is kept in the record.
+#include "http/HTTPClient.h"
+
+#include "tests/support/SocketPair.h"
+#include "tests/support/TestMain.h"
+
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <QtTest>
-
-#include "http/HTTPClient.h"
-#include "tests/support/SocketPair.h"
-#include "tests/support/TestMain.h"
 
 using support::SocketPair;
 

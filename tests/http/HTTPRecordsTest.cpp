@@ -1,11 +1,11 @@
 #include "http/HTTPRecords.h"
 
+#include "http/HTTPClient.h"
+#include "tests/support/TestMain.h"
+
 #include <type_traits>
 
 #include <QtTest>
-
-#include "http/HTTPClient.h"
-#include "tests/support/TestMain.h"
 
 class HTTPRecordsTest : public QObject
 {

@@ -1,3 +1,9 @@
+#include "http/HTTPSession.h"
+
+#include "tests/support/NoDescriptorsLeft.h"
+#include "tests/support/ScriptedServer.h"
+#include "tests/support/TestMain.h"
+
 #include <cerrno>
 #include <climits>
 
@@ -7,11 +13,6 @@
 #include <unistd.h>
 
 #include <QtTest>
-
-#include "http/HTTPSession.h"
-#include "tests/support/NoDescriptorsLeft.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/TestMain.h"
 
 using support::Peer;
 using support::ScriptedServer;

@@ -1,14 +1,14 @@
 // The examples of docs/http-library.md, taken out of the page by the build, against a device that
 // expects what they promise.
+#include "http/HTTPClient.h"
+#include "tests/support/ScriptedServer.h"
+#include "tests/support/TestMain.h"
+
 #include <arpa/inet.h>
 
 #include <QFile>
 #include <QRegularExpression>
 #include <QtTest>
-
-#include "http/HTTPClient.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/TestMain.h"
 
 using support::Peer;
 using support::ScriptedServer;

@@ -1,13 +1,13 @@
 // A program of the library and nothing else: uses every operation once over a pair of sockets and
 // fails when it finds Qt in itself.
+#include "http/HTTPClient.h"
+
 #include <cstdio>
 #include <fstream>
 #include <string>
 
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include "http/HTTPClient.h"
 
 namespace {
 

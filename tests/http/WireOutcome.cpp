@@ -1,12 +1,12 @@
 #include "tests/http/WireOutcome.h"
 
+#include "http/HTTPClient.h"
+#include "tests/support/Cuts.h"
+
 #include <array>
 
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include "http/HTTPClient.h"
-#include "tests/support/Cuts.h"
 
 using support::printable;
 

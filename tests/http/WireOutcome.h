@@ -2,10 +2,10 @@
 // one line what became of it.
 #pragma once
 
-#include <string>
-
 #include "http/HTTPRecords.h"
 #include "tests/support/PieceSender.h"
+
+#include <string>
 
 /// What a reader is asked to read.
 enum class Reader { Head, Body, Answer };

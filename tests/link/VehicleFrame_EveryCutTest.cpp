@@ -2,7 +2,6 @@
 // frame is seen at the start of a chunk only, so a cut decides what is seen.
 #include "link/ControlClientThread.h"
 #include "link/GroundClientThread.h"
-
 #include "tests/link/LinkRecorder.h"
 #include "tests/support/Cuts.h"
 #include "tests/support/PacedSending.h"

@@ -1,7 +1,6 @@
 // The script's side of a connection.
-#include "tests/support/ScriptedServer.h"
-
 #include "tests/support/ScriptEnd.h"
+#include "tests/support/ScriptedServer.h"
 
 #include <cerrno>
 #include <cstring>

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "RealServer.h"
-
 #include "http/HTTPClient.h"
 
 #include <functional>

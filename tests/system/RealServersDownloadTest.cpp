@@ -1,7 +1,6 @@
 // Downloads from web servers that were written by others and stand on the camera's address.
 #include "RealServer.h"
 #include "TestBodies.h"
-
 #include "download/DownloadFileThread.h"
 #include "tests/support/TestMain.h"
 

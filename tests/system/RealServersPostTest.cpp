@@ -3,7 +3,6 @@
 #include "BoundedExchange.h"
 #include "RealServer.h"
 #include "TestBodies.h"
-
 #include "http/HTTPClient.h"
 #include "tests/support/TestMain.h"
 

@@ -2,7 +2,6 @@
 #include "BoundedExchange.h"
 #include "RealServer.h"
 #include "TestBodies.h"
-
 #include "http/HTTPClient.h"
 #include "tests/support/TestMain.h"
 
