@@ -1,11 +1,12 @@
 // The one window. Where the bodies live:
-//   MainWindow.cpp            construction, destruction, display-only fields, number conversion
-//   MainWindow_Language.cpp   language switch, all texts set again
-//   MainWindow_Link.cpp       link button, reachability probe, status, version fields
-//   MainWindow_Browse.cpp     count, list, details; marker search, row filling
-//   MainWindow_FileTable.cpp  table set-up, select all, collecting the selection
-//   MainWindow_Download.cpp   start, next, progress, finished
-//   MainWindow_Delete.cpp     delete chosen, delete all, format
+//   MainWindow.cpp                construction, destruction, display-only fields, number conversion
+//   MainWindow_Language.cpp       language switch, all texts set again
+//   MainWindow_Link.cpp           link button, reachability probe, status, version fields
+//   MainWindow_Browse.cpp         the camera's commands; count, list, details; marker search, row
+//                                 filling
+//   MainWindow_FileTable.cpp      table set-up, select all, collecting the selection
+//   MainWindow_Download.cpp       start, next, progress, finished
+//   MainWindow_Delete.cpp         delete chosen, delete all, format
 //   MainWindow_Accessibility.cpp  names for assistive programs, keyboard in the table
 #pragma once
 
@@ -89,20 +90,27 @@ private slots:
     void updateLinkedFlag(bool flag);
 
 private:
+    // MainWindow.cpp
+    void stopWorkers();
+    // MainWindow_Browse.cpp
     /// Sends one command and collects its answer in httpAnswer, behind what that holds. False when
     /// the exchange failed.
     bool sendCommand(const QString& address);
     /// The same with httpAnswer emptied first.
     bool askCamera(const QString& address);
+    // MainWindow_Delete.cpp
     /// Sends a command that empties the card, and clears the table when it was answered.
     void emptyCard(const QString& address, const QString& successText);
+    // MainWindow_Link.cpp
     void showLinkState(bool isLinked);
+    // MainWindow_Language.cpp
     QStringList tableHeaders() const;
+    // MainWindow_FileTable.cpp
     /// The name in a table row's first column; none when the row is gone or has no name.
     std::optional<QString> fileNameAt(qint32 row) const;
+    // MainWindow_Download.cpp
     /// The next file of the selection that still stands in the table; moves the cursor behind it.
     std::optional<QString> takeNextFile();
-    void stopWorkers();
     // MainWindow_Accessibility.cpp
     void joinLabelsToFields();
     /// In the language that is shown, from the catalogue's texts.

@@ -8,10 +8,10 @@
 void MainWindow::comboxLanguageChanged()
 {
     const bool isChinese = ui->comboBox->currentText() == QLatin1String("Chinese");
-    // A catalogue that does not load leaves the English source texts.
-    static_cast<void>(translator->load(isChinese
-                                           ? QStringLiteral(":/translation/belun_chinese.qm")
-                                           : QStringLiteral(":/translation/belun_english.qm")));
+    const QString catalogue = isChinese ? QStringLiteral(":/translation/belun_chinese.qm")
+                                        : QStringLiteral(":/translation/belun_english.qm");
+    // One that does not load leaves the English source texts.
+    static_cast<void>(translator->load(catalogue));
     translateLanguage();
 }
 
