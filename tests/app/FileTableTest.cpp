@@ -1,10 +1,10 @@
 // The window's file table: how it is set up, and the check box that selects all of it.
 #include "app/MainWindow.h"
+#include "tests/app/SelectedRows.h"
 #include "tests/card/LoudFocusStyle.h"
 #include "tests/support/TestMain.h"
 #include "tests/support/WindowProbe.h"
 
-#include <algorithm>
 #include <memory>
 
 #include <QtTest>
@@ -63,15 +63,7 @@ private:
     {
         QTest::mouseClick(&box(), Qt::LeftButton, Qt::NoModifier, QPoint(6, box().height() / 2));
     }
-    QList<int> selectedRows() const
-    {
-        QList<int> rows;
-        for (const QModelIndex& index : table().selectionModel()->selectedRows()) {
-            rows.append(index.row());
-        }
-        std::sort(rows.begin(), rows.end());
-        return rows;
-    }
+    QList<int> selectedRows() const { return selectedRowsOf(table()); }
 
     std::unique_ptr<MainWindow> m_window;
 };

@@ -1,10 +1,10 @@
 // The window without a mouse: where the Tab key leads, and the way into and out of the table.
 #include "app/MainWindow.h"
 #include "card/FileTable.h"
+#include "tests/app/SelectedRows.h"
 #include "tests/support/TestMain.h"
 #include "tests/support/WindowProbe.h"
 
-#include <algorithm>
 #include <memory>
 
 #include <QtTest>
@@ -39,15 +39,7 @@ private:
         QTest::keyClick(QApplication::focusWidget(), key, modifiers);
     }
     static QString focused() { return QApplication::focusWidget()->objectName(); }
-    QList<int> selectedRows() const
-    {
-        QList<int> rows;
-        for (const QModelIndex& index : table().selectionModel()->selectedRows()) {
-            rows.append(index.row());
-        }
-        std::sort(rows.begin(), rows.end());
-        return rows;
-    }
+    QList<int> selectedRows() const { return selectedRowsOf(table()); }
 
     std::unique_ptr<MainWindow> m_window;
 };

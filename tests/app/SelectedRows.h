@@ -1,0 +1,19 @@
+// The rows of a table that are chosen, for tests.
+#pragma once
+
+#include <algorithm>
+
+#include <QItemSelectionModel>
+#include <QList>
+#include <QTableWidget>
+
+/// From the top down.
+inline QList<int> selectedRowsOf(const QTableWidget& table)
+{
+    QList<int> rows;
+    for (const QModelIndex& index : table.selectionModel()->selectedRows()) {
+        rows.append(index.row());
+    }
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
