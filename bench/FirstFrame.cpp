@@ -30,9 +30,11 @@ private:
     void tell()
     {
         const double painted = bench::now();
-        QTimer::singleShot(settleTime, this, [painted] {
-            bench::report(
-                {{"painted", painted}, {"residentKilobytes", bench::residentKilobytes()}});
+        const double cpu = bench::cpuSeconds();
+        QTimer::singleShot(settleTime, this, [painted, cpu] {
+            bench::report({{"painted", painted},
+                           {"cpu", cpu},
+                           {"residentKilobytes", bench::residentKilobytes()}});
             QCoreApplication::quit();
         });
     }

@@ -41,7 +41,7 @@ def alive(data):
     figure, axes = plt.subplots(1, 2, figsize=(8, 3))
     for name, title, one in (("percentile99", "timer of 5 ms, 99 of 100 late by at most", 1),
                              ("late", "last progress behind the last byte", 1000)):
-        bars(axes[one == 1000], of(data, name, one), "milliseconds", title)
+        bars(axes[int(one == 1000)], of(data, name, one), "milliseconds", title)
     return figure
 
 
@@ -107,5 +107,5 @@ def growth(data):
 def draw(topic, data, path):
     figure = globals()[topic](data)
     figure.tight_layout()
-    figure.savefig(path, metadata={"Date": None})
+    figure.savefig(path, metadata={"Date": None, "Creator": None})
     plt.close(figure)

@@ -16,11 +16,13 @@ class Line:
 
     @property
     def verdict(self):
-        return {None: "", True: "reached", False: "not reached"}[self.reached]
+        return {None: "", True: "reached", False: "not reached"}.get(self.reached, self.reached)
 
 
 def atMost(topic, what, values, limit, unit="", places=2):
-    """A line whose figure is the median of the values, with the lowest and the highest."""
+    """A line whose figure is the median of the values, with the lowest and the highest. Where the
+    limit lies among the middle half of values that spread widely, nothing has been settled: a
+    quieter machine has to tell."""
     middle = statistics.median(values)
     figure = f"{middle:.{places}f}{unit}"
     if len(values) > 1:
@@ -28,7 +30,12 @@ def atMost(topic, what, values, limit, unit="", places=2):
     if limit is None:
         return Line(topic, what, figure)
     # The figure as it is printed decides: a reader has to be able to check it.
-    return Line(topic, what, figure, f"at most {limit:g}{unit}", round(middle, places) <= limit)
+    reached = round(middle, places) <= limit
+    if len(values) > 2:
+        lower, _, upper = statistics.quantiles(values, n=4, method="inclusive")
+        if lower < limit < upper and upper > 1.2 * lower:
+            reached = f"unsettled, {'below' if reached else 'above'}"
+    return Line(topic, what, figure, f"at most {limit:g}{unit}", reached)
 
 
 def ratios(measured, reference):
@@ -65,6 +72,6 @@ def printed(lines):
 def markdown(lines):
     rows = ["| What | Figure, median (lowest to highest) | Target | Verdict |",
             "| --- | --- | --- | --- |"]
-    rows += [f"| {line.topic}: {line.what} | {line.figure} | {line.target} | {line.verdict} |"
+    rows += [f"| {line.what} | {line.figure} | {line.target} | {line.verdict} |"
              for line in lines]
     return "\n".join(rows)

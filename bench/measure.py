@@ -29,16 +29,16 @@ def machine():
             f"Linux {platform.release()}")
 
 
-def publish(results):
-    """Charts and table into docs/."""
+def publish(texts):
+    """Puts each text between its marks in the page."""
     page = ROOT / "docs/performance.md"
-    for topic in results["topics"]:
-        begin, end = f"<!-- {topic}: begin -->", f"<!-- {topic}: end -->"
-        text = page.read_text(encoding="utf-8")
-        before, _, rest = text.partition(begin)
+    content = page.read_text(encoding="utf-8")
+    for name, text in texts.items():
+        begin, end = f"<!-- {name}: begin -->", f"<!-- {name}: end -->"
+        before, _, rest = content.partition(begin)
         _, _, after = rest.partition(end)
-        lines = [line for line in results["lines"] if line.topic == topic]
-        page.write_text(f"{before}{begin}\n{markdown(lines)}\n{end}{after}", encoding="utf-8")
+        content = f"{before}{begin}\n{text}\n{end}{after}"
+    page.write_text(content, encoding="utf-8")
 
 
 def main():
@@ -51,10 +51,11 @@ def main():
     options.pairs = options.pairs or (3 if options.quick else 7)
     topics = options.topics or TOPICS
 
-    print(f"Measured on {machine()}, {time.strftime('%Y-%m-%d')}", flush=True)
     load = os.getloadavg()[0]
+    when = f"{time.strftime('%Y-%m-%d')} on {machine()}; load before: {load:.1f}"
+    print(f"Measured {when}", flush=True)
     if load > 0.5:
-        print(f"The machine is busy (load {load:.1f}): the figures will be worse than it is.")
+        print("The machine is busy: the figures will be worse than it is.")
     lines, data = [], {}
     for topic in topics:
         print(f"... {topic}", file=sys.stderr, flush=True)
@@ -71,7 +72,8 @@ def main():
         {"machine": machine(), "lines": [vars(line) for line in lines], "data": data}, indent=1),
         encoding="utf-8")
     if options.publish:
-        publish({"topics": topics, "lines": lines})
+        publish({topic: f"Measured {when}.\n\n" +
+                 markdown([line for line in lines if line.topic == topic]) for topic in topics})
     print(f"Charts in {folder.relative_to(ROOT)}, all figures in build/bench/results.json")
     return 0
 

@@ -34,6 +34,8 @@ def measure(options):
         lines += [
             atMost(TOPIC, f"{what}, delay of a 5 ms timer, 99 of 100",
                    field(results, "percentile99"), LIMITS[name], " ms", 1),
+            atMost(TOPIC, f"{what}, delay of a 5 ms timer, half of them", field(results, "median"),
+                   None, " ms"),
             atMost(TOPIC, f"{what}, delay of a 5 ms timer, longest",
                    field(results, "longest"), None, " ms", 1),
             atMost(TOPIC, f"{what}, last progress behind the last byte",
