@@ -8,8 +8,6 @@
 
 #include <QCheckBox>
 #include <QDir>
-#include <QElapsedTimer>
-#include <QEventLoop>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTimer>
@@ -69,7 +67,6 @@ private slots:
     void progressFollowsTheBytes();
     void eachFileStartsAtZero();
     void windowIsAliveDuringADownload();
-    void loopRestsOnlyWhileADownloadRuns();
     void labelKeepsItsLanguageUntilTheNextFile();
     void failedFileIsFollowedByTheNext_data();
     void failedFileIsFollowedByTheNext();
@@ -295,34 +292,6 @@ void DownloadTest::windowIsAliveDuringADownload()
     (*gates)[0].open();
     QTRY_VERIFY(user.isIdle());
     QCOMPARE(recording("a.mp4"), QByteArray("abcd"));
-}
-
-void DownloadTest::loopRestsOnlyWhileADownloadRuns()
-{
-    constexpr int waits = 1000;
-    const auto millisecondsOfWaits = [] {
-        QEventLoop loop;
-        QElapsedTimer time;
-        time.start();
-        for (int i = 0; i < waits; ++i) {
-            QMetaObject::invokeMethod(
-                &loop, [] {}, Qt::QueuedConnection);
-            loop.processEvents(QEventLoop::WaitForMoreEvents);
-        }
-        return time.elapsed();
-    };
-    scene->linkAndBrowse(fiveFiles);
-    scene->camera->on(target(""), [this](fake::Connection& connection) {
-        (*gates)[0].pass();
-        connection.send(fake::withLength("ab"));
-    });
-    QVERIFY(millisecondsOfWaits() < waits);
-    scene->user->chooseRows({0});
-    scene->user->clickDownload();
-    QVERIFY(millisecondsOfWaits() >= waits);
-    (*gates)[0].open();
-    QTRY_VERIFY(scene->user->isIdle());
-    QVERIFY(millisecondsOfWaits() < waits);
 }
 
 void DownloadTest::labelKeepsItsLanguageUntilTheNextFile()

@@ -341,7 +341,7 @@ class Tests:
         self.closeProgram()
 
     def test_downloadsOneAfterTheOther(self):
-        self.startAll("--rate", "1500000")
+        self.startAll("--rate", "500000")
         self.linkAndBrowse()
         self.press(self.texts.download)  # with nothing selected
         self.shows()
