@@ -62,10 +62,18 @@ CHINESE = Texts(
     selectAll="全选",
     headers=("名称", "日期", "大小", "时长"))
 
+LANGUAGES = (ENGLISH, CHINESE)  # as the combo box lists them
+
 # The message boxes speak Chinese in both languages.
 BOX_TITLE = "单击消息"
 BOX_ALL_DELETED = "已删除卡内所有文件"
 BOX_FORMATTED = "格式化卡成功"
+
+
+def neighbour(language):
+    """One beside it in the list, the key that leads there and the one that leads back."""
+    number = LANGUAGES.index(language)
+    return (LANGUAGES[number - 1], "Up", "Down") if number else (LANGUAGES[1], "Down", "Up")
 
 
 def window(texts, status="", versions=("",) * 5, download=("", None, ""), rows=(), disabled=()):
