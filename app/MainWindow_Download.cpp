@@ -1,6 +1,7 @@
 // Downloads, one file after the other: start, next, progress, finished.
 #include "app/MainWindow.h"
 
+#include "app/SteadyGrooveStyle.h"
 #include "download/DownloadFileThread.h"
 #include "ui_MainWindow.h"
 
@@ -35,6 +36,10 @@ void MainWindow::DownloadFile(QString fileName)
     ui->lineEditDownloadProgress->setText(
         QStringLiteral("%1%2%3").arg(selectedCursor).arg(QStringLiteral("/")).arg(selectedCount));
     ui->lineEditDownloadLabel->setText(tr("Download Progress:"));
+    if (!m_barStyle) {
+        m_barStyle = std::make_unique<SteadyGrooveStyle>();
+        ui->progressBarDownLoad->setStyle(m_barStyle.get());
+    }
     ui->progressBarDownLoad->setValue(0);
     ui->progressBarDownLoad->show();
     ui->pushButtonDownloadFile->setEnabled(false);
