@@ -3,7 +3,8 @@
 # Compiles each catalogue source to a .qm in the build folder and lists the results in <variable>.
 # `update_translations` brings the sources up to date with the code. It is run by hand, never by a
 # build, reads the window's code only (the form's design texts are never seen, so no catalogue has
-# them) and drops no entry.
+# them) and drops no entry: lupdate's mark on what the code does not have, by which the compiler would
+# leave it out, is taken away again, since an entry may stand there by hand.
 function(belun_add_translations variable)
   if(BELUN_QT_MAJOR EQUAL 5)
     qt5_add_translation(compiled ${ARGN})
@@ -17,6 +18,7 @@ function(belun_add_translations variable)
   add_custom_target(update_translations
     COMMAND sh -c "exec \"$<TARGET_FILE:Qt${BELUN_QT_MAJOR}::lupdate>\" -locations none app/*.cpp -ts \"$@\""
             update_translations ${sources}
+    COMMAND sed -i "s/ type=\"vanished\"//" ${sources}
     WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
     COMMENT "Bringing the catalogue sources up to date with app/*.cpp"
     VERBATIM)
