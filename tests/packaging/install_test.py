@@ -5,6 +5,7 @@ import argparse
 import gzip
 import os
 import pathlib
+import re
 import struct
 import subprocess
 import sys
@@ -19,21 +20,30 @@ import menu_entry  # noqa: E402
 SIZES = (16, 22, 24, 32, 48, 64, 128, 256)
 ICONS = "share/icons/hicolor"
 COMPONENT = "localhost.belun.download"
+DOCUMENTS = "share/doc/belun-download"
+PAGES = ("architecture", "camera-protocol", "http-library", "link-protocol", "performance",
+         "recordings-safe", "testing", "third-party", "translating")
+CHARTS = ("alive", "browse", "download", "exchange", "growth", "idle", "start")
 PROGRAM = {
     "bin/belun-download",
     "share/applications/belun-download.desktop",
-    "share/doc/belun-download/README.md",
-    "share/doc/belun-download/README.zh.md",
-    "share/doc/belun-download/changelog.gz",
-    "share/doc/belun-download/copyright",
-    "share/doc/belun-download/docs/images/window-en.png",
-    "share/doc/belun-download/docs/images/window-zh.png",
-    "share/doc/belun-download/docs/recordings-safe.md",
+    f"{DOCUMENTS}/CONTRIBUTING.md",
+    f"{DOCUMENTS}/LICENSE",
+    f"{DOCUMENTS}/README.md",
+    f"{DOCUMENTS}/README.zh.md",
+    f"{DOCUMENTS}/SECURITY.md",
+    f"{DOCUMENTS}/changelog.gz",
+    f"{DOCUMENTS}/copyright",
+    f"{DOCUMENTS}/docs/images/window-en.png",
+    f"{DOCUMENTS}/docs/images/window-zh.png",
+    f"{DOCUMENTS}/simulator/README.md",
     f"{ICONS}/scalable/apps/belun-download.svg",
     "share/lintian/overrides/belun-download",
     "share/man/man1/belun-download.1.gz",
     f"share/metainfo/{COMPONENT}.metainfo.xml",
-} | {f"{ICONS}/{size}x{size}/apps/belun-download.png" for size in SIZES}
+} | {f"{ICONS}/{size}x{size}/apps/belun-download.png" for size in SIZES} \
+  | {f"{DOCUMENTS}/docs/{page}.md" for page in PAGES} \
+  | {f"{DOCUMENTS}/docs/images/performance-{chart}.svg" for chart in CHARTS}
 SIMULATOR = {
     "bin/belun-private-network",
     "bin/belun-simulator",
@@ -83,6 +93,14 @@ class InstallTest(unittest.TestCase):
         for path in PROGRAM | SIMULATOR:
             mode = (self.prefix / path).stat().st_mode & 0o777
             self.assertEqual(0o755 if path.startswith("bin/") else 0o644, mode, path)
+
+    def test_no_link_in_a_document_is_dead(self):
+        followed = 0
+        for page in self.prefix.rglob("*.md"):
+            for target in re.findall(r"\]\(([^)#\s]+)", page.read_text(encoding="utf-8")):
+                self.assertTrue((page.parent / target).is_file(), f"{page}: {target}")
+                followed += 1
+        self.assertGreater(followed, 20)
 
     def test_icons_have_the_size_of_their_folder(self):
         for size in SIZES:
