@@ -62,7 +62,7 @@ MainWindow::MainWindow(QWidget* parent)
     ui->comboBox->insertItems(ui->comboBox->count(),
                               {QStringLiteral("English"), QStringLiteral("Chinese")});
     translateLanguage();
-    // By signature, as all connections of the window are. clazy:excludeall=old-style-connect
+    // By signature, as all connections to its slots are. clazy:excludeall=old-style-connect
     connect(ui->comboBox, SIGNAL(currentIndexChanged(int)), this, SLOT(comboxLanguageChanged()));
 }
 

@@ -46,7 +46,7 @@ void MainWindow::DownloadFile(QString fileName)
 
     auto* download = new DownloadFileThread(this);
     download->fileName = fileName;
-    // By signature, as all connections of the window are. clazy:excludeall=old-style-connect
+    // By signature, as all connections to its slots are. clazy:excludeall=old-style-connect
     connect(download, SIGNAL(updateDownloadFileProgress(qint64,qint64)), this,
                              SLOT(updateDownloadFileProgress(qint64,qint64)));
     connect(download, SIGNAL(downloadFileFinished()), this, SLOT(DownloadFileFinished()));

@@ -18,7 +18,7 @@ void MainWindow::on_pushButtonLinkBELUN_clicked()
                            IPLive(QStringLiteral("192.168.1.149"), 5000, 1000);
     showLinkState(reachable);
     if (reachable) {
-        // By signature, as all connections of the window are. clazy:excludeall=old-style-connect
+        // By signature, as all connections to its slots are. clazy:excludeall=old-style-connect
         auto* control = new ControlClientThread(this);
         connect(control, SIGNAL(VersionInfo(char,int,int,int,int)), this,
                                 SLOT(VersionInfo(char,int,int,int,int)));
