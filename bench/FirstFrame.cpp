@@ -3,7 +3,9 @@
 #include "bench/Report.h"
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QEvent>
+#include <QMetaObject>
 #include <QTimer>
 #include <QWindow>
 

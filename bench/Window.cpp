@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <QApplication>
+#include <QMetaObject>
 #include <QTimer>
 
 namespace {

@@ -5,6 +5,7 @@
 #include <QEventLoop>
 #include <QIcon>
 #include <QLineEdit>
+#include <QMetaObject>
 #include <QTimer>
 
 namespace {

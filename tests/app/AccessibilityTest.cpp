@@ -7,9 +7,19 @@
 #include <algorithm>
 #include <memory>
 
+#include <QAbstractButton>
 #include <QAccessible>
-#include <QtTest>
-#include <QtWidgets>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QObject>
+#include <QProgressBar>
+#include <QString>
+#include <QStringList>
+#include <QTableWidget>
+#include <QTableWidgetItem>
+#include <QTest>
+#include <QWidget>
 
 namespace {
 

@@ -6,6 +6,9 @@
 #include <array>
 #include <optional>
 
+#include <QList>
+#include <QVariant>
+
 namespace {
 
 using Texts = QList<QByteArray>;

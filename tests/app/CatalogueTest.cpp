@@ -1,11 +1,17 @@
 // The two catalogues, source and compiled, against the table of texts.
 #include "tests/support/TestMain.h"
 
+#include <QByteArray>
 #include <QFile>
+#include <QIODevice>
+#include <QMap>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QTest>
 #include <QTranslator>
 #include <QXmlStreamReader>
 #include <QtEndian>
-#include <QtTest>
 
 class CatalogueTest : public QObject
 {

@@ -6,6 +6,7 @@
 
 #include <optional>
 
+#include <QList>
 #include <QMessageBox>
 #include <QTimer>
 

@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QFile>
+#include <QList>
 #include <QSignalSpy>
 #include <QTimer>
 

@@ -9,10 +9,14 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QByteArray>
+#include <QObject>
 #include <QSocketNotifier>
+#include <QString>
 #include <QTableWidget>
+#include <QTest>
 #include <QTimer>
-#include <QtTest>
+#include <QWidget>
 
 namespace {
 

@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include <QFile>
+#include <QList>
 #include <QtGlobal>
 
 namespace fake {

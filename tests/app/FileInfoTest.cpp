@@ -5,8 +5,15 @@
 
 #include <memory>
 
+#include <QByteArray>
+#include <QColor>
+#include <QFile>
+#include <QIODevice>
+#include <QObject>
+#include <QString>
 #include <QTableWidget>
-#include <QtTest>
+#include <QTableWidgetItem>
+#include <QTest>
 
 class FileInfoTest : public QObject
 {

@@ -9,8 +9,11 @@
 #include <string>
 #include <vector>
 
+#include <QObject>
+#include <QString>
+#include <QStringList>
 #include <QTableWidget>
-#include <QtTest>
+#include <QTest>
 
 using support::Piece;
 using Pieces = std::vector<Piece>;

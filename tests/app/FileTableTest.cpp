@@ -7,8 +7,25 @@
 
 #include <memory>
 
-#include <QtTest>
-#include <QtWidgets>
+#include <QAbstractItemDelegate>
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QCheckBox>
+#include <QColor>
+#include <QFont>
+#include <QFrame>
+#include <QHeaderView>
+#include <QImage>
+#include <QLineEdit>
+#include <QList>
+#include <QObject>
+#include <QPoint>
+#include <QRect>
+#include <QString>
+#include <QStyledItemDelegate>
+#include <QTableWidget>
+#include <QTableWidgetItem>
+#include <QTest>
 
 class FileTableTest : public QObject
 {

@@ -7,8 +7,15 @@
 
 #include <memory>
 
-#include <QtTest>
-#include <QtWidgets>
+#include <QAbstractButton>
+#include <QApplication>
+#include <QList>
+#include <QObject>
+#include <QSignalSpy>
+#include <QString>
+#include <QStringList>
+#include <QTableWidget>
+#include <QTest>
 
 class KeyboardTest : public QObject
 {

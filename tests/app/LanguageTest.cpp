@@ -5,8 +5,16 @@
 
 #include <memory>
 
-#include <QtTest>
-#include <QtWidgets>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QMap>
+#include <QObject>
+#include <QString>
+#include <QTableWidget>
+#include <QTest>
+#include <QWidget>
 
 // Outside any namespace, since the collection's functions are.
 static void withdrawResources()

@@ -8,7 +8,10 @@
 
 #include <optional>
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QList>
+#include <QMetaObject>
 
 namespace {
 

@@ -6,7 +6,9 @@
 
 #include <optional>
 
-#include <QtTest>
+#include <QByteArray>
+#include <QList>
+#include <QTest>
 
 /// Made anew for each test function. The window goes first.
 struct LinkedScene

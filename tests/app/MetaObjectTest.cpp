@@ -2,8 +2,16 @@
 #include "app/MainWindow.h"
 #include "tests/support/TestMain.h"
 
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QLineEdit>
+#include <QMainWindow>
 #include <QMetaMethod>
-#include <QtTest>
+#include <QMetaObject>
+#include <QMetaType>
+#include <QObject>
+#include <QString>
+#include <QTest>
 
 class MetaObjectTest : public QObject
 {

@@ -9,7 +9,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <QtTest>
+#include <QObject>
+#include <QTest>
 
 class ProcessSetupTest : public QObject
 {

@@ -2,11 +2,17 @@
 #include "tests/app/EarlyReading.h"
 #include "tests/support/TestMain.h"
 
+#include <QByteArray>
 #include <QDir>
 #include <QDirIterator>
+#include <QFileInfo>
 #include <QImage>
+#include <QObject>
+#include <QSize>
+#include <QString>
+#include <QStringList>
+#include <QTest>
 #include <QTranslator>
-#include <QtTest>
 
 class ResourceTest : public QObject
 {

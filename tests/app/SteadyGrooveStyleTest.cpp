@@ -3,10 +3,20 @@
 
 #include "tests/support/TestMain.h"
 
+#include <QFont>
+#include <QFontMetrics>
 #include <QImage>
+#include <QObject>
 #include <QProgressBar>
+#include <QProxyStyle>
+#include <QRect>
+#include <QString>
+#include <QStyle>
 #include <QStyleFactory>
-#include <QtTest>
+#include <QStyleOption>
+#include <QStyleOptionProgressBar>
+#include <QTest>
+#include <QWidget>
 
 Q_DECLARE_METATYPE(QStyleOptionProgressBar)
 

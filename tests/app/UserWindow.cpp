@@ -1,7 +1,15 @@
 #include "tests/app/UserWindow.h"
 
 #include <QComboBox>
-#include <QtTest>
+#include <QLineEdit>
+#include <QList>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QString>
+#include <QStringList>
+#include <QTableWidget>
+#include <QTableWidgetItem>
+#include <QTest>
 
 UserWindow::UserWindow() : m_window(std::make_unique<MainWindow>())
 {

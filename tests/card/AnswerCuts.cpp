@@ -6,7 +6,8 @@
 
 #include <utility>
 
-#include <QtTest>
+#include <QString>
+#include <QTest>
 
 using support::Delivery;
 

@@ -8,7 +8,13 @@
 #include <cstring>
 #include <memory>
 
-#include <QtTest>
+#include <QByteArray>
+#include <QFile>
+#include <QIODevice>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QTest>
 
 using card::NameTable;
 

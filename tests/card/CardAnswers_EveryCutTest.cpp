@@ -8,7 +8,8 @@
 #include <string>
 #include <vector>
 
-#include <QtTest>
+#include <QObject>
+#include <QTest>
 
 using support::Piece;
 using Pieces = std::vector<Piece>;

@@ -3,7 +3,10 @@
 
 #include "tests/support/TestMain.h"
 
-#include <QtTest>
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QTest>
 
 class CardCommandsTest : public QObject
 {

@@ -5,7 +5,10 @@
 
 #include <climits>
 
-#include <QtTest>
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QTest>
 
 class FileInfoTextTest : public QObject
 {

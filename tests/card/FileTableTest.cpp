@@ -5,9 +5,16 @@
 
 #include <memory>
 
+#include <QAbstractItemDelegate>
+#include <QByteArray>
+#include <QColor>
 #include <QHeaderView>
+#include <QObject>
+#include <QString>
+#include <QStringList>
 #include <QTableWidget>
-#include <QtTest>
+#include <QTableWidgetItem>
+#include <QTest>
 
 class FileTableTest : public QObject
 {

@@ -8,7 +8,9 @@
 #include <memory>
 #include <string>
 
-#include <QtTest>
+#include <QByteArray>
+#include <QObject>
+#include <QTest>
 
 using card::NameTable;
 

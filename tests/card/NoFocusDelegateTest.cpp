@@ -5,8 +5,19 @@
 #include "tests/support/TestMain.h"
 
 #include <QApplication>
+#include <QColor>
+#include <QImage>
+#include <QObject>
+#include <QPainter>
+#include <QPalette>
+#include <QRect>
+#include <QStandardItem>
 #include <QStandardItemModel>
-#include <QtTest>
+#include <QString>
+#include <QStyle>
+#include <QStyleOptionViewItem>
+#include <QStyledItemDelegate>
+#include <QTest>
 
 class NoFocusDelegateTest : public QObject
 {

@@ -6,7 +6,10 @@
 #include <climits>
 #include <memory>
 
-#include <QtTest>
+#include <QByteArray>
+#include <QObject>
+#include <QTest>
+#include <QVector>
 
 class SelectionRecordTest : public QObject
 {

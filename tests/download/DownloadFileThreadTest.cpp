@@ -17,6 +17,8 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QMetaObject>
+#include <QThread>
 
 using support::Peer;
 using support::ScriptedServer;

@@ -6,7 +6,9 @@
 
 #include <QList>
 #include <QObject>
-#include <QtTest>
+#include <QString>
+#include <QTest>
+#include <QThread>
 
 /// Takes the thread's signals as the window does, queued.
 class DownloadRecorder : public QObject

@@ -12,6 +12,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QList>
 
 using support::Peer;
 using support::ScriptedServer;

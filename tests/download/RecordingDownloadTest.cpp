@@ -8,6 +8,8 @@
 
 #include <limits>
 
+#include <QFile>
+#include <QList>
 #include <QTemporaryDir>
 
 using download::RecordingDownload;

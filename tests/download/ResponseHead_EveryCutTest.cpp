@@ -14,6 +14,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QList>
 
 using support::Peer;
 using support::Piece;

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include <QApplication>
+#include <QMetaObject>
 #include <QTableWidget>
 
 namespace {

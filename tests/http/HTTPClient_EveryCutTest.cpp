@@ -3,7 +3,9 @@
 #include "tests/http/WireOutcome.h"
 #include "tests/support/TestMain.h"
 
-#include <QtTest>
+#include <QByteArray>
+#include <QObject>
+#include <QTest>
 
 Q_DECLARE_METATYPE(Conversation)
 Q_DECLARE_METATYPE(std::vector<std::string>)

@@ -7,8 +7,9 @@
 
 #include <fcntl.h>
 
+#include <QByteArray>
 #include <QDir>
-#include <QtTest>
+#include <QTest>
 
 using support::Peer;
 using support::ScriptedServer;

@@ -5,9 +5,12 @@
 
 #include <cstring>
 
+#include <QByteArray>
 #include <QFile>
+#include <QIODevice>
+#include <QObject>
 #include <QRegularExpression>
-#include <QtTest>
+#include <QTest>
 
 class HTTPClient_HostTest : public QObject
 {

@@ -2,7 +2,8 @@
 
 #include "tests/support/TestMain.h"
 
-#include <QtTest>
+#include <QObject>
+#include <QTest>
 
 class HTTPClient_MultipartTest : public QObject
 {

@@ -10,7 +10,8 @@
 
 #include <fcntl.h>
 
-#include <QtTest>
+#include <QByteArray>
+#include <QTest>
 
 using support::Peer;
 using support::ScriptedServer;

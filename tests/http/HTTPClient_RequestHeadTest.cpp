@@ -3,7 +3,9 @@
 
 #include "tests/support/TestMain.h"
 
-#include <QtTest>
+#include <QByteArray>
+#include <QObject>
+#include <QTest>
 
 class HTTPClient_RequestHeadTest : public QObject
 {

@@ -2,7 +2,9 @@
 
 #include "tests/support/TestMain.h"
 
-#include <QtTest>
+#include <QByteArray>
+#include <QObject>
+#include <QTest>
 
 class HTTPClient_UrlTest : public QObject
 {

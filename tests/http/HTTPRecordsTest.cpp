@@ -5,7 +5,8 @@
 
 #include <type_traits>
 
-#include <QtTest>
+#include <QObject>
+#include <QTest>
 
 class HTTPRecordsTest : public QObject
 {

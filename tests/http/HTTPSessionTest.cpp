@@ -12,7 +12,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <QtTest>
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QTest>
 
 using support::Peer;
 using support::ScriptedServer;

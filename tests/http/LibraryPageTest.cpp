@@ -6,9 +6,14 @@
 
 #include <arpa/inet.h>
 
+#include <QByteArray>
 #include <QFile>
+#include <QIODevice>
+#include <QObject>
 #include <QRegularExpression>
-#include <QtTest>
+#include <QString>
+#include <QStringList>
+#include <QTest>
 
 using support::Peer;
 using support::ScriptedServer;

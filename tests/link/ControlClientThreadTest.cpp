@@ -20,6 +20,8 @@
 #include <unistd.h>
 
 #include <QElapsedTimer>
+#include <QMetaObject>
+#include <QThread>
 #include <QTimer>
 
 using support::Peer;

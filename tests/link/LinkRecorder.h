@@ -2,8 +2,9 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 #include <QStringList>
-#include <QtTest>
+#include <QTest>
 
 /// Takes the control thread's signals as the window does, queued, and keeps them as texts in
 /// their order: "linked", "lost", "version 7 300 600 100 10".

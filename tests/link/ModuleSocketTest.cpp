@@ -21,6 +21,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QList>
 #include <QThread>
 
 using support::Peer;

@@ -14,6 +14,9 @@
 #include <string>
 #include <vector>
 
+#include <QThread>
+#include <QVector>
+
 using support::Peer;
 using support::ScriptedServer;
 

@@ -11,11 +11,21 @@
 
 #include <unistd.h>
 
+#include <QByteArray>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
+#include <QFileInfoList>
+#include <QIODevice>
+#include <QList>
+#include <QObject>
 #include <QSignalSpy>
+#include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
+#include <QVariant>
 
 namespace {
 

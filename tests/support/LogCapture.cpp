@@ -2,7 +2,9 @@
 
 #include "tests/support/MessageLog.h"
 
-#include <QtTest>
+#include <QString>
+#include <QStringList>
+#include <QTest>
 
 namespace support {
 

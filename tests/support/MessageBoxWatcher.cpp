@@ -3,10 +3,13 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QEvent>
+#include <QMessageBox>
+#include <QObject>
 #include <QPointer>
 #include <QPushButton>
+#include <QString>
+#include <QTest>
 #include <QTimer>
-#include <QtTest>
 
 namespace support {
 

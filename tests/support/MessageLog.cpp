@@ -5,8 +5,11 @@
 #include <algorithm>
 
 #include <QCoreApplication>
+#include <QMessageLogContext>
+#include <QString>
+#include <QStringList>
+#include <QTest>
 #include <QThread>
-#include <QtTest>
 
 namespace support {
 

@@ -10,9 +10,12 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <QByteArray>
 #include <QCoreApplication>
+#include <QString>
+#include <QStringList>
+#include <QTest>
 #include <QThread>
-#include <QtTest>
 
 namespace support {
 

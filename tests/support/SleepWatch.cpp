@@ -5,7 +5,9 @@
 
 #include <unistd.h>
 
-#include <QtTest>
+#include <QObject>
+#include <QTest>
+#include <QThread>
 
 namespace support {
 

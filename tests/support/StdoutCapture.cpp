@@ -5,7 +5,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <QtTest>
+#include <QByteArray>
+#include <QTest>
 
 namespace support {
 

@@ -19,6 +19,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <QDebug>
 #include <QDir>
 #include <QLineEdit>
 #include <QPushButton>

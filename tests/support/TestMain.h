@@ -2,7 +2,9 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QtTest>
+#include <QObject>
+#include <QString>
+#include <QTest>
 #ifdef QT_WIDGETS_LIB
 #include <QApplication>
 #endif

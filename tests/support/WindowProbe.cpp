@@ -2,8 +2,10 @@
 
 #include <cstdlib>
 
-#include <QtTest>
-#include <QtWidgets>
+#include <QObject>
+#include <QString>
+#include <QTest>
+#include <QWidget>
 
 namespace support {
 

@@ -4,7 +4,7 @@
 #include <future>
 
 #include <QElapsedTimer>
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

@@ -3,11 +3,20 @@
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/StdoutCapture.h"
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QtTest>
+#include <QFileDevice>
+#include <QIODevice>
+#include <QLineEdit>
+#include <QList>
+#include <QMessageBox>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QTest>
 
 namespace {
 

@@ -41,9 +41,10 @@ QByteArray read(const QString& path)
 
 int entryCount(const QString& folder)
 {
-    return QDir(folder)
-        .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)
-        .size();
+    return static_cast<int>(
+        QDir(folder)
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)
+            .size());
 }
 
 QByteArray native(const QString& path)

@@ -16,8 +16,10 @@
 #include <memory>
 #include <vector>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QList>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTableWidget>

@@ -5,7 +5,9 @@
 
 #include <initializer_list>
 
-#include <QtTest>
+#include <QByteArray>
+#include <QString>
+#include <QTest>
 
 Q_DECLARE_METATYPE(RealServer::Kind)
 

@@ -2,10 +2,18 @@
 
 #include "tests/support/MessageBoxWatcher.h"
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QtTest>
+#include <QFileDevice>
+#include <QIODevice>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QTest>
 
 namespace {
 

@@ -3,8 +3,11 @@
 #include "tests/system/RecordedText.h"
 #include "tests/system/WireRun.h"
 
+#include <QCoreApplication>
+#include <QDateTime>
 #include <QFileInfo>
 #include <QProcess>
+#include <QProcessEnvironment>
 
 class WireTest : public QObject
 {
