@@ -2,10 +2,27 @@
 
 #include "download/DownloadRequest.h"
 
+#include <csignal>
+
+#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <QStandardPaths>
+
+namespace {
+
+/// Writing to a connection that the camera has refused or closed fails from now on without a
+/// signal, which would end a program that does not ignore it.
+void blockPipeSignal()
+{
+    sigset_t pipeSignal;
+    ::sigemptyset(&pipeSignal);
+    ::sigaddset(&pipeSignal, SIGPIPE);
+    ::pthread_sigmask(SIG_BLOCK, &pipeSignal, nullptr);
+}
+
+} // namespace
 
 DownloadFileThread::DownloadFileThread(QObject* parent)
     : QThread(parent), urlPrefix(QStringLiteral("http://192.168.1.120/sd/DCIM/100ZEPNA/"))
@@ -26,6 +43,7 @@ void DownloadFileThread::stopAndWait()
 
 void DownloadFileThread::run()
 {
+    blockPipeSignal();
     const QString name = fileName;
     DownloadFile(name);
 }

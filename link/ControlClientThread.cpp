@@ -50,6 +50,7 @@ void ControlClientThread::heartBeatTimer()
 
 void ControlClientThread::run()
 {
+    vehicle::blockPipeSignal();
     for (;;) {
         qDebug("ControlClientThread run begin");
         const int sockfd = newTcpSocketClient(serverIP, serverPort);

@@ -52,6 +52,7 @@ void GroundClientThread::heartBeatTimer()
 
 void GroundClientThread::run()
 {
+    vehicle::blockPipeSignal();
     for (;;) {
         qDebug("GroundClientThread run begin");
         const int sockfd = newTcpSocketClient(serverIP, serverPort);

@@ -3,12 +3,14 @@
 #include "link/VehicleFrame.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <pthread.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -80,6 +82,14 @@ int localAddress(int descriptor, char* ip)
     }
     inet_ntop(AF_INET, &local.sin_addr, ip, INET_ADDRSTRLEN);
     return static_cast<int>(std::strlen(ip));
+}
+
+void blockPipeSignal()
+{
+    sigset_t pipeSignal;
+    ::sigemptyset(&pipeSignal);
+    ::sigaddset(&pipeSignal, SIGPIPE);
+    ::pthread_sigmask(SIG_BLOCK, &pipeSignal, nullptr);
 }
 
 void sendFrame(int descriptor, char type, char data)

@@ -49,6 +49,10 @@ private:
 /// the address, "Get IP failed" goes to standard output and the address reads 0.0.0.0.
 int localAddress(int descriptor, char* ip);
 
+/// For a link thread: sending on a connection that the module has closed fails from now on without
+/// a signal, which would end a program that does not ignore it.
+void blockPipeSignal();
+
 /// Sends one frame of one payload byte. The result is not looked at: a connection that fails is
 /// noticed by the next receive.
 void sendFrame(int descriptor, char type, char data);

@@ -1,14 +1,18 @@
 #include "http/HTTPSession.h"
 
 #include "tests/support/NoDescriptorsLeft.h"
+#include "tests/support/PipeSignal.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/TestMain.h"
 
 #include <cerrno>
 #include <climits>
+#include <csignal>
+#include <ctime>
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -102,6 +106,7 @@ private slots:
 
     void sendReturnsWhatTheSystemSays();
     void sendToAClosedPeerFails();
+    void sendLeavesThePipeSignalAsItWas();
     void sendWithoutSocketFails();
     void readReturnsWhatHasArrivedUpToTheLength();
     void readOnAClosedPeerReturnsZero();
@@ -281,9 +286,33 @@ void HTTPSessionTest::sendReturnsWhatTheSystemSays()
 
 void HTTPSessionTest::sendToAClosedPeerFails()
 {
+    const support::DeadlyPipeSignal deadly;
     PairedSession pair;
     pair.closePeer();
     QCOMPARE(pair.session.send("abc", 3), -1);
+    QCOMPARE(errno, EPIPE);
+    QCOMPARE(support::threadsWithoutPipeSignal(), 0);
+}
+
+void HTTPSessionTest::sendLeavesThePipeSignalAsItWas()
+{
+    sigset_t pipeSignal;
+    ::sigemptyset(&pipeSignal);
+    ::sigaddset(&pipeSignal, SIGPIPE);
+    ::pthread_sigmask(SIG_BLOCK, &pipeSignal, nullptr);
+    ::raise(SIGPIPE);
+    PairedSession pair;
+    pair.closePeer();
+    QCOMPARE(pair.session.send("abc", 3), -1);
+    sigset_t pending;
+    ::sigpending(&pending);
+    const bool isPending = ::sigismember(&pending, SIGPIPE) == 1;
+    const int blocking = support::threadsWithoutPipeSignal();
+    const timespec atOnce{};
+    ::sigtimedwait(&pipeSignal, nullptr, &atOnce);
+    ::pthread_sigmask(SIG_UNBLOCK, &pipeSignal, nullptr);
+    QVERIFY(isPending);
+    QCOMPARE(blocking, 1);
 }
 
 void HTTPSessionTest::sendWithoutSocketFails()

@@ -6,6 +6,7 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/MetaMethods.h"
 #include "tests/support/OpenDescriptors.h"
+#include "tests/support/PipeSignal.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/SilentAddress.h"
 #include "tests/support/SleepWatch.h"
@@ -195,8 +196,10 @@ void ControlClientThreadTest::everyHeartbeatIsAnsweredAndReported()
                           }),
                           address, port);
     Link link;
+    QTRY_COMPARE(support::threadsWithoutPipeSignal(), 0);
     link.start();
     QVERIFY(link.recorder.waitFor(3));
+    QTRY_COMPARE(support::threadsWithoutPipeSignal(), 1);
     QCOMPARE(link.recorder.events, QStringList({"linked", "linked", "linked"}));
     QCOMPARE(server.received(0).toHex(), QByteArray("aaaf0401015faaaf0401015faaaf0401015f"));
     QCOMPARE(link.thread.linkedFlag, true);

@@ -5,6 +5,7 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/MetaMethods.h"
 #include "tests/support/OpenDescriptors.h"
+#include "tests/support/PipeSignal.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/SilentAddress.h"
 #include "tests/support/SleepWatch.h"
@@ -154,8 +155,10 @@ void GroundClientThreadTest::everyHeartbeatIsAnsweredWithTheControlStartByte()
                           }),
                           address, port);
     Link link;
+    QTRY_COMPARE(support::threadsWithoutPipeSignal(), 0);
     link.start();
     QVERIFY(server.waitForReceived(0, answer + answer + answer));
+    QTRY_COMPARE(support::threadsWithoutPipeSignal(), 1);
     QCOMPARE(server.received(0).toHex(), QByteArray("aaaf0401015faaaf0401015faaaf0401015f"));
     QCOMPARE(server.errors(), QStringList());
 }
