@@ -7,6 +7,7 @@
 #include "tests/app/UserWindow.h"
 #include "tests/calls/FailingCall.h"
 #include "tests/support/NetworkGuard.h"
+#include "tests/support/OpenDescriptors.h"
 #include "tests/support/TestMain.h"
 #include "tests/support/TimeFactor.h"
 #include "tests/system/SimulatorProcess.h"
@@ -81,13 +82,6 @@ private:
 QString desktop()
 {
     return QDir::homePath() + "/Desktop";
-}
-
-int openDescriptors()
-{
-    return static_cast<int>(QDir("/proc/self/fd")
-                                .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
-                                .size());
 }
 
 class Run
@@ -213,7 +207,7 @@ bool writeCard(const QString& folder)
 
 void runAndClose(SimulatorProcess& simulator)
 {
-    const int before = openDescriptors();
+    const int before = support::openDescriptors();
     UserWindow user;
     Run(user).play();
     QElapsedTimer clock;
@@ -222,7 +216,7 @@ void runAndClose(SimulatorProcess& simulator)
     if (clock.elapsed() > closingLimit * support::timeFactor()) {
         complain(QStringLiteral("closing took %1 ms").arg(clock.elapsed()));
     }
-    if (openDescriptors() > before) {
+    if (support::openDescriptors() > before) {
         complain("descriptors stay open");
     }
     checkFolders();

@@ -58,11 +58,6 @@ qint64 residentBytes()
                : -1;
 }
 
-int openDescriptors()
-{
-    return static_cast<int>(QDir("/proc/self/fd").entryList(QDir::System | QDir::Files).size());
-}
-
 bool eventually(const std::function<bool()>& condition, int milliseconds = limit)
 {
     return support::WindowProbe::waitUntil(condition, milliseconds);
@@ -161,7 +156,7 @@ void SoakTest::modulesDropAndReturn()
 {
     start({"--sample", "--heartbeat", "20"});
     link();
-    const int before = openDescriptors();
+    const int before = support::openDescriptors();
     const int drops = share(500);
     const StallWatch watch;
     for (int i = 0; i < drops && !QTest::currentTestFailed(); ++i) {
@@ -170,7 +165,7 @@ void SoakTest::modulesDropAndReturn()
         QVERIFY2(eventually([this] { return m_user->showsLinkSuccess(); }),
                  "the status is not green again");
     }
-    const int grown = openDescriptors() - before;
+    const int grown = support::openDescriptors() - before;
     tell(QStringLiteral("%1 drops of each module: %2 descriptors more, longest wait %3 ms")
              .arg(drops)
              .arg(grown)
@@ -203,7 +198,7 @@ void SoakTest::heartbeats()
     auto* control = m_user->window().findChild<ControlClientThread*>();
     QVERIFY(control != nullptr);
     QSignalSpy heard(control, SIGNAL(updateLinkedFlag(bool)));
-    const int before = openDescriptors();
+    const int before = support::openDescriptors();
     const int wanted = share(10'000);
     const StallWatch watch;
     QVERIFY2(eventually([&] { return heard.size() >= wanted; }, limit + wanted * 20),
@@ -212,7 +207,7 @@ void SoakTest::heartbeats()
     QVERIFY2(watch.longest() <= answersWithin, "the window kept its user waiting");
     QVERIFY(std::all_of(heard.cbegin(), heard.cend(),
                         [](const QList<QVariant>& call) { return call.first().toBool(); }));
-    QCOMPARE(openDescriptors(), before);
+    QCOMPARE(support::openDescriptors(), before);
 }
 
 void SoakTest::downloadAll(int count)
@@ -238,7 +233,7 @@ void SoakTest::downloads()
     // What is set up once, such as fonts and the first thread's memory, is no growth.
     downloadAll(filesOnCard);
     const int rounds = share(300 / filesOnCard - 1);
-    const int descriptors = openDescriptors();
+    const int descriptors = support::openDescriptors();
     const qint64 memory = residentBytes();
     const StallWatch watch;
     for (int round = 0; round < rounds && !QTest::currentTestFailed(); ++round) {
@@ -246,7 +241,7 @@ void SoakTest::downloads()
     }
     const int done = rounds * filesOnCard;
     const qint64 growth = (residentBytes() - memory) / done;
-    const int opened = openDescriptors() - descriptors;
+    const int opened = support::openDescriptors() - descriptors;
     tell(QStringLiteral("%1 downloads: %2 bytes of memory and %3 descriptors each, longest wait "
                         "%4 ms")
              .arg(done)
@@ -270,7 +265,7 @@ void SoakTest::browses()
     QVERIFY(writeCard(card, filesOnCard, 2048));
     start({"--card", card});
     m_user->clickBrowse();
-    const int descriptors = openDescriptors();
+    const int descriptors = support::openDescriptors();
     const qint64 memory = residentBytes();
     const int rounds = share(10);
     for (int round = 0; round < rounds; ++round) {
@@ -283,7 +278,7 @@ void SoakTest::browses()
              .arg(rounds)
              .arg(filesOnCard)
              .arg(growth));
-    QCOMPARE(openDescriptors(), descriptors);
+    QCOMPARE(support::openDescriptors(), descriptors);
     QVERIFY2(growth <= 1'048'576, "memory grows with each browse");
 }
 
@@ -291,7 +286,7 @@ void SoakTest::idleWhileLinked()
 {
     start({"--sample"});
     link();
-    const int descriptors = openDescriptors();
+    const int descriptors = support::openDescriptors();
     const qint64 memory = residentBytes();
     const StallWatch watch;
     QTest::qWait(share(600) * 1000);
@@ -302,7 +297,7 @@ void SoakTest::idleWhileLinked()
     QVERIFY(m_user->showsLinkSuccess());
     QCOMPARE(connectionsTo(controlAddress), 1);
     QCOMPARE(connectionsTo(groundAddress), 1);
-    QCOMPARE(openDescriptors(), descriptors);
+    QCOMPARE(support::openDescriptors(), descriptors);
     QVERIFY2(residentBytes() - memory <= 1'048'576, "memory grows while nothing happens");
     QVERIFY2(watch.longest() <= answersWithin, "the window kept its user waiting");
 }

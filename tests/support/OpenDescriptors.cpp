@@ -53,4 +53,10 @@ int openSockets()
         [](int, const std::string& target) { return target.rfind("socket:", 0) == 0; });
 }
 
+int openDescriptors()
+{
+    return countDescriptors(
+        [](int, const std::string& target) { return target != "anon_inode:[eventfd]"; });
+}
+
 } // namespace support

@@ -16,4 +16,8 @@ int descriptorsOn(const QByteArray& path);
 /// All sockets of this process.
 int openSockets();
 
+/// All descriptors of this process but those for events: none of our code makes one, while Qt makes
+/// one for each thread, and the threads of its own pools outlive a window.
+int openDescriptors();
+
 } // namespace support
