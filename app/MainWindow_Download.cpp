@@ -5,6 +5,7 @@
 #include "download/DownloadFileThread.h"
 #include "ui_MainWindow.h"
 
+#include <QStyle>
 #include <QThread>
 
 void MainWindow::on_pushButtonDownloadFile_clicked()
@@ -37,7 +38,8 @@ void MainWindow::DownloadFile(QString fileName)
         QStringLiteral("%1%2%3").arg(selectedCursor).arg(QStringLiteral("/")).arg(selectedCount));
     ui->lineEditDownloadLabel->setText(tr("Download Progress:"));
     if (!m_barStyle) {
-        m_barStyle = std::make_unique<SteadyGrooveStyle>();
+        m_barStyle =
+            std::make_unique<SteadyGrooveStyle>(ui->progressBarDownLoad->style()->objectName());
         ui->progressBarDownLoad->setStyle(m_barStyle.get());
     }
     ui->progressBarDownLoad->setValue(0);
