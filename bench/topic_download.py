@@ -9,7 +9,7 @@ TOPIC = "download"
 NAME = "REC00000.MP4"
 TARGET = RECORDINGS + NAME
 # Name, bits a second, megabytes, the same in a quick run.
-SPEEDS = (("100 Mbit/s", 100_000_000, 512, 8), ("1 Gbit/s", 1_000_000_000, 512, 64),
+SPEEDS = (("100 Mbit/s", 100_000_000, 128, 8), ("1 Gbit/s", 1_000_000_000, 512, 64),
           ("unthrottled", 0, 512, 128))
 
 
