@@ -92,7 +92,10 @@ void HTTPClient_HostTest::knownNameGivesItsAddressInNetworkByteOrder()
     const QRegularExpression line("^127\\.0\\.0\\.1\\s+localhost\\b",
                                   QRegularExpression::MultilineOption);
     if (!hosts.open(QIODevice::ReadOnly) || !line.match(hosts.readAll()).hasMatch()) {
-        QSKIP("this system's /etc/hosts does not name 127.0.0.1 localhost");
+        // QSKIP with a reason and nothing more is not C++17 to Clang's mind.
+        QTest::qSkip("this system's /etc/hosts does not name 127.0.0.1 localhost", __FILE__,
+                     __LINE__);
+        return;
     }
     QCOMPARE(bytesOf(HTTPClient().hostToLong("localhost")), QByteArray("7f 00 00 01"));
 }
