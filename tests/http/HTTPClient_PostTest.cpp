@@ -370,8 +370,8 @@ void HTTPClient_PostTest::postWhoseBodyCannotBeSentFailsWithoutReadingTheAnswer(
     QVERIFY(plan.used());
     QCOMPARE(response.statusCode, 0);
     QVERIFY(server.waitForScripts(1));
-    QVERIFY2(server.received(0).isEmpty() || server.received(0) == bareHead("/p", server) + "da",
-             server.received(0));
+    // Closing while the answer is unread resets the connection, and may drop what was on its way.
+    QVERIFY2((bareHead("/p", server) + "da").startsWith(server.received(0)), server.received(0));
 }
 
 // --- in steps ----------------------------------------------------------------------------------
