@@ -287,15 +287,17 @@ void HTTPSessionTest::sendReturnsWhatTheSystemSays()
 void HTTPSessionTest::sendToAClosedPeerFails()
 {
     const support::DeadlyPipeSignal deadly;
+    const int others = support::threadsWithoutPipeSignal();
     PairedSession pair;
     pair.closePeer();
     QCOMPARE(pair.session.send("abc", 3), -1);
     QCOMPARE(errno, EPIPE);
-    QCOMPARE(support::threadsWithoutPipeSignal(), 0);
+    QCOMPARE(support::threadsWithoutPipeSignal(), others);
 }
 
 void HTTPSessionTest::sendLeavesThePipeSignalAsItWas()
 {
+    const int others = support::threadsWithoutPipeSignal();
     sigset_t pipeSignal;
     ::sigemptyset(&pipeSignal);
     ::sigaddset(&pipeSignal, SIGPIPE);
@@ -312,7 +314,7 @@ void HTTPSessionTest::sendLeavesThePipeSignalAsItWas()
     ::sigtimedwait(&pipeSignal, nullptr, &atOnce);
     ::pthread_sigmask(SIG_UNBLOCK, &pipeSignal, nullptr);
     QVERIFY(isPending);
-    QCOMPARE(blocking, 1);
+    QCOMPARE(blocking, others + 1);
 }
 
 void HTTPSessionTest::sendWithoutSocketFails()

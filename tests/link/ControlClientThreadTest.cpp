@@ -187,6 +187,7 @@ void ControlClientThreadTest::versionReportWithALowByteOf80OrMore()
 
 void ControlClientThreadTest::everyHeartbeatIsAnsweredAndReported()
 {
+    const int others = support::threadsWithoutPipeSignal();
     ScriptedServer server(Script([](Peer& peer) {
                               for (int number = 0; number < 3; ++number) {
                                   peer.send(heartbeat);
@@ -196,10 +197,9 @@ void ControlClientThreadTest::everyHeartbeatIsAnsweredAndReported()
                           }),
                           address, port);
     Link link;
-    QTRY_COMPARE(support::threadsWithoutPipeSignal(), 0);
     link.start();
     QVERIFY(link.recorder.waitFor(3));
-    QTRY_COMPARE(support::threadsWithoutPipeSignal(), 1);
+    QTRY_COMPARE(support::threadsWithoutPipeSignal(), others + 1);
     QCOMPARE(link.recorder.events, QStringList({"linked", "linked", "linked"}));
     QCOMPARE(server.received(0).toHex(), QByteArray("aaaf0401015faaaf0401015faaaf0401015f"));
     QCOMPARE(link.thread.linkedFlag, true);

@@ -23,7 +23,7 @@ private:
 };
 
 /// How many threads of this process block SIGPIPE. One that is just being made may count for a
-/// moment.
+/// moment, and a sanitizer's own thread does all the time.
 inline int threadsWithoutPipeSignal()
 {
     int count = 0;
