@@ -14,7 +14,7 @@ else()
 endif()
 
 # Always a network of its own, also for a caller who is inside one already.
-set(BELUN_PRIVATE_NETWORK "${PROJECT_SOURCE_DIR}/simulator/private-network" --own)
+set(BELUN_PRIVATE_NETWORK "${PROJECT_SOURCE_DIR}/tools/private-network" --own)
 
 math(EXPR BELUN_TIMEOUT_unit "60 * ${BELUN_TIME_FACTOR}")
 math(EXPR BELUN_TIMEOUT_socket "180 * ${BELUN_TIME_FACTOR}")

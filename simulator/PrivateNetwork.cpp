@@ -16,7 +16,7 @@ namespace {
 
 const std::string advice = "\nRun it inside a private network of its own:\n"
                            "    belun-private-network belun-simulator ...\n"
-                           "That is simulator/private-network in the source tree.";
+                           "That is tools/private-network in the source tree.";
 
 } // namespace
 

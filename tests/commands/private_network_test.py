@@ -1,4 +1,4 @@
-"""What a command finds inside simulator/private-network, and what is left when it ends."""
+"""What a command finds inside tools/private-network, and what is left when it ends."""
 
 import os
 import pathlib
@@ -10,7 +10,7 @@ import tempfile
 import time
 import unittest
 
-SCRIPT = str(pathlib.Path(__file__).resolve().parents[2] / "simulator" / "private-network")
+SCRIPT = str(pathlib.Path(__file__).resolve().parents[2] / "tools" / "private-network")
 ADDRESSES = ["192.168.1.120", "192.168.1.148", "192.168.1.149"]
 
 

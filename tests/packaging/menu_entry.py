@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Starts a program as a desktop does, by its menu entry, and closes its window again.
 
-Runs on a display: simulator/private-display tests/packaging/menu_entry.py ENTRY...
+Runs on a display: tools/private-display tests/packaging/menu_entry.py ENTRY...
 """
 
 import argparse
@@ -12,7 +12,7 @@ import subprocess
 import sys
 
 sys.dont_write_bytecode = True
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "simulator"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 import screen  # noqa: E402
 
 

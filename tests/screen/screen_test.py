@@ -11,7 +11,7 @@ import unittest
 
 sys.dont_write_bytecode = True
 here = pathlib.Path(__file__).resolve().parent
-sys.path[:0] = [str(here), str(here.parent / "simulator"), str(here.parents[1] / "simulator")]
+sys.path[:0] = [str(here), str(here.parent / "simulator"), str(here.parents[1] / "tools")]
 import harness  # noqa: E402
 import scene  # noqa: E402
 import texts  # noqa: E402

@@ -9,7 +9,7 @@ import harness
 from harness import COUNT, SimulatorTest
 
 ADVICE = ("\n    belun-private-network belun-simulator ...\n"
-          "That is simulator/private-network in the source tree.\n")
+          "That is tools/private-network in the source tree.\n")
 
 
 class CommandLineTest(SimulatorTest):

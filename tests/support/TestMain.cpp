@@ -55,7 +55,7 @@ int runTest(QObject& test, int argc, char** argv, bool needsNetwork)
     if (needsNetwork) {
         const QString reason = whyNotInPrivateNetwork();
         if (!reason.isEmpty()) {
-            std::fprintf(stderr, "%s\nRun this test with simulator/private-network.\n",
+            std::fprintf(stderr, "%s\nRun this test with tools/private-network.\n",
                          qPrintable(reason));
             return EXIT_FAILURE;
         }
