@@ -1,17 +1,35 @@
 # belun_add_translations(<variable> <file.ts>...)
 #
 # Compiles each catalogue source to a .qm in the build folder and lists the results in <variable>.
+# lrelease writes the source's language into the .qm, where nothing reads it: the catalogue is chosen by
+# its file name. The program's catalogues are made without that section.
+#
 # `update_translations` brings the sources up to date with the code. It is run by hand, never by a
 # build, reads the window's code only (the form's design texts are never seen, so no catalogue has
 # them) and drops no entry: lupdate's mark on what the code does not have, by which the compiler would
 # leave it out, is taken away again, since an entry may stand there by hand.
 function(belun_add_translations variable)
+  set(with_language "${CMAKE_CURRENT_BINARY_DIR}/with_language")
+  file(MAKE_DIRECTORY "${with_language}")
+  set_source_files_properties(${ARGN} PROPERTIES OUTPUT_LOCATION "${with_language}")
   if(BELUN_QT_MAJOR EQUAL 5)
     qt5_add_translation(compiled ${ARGN})
   else()
     qt_add_translation(compiled ${ARGN})
   endif()
-  set(${variable} ${compiled} PARENT_SCOPE)
+  set(catalogues)
+  foreach(from IN LISTS compiled)
+    get_filename_component(name "${from}" NAME)
+    set(catalogue "${CMAKE_CURRENT_BINARY_DIR}/${name}")
+    set(script "${PROJECT_SOURCE_DIR}/cmake/DropLanguage.cmake")
+    add_custom_command(OUTPUT "${catalogue}"
+      COMMAND ${CMAKE_COMMAND} "-DFROM=${from}" "-DTO=${catalogue}" -P "${script}"
+      DEPENDS "${from}" "${script}"
+      COMMENT "Generating ${name} without its language section"
+      VERBATIM)
+    list(APPEND catalogues "${catalogue}")
+  endforeach()
+  set(${variable} ${catalogues} PARENT_SCOPE)
 
   set(sources ${ARGN})
   list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")

@@ -22,8 +22,8 @@ private slots:
     void pathsAreValidBeforeMain();
     void collectionHoldsThreeFiles();
     void iconIsASquarePictureOf512();
-    void cataloguesLoadByTheirFileName_data();
-    void cataloguesLoadByTheirFileName();
+    void cataloguesOfFixedSizeLoadByTheirFileName_data();
+    void cataloguesOfFixedSizeLoadByTheirFileName();
 };
 
 void ResourceTest::pathsAreValidBeforeMain()
@@ -56,17 +56,19 @@ void ResourceTest::iconIsASquarePictureOf512()
     QVERIFY(QFileInfo(QStringLiteral(":/Images/appicon.png")).size() < 1048576);
 }
 
-void ResourceTest::cataloguesLoadByTheirFileName_data()
+void ResourceTest::cataloguesOfFixedSizeLoadByTheirFileName_data()
 {
     QTest::addColumn<QString>("path");
+    QTest::addColumn<qint64>("size");
 
-    QTest::newRow("Chinese") << ":/translation/belun_chinese.qm";
-    QTest::newRow("English") << ":/translation/belun_english.qm";
+    QTest::newRow("Chinese") << ":/translation/belun_chinese.qm" << qint64{1417};
+    QTest::newRow("English") << ":/translation/belun_english.qm" << qint64{1707};
 }
 
-void ResourceTest::cataloguesLoadByTheirFileName()
+void ResourceTest::cataloguesOfFixedSizeLoadByTheirFileName()
 {
     QFETCH(QString, path);
+    QTEST(QFileInfo(path).size(), "size");
     QTranslator catalogue;
     QVERIFY(catalogue.load(path));
     QVERIFY(!catalogue.isEmpty());
