@@ -8,8 +8,22 @@ target_compile_options(project_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow
   $<$<BOOL:${BELUN_WERROR}>:-Werror>)
 
-# The tests are some hundred programs, and linking them is a good part of a build: gold takes a third
-# of the default linker's time. What is built for use keeps the default.
+# The vehicle's bytes have to be read alike whether plain char is signed or not.
+option(BELUN_OTHER_CHAR "Compile with the other sign of plain char" OFF)
+if(BELUN_OTHER_CHAR)
+  include(CheckCXXSourceCompiles)
+  check_cxx_source_compiles("static_assert(char(-1) < 0, \"\"); int main() { return 0; }"
+    BELUN_CHAR_IS_SIGNED)
+  if(BELUN_CHAR_IS_SIGNED)
+    target_compile_options(project_options INTERFACE -funsigned-char)
+    target_compile_definitions(project_options INTERFACE BELUN_EXPECT_SIGNED_CHAR=false)
+  else()
+    target_compile_options(project_options INTERFACE -fsigned-char)
+    target_compile_definitions(project_options INTERFACE BELUN_EXPECT_SIGNED_CHAR=true)
+  endif()
+endif()
+
+# gold takes a third of the default linker's time. What is built for use keeps the default.
 if(BUILD_TESTING)
   include(CheckLinkerFlag)
   check_linker_flag(CXX -fuse-ld=gold BELUN_HAVE_GOLD)

@@ -251,6 +251,6 @@ void AccessibilityTest::cellOutsideATableHasNoDescription()
     QVERIFY(!item->data(Qt::AccessibleDescriptionRole).isValid());
 }
 
-BELUN_TEST_MAIN(AccessibilityTest)
+BELUN_TEST(AccessibilityTest)
 
 #include "AccessibilityTest.moc"

@@ -710,5 +710,5 @@ void BrowseTest::textBetweenMarkersIsCopied()
     QCOMPARE(buffer.data(), "12");
 }
 
-BELUN_NETWORK_TEST_MAIN(BrowseTest)
+BELUN_NETWORK_TEST(BrowseTest)
 #include "BrowseTest.moc"

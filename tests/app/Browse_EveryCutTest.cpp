@@ -156,5 +156,5 @@ void Browse_EveryCutTest::detailsEndWithACutInTheirSecondHalf()
                   {{0, "[a.mp4|||]"}, {66, noSize}, {75, noTime}, {84, whole}});
 }
 
-BELUN_NETWORK_TEST_MAIN(Browse_EveryCutTest)
+BELUN_NETWORK_TEST(Browse_EveryCutTest)
 #include "Browse_EveryCutTest.moc"

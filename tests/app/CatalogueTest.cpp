@@ -195,6 +195,6 @@ void CatalogueTest::sourceHoldsTheTableAndNothingUnfinished()
     QCOMPARE(found, expected);
 }
 
-BELUN_TEST_MAIN(CatalogueTest)
+BELUN_TEST(CatalogueTest)
 
 #include "CatalogueTest.moc"

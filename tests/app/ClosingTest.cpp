@@ -488,5 +488,5 @@ void ClosingTest::programKeepsTheDescriptorsOfLinksAndDownloadsOpen()
     program.close();
 }
 
-BELUN_NETWORK_TEST_MAIN(ClosingTest)
+BELUN_NETWORK_TEST(ClosingTest)
 #include "ClosingTest.moc"

@@ -464,5 +464,5 @@ void DeleteTest::failedEmptyingLeavesTheTable()
     QCOMPARE(user->table().rowCount(), 5);
 }
 
-BELUN_NETWORK_TEST_MAIN(DeleteTest)
+BELUN_NETWORK_TEST(DeleteTest)
 #include "DeleteTest.moc"

@@ -510,5 +510,5 @@ void DownloadTest::countsBeyondAnIntDoNoHarm()
     QVERIFY(user.progressBar().maximum() < 100);
 }
 
-BELUN_NETWORK_TEST_MAIN(DownloadTest)
+BELUN_NETWORK_TEST(DownloadTest)
 #include "DownloadTest.moc"

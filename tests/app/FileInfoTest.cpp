@@ -228,6 +228,6 @@ void FileInfoTest::answerWithoutMarkersLeavesTheBufferAlone()
     QCOMPARE(buffer, QByteArray(32, '#'));
 }
 
-BELUN_TEST_MAIN(FileInfoTest)
+BELUN_TEST(FileInfoTest)
 
 #include "FileInfoTest.moc"

@@ -92,5 +92,5 @@ void FileInfo_EveryCutTest::detailsAreShownAsFarAsTheyCame()
     checkEveryCut(pieces, [this](const std::string& answer) { return shown(answer); });
 }
 
-BELUN_TEST_MAIN(FileInfo_EveryCutTest)
+BELUN_TEST(FileInfo_EveryCutTest)
 #include "FileInfo_EveryCutTest.moc"

@@ -282,6 +282,6 @@ void FileTableTest::halfCheckedBoxClearsTheSelection()
     QCOMPARE(selectedRows(), QList<int>());
 }
 
-BELUN_TEST_MAIN(FileTableTest)
+BELUN_TEST(FileTableTest)
 
 #include "FileTableTest.moc"

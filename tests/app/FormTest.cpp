@@ -768,6 +768,6 @@ void FormTest::widthsHoldWhenTheWindowIsResized()
     QCOMPARE(child<QWidget>(window, QStringLiteral("lineEditDownloadProgress")).width(), 80);
 }
 
-BELUN_TEST_MAIN(FormTest)
+BELUN_TEST(FormTest)
 
 #include "FormTest.moc"

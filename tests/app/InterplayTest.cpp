@@ -469,5 +469,5 @@ void InterplayTest::downloadGoesOnBesideAFreshPairOfLinks()
     QCOMPARE(recording("a.mp4"), QByteArray("from a.mp4"));
 }
 
-BELUN_NETWORK_TEST_MAIN(InterplayTest)
+BELUN_NETWORK_TEST(InterplayTest)
 #include "InterplayTest.moc"

@@ -176,6 +176,6 @@ void KeyboardTest::ctrlTabLeavesTheTableAndKeepsTheSelection()
     QCOMPARE(selectedRows(), (QList<int>{1, 2}));
 }
 
-BELUN_TEST_MAIN(KeyboardTest)
+BELUN_TEST(KeyboardTest)
 
 #include "KeyboardTest.moc"

@@ -253,6 +253,6 @@ void LanguageTest::missingCatalogueShowsTheEnglishTexts()
     QCOMPARE(texts, english());
 }
 
-BELUN_TEST_MAIN(LanguageTest)
+BELUN_TEST(LanguageTest)
 
 #include "LanguageTest.moc"

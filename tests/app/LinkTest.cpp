@@ -502,5 +502,5 @@ void LinkTest::probeWaitsASecondUnlessTold()
     QVERIFY2(told >= 150 && told < 900, qPrintable(QString::number(told) + " ms"));
 }
 
-BELUN_NETWORK_TEST_MAIN(LinkTest)
+BELUN_NETWORK_TEST(LinkTest)
 #include "LinkTest.moc"

@@ -140,6 +140,6 @@ void MetaObjectTest::nothingEmitsTheReservedSignal()
     QCOMPARE(named, 0);
 }
 
-BELUN_TEST_MAIN(MetaObjectTest)
+BELUN_TEST(MetaObjectTest)
 
 #include "MetaObjectTest.moc"

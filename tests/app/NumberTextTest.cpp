@@ -126,6 +126,6 @@ void NumberTextTest::nothingIsWrittenBehindTheTerminator()
     QCOMPARE(buffer.mid(length + 1), QByteArray(63 - length, '#'));
 }
 
-BELUN_TEST_MAIN(NumberTextTest)
+BELUN_TEST(NumberTextTest)
 
 #include "NumberTextTest.moc"

@@ -75,6 +75,6 @@ void ProcessSetupTest::settingUpTwiceChangesNothing()
     QVERIFY(pipeSignalHandler() == SIG_IGN);
 }
 
-BELUN_TEST_MAIN(ProcessSetupTest)
+BELUN_TEST(ProcessSetupTest)
 
 #include "ProcessSetupTest.moc"

@@ -74,6 +74,6 @@ void ResourceTest::cataloguesOfFixedSizeLoadByTheirFileName()
     QVERIFY(!catalogue.isEmpty());
 }
 
-BELUN_TEST_MAIN(ResourceTest)
+BELUN_TEST(ResourceTest)
 
 #include "ResourceTest.moc"

@@ -144,6 +144,6 @@ void SteadyGrooveStyleTest::everyValueLooksAsWithoutIt()
     }
 }
 
-BELUN_TEST_MAIN(SteadyGrooveStyleTest)
+BELUN_TEST(SteadyGrooveStyleTest)
 
 #include "SteadyGrooveStyleTest.moc"

@@ -376,6 +376,6 @@ void CardAnswersTest::answerCutAnywhereIsReadToItsEnd()
     }
 }
 
-BELUN_TEST_MAIN(CardAnswersTest)
+BELUN_TEST(CardAnswersTest)
 
 #include "CardAnswersTest.moc"

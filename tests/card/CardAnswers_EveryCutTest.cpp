@@ -109,5 +109,5 @@ void CardAnswers_EveryCutTest::countIsReadAsFarAsItCame()
     checkEveryCut(pieces, countOf);
 }
 
-BELUN_TEST_MAIN(CardAnswers_EveryCutTest)
+BELUN_TEST(CardAnswers_EveryCutTest)
 #include "CardAnswers_EveryCutTest.moc"

@@ -77,6 +77,6 @@ void CardCommandsTest::successIsTheWordWithItsLineEnd()
     QCOMPARE(QByteArray(card::successAnswer), QByteArray("\x53\x75\x63\x63\x65\x73\x73\x0d\x0a"));
 }
 
-BELUN_TEST_MAIN(CardCommandsTest)
+BELUN_TEST(CardCommandsTest)
 
 #include "CardCommandsTest.moc"

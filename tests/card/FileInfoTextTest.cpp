@@ -107,6 +107,6 @@ void FileInfoTextTest::fieldStandsBeforeItsUnit()
     QTEST(shown, "text");
 }
 
-BELUN_TEST_MAIN(FileInfoTextTest)
+BELUN_TEST(FileInfoTextTest)
 
 #include "FileInfoTextTest.moc"

@@ -145,6 +145,6 @@ void FileTableTest::detailOfAMissingRowIsPassedOver()
     QVERIFY(m_table->item(0, 1) == nullptr);
 }
 
-BELUN_TEST_MAIN(FileTableTest)
+BELUN_TEST(FileTableTest)
 
 #include "FileTableTest.moc"

@@ -168,6 +168,6 @@ void NameTableTest::slotOutsideTheTableIsNeitherWrittenNorRead()
     }
 }
 
-BELUN_TEST_MAIN(NameTableTest)
+BELUN_TEST(NameTableTest)
 
 #include "NameTableTest.moc"

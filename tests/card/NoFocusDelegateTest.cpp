@@ -106,6 +106,6 @@ void NoFocusDelegateTest::optionOfTheViewStaysAsItIs()
     QVERIFY(!given.index.isValid());
 }
 
-BELUN_TEST_MAIN(NoFocusDelegateTest)
+BELUN_TEST(NoFocusDelegateTest)
 
 #include "NoFocusDelegateTest.moc"

@@ -145,6 +145,6 @@ void SelectionRecordTest::positionInsideTheRecordHasItsRow()
     QCOMPARE(card::rowAt(m_guarded->rows, 9998), 34);
 }
 
-BELUN_TEST_MAIN(SelectionRecordTest)
+BELUN_TEST(SelectionRecordTest)
 
 #include "SelectionRecordTest.moc"

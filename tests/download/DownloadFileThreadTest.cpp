@@ -530,5 +530,5 @@ void DownloadFileThreadTest::destructionEndsTheDownload()
     QVERIFY2(time.elapsed() < stopLimit, qPrintable(QString::number(time.elapsed()) + " ms"));
 }
 
-BELUN_NETWORK_TEST_MAIN(DownloadFileThreadTest)
+BELUN_NETWORK_TEST(DownloadFileThreadTest)
 #include "DownloadFileThreadTest.moc"

@@ -145,5 +145,5 @@ void DownloadRequestTest::bareFileNamesAreTold()
     QCOMPARE(download::isBareFileName(name), bare);
 }
 
-BELUN_TEST_MAIN(DownloadRequestTest)
+BELUN_TEST(DownloadRequestTest)
 #include "DownloadRequestTest.moc"

@@ -426,5 +426,5 @@ void LocalFileTest::oddButBareNameIsWrittenInTheFolder()
     QCOMPARE(contentOf("Desktop/DCIM/" + name), QByteArray("new content"));
 }
 
-BELUN_NETWORK_TEST_MAIN(LocalFileTest)
+BELUN_NETWORK_TEST(LocalFileTest)
 #include "LocalFileTest.moc"

@@ -176,5 +176,5 @@ void RecordingDownloadTest::countOfMoreThan2GiBWraps()
     QCOMPARE(last, qint64{-2146435072}); // 2049 MiB, 4 GiB less
 }
 
-BELUN_NETWORK_TEST_MAIN(RecordingDownloadTest)
+BELUN_NETWORK_TEST(RecordingDownloadTest)
 #include "RecordingDownloadTest.moc"

@@ -209,5 +209,5 @@ void ResponseHeadTest::wholeHeadIsRead()
     QCOMPARE(QByteArray(header.file_name, 256), QByteArray(256, '\0'));
 }
 
-BELUN_TEST_MAIN(ResponseHeadTest)
+BELUN_TEST(ResponseHeadTest)
 #include "ResponseHeadTest.moc"

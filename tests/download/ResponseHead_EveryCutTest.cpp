@@ -279,5 +279,5 @@ void ResponseHead_EveryCutTest::progressIsToldForEachReceive()
     QCOMPARE(Camera().deliver(pieces).received, received);
 }
 
-BELUN_NETWORK_TEST_MAIN(ResponseHead_EveryCutTest)
+BELUN_NETWORK_TEST(ResponseHead_EveryCutTest)
 #include "ResponseHead_EveryCutTest.moc"

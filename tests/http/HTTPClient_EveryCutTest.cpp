@@ -193,5 +193,5 @@ void HTTPClient_EveryCutTest::bodyBehindAnOlderLargerCountEndsWithTheFirstPiece(
     checkCutRow();
 }
 
-BELUN_TEST_MAIN(HTTPClient_EveryCutTest)
+BELUN_TEST(HTTPClient_EveryCutTest)
 #include "HTTPClient_EveryCutTest.moc"

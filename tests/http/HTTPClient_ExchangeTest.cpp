@@ -751,5 +751,5 @@ void HTTPClient_ExchangeTest::stopGetOfAnUnusedSessionDoesNothing()
     QCOMPARE(session.socketDescriptor, -1);
 }
 
-BELUN_NETWORK_TEST_MAIN(HTTPClient_ExchangeTest)
+BELUN_NETWORK_TEST(HTTPClient_ExchangeTest)
 #include "HTTPClient_ExchangeTest.moc"

@@ -100,5 +100,5 @@ void HTTPClient_HostTest::knownNameGivesItsAddressInNetworkByteOrder()
     QCOMPARE(bytesOf(HTTPClient().hostToLong("localhost")), QByteArray("7f 00 00 01"));
 }
 
-BELUN_NETWORK_TEST_MAIN(HTTPClient_HostTest)
+BELUN_NETWORK_TEST(HTTPClient_HostTest)
 #include "HTTPClient_HostTest.moc"

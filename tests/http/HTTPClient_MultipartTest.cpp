@@ -90,5 +90,5 @@ void HTTPClient_MultipartTest::recordIsLeftAsItWas()
     QCOMPARE(multipart.parts[1].content, std::string("1"));
 }
 
-BELUN_TEST_MAIN(HTTPClient_MultipartTest)
+BELUN_TEST(HTTPClient_MultipartTest)
 #include "HTTPClient_MultipartTest.moc"

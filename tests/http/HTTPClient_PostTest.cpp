@@ -514,5 +514,5 @@ void HTTPClient_PostTest::multipartBodyIsPosted()
         "--b\r\nN: V\r\n\r\n1\r\n--b\r\n\r\n2\r\n--b--\r\n"));
 }
 
-BELUN_NETWORK_TEST_MAIN(HTTPClient_PostTest)
+BELUN_NETWORK_TEST(HTTPClient_PostTest)
 #include "HTTPClient_PostTest.moc"

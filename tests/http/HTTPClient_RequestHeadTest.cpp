@@ -154,5 +154,5 @@ void HTTPClient_RequestHeadTest::requestIsLeftAsItWas()
     QVERIFY(request.headers == HTTPRequest().headers);
 }
 
-BELUN_TEST_MAIN(HTTPClient_RequestHeadTest)
+BELUN_TEST(HTTPClient_RequestHeadTest)
 #include "HTTPClient_RequestHeadTest.moc"

@@ -436,5 +436,5 @@ void HTTPClient_ResponseTest::hugeChunkReservesNoMemory()
     QCOMPARE(response.chunkLeft, 2147483644);
 }
 
-BELUN_TEST_MAIN(HTTPClient_ResponseTest)
+BELUN_TEST(HTTPClient_ResponseTest)
 #include "HTTPClient_ResponseTest.moc"

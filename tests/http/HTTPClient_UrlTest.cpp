@@ -145,5 +145,5 @@ void HTTPClient_UrlTest::addressItselfAndHeadersStayAsTheyWere()
     QVERIFY(request.headers == HTTPRequest().headers);
 }
 
-BELUN_TEST_MAIN(HTTPClient_UrlTest)
+BELUN_TEST(HTTPClient_UrlTest)
 #include "HTTPClient_UrlTest.moc"

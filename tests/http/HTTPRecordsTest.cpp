@@ -138,5 +138,5 @@ void HTTPRecordsTest::multipartPartsAreOrderedByTheirKey()
     QCOMPARE(order, std::string("minus one;two;ten;"));
 }
 
-BELUN_TEST_MAIN(HTTPRecordsTest)
+BELUN_TEST(HTTPRecordsTest)
 #include "HTTPRecordsTest.moc"

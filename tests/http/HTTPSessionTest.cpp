@@ -569,5 +569,5 @@ void HTTPSessionTest::hugeBlockReservesNoMemory()
     QVERIFY2(data.capacity() < 10000, qPrintable(QString::number(data.capacity())));
 }
 
-BELUN_NETWORK_TEST_MAIN(HTTPSessionTest)
+BELUN_NETWORK_TEST(HTTPSessionTest)
 #include "HTTPSessionTest.moc"

@@ -177,5 +177,5 @@ void LibraryPageTest::session()
     QCOMPARE(server.received(0), QByteArray("hello\n"));
 }
 
-BELUN_NETWORK_TEST_MAIN(LibraryPageTest)
+BELUN_NETWORK_TEST(LibraryPageTest)
 #include "LibraryPageTest.moc"

@@ -580,5 +580,5 @@ void ControlClientThreadTest::newTcpSocketClientAndGethostIP()
     QVERIFY(server.waitForScripts(1));
 }
 
-BELUN_NETWORK_TEST_MAIN(ControlClientThreadTest)
+BELUN_NETWORK_TEST(ControlClientThreadTest)
 #include "ControlClientThreadTest.moc"

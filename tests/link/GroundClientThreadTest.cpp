@@ -410,5 +410,5 @@ void GroundClientThreadTest::moduleNameInitDoesNothing()
     QCOMPARE(QByteArray(link.thread.serverIP), QByteArray("192.168.1.148"));
 }
 
-BELUN_NETWORK_TEST_MAIN(GroundClientThreadTest)
+BELUN_NETWORK_TEST(GroundClientThreadTest)
 #include "GroundClientThreadTest.moc"

@@ -280,5 +280,5 @@ void ModuleSocketTest::failedSendIsNotLookedAt()
     vehicle::sendFrame(-1, 0x04, 0x01);
 }
 
-BELUN_TEST_MAIN(ModuleSocketTest)
+BELUN_TEST(ModuleSocketTest)
 #include "ModuleSocketTest.moc"

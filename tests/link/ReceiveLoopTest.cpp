@@ -243,5 +243,5 @@ void ReceiveLoopTest::interruptedReceiveLooksAtTheLimit()
     QCOMPARE(count, 0);
 }
 
-BELUN_TEST_MAIN(ReceiveLoopTest)
+BELUN_TEST(ReceiveLoopTest)
 #include "ReceiveLoopTest.moc"

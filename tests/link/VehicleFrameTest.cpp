@@ -176,5 +176,5 @@ void VehicleFrameTest::outgoingFrameIsExact()
     QCOMPARE(bytesOf(frame).toHex(), bytes.toHex());
 }
 
-BELUN_TEST_MAIN(VehicleFrameTest)
+BELUN_TEST(VehicleFrameTest)
 #include "VehicleFrameTest.moc"

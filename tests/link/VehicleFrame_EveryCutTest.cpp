@@ -352,5 +352,5 @@ void VehicleFrame_EveryCutTest::groundBytesClosedAnywhere()
     checkEveryEnd<GroundClientThread>(groundFrames()[number]);
 }
 
-BELUN_TEST_MAIN(VehicleFrame_EveryCutTest)
+BELUN_TEST(VehicleFrame_EveryCutTest)
 #include "VehicleFrame_EveryCutTest.moc"

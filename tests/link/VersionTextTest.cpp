@@ -57,5 +57,5 @@ void VersionTextTest::versionIsShownInUnits()
     QCOMPARE(vehicle::versionText(hundredths), text);
 }
 
-BELUN_TEST_MAIN(VersionTextTest)
+BELUN_TEST(VersionTextTest)
 #include "VersionTextTest.moc"

@@ -302,6 +302,6 @@ void SoakTest::idleWhileLinked()
     QVERIFY2(watch.longest() <= answersWithin, "the window kept its user waiting");
 }
 
-BELUN_NETWORK_TEST_MAIN(SoakTest)
+BELUN_NETWORK_TEST(SoakTest)
 
 #include "SoakTest.moc"

@@ -278,5 +278,5 @@ void SupportTest::socketPairIsConnected()
     QCOMPARE(pair.arrived(), QByteArray("abc"));
 }
 
-BELUN_TEST_MAIN(SupportTest)
+BELUN_TEST(SupportTest)
 #include "SupportTest.moc"

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <vector>
 
 #include <unistd.h>
@@ -18,6 +19,10 @@
 namespace support {
 
 namespace {
+
+#ifdef BELUN_EXPECT_SIGNED_CHAR
+static_assert(std::numeric_limits<char>::is_signed == BELUN_EXPECT_SIGNED_CHAR);
+#endif
 
 constexpr std::size_t outputBufferSize = 65536;
 

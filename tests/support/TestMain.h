@@ -1,4 +1,4 @@
-// The main function of a test program.
+// What every test class runs in. A test program holds all classes of one folder.
 #pragma once
 
 #include <QCoreApplication>
@@ -37,29 +37,35 @@ using TestApplication = QApplication;
 using TestApplication = QCoreApplication;
 #endif
 
-template <class Test>
-int testMain(int argc, char** argv, bool needsNetwork)
+/// Runs one test class with the arguments of a program; the first is the program's name.
+using TestRun = int (*)(int argc, char** argv);
+
+template <class Test, bool NeedsNetwork>
+int runTestClass(int argc, char** argv)
 {
     const TestEnvironment environment;
     const TestApplication application(argc, argv);
     Test test;
-    return runTest(test, argc, argv, needsNetwork);
+    return runTest(test, argc, argv, NeedsNetwork);
 }
+
+/// Makes a class known to the test program that its file is part of.
+class TestRegistration
+{
+public:
+    TestRegistration(const char* className, TestRun run);
+};
 
 } // namespace support
 
-/// The main function for a test class: with a QApplication where Widgets are linked, else with a
+/// Adds a test class to its program: with a QApplication where Widgets are linked, else with a
 /// QCoreApplication.
-#define BELUN_TEST_MAIN(Class)                                                                     \
-    int main(int argc, char** argv)                                                                \
-    {                                                                                              \
-        return support::testMain<Class>(argc, argv, false);                                        \
-    }
+#define BELUN_TEST(Class)                                                                          \
+    static const support::TestRegistration registration##Class(                                    \
+        #Class, support::runTestClass<Class, false>);
 
 /// The same for a test that uses the devices' addresses: it refuses to start outside the private
 /// network.
-#define BELUN_NETWORK_TEST_MAIN(Class)                                                             \
-    int main(int argc, char** argv)                                                                \
-    {                                                                                              \
-        return support::testMain<Class>(argc, argv, true);                                         \
-    }
+#define BELUN_NETWORK_TEST(Class)                                                                  \
+    static const support::TestRegistration registration##Class(                                    \
+        #Class, support::runTestClass<Class, true>);

@@ -10,5 +10,5 @@ private slots:
     void faultIsSeenAsStated() { playFaultRow(answerFaultCases()); }
 };
 
-BELUN_NETWORK_TEST_MAIN(FaultsAnswersTest)
+BELUN_NETWORK_TEST(FaultsAnswersTest)
 #include "FaultsAnswersTest.moc"

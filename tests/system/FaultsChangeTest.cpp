@@ -10,5 +10,5 @@ private slots:
     void faultIsSeenAsStated() { playFaultRow(changeFaultCases()); }
 };
 
-BELUN_NETWORK_TEST_MAIN(FaultsChangeTest)
+BELUN_NETWORK_TEST(FaultsChangeTest)
 #include "FaultsChangeTest.moc"

@@ -365,5 +365,5 @@ void FaultsDiskTest::pipeWithAReaderGetsNothing()
     QVERIFY(count < 1);
 }
 
-BELUN_NETWORK_TEST_MAIN(FaultsDiskTest)
+BELUN_NETWORK_TEST(FaultsDiskTest)
 #include "FaultsDiskTest.moc"

@@ -10,5 +10,5 @@ private slots:
     void faultIsSeenAsStated() { playFaultRow(downloadFaultCases()); }
 };
 
-BELUN_NETWORK_TEST_MAIN(FaultsDownloadTest)
+BELUN_NETWORK_TEST(FaultsDownloadTest)
 #include "FaultsDownloadTest.moc"

@@ -10,5 +10,5 @@ private slots:
     void faultIsSeenAsStated() { playFaultRow(heartbeatKeptFaultCases()); }
 };
 
-BELUN_NETWORK_TEST_MAIN(FaultsHeartbeatKeptTest)
+BELUN_NETWORK_TEST(FaultsHeartbeatKeptTest)
 #include "FaultsHeartbeatKeptTest.moc"

@@ -10,5 +10,5 @@ private slots:
     void faultIsSeenAsStated() { playFaultRow(heartbeatLostFaultCases()); }
 };
 
-BELUN_NETWORK_TEST_MAIN(FaultsHeartbeatLostTest)
+BELUN_NETWORK_TEST(FaultsHeartbeatLostTest)
 #include "FaultsHeartbeatLostTest.moc"

@@ -10,5 +10,5 @@ private slots:
     void faultIsSeenAsStated() { playFaultRow(linkFaultCases()); }
 };
 
-BELUN_NETWORK_TEST_MAIN(FaultsLinkTest)
+BELUN_NETWORK_TEST(FaultsLinkTest)
 #include "FaultsLinkTest.moc"

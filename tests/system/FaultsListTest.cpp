@@ -10,5 +10,5 @@ private slots:
     void faultIsSeenAsStated() { playFaultRow(listFaultCases()); }
 };
 
-BELUN_NETWORK_TEST_MAIN(FaultsListTest)
+BELUN_NETWORK_TEST(FaultsListTest)
 #include "FaultsListTest.moc"

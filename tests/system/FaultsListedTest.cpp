@@ -56,5 +56,5 @@ void FaultsListedTest::everyFaultHasALineOfItsOwn()
     QCOMPARE(QSet<QString>(names.begin(), names.end()).size(), names.size());
 }
 
-BELUN_TEST_MAIN(FaultsListedTest)
+BELUN_TEST(FaultsListedTest)
 #include "FaultsListedTest.moc"

@@ -10,5 +10,5 @@ private slots:
     void faultIsSeenAsStated() { playFaultRow(rebootFaultCases()); }
 };
 
-BELUN_NETWORK_TEST_MAIN(FaultsRebootTest)
+BELUN_NETWORK_TEST(FaultsRebootTest)
 #include "FaultsRebootTest.moc"

@@ -449,5 +449,5 @@ void ProtocolPagesTest::theCameraConversationHappensAsItStands()
     }
 }
 
-BELUN_NETWORK_TEST_MAIN(ProtocolPagesTest)
+BELUN_NETWORK_TEST(ProtocolPagesTest)
 #include "ProtocolPagesTest.moc"

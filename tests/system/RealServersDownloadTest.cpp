@@ -163,5 +163,5 @@ void RealServersDownloadTest::aShorterRecordingLeavesTheOldTailInPlace()
     COMPARE_BODIES(recording("BELUN_0001.bin"), body(10240) + body(25000).mid(10240));
 }
 
-BELUN_NETWORK_TEST_MAIN(RealServersDownloadTest)
+BELUN_NETWORK_TEST(RealServersDownloadTest)
 #include "RealServersDownloadTest.moc"

@@ -216,5 +216,5 @@ void RealServersPostTest::aPostToAFileIsAnsweredWithItsRefusal()
     QVERIFY2(outcome.body.find("405 Not Allowed") != std::string::npos, outcome.body.c_str());
 }
 
-BELUN_NETWORK_TEST_MAIN(RealServersPostTest)
+BELUN_NETWORK_TEST(RealServersPostTest)
 #include "RealServersPostTest.moc"

@@ -331,5 +331,5 @@ void RealServersTest::aGetInStepsIsOneConnection()
     COMPARE_BODIES(outcome.bytes(), body(25000));
 }
 
-BELUN_NETWORK_TEST_MAIN(RealServersTest)
+BELUN_NETWORK_TEST(RealServersTest)
 #include "RealServersTest.moc"

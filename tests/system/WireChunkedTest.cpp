@@ -45,5 +45,5 @@ void WireChunkedTest::runIsAsRecorded()
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
 }
 
-BELUN_NETWORK_TEST_MAIN(WireChunkedTest)
+BELUN_NETWORK_TEST(WireChunkedTest)
 #include "WireChunkedTest.moc"

@@ -35,7 +35,7 @@ void WireTest::continuousIntegrationDoesNotRecord()
     environment.insert("CI", "true");
     environment.insert("BELUN_RECORD", "1");
     other.setProcessEnvironment(environment);
-    other.start(QCoreApplication::applicationFilePath(), {"runIsAsRecorded"});
+    other.start(QCoreApplication::applicationFilePath(), {"Wire", "runIsAsRecorded"});
     QVERIFY(other.waitForFinished());
     const QByteArray output = other.readAllStandardOutput();
     QVERIFY2(output.contains("recording is off in continuous integration"), output.constData());
@@ -54,5 +54,5 @@ void WireTest::runIsAsRecorded()
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
 }
 
-BELUN_NETWORK_TEST_MAIN(WireTest)
+BELUN_NETWORK_TEST(WireTest)
 #include "WireTest.moc"
