@@ -2,7 +2,6 @@
 #include "app/MainWindow.h"
 
 #include "app/NumberText.h"
-#include "app/SteadyGrooveStyle.h"
 #include "card/CardCommands.h"
 #include "card/NoFocusDelegate.h"
 #include "download/DownloadFileThread.h"

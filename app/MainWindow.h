@@ -26,7 +26,6 @@
 
 class NoFocusDelegate;
 class QTranslator;
-class SteadyGrooveStyle;
 class Ui_MainWindow;
 
 /// Links to the vehicle and works on its camera's card. All slots run in the window's thread; the
@@ -118,8 +117,6 @@ private:
 
     // The table paints with it and does not own it.
     std::unique_ptr<NoFocusDelegate> m_tableDelegate;
-    // The progress bar asks it and does not own it; made for the first download.
-    std::unique_ptr<SteadyGrooveStyle> m_barStyle;
 
     QTranslator* translator = nullptr; // stays installed and alive until the process ends
     bool linked = false;               // the vehicle link stands

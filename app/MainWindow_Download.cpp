@@ -1,11 +1,9 @@
 // Downloads, one file after the other: start, next, progress, finished.
 #include "app/MainWindow.h"
 
-#include "app/SteadyGrooveStyle.h"
 #include "download/DownloadFileThread.h"
 #include "ui_MainWindow.h"
 
-#include <QStyle>
 #include <QThread>
 
 void MainWindow::on_pushButtonDownloadFile_clicked()
@@ -37,11 +35,6 @@ void MainWindow::DownloadFile(QString fileName)
     ui->lineEditDownloadProgress->setText(
         QStringLiteral("%1%2%3").arg(selectedCursor).arg(QStringLiteral("/")).arg(selectedCount));
     ui->lineEditDownloadLabel->setText(tr("Download Progress:"));
-    if (!m_barStyle) {
-        m_barStyle =
-            std::make_unique<SteadyGrooveStyle>(ui->progressBarDownLoad->style()->objectName());
-        ui->progressBarDownLoad->setStyle(m_barStyle.get());
-    }
     ui->progressBarDownLoad->setValue(0);
     ui->progressBarDownLoad->show();
     ui->pushButtonDownloadFile->setEnabled(false);

@@ -6,6 +6,7 @@
 #include <array>
 #include <memory>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QDir>
 #include <QFile>
@@ -66,6 +67,7 @@ private slots:
     void threeFilesGoOneAfterTheOther();
     void nextFileWaitsForTheEndOfTheOneBefore();
     void progressFollowsTheBytes();
+    void barHasThePlatformsStyle();
     void eachFileStartsAtZero();
     void windowIsAliveDuringADownload();
     void labelKeepsItsLanguageUntilTheNextFile();
@@ -245,6 +247,17 @@ void DownloadTest::progressFollowsTheBytes()
     QTRY_VERIFY(user.isIdle());
     QCOMPARE(recording("a.mp4"),
              QByteArray(1000, 'a') + QByteArray(2000, 'b') + QByteArray(1000, 'c'));
+}
+
+void DownloadTest::barHasThePlatformsStyle()
+{
+    scene->linkAndBrowse({"a.mp4"});
+    scene->camera->answer(target(""), "recording");
+    scene->user->chooseRows({0});
+    scene->user->clickDownload();
+    QTRY_VERIFY(scene->user->isIdle());
+    QVERIFY(!scene->user->progressBar().testAttribute(Qt::WA_SetStyle));
+    QCOMPARE(scene->user->progressBar().style(), QApplication::style());
 }
 
 void DownloadTest::eachFileStartsAtZero()

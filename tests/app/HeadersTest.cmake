@@ -27,7 +27,7 @@ check_headers(download
   download/DownloadFileThread.h download/DownloadRequest.h download/RecordingDownload.h
   download/ResponseHead.h download/resp_header.h)
 check_headers(app
-  app/MainWindow.h app/NumberText.h app/ProcessSetup.h app/SteadyGrooveStyle.h)
+  app/MainWindow.h app/NumberText.h app/ProcessSetup.h)
 
 add_test(NAME app.Headers
   COMMAND ${CMAKE_COMMAND} "-DROOT=${PROJECT_SOURCE_DIR}" "-DCHECKED=${checked_headers}"
