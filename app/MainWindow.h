@@ -7,7 +7,7 @@
 //   MainWindow_FileTable.cpp      table set-up, select all, collecting the selection
 //   MainWindow_Download.cpp       start, next, progress, finished
 //   MainWindow_Delete.cpp         delete chosen, delete all, format
-//   MainWindow_Accessibility.cpp  names for assistive programs, keyboard in the table
+//   MainWindow_Accessibility.cpp  names for screen readers, keyboard in the table, keyboard focus
 #pragma once
 
 #include "card/NameTable.h"
@@ -25,6 +25,7 @@
 #include <QStringList>
 
 class NoFocusDelegate;
+class QPushButton;
 class QTranslator;
 class Ui_MainWindow;
 
@@ -114,6 +115,8 @@ private:
     /// In the language that is shown, from the catalogue's texts.
     void setAccessibleNames();
     void openTableToKeyboard();
+    /// Disables a button; the table takes the focus first if the button has it.
+    void disableButton(QPushButton& button);
 
     // The table paints with it and does not own it.
     std::unique_ptr<NoFocusDelegate> m_tableDelegate;

@@ -1,8 +1,9 @@
-// What assistive programs are told about, and the way out of the table by keyboard.
+// Accessible names, leaving the table from the keyboard, and where the focus goes.
 #include "app/MainWindow.h"
 
 #include "ui_MainWindow.h"
 
+#include <QPushButton>
 #include <QShortcut>
 
 /// A version field, and the choice of languages, takes the name of the label beside it, in whatever
@@ -39,4 +40,15 @@ void MainWindow::openTableToKeyboard()
     };
     leaveWith("Ctrl+Tab", true);
     leaveWith("Ctrl+Shift+Tab", false);
+}
+
+/// Qt would move the focus of a disabled button on to the next widget: from Download File to Delete
+/// File, where the next press of the space bar deletes. The window's own focus counts, since the
+/// window need not be the active one.
+void MainWindow::disableButton(QPushButton& button)
+{
+    if (focusWidget() == &button) {
+        ui->tableWidgetFileInfo->setFocus();
+    }
+    button.setEnabled(false);
 }

@@ -28,7 +28,7 @@ void MainWindow::on_pushButtonDeleteFile_clicked()
 
 void MainWindow::DeleteFile(QString fileName)
 {
-    ui->pushButtonDeleteAllFiles->setEnabled(false);
+    disableButton(*ui->pushButtonDeleteAllFiles);
     if (askCamera(card::withArgument(deleteFileUrl, fileName))) {
         ui->pushButtonDeleteAllFiles->setEnabled(true);
         ui->tableWidgetFileInfo->removeRow(card::rowAt(selectedRows, selectedCursor));

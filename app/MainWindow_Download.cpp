@@ -37,7 +37,7 @@ void MainWindow::DownloadFile(QString fileName)
     ui->lineEditDownloadLabel->setText(tr("Download Progress:"));
     ui->progressBarDownLoad->setValue(0);
     ui->progressBarDownLoad->show();
-    ui->pushButtonDownloadFile->setEnabled(false);
+    disableButton(*ui->pushButtonDownloadFile);
 
     auto* download = new DownloadFileThread(this);
     download->fileName = fileName;
