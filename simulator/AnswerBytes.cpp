@@ -19,11 +19,11 @@ using Headers = std::vector<std::pair<std::string, std::string>>;
 
 bool isChunked(const FaultScope& faults, std::uint64_t exchange)
 {
-    const auto from = faults.number("chunked");
+    const auto from = faults.number(Fault::Chunked);
     return (from && exchange >= static_cast<std::uint64_t>(*from)) ||
-           faults.active("chunk-extension") || faults.active("chunk-bad-hex") ||
-           faults.active("chunk-size") || faults.active("chunk-no-last") ||
-           faults.active("chunk-trailers");
+           faults.active(Fault::ChunkExtension) || faults.active(Fault::ChunkBadHex) ||
+           faults.active(Fault::ChunkSize) || faults.active(Fault::ChunkNoLast) ||
+           faults.active(Fault::ChunkTrailers);
 }
 
 Message chunkedBody(Message body, const FaultScope& faults)
@@ -36,13 +36,13 @@ Message chunkedBody(Message body, const FaultScope& faults)
         char line[32];
         std::snprintf(line, sizeof line, "%llx", static_cast<unsigned long long>(size));
         std::string sizeLine = line;
-        if (first && faults.active("chunk-bad-hex")) {
+        if (first && faults.active(Fault::ChunkBadHex)) {
             sizeLine = "zz";
         }
         if (first) {
-            sizeLine = faults.value("chunk-size").value_or(sizeLine);
+            sizeLine = faults.value(Fault::ChunkSize).value_or(sizeLine);
         }
-        if (faults.active("chunk-extension")) {
+        if (faults.active(Fault::ChunkExtension)) {
             sizeLine += ";name=value";
         }
         append(chunked, Part::literal(sizeLine + "\r\n"));
@@ -52,8 +52,8 @@ Message chunkedBody(Message body, const FaultScope& faults)
         append(chunked, Part::literal("\r\n"));
         first = false;
     }
-    if (!faults.active("chunk-no-last")) {
-        const bool trailers = faults.active("chunk-trailers");
+    if (!faults.active(Fault::ChunkNoLast)) {
+        const bool trailers = faults.active(Fault::ChunkTrailers);
         append(chunked,
                Part::literal(trailers ? "0\r\nX-First: 1\r\nX-Second: 2\r\n\r\n" : "0\r\n\r\n"));
     }
@@ -63,32 +63,32 @@ Message chunkedBody(Message body, const FaultScope& faults)
 std::string lengthText(const FaultScope& faults, std::uint64_t size)
 {
     const long long announced =
-        static_cast<long long>(size) + faults.number("wrong-length").value_or(0);
-    return faults.value("length").value_or(std::to_string(std::max(announced, 0LL)));
+        static_cast<long long>(size) + faults.number(Fault::WrongLength).value_or(0);
+    return faults.value(Fault::Length).value_or(std::to_string(std::max(announced, 0LL)));
 }
 
 Headers headers(const Answer& answer, const FaultScope& faults, std::uint64_t size, bool chunked)
 {
     Headers lines;
     std::string type = answer.contentType;
-    if (faults.active("long-type")) {
+    if (faults.active(Fault::LongType)) {
         type = "application/" + std::string(200 - 12, 'x');
     }
     lines.emplace_back("Content-Type", type);
     if (chunked) {
         lines.emplace_back("Transfer-Encoding", "chunked");
-    } else if (!faults.active("no-length")) {
+    } else if (!faults.active(Fault::NoLength)) {
         lines.emplace_back("Content-Length", lengthText(faults, size));
     }
     lines.emplace_back("Connection", "close");
-    if (const auto length = faults.number("long-header")) {
+    if (const auto length = faults.number(Fault::LongHeader)) {
         // name, colon, space and line end belong to the length
         lines.emplace_back("X-Long", std::string(static_cast<std::size_t>(*length) - 10, 'x'));
     }
-    for (long long i = 1; i <= faults.number("many-headers").value_or(0); ++i) {
+    for (long long i = 1; i <= faults.number(Fault::ManyHeaders).value_or(0); ++i) {
         lines.emplace_back("X-Header-" + std::to_string(i), "value");
     }
-    if (faults.active("lower-case-names")) {
+    if (faults.active(Fault::LowerCaseNames)) {
         for (auto& line : lines) {
             std::transform(line.first.begin(), line.first.end(), line.first.begin(), [](char c) {
                 return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
@@ -100,20 +100,20 @@ Headers headers(const Answer& answer, const FaultScope& faults, std::uint64_t si
 
 std::string headText(const Answer& answer, const FaultScope& faults, const Headers& lines)
 {
-    const std::string lineEnd = faults.active("bare-lf") ? "\n" : "\r\n";
+    const std::string lineEnd = faults.active(Fault::BareLf) ? "\n" : "\r\n";
     std::string text;
-    if (faults.active("continue-first")) {
+    if (faults.active(Fault::ContinueFirst)) {
         text = "HTTP/1.1 100 Continue" + lineEnd + lineEnd;
     }
     text += "HTTP/1.1 " + std::to_string(answer.status);
-    text += faults.active("no-reason") ? lineEnd : " " + answer.reason + lineEnd;
+    text += faults.active(Fault::NoReason) ? lineEnd : " " + answer.reason + lineEnd;
     for (const auto& [name, value] : lines) {
         text += name;
         text += ": ";
         text += value;
         text += lineEnd;
     }
-    if (faults.active("odd-head-end")) {
+    if (faults.active(Fault::OddHeadEnd)) {
         text.erase(text.size() - lineEnd.size());
         return text + "\n\n\r\n";
     }
@@ -130,8 +130,8 @@ void cut(AnswerBytes& bytes, const FaultScope& faults)
 {
     struct Place
     {
-        const char* close;
-        const char* reset;
+        Fault close;
+        Fault reset;
         std::uint64_t head;
         std::uint64_t body;
     };
@@ -141,12 +141,13 @@ void cut(AnswerBytes& bytes, const FaultScope& faults)
         const auto size = static_cast<std::uint64_t>(wanted.value_or(0));
         return size < body ? size : body / 2;
     };
-    const auto middle = within(faults.number("reset-mid-body") ? faults.number("reset-mid-body")
-                                                               : faults.number("close-mid-body"));
-    const Place places[] = {{"close-before-head", "reset-before-head", 0, 0},
-                            {"close-in-head", "reset-in-head", head / 2, 0},
-                            {"close-after-head", "reset-after-head", head, 0},
-                            {"close-mid-body", "reset-mid-body", head, middle}};
+    const auto middle =
+        within(faults.number(Fault::ResetMidBody) ? faults.number(Fault::ResetMidBody)
+                                                  : faults.number(Fault::CloseMidBody));
+    const Place places[] = {{Fault::CloseBeforeHead, Fault::ResetBeforeHead, 0, 0},
+                            {Fault::CloseInHead, Fault::ResetInHead, head / 2, 0},
+                            {Fault::CloseAfterHead, Fault::ResetAfterHead, head, 0},
+                            {Fault::CloseMidBody, Fault::ResetMidBody, head, middle}};
     for (const Place& place : places) {
         const bool reset = faults.active(place.reset);
         if (reset || faults.active(place.close)) {
@@ -167,18 +168,18 @@ AnswerBytes answerBytes(Answer answer, const FaultScope& faults, std::uint64_t e
         bytes.end = AnswerEnd::Reset;
         return bytes;
     }
-    if (faults.active("garbage")) {
+    if (faults.active(Fault::Garbage)) {
         append(bytes.body,
                Part{{}, std::make_shared<NoiseContent>("", garbageSize, 0), 0, garbageSize});
         return bytes;
     }
-    if (const auto status = faults.number("status")) {
+    if (const auto status = faults.number(Fault::Status)) {
         if (*status >= 400) {
             answer = errorAnswer(static_cast<int>(*status));
         }
         answer.status = static_cast<int>(*status);
     }
-    if (faults.active("empty-answer")) {
+    if (faults.active(Fault::EmptyAnswer)) {
         answer.body.clear();
     }
     const bool chunked = isChunked(faults, exchange);
@@ -186,7 +187,7 @@ AnswerBytes answerBytes(Answer answer, const FaultScope& faults, std::uint64_t e
     append(bytes.head, Part::literal(headText(answer, faults, lines)));
     bytes.body = chunked ? chunkedBody(std::move(answer.body), faults) : std::move(answer.body);
     cut(bytes, faults);
-    if (const auto percent = faults.number("stall")) {
+    if (const auto percent = faults.number(Fault::Stall)) {
         Message rest = std::move(bytes.body);
         bytes.body =
             takeFront(rest, messageSize(rest) * static_cast<std::uint64_t>(*percent) / 100);

@@ -142,20 +142,20 @@ CameraAnswers::CameraAnswers(Card& card, const FaultTable& faults, std::uint64_t
 
 Card& CameraAnswers::card()
 {
-    const auto entries = m_faults->number("entries");
+    const auto entries = m_faults->number(Fault::Entries);
     if (!entries) {
         return *m_card;
     }
-    if (m_madeUpSince != m_faults->since("entries")) {
+    if (m_madeUpSince != m_faults->since(Fault::Entries)) {
         m_madeUp = uniformCard(static_cast<std::size_t>(*entries), m_seed);
-        m_madeUpSince = m_faults->since("entries");
+        m_madeUpSince = m_faults->since(Fault::Entries);
     }
     return m_madeUp;
 }
 
 std::vector<std::string> CameraAnswers::otherNames() const
 {
-    return m_faults->valuesWithPrefix("name-");
+    return m_faults->values(FaultGroup::Names);
 }
 
 std::optional<std::size_t> CameraAnswers::find(std::string_view name)
@@ -198,33 +198,33 @@ Answer CameraAnswers::answer(RequestKind kind, std::string_view target)
 Answer CameraAnswers::countAnswer(const FaultScope& faults)
 {
     auto count = static_cast<long long>(card().recordings().size());
-    count += faults.number("count-offset").value_or(0);
-    const std::string text = faults.value("count").value_or(std::to_string(count));
-    return textAnswer(faults.active("no-count-markers") ? text + "\r\n" : field("count", text));
+    count += faults.number(Fault::CountOffset).value_or(0);
+    const std::string text = faults.value(Fault::Count).value_or(std::to_string(count));
+    return textAnswer(faults.active(Fault::NoCountMarkers) ? text + "\r\n" : field("count", text));
 }
 
 Answer CameraAnswers::listAnswer(const FaultScope& faults, std::string_view end)
 {
-    const std::string directory = faults.active("no-list-markers") ? "" : "sd/DCIM/100ZEPNA/";
-    const std::string separator = faults.active("no-semicolon") ? " " : ";";
+    const std::string directory = faults.active(Fault::NoListMarkers) ? "" : "sd/DCIM/100ZEPNA/";
+    const std::string separator = faults.active(Fault::NoSemicolon) ? " " : ";";
     const auto& recordings = card().recordings();
     const std::size_t wanted = wantedEntries(end, recordings.size());
     std::string text;
-    if (const auto padding = faults.number("list-padding")) {
+    if (const auto padding = faults.number(Fault::ListPadding)) {
         text.assign(static_cast<std::size_t>(*padding), 'x');
     }
     const std::vector<std::string> names = otherNames();
     for (std::size_t i = 0; i < wanted; ++i) {
         text += directory + shownName(recordings[i], names) + separator;
     }
-    if (faults.active("unending-list")) {
+    if (faults.active(Fault::UnendingList)) {
         Answer answer;
         const auto entries = std::make_shared<RepeatedContent>(
             text.empty() ? directory + "REC.MP4" + separator : text, unendingSize);
         append(answer.body, Part{{}, entries, 0, unendingSize});
         return answer;
     }
-    return textAnswer(faults.active("endless-list") ? text : text + "\r\n");
+    return textAnswer(faults.active(Fault::EndlessList) ? text : text + "\r\n");
 }
 
 Answer CameraAnswers::infoAnswer(const FaultScope& faults, std::string_view name)
@@ -233,35 +233,36 @@ Answer CameraAnswers::infoAnswer(const FaultScope& faults, std::string_view name
     if (!index) {
         return errorAnswer(404);
     }
-    if (faults.number("info-fails") == static_cast<long long>(*index) + 1) {
+    if (faults.number(Fault::InfoFails) == static_cast<long long>(*index) + 1) {
         Answer none;
         none.withoutAnswer = true;
         return none;
     }
     const Recording& recording = card().recordings()[*index];
-    const auto value = [&faults](const char* fault, std::string text) {
-        const auto length = faults.number("info-long");
+    const auto value = [&faults](Fault fault, std::string text) {
+        const auto length = faults.number(Fault::InfoLong);
         return length ? std::string(static_cast<std::size_t>(*length), '1')
                       : faults.value(fault).value_or(std::move(text));
     };
     const auto line = [&faults](const char* key, const std::string& text) {
-        return faults.names("info-missing", key) ? std::string() : field(key, text);
+        return faults.names(Fault::InfoMissing, key) ? std::string() : field(key, text);
     };
-    const std::string create = line("create", value("info-create", recording.created));
-    const std::string size = line("size", value("info-size", std::to_string(recording.size)));
-    const std::string time = line("time", value("info-time", std::to_string(recording.duration)));
-    return textAnswer(faults.active("info-reordered") ? time + size + create
-                                                      : create + size + time);
+    const std::string create = line("create", value(Fault::InfoCreate, recording.created));
+    const std::string size = line("size", value(Fault::InfoSize, std::to_string(recording.size)));
+    const std::string time =
+        line("time", value(Fault::InfoTime, std::to_string(recording.duration)));
+    return textAnswer(faults.active(Fault::InfoReordered) ? time + size + create
+                                                          : create + size + time);
 }
 
 Answer CameraAnswers::changeAnswer(const FaultScope& faults, RequestKind kind,
                                    std::string_view name)
 {
-    if (const auto word = faults.value("error-word")) {
+    if (const auto word = faults.value(Fault::ErrorWord)) {
         return textAnswer(*word + "\r\n");
     }
     // A device that answers with an error status has not done it either.
-    if (faults.number("status").value_or(200) >= 400) {
+    if (faults.number(Fault::Status).value_or(200) >= 400) {
         return errorAnswer(500);
     }
     if (kind == RequestKind::Delete) {
@@ -273,10 +274,10 @@ Answer CameraAnswers::changeAnswer(const FaultScope& faults, RequestKind kind,
     } else {
         card().removeAll();
     }
-    if (faults.active("success-bare")) {
+    if (faults.active(Fault::SuccessBare)) {
         return textAnswer("Success");
     }
-    return textAnswer(faults.active("success-and-more") ? "Success\r\nDone\r\n" : "Success\r\n");
+    return textAnswer(faults.active(Fault::SuccessAndMore) ? "Success\r\nDone\r\n" : "Success\r\n");
 }
 
 Answer CameraAnswers::recordingAnswer(std::string_view name)

@@ -28,7 +28,7 @@ void CameraConnection::received(std::string_view bytes)
 
 void CameraConnection::work(TimePoint)
 {
-    if (m_requestWhole && !m_answered && !m_state->faults->names("silent", "camera")) {
+    if (m_requestWhole && !m_answered && !m_state->faults->names(Fault::Silent, "camera")) {
         m_answered = true;
         takeRequest();
     }
@@ -48,11 +48,11 @@ void CameraConnection::takeRequest()
     }
     journal().write(request);
 
-    if (faults.active("link-lost-mid-command")) {
+    if (faults.active(Fault::LinkLostMidCommand)) {
         m_state->dropModules();
         queuePause(linkLostPause);
     }
-    if (const auto delay = faults.number("answer-delay")) {
+    if (const auto delay = faults.number(Fault::AnswerDelay)) {
         queuePause(Milliseconds(*delay));
     }
     if (m_request.size() > longestRequest) {
@@ -69,10 +69,10 @@ void CameraConnection::queueAnswer(Answer answer, const FaultScope& faults)
 {
     AnswerBytes bytes = answerBytes(std::move(answer), faults, m_state->exchanges);
     setRate(m_state->rate);
-    if (const auto gap = faults.number("byte-by-byte")) {
+    if (const auto gap = faults.number(Fault::ByteByByte)) {
         setSingleBytes(Milliseconds(*gap));
     }
-    if (faults.active("split-head")) {
+    if (faults.active(Fault::SplitHead)) {
         queueMessage(takeFront(bytes.head, messageSize(bytes.head) / 2));
         queuePause(headCutPause);
     }
@@ -83,7 +83,7 @@ void CameraConnection::queueAnswer(Answer answer, const FaultScope& faults)
     queueMessage(std::move(bytes.head));
     if (!bytes.held.empty()) {
         Step hold{Step::Kind::Hold};
-        hold.held = [table = m_state->faults] { return table->active("stall"); };
+        hold.held = [table = m_state->faults] { return table->active(Fault::Stall); };
         queue(std::move(hold));
         queueMessage(std::move(bytes.held));
     }

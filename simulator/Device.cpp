@@ -33,23 +33,23 @@ Device::Device(std::string name, std::string address, std::uint16_t port, const 
 
 bool Device::flappingDown(TimePoint now) const
 {
-    const auto period = m_faults->number("flapping");
+    const auto period = m_faults->number(Fault::Flapping);
     if (!period || !isModule()) {
         return false;
     }
-    return (now - m_faults->since("flapping")) / Milliseconds(*period) % 2 == 1;
+    return (now - m_faults->since(Fault::Flapping)) / Milliseconds(*period) % 2 == 1;
 }
 
 Reachability Device::wantedReachability(TimePoint now) const
 {
-    if (m_faults->names("down", m_name) || m_faults->active("reboot")) {
+    if (m_faults->names(Fault::Down, m_name) || m_faults->active(Fault::Reboot)) {
         return Reachability::Deaf;
     }
-    if (m_faults->names("refuse", m_name) || flappingDown(now)) {
+    if (m_faults->names(Fault::Refuse, m_name) || flappingDown(now)) {
         return Reachability::Refusing;
     }
-    return m_faults->names("never-accept", m_name) ? Reachability::Unheard
-                                                   : Reachability::Listening;
+    return m_faults->names(Fault::NeverAccept, m_name) ? Reachability::Unheard
+                                                       : Reachability::Listening;
 }
 
 void Device::applyReachability(TimePoint now)
@@ -123,8 +123,8 @@ void Device::acceptAll(TimePoint now)
 TimePoint Device::nextWake(TimePoint now) const
 {
     TimePoint wake = never;
-    if (const auto period = m_faults->number("flapping"); period && isModule()) {
-        const TimePoint start = m_faults->since("flapping");
+    if (const auto period = m_faults->number(Fault::Flapping); period && isModule()) {
+        const TimePoint start = m_faults->since(Fault::Flapping);
         const Milliseconds length(*period);
         wake = start + ((now - start) / length + 1) * length;
     }

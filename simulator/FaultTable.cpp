@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
-#include <stdexcept>
+#include <limits>
 
 namespace simulator {
 
@@ -86,39 +86,49 @@ std::optional<std::string> unescape(std::string_view text)
     return bytes;
 }
 
-const FaultDescription* describe(std::string_view name)
+/// A decimal number, for a size with k or M after it.
+std::optional<long long> parseAmount(std::string_view text, FaultKind kind)
 {
-    const auto& rows = faultDescriptions();
-    const auto row = std::find_if(rows.begin(), rows.end(),
-                                  [name](const FaultDescription& r) { return r.name == name; });
-    return row == rows.end() ? nullptr : &*row;
+    long long unit = 1;
+    if (kind == FaultKind::Size && !text.empty()) {
+        unit = text.back() == 'k' ? 1'024 : text.back() == 'M' ? 1'048'576 : 1;
+        text.remove_suffix(unit == 1 ? 0 : 1);
+    }
+    const auto number = parseNumber(text);
+    constexpr long long largest = std::numeric_limits<long long>::max() / 1'048'576;
+    if (!number || (unit != 1 && (*number > largest || *number < -largest))) {
+        return std::nullopt;
+    }
+    return *number * unit;
 }
 
 /// Checks a value against its row and leaves it as the hooks read it; returns an error text.
 std::string readValue(const FaultDescription& row, std::string& value)
 {
-    switch (row.kind) {
-    case FaultValue::None:
+    const FaultValue& taken = row.value;
+    switch (taken.kind) {
+    case FaultKind::None:
         return "fault " + row.name + " takes no value";
-    case FaultValue::Number: {
-        const auto number = parseNumber(value);
-        if (!number || *number < row.minimum || *number > row.maximum) {
-            return "fault " + row.name + " takes a number from " + std::to_string(row.minimum) +
-                   " to " + std::to_string(row.maximum) + ", not \"" + value + "\"";
+    case FaultKind::Number:
+    case FaultKind::Size: {
+        const auto number = parseAmount(value, taken.kind);
+        if (!number || *number < taken.minimum || *number > taken.maximum) {
+            return "fault " + row.name + " takes a number from " + std::to_string(taken.minimum) +
+                   " to " + std::to_string(taken.maximum) + ", not \"" + value + "\"";
         }
         value = std::to_string(*number);
         return {};
     }
-    case FaultValue::Words: {
-        const auto known = split(row.valueName, '|');
+    case FaultKind::Words: {
+        const auto known = split(taken.name, '|');
         for (const std::string& word : split(value, ',')) {
             if (!contains(known, word)) {
-                return "fault " + row.name + " takes " + row.valueName + ", not \"" + word + "\"";
+                return "fault " + row.name + " takes " + taken.name + ", not \"" + word + "\"";
             }
         }
         return {};
     }
-    case FaultValue::Text:
+    case FaultKind::Text:
         break;
     }
     const auto bytes = unescape(value);
@@ -131,41 +141,27 @@ std::string readValue(const FaultDescription& row, std::string& value)
 
 } // namespace
 
-std::string faultListText()
-{
-    std::string text;
-    for (const FaultDescription& row : faultDescriptions()) {
-        std::string name = row.name;
-        if (row.kind != FaultValue::None) {
-            name += row.defaultValue.empty() ? "=" + row.valueName : "[=" + row.valueName + "]";
-        }
-        text += name + std::string(name.size() < 28 ? 28 - name.size() : 0, ' ');
-        text += "  " + row.result + "\n";
-    }
-    return text;
-}
-
 std::string FaultTable::set(const std::string& assignment, TimePoint now)
 {
     const std::size_t equals = assignment.find('=');
     const std::string name = assignment.substr(0, equals);
-    const FaultDescription* row = describe(name);
+    const FaultDescription* row = findFault(name);
     if (!row) {
-        return "no fault is called \"" + name + "\" (--list-faults shows all)";
+        return unknownFault(name);
     }
-    if (equals == std::string::npos && row->kind == FaultValue::None) {
-        m_active[name] = {std::string(), now};
+    if (equals == std::string::npos && row->value.kind == FaultKind::None) {
+        m_active[row->fault] = {std::string(), now};
         return {};
     }
-    std::string value = row->defaultValue;
+    std::string value = row->value.preset;
     if (equals != std::string::npos) {
         value = assignment.substr(equals + 1);
     } else if (value.empty()) {
-        return "fault " + name + " needs a value: " + name + "=" + row->valueName;
+        return "fault " + name + " needs a value: " + name + "=" + row->value.name;
     }
     std::string error = readValue(*row, value);
     if (error.empty()) {
-        m_active[name] = {value, now};
+        m_active[row->fault] = {value, now};
     }
     return error;
 }
@@ -176,58 +172,50 @@ std::string FaultTable::clear(const std::string& name)
         m_active.clear();
         return {};
     }
-    if (!describe(name)) {
-        return "no fault is called \"" + name + "\" (--list-faults shows all)";
+    const FaultDescription* row = findFault(name);
+    if (!row) {
+        return unknownFault(name);
     }
-    m_active.erase(name);
+    clear(row->fault);
     return {};
 }
 
-const FaultTable::Active* FaultTable::find(std::string_view name) const
+const FaultTable::Active* FaultTable::find(Fault fault) const
 {
-    if (!describe(name)) {
-        throw std::logic_error("no fault is called " + std::string(name));
-    }
-    const auto active = m_active.find(name);
+    const auto active = m_active.find(fault);
     return active == m_active.end() ? nullptr : &active->second;
 }
 
-bool FaultTable::active(std::string_view name) const
+std::optional<std::string> FaultTable::value(Fault fault) const
 {
-    return find(name) != nullptr;
-}
-
-std::optional<std::string> FaultTable::value(std::string_view name) const
-{
-    const Active* active = find(name);
+    const Active* active = find(fault);
     return active ? std::optional<std::string>(active->value) : std::nullopt;
 }
 
-std::optional<long long> FaultTable::number(std::string_view name) const
+std::optional<long long> FaultTable::number(Fault fault) const
 {
-    const Active* active = find(name);
+    const Active* active = find(fault);
     return active ? parseNumber(active->value) : std::nullopt;
 }
 
-bool FaultTable::names(std::string_view fault, std::string_view word) const
+bool FaultTable::names(Fault fault, std::string_view word) const
 {
     const Active* active = find(fault);
     return active && contains(split(active->value, ','), word);
 }
 
-TimePoint FaultTable::since(std::string_view name) const
+TimePoint FaultTable::since(Fault fault) const
 {
-    const Active* active = find(name);
+    const Active* active = find(fault);
     return active ? active->since : never;
 }
 
-std::vector<std::string> FaultTable::valuesWithPrefix(std::string_view prefix) const
+std::vector<std::string> FaultTable::values(FaultGroup group) const
 {
     std::vector<std::string> values;
-    for (const FaultDescription& row : faultDescriptions()) {
-        const auto active = m_active.find(row.name);
-        if (active != m_active.end() && row.name.compare(0, prefix.size(), prefix) == 0) {
-            values.push_back(active->second.value);
+    for (const auto& [fault, active] : m_active) {
+        if (describe(fault).group == group) {
+            values.push_back(active.value);
         }
     }
     return values;
@@ -235,7 +223,7 @@ std::vector<std::string> FaultTable::valuesWithPrefix(std::string_view prefix) c
 
 bool FaultTable::inScope(std::string_view who) const
 {
-    const Active* only = find("only");
+    const Active* only = find(Fault::Only);
     if (!only) {
         return true;
     }

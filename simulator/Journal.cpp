@@ -25,29 +25,10 @@ std::string timeText()
     return text;
 }
 
-std::string quoted(std::string_view value)
-{
-    std::string text = "\"";
-    for (const char character : value) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (character == '"' || character == '\\') {
-            text += '\\';
-            text += character;
-        } else if (byte < 0x20 || byte > 0x7E) {
-            char escape[8];
-            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(byte));
-            text += escape;
-        } else {
-            text += character;
-        }
-    }
-    return text + "\"";
-}
-
 } // namespace
 
 JournalLine::JournalLine(std::string_view device, int connection, std::string_view event)
-    : m_text("{\"time\":" + quoted(timeText()))
+    : m_text("{\"time\":" + jsonString(timeText()))
 {
     text("device", device);
     if (connection != 0) {
@@ -58,13 +39,13 @@ JournalLine::JournalLine(std::string_view device, int connection, std::string_vi
 
 JournalLine& JournalLine::text(std::string_view name, std::string_view value)
 {
-    m_text += "," + quoted(name) + ":" + quoted(value);
+    m_text += "," + jsonString(name) + ":" + jsonString(value);
     return *this;
 }
 
 JournalLine& JournalLine::number(std::string_view name, std::uint64_t value)
 {
-    m_text += "," + quoted(name) + ":" + std::to_string(value);
+    m_text += "," + jsonString(name) + ":" + std::to_string(value);
     return *this;
 }
 

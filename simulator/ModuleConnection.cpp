@@ -65,7 +65,7 @@ ModuleConnection::ModuleConnection(FileDescriptor socket, ConnectionName name, J
       m_settings(&settings), m_opened(now), m_versionDue(now + versionDelay), m_nextBeat(now),
       m_nextUnknown(now + unknownInterval / 2)
 {
-    if (this->faults().active("early-version")) {
+    if (this->faults().active(Fault::EarlyVersion)) {
         m_versionDue = now;
         m_nextBeat = now + std::max(m_settings->heartbeat, shortestFirstBeat);
     }
@@ -81,7 +81,7 @@ FaultScope ModuleConnection::faults() const
 
 std::string ModuleConnection::started(std::string frame) const
 {
-    if (const auto start = faults().value("wrong-start")) {
+    if (const auto start = faults().value(Fault::WrongStart)) {
         unsigned byte = frame[0] == '\xAA' ? 0xBBU : 0xAAU;
         std::from_chars(start->data(), start->data() + start->size(), byte, 16);
         frame[0] = static_cast<char>(byte & 0xFFU);
@@ -96,7 +96,7 @@ std::string ModuleConnection::heartbeatFrame() const
 
 std::string ModuleConnection::versionFrame() const
 {
-    if (faults().active("high-bit-version")) {
+    if (faults().active(Fault::HighBitVersion)) {
         return started(std::string(highBitVersion));
     }
     std::string frame = "\xAA\xAF";
@@ -135,8 +135,9 @@ void ModuleConnection::sendFrame(std::string frame, bool cut)
 void ModuleConnection::reportVersions()
 {
     const FaultScope scope = faults();
-    if (m_settings->control && !scope.active("no-version")) {
-        sendFrame(versionFrame(), scope.active("split-frames") || scope.active("split-version"));
+    if (m_settings->control && !scope.active(Fault::NoVersion)) {
+        sendFrame(versionFrame(),
+                  scope.active(Fault::SplitFrames) || scope.active(Fault::SplitVersion));
     }
 }
 
@@ -144,31 +145,31 @@ void ModuleConnection::sendHeartbeat(TimePoint now)
 {
     const FaultScope scope = faults();
     std::string frame = heartbeatFrame();
-    if (const auto size = scope.number("long-chunk")) {
+    if (const auto size = scope.number(Fault::LongChunk)) {
         frame += std::string(static_cast<std::size_t>(*size) - 2 * frame.size(), '\x55') + frame;
         expectAnswer(now);
     }
     expectAnswer(now);
-    if (scope.active("two-frames")) {
-        const bool versionFirst = scope.names("two-frames", "version");
+    if (scope.active(Fault::TwoFrames)) {
+        const bool versionFirst = scope.names(Fault::TwoFrames, "version");
         frame = versionFirst ? versionFrame() + frame : frame + versionFrame();
     }
-    sendFrame(std::move(frame), scope.active("split-frames"));
+    sendFrame(std::move(frame), scope.active(Fault::SplitFrames));
 }
 
 void ModuleConnection::beat(TimePoint now)
 {
     const FaultScope scope = faults();
-    const auto interval = scope.number("heartbeat-interval");
+    const auto interval = scope.number(Fault::HeartbeatInterval);
     const Milliseconds pause = interval ? Milliseconds(*interval) : m_settings->heartbeat;
     m_nextBeat = now + (m_beats == 0 ? std::max(pause, shortestFirstBeat) : pause);
     const auto age = std::chrono::duration_cast<std::chrono::seconds>(now - m_opened).count();
-    const auto last = scope.number("heartbeat-stops");
-    if (m_faults->names("no-heartbeat", name().device) || (last && age >= *last)) {
+    const auto last = scope.number(Fault::HeartbeatStops);
+    if (m_faults->names(Fault::NoHeartbeat, name().device) || (last && age >= *last)) {
         return;
     }
     const bool acting = m_beats + 1 >= actingBeat;
-    const auto away = scope.number("heartbeat-pause");
+    const auto away = scope.number(Fault::HeartbeatPause);
     if (!away) {
         m_paused = false;
     } else if (acting && !m_paused) {
@@ -176,14 +177,14 @@ void ModuleConnection::beat(TimePoint now)
         m_nextBeat = now - pause + std::chrono::seconds(*away);
         return;
     }
-    if (acting && scope.active("reset-mid-frame")) {
+    if (acting && scope.active(Fault::ResetMidFrame)) {
         queueBytes(heartbeatFrame().substr(0, 3));
         queuePause(cutPause);
         queue(Step{Step::Kind::Reset});
         m_nextBeat = never;
         return;
     }
-    if (acting && scope.active("half-close")) {
+    if (acting && scope.active(Fault::HalfClose)) {
         queue(Step{Step::Kind::HalfClose});
         m_nextBeat = never;
         m_nextUnknown = never;
@@ -204,7 +205,7 @@ void ModuleConnection::work(TimePoint now)
         m_expected.pop_front();
         complain("heartbeat not answered", {});
     }
-    if (m_faults->names("silent", name().device)) {
+    if (m_faults->names(Fault::Silent, name().device)) {
         m_nextBeat = std::max(m_nextBeat, now + Milliseconds(100));
         m_nextUnknown = std::max(m_nextUnknown, now + Milliseconds(100));
         if (m_versionDue != never) {
@@ -214,7 +215,7 @@ void ModuleConnection::work(TimePoint now)
     }
     if (now >= m_versionDue) {
         m_versionDue = never;
-        if (!faults().active("two-frames")) {
+        if (!faults().active(Fault::TwoFrames)) {
             reportVersions();
         }
     }
@@ -223,10 +224,10 @@ void ModuleConnection::work(TimePoint now)
     }
     if (now >= m_nextUnknown) {
         m_nextUnknown = now + unknownInterval;
-        if (faults().active("unknown-type")) {
+        if (faults().active(Fault::UnknownType)) {
             std::string frame(unknownFrame);
             frame[0] = m_settings->control ? '\xAA' : '\xBB';
-            sendFrame(started(std::move(frame)), faults().active("split-frames"));
+            sendFrame(started(std::move(frame)), faults().active(Fault::SplitFrames));
         }
     }
 }

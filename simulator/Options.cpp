@@ -1,33 +1,43 @@
 #include "simulator/Options.h"
 
+#include "simulator/Text.h"
+
+#include <algorithm>
 #include <charconv>
-#include <functional>
-#include <map>
+#include <limits>
 
 namespace simulator {
 
 bool parseUnsigned(const std::string& text, std::uint64_t& number)
 {
     const char* last = text.data() + text.size();
-    const auto [end, error] = std::from_chars(text.data(), last, number);
-    return !text.empty() && error == std::errc() && end == last;
+    std::uint64_t parsed = 0;
+    const auto [end, error] = std::from_chars(text.data(), last, parsed);
+    if (text.empty() || error != std::errc() || end != last) {
+        return false;
+    }
+    number = parsed;
+    return true;
+}
+
+bool parseSize(const std::string& text, std::uint64_t& size)
+{
+    std::uint64_t unit = 1;
+    if (!text.empty()) {
+        unit = text.back() == 'k' ? 1'024 : text.back() == 'M' ? 1'048'576 : 1;
+    }
+    std::uint64_t number = 0;
+    if (!parseUnsigned(text.substr(0, text.size() - (unit == 1 ? 0 : 1)), number) ||
+        number > std::numeric_limits<std::uint64_t>::max() / unit) {
+        return false;
+    }
+    size = number * unit;
+    return true;
 }
 
 namespace {
 
-using PlainOptions = std::map<std::string, std::function<void()>>;
-using ValuedOptions = std::map<std::string, std::function<bool(const std::string&)>>;
-
-PlainOptions plainOptions(Options& options, bool& sample)
-{
-    return {
-        {"--help", [&] { options.action = Options::Action::Help; }},
-        {"--version", [&] { options.action = Options::Action::Version; }},
-        {"--list-faults", [&] { options.action = Options::Action::ListFaults; }},
-        {"--sample", [&] { sample = true; }},
-        {"--exit-with-stdin", [&] { options.exitWithStdin = true; }},
-    };
-}
+using Takes = OptionRow::Takes;
 
 bool parseHeartbeat(const std::string& text, Milliseconds& heartbeat)
 {
@@ -38,100 +48,122 @@ bool parseHeartbeat(const std::string& text, Milliseconds& heartbeat)
     return fine;
 }
 
-/// Each returns whether the option takes the value.
-ValuedOptions valuedOptions(Options& options)
+auto nonEmpty(std::string Options::*target)
 {
-    const auto nonEmpty = [](std::string& target) {
-        return [&target](const std::string& value) { return !(target = value).empty(); };
+    return [target](Options& options, const std::string& value) {
+        return !(options.*target = value).empty();
     };
-    return {
-        {"--card", nonEmpty(options.cardFolder)},
-        {"--sample-to", nonEmpty(options.sampleFolder)},
-        {"--journal", nonEmpty(options.journal)},
-        {"--seed", [&](const std::string& v) { return parseUnsigned(v, options.seed); }},
-        {"--rate", [&](const std::string& v) { return parseUnsigned(v, options.rate); }},
-        {"--versions", [&](const std::string& v) { return parseVersions(v, options.versions); }},
-        {"--heartbeat", [&](const std::string& v) { return parseHeartbeat(v, options.heartbeat); }},
-        {"--fault",
-         [&](const std::string& v) {
+}
+
+/// An action whose output comes in several forms, the first unless another is named.
+auto printing(Options::Action wanted, std::vector<std::string> forms)
+{
+    return [wanted, forms](Options& options, const std::string& value) {
+        options.action = wanted;
+        options.form = value.empty() ? forms.front() : value;
+        return std::find(forms.begin(), forms.end(), options.form) != forms.end();
+    };
+}
+
+auto flag(bool Options::*target)
+{
+    return [target](Options& options, const std::string&) { return options.*target = true; };
+}
+
+} // namespace
+
+// NOLINTNEXTLINE(readability-function-size): one table
+const std::vector<OptionRow>& optionRows()
+{
+    static const std::vector<OptionRow> rows = {
+        {"--card", Takes::Value, "DIR",
+         "the camera's card holds the files of this folder (read only)",
+         nonEmpty(&Options::cardFolder)},
+        {"--sample", Takes::Nothing, "", "the card holds eleven made-up recordings (the default)",
+         flag(&Options::sample)},
+        {"--sample-to", Takes::Value, "DIR",
+         "write these recordings into DIR; without --sample that is all",
+         nonEmpty(&Options::sampleFolder)},
+        {"--seed", Takes::Value, "NUMBER", "other contents for made-up recordings (default 1)",
+         [](Options& options, const std::string& v) { return parseUnsigned(v, options.seed); }},
+        {"--versions", Takes::Value, "LIST",
+         "hardware type, hardware, software, protocol and bootloader version (default "
+         "7,300,600,100,10)",
+         [](Options& options, const std::string& v) { return parseVersions(v, options.versions); }},
+        {"--rate", Takes::Value, "BYTES",
+         "send recordings at so many bytes a second, such as 500k (default: no limit)",
+         [](Options& options, const std::string& v) { return parseSize(v, options.rate); }},
+        {"--heartbeat", Takes::Value, "MS",
+         "milliseconds from heartbeat to heartbeat (default 1000)",
+         [](Options& options, const std::string& v) {
+             return parseHeartbeat(v, options.heartbeat);
+         }},
+        {"--fault", Takes::Value, "NAME[=VALUE]", "switch a fault on; may be repeated",
+         [](Options& options, const std::string& v) {
              options.faults.push_back(v);
              return true;
          }},
+        {"--list-faults", Takes::OptionalValue, "text|json|markdown|man",
+         "print the faults and exit; as text unless another form is named",
+         printing(Options::Action::ListFaults, {"text", "json", "markdown", "man"})},
+        {"--journal", Takes::Value, "FILE", "write a line for every connection, frame and request",
+         nonEmpty(&Options::journal)},
+        {"--exit-with-stdin", Takes::Nothing, "", "exit when standard input ends",
+         flag(&Options::exitWithStdin)},
+        {"--help", Takes::OptionalValue, "text|man", "print this text and exit; -h is the same",
+         printing(Options::Action::Help, {"text", "man"})},
+        {"--version", Takes::Nothing, "", "print the version and exit",
+         printing(Options::Action::Version, {"text"})},
     };
+    return rows;
+}
+
+namespace {
+
+const OptionRow* findOption(const std::string& name)
+{
+    const auto& rows = optionRows();
+    const auto row = std::find_if(rows.begin(), rows.end(), [&name](const OptionRow& each) {
+        return each.name == (name == "-h" ? "--help" : name);
+    });
+    return row == rows.end() ? nullptr : &*row;
+}
+
+std::string checkTogether(Options& options)
+{
+    if (!options.cardFolder.empty() && (options.sample || !options.sampleFolder.empty())) {
+        return "--card and the sample card exclude each other";
+    }
+    if (options.action == Options::Action::Run && !options.sampleFolder.empty() &&
+        !options.sample) {
+        options.action = Options::Action::WriteSample;
+    }
+    return {};
 }
 
 } // namespace
 
 std::string parseOptions(const std::vector<std::string>& arguments, Options& options)
 {
-    bool sample = false;
-    const PlainOptions plain = plainOptions(options, sample);
-    const ValuedOptions valued = valuedOptions(options);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        std::string name = arguments[i];
-        if (const auto option = plain.find(name); option != plain.end()) {
-            option->second();
-            continue;
-        }
-        std::string value;
-        const std::size_t equals = name.find('=');
+        const std::size_t equals = arguments[i].find('=');
         const bool joined = equals != std::string::npos;
-        if (joined) {
-            value = name.substr(equals + 1);
-            name.resize(equals);
-        }
-        const auto option = valued.find(name);
-        if (option == valued.end()) {
+        const OptionRow* option = findOption(arguments[i].substr(0, equals));
+        if (!option || (joined && option->takes == Takes::Nothing)) {
             return "unknown argument " + arguments[i];
         }
-        if (!joined) {
+        std::string value = joined ? arguments[i].substr(equals + 1) : std::string();
+        if (option->takes == Takes::Value && !joined) {
             if (++i == arguments.size()) {
-                return name + " needs a value";
+                return option->name + " needs a value";
             }
             value = arguments[i];
         }
-        if (!option->second(value)) {
-            return name + " does not take \"" + value + "\"";
+        if (!option->store(options, value)) {
+            return option->name + " does not take \"" + value + "\"";
         }
     }
-    if (!options.cardFolder.empty() && (sample || !options.sampleFolder.empty())) {
-        return "--card and the sample card exclude each other";
-    }
-    if (options.action == Options::Action::Run && !options.sampleFolder.empty() && !sample) {
-        options.action = Options::Action::WriteSample;
-    }
-    return {};
-}
-
-std::string helpText()
-{
-    return "Usage: belun-simulator [OPTION]...\n"
-           "Plays the vehicle's control module (192.168.1.149:5000), ground module\n"
-           "(192.168.1.148:5000) and camera (192.168.1.120:80), inside a private network only.\n"
-           "Prints \"belun-simulator ready\" once it can be reached.\n"
-           "\n"
-           "  --card DIR          the camera's card holds the files of this folder (read only)\n"
-           "  --sample            the card holds eleven made-up recordings (the default)\n"
-           "  --sample-to DIR     write these recordings into DIR; without --sample that is all\n"
-           "  --seed NUMBER       other contents for made-up recordings (default 1)\n"
-           "  --versions LIST     hardware type, hardware, software, protocol and bootloader\n"
-           "                      version (default 7,300,600,100,10)\n"
-           "  --rate BYTES        send recordings at so many bytes a second (default: no limit)\n"
-           "  --heartbeat MS      milliseconds from heartbeat to heartbeat (default 1000)\n"
-           "  --fault NAME[=VALUE]  switch a fault on; may be repeated\n"
-           "  --list-faults       tell what faults there are and end\n"
-           "  --journal FILE      write a line for every connection, frame and request\n"
-           "  --exit-with-stdin   end when standard input ends\n"
-           "  --help, --version   tell and end\n"
-           "\n"
-           "While it runs, lines on standard input steer it, each answered by \"ok ...\" or\n"
-           "\"error ...\":\n"
-           "  fault NAME[=VALUE]    clear NAME    clear all    drop control|ground|camera\n"
-           "  versions LIST         rate BYTES    send control|ground HEX\n"
-           "  connections           reload        quit\n"
-           "\n"
-           "Exit status: 0 ended as asked, 1 cannot listen or read, 2 wrong arguments,\n"
-           "3 not in a private network.\n";
+    return checkTogether(options);
 }
 
 } // namespace simulator

@@ -1,8 +1,11 @@
+// The command line: one table of options, from which parser, --help, manual page and completion
+// come.
 #pragma once
 
 #include "simulator/ModuleConnection.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,16 +16,33 @@ struct Options
 {
     enum class Action { Run, Help, Version, ListFaults, WriteSample };
     Action action = Action::Run;
-    std::string cardFolder;   ///< empty: the sample card
+    std::string cardFolder;   ///< empty: a sample card
     std::string sampleFolder; ///< --sample-to
+    bool sample = false;      ///< --sample was given
     std::uint64_t seed = 1;
     std::uint64_t rate = 0; ///< bytes per second for recordings; 0: no limit
     Milliseconds heartbeat{1'000};
     Versions versions{7, 300, 600, 100, 10};
     std::vector<std::string> faults;
+    std::string form; ///< of --help or --list-faults: "text", "man", "json", ...
     std::string journal;
     bool exitWithStdin = false;
 };
+
+/// One option of the command line.
+struct OptionRow
+{
+    enum class Takes { Nothing, Value, OptionalValue };
+    std::string name;
+    Takes takes;
+    std::string value;  ///< as --help shows it: "DIR", "text|json"
+    std::string effect; ///< what it does, for --help and the manual page
+    /// Stores the value; returns false if the option does not take it.
+    std::function<bool(Options&, const std::string&)> store;
+};
+
+/// All options, in the order of --help.
+const std::vector<OptionRow>& optionRows();
 
 /// Reads the command line into the options. Returns an error text, empty on success.
 std::string parseOptions(const std::vector<std::string>& arguments, Options& options);
@@ -30,7 +50,10 @@ std::string parseOptions(const std::vector<std::string>& arguments, Options& opt
 /// A decimal number from 0 up; false when the text is anything else or too large.
 bool parseUnsigned(const std::string& text, std::uint64_t& number);
 
-/// The text of --help.
-std::string helpText();
+/// The same for a size, which may end in k (1,024) or M (1,048,576).
+bool parseSize(const std::string& text, std::uint64_t& size);
+
+/// Returns what --help prints. form: "text" or "man" (the options as part of the manual page).
+std::string help(const std::string& form);
 
 } // namespace simulator

@@ -127,9 +127,9 @@ int Simulator::timeout(TimePoint now) const
     for (const Device* each : {&m_control, &m_ground, &m_camera}) {
         wake = std::min(wake, each->nextWake(now));
     }
-    if (m_faults.active("reboot")) {
-        wake = std::min(wake, m_faults.since("reboot") +
-                                  std::chrono::seconds(*m_faults.number("reboot")));
+    if (m_faults.active(Fault::Reboot)) {
+        wake = std::min(wake, m_faults.since(Fault::Reboot) +
+                                  std::chrono::seconds(*m_faults.number(Fault::Reboot)));
     }
     if (wake == never) {
         return -1;
@@ -140,9 +140,9 @@ int Simulator::timeout(TimePoint now) const
 
 void Simulator::endReboot(TimePoint now)
 {
-    const auto seconds = m_faults.number("reboot");
-    if (seconds && now >= m_faults.since("reboot") + std::chrono::seconds(*seconds)) {
-        m_faults.clear("reboot");
+    const auto seconds = m_faults.number(Fault::Reboot);
+    if (seconds && now >= m_faults.since(Fault::Reboot) + std::chrono::seconds(*seconds)) {
+        m_faults.clear(Fault::Reboot);
         noteControl("clear reboot");
     }
 }

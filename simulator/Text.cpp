@@ -1,6 +1,7 @@
 #include "simulator/Text.h"
 
 #include <array>
+#include <cstdio>
 
 #include <poll.h>
 #include <unistd.h>
@@ -37,6 +38,25 @@ std::string hexText(std::string_view bytes)
     return text;
 }
 
+std::string jsonString(std::string_view text)
+{
+    std::string quoted = "\"";
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (character == '"' || character == '\\') {
+            quoted += '\\';
+            quoted += character;
+        } else if (byte < 0x20 || byte > 0x7E) {
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(byte));
+            quoted += escape;
+        } else {
+            quoted += character;
+        }
+    }
+    return quoted + "\"";
+}
+
 std::uint32_t crc32(std::uint32_t earlier, std::string_view bytes)
 {
     static constexpr auto table = crcTable();
@@ -45,6 +65,45 @@ std::uint32_t crc32(std::uint32_t earlier, std::string_view bytes)
         value = table[(value ^ static_cast<unsigned char>(byte)) & 0xFFU] ^ (value >> 8);
     }
     return ~value;
+}
+
+std::string columns(std::string first, std::string_view second, std::size_t start,
+                    std::size_t width)
+{
+    std::string text;
+    std::string line = std::move(first);
+    if (line.size() + 2 > start) {
+        text += line + "\n";
+        line.clear();
+    }
+    const std::size_t room = width - start;
+    while (!second.empty()) {
+        std::size_t end = second.size() > room ? second.rfind(' ', room) : second.size();
+        end = end == std::string_view::npos || end == 0 ? room : end;
+        line.resize(start, ' ');
+        text += line.append(second.substr(0, end)) + "\n";
+        line.clear();
+        second.remove_prefix(end);
+        second.remove_prefix(!second.empty() && second.front() == ' ' ? 1 : 0);
+    }
+    return text;
+}
+
+std::string manualText(const std::string& text)
+{
+    std::string shown;
+    for (const char character : text) {
+        if (character == '-') {
+            shown += "\\-";
+        } else if (character == '\\') {
+            shown += "\\e";
+        } else if (character == '\'') {
+            shown += "\\(aq";
+        } else {
+            shown += character;
+        }
+    }
+    return shown.compare(0, 1, ".") == 0 ? "\\&" + shown : shown;
 }
 
 void printLine(std::string_view line)

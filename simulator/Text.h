@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -9,8 +10,21 @@ namespace simulator {
 /// Lower-case hexadecimal digits, two per byte, nothing between them.
 std::string hexText(std::string_view bytes);
 
+/// The text as a JSON string, quotes included. Bytes from 80 on become the code point of the same
+/// number, so that no byte is lost and the result is ASCII.
+std::string jsonString(std::string_view text);
+
 /// The CRC-32 of zip and zlib, continued from an earlier result (0 at the start).
 std::uint32_t crc32(std::uint32_t earlier, std::string_view bytes);
+
+/// Returns a row of two columns: the first text, then the second from the column `start` on, broken
+/// at spaces into lines of at most `width` characters. A first text that is too long has a line of
+/// its own.
+std::string columns(std::string first, std::string_view second, std::size_t start,
+                    std::size_t width);
+
+/// Returns the text as it is written in the source of a manual page.
+std::string manualText(const std::string& text);
 
 /// Writes one line and a line end to standard output at once. A reader that has stopped reading
 /// never blocks the simulator: the line is dropped then.

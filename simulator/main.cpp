@@ -1,3 +1,4 @@
+#include "simulator/FaultListing.h"
 #include "simulator/FaultTable.h"
 #include "simulator/FileDescriptor.h"
 #include "simulator/Options.h"
@@ -87,13 +88,13 @@ int main(int argc, char* argv[])
     }
     switch (options.action) {
     case simulator::Options::Action::Help:
-        std::fputs(simulator::helpText().c_str(), stdout);
+        std::fputs(simulator::help(options.form).c_str(), stdout);
         return 0;
     case simulator::Options::Action::Version:
         std::puts("belun-simulator " BELUN_VERSION);
         return 0;
     case simulator::Options::Action::ListFaults:
-        std::fputs(simulator::faultListText().c_str(), stdout);
+        std::fputs(simulator::faultList(options.form).c_str(), stdout);
         return 0;
     case simulator::Options::Action::WriteSample:
     case simulator::Options::Action::Run:

@@ -21,8 +21,8 @@ SIZES = (16, 22, 24, 32, 48, 64, 128, 256)
 ICONS = "share/icons/hicolor"
 COMPONENT = "localhost.belun.download"
 DOCUMENTS = "share/doc/belun-download"
-PAGES = ("architecture", "camera-protocol", "http-library", "link-protocol", "performance",
-         "recordings-safe", "testing", "third-party", "translating")
+PAGES = ("architecture", "camera-protocol", "faults", "http-library", "link-protocol",
+         "performance", "recordings-safe", "testing", "third-party", "translating")
 CHARTS = ("alive", "browse", "download", "exchange", "growth", "idle", "start")
 PROGRAM = {
     "bin/belun-download",

@@ -84,6 +84,7 @@ ANSWERS = [
      "closed"),
     ("no-list-markers", LIST + b"2", ok(b"A.MP4;B.MP4;\r\n"), "closed"),
     ("list-padding=3", LIST + b"2", ok(b"xxx" + LIST_BODY), "closed"),
+    ("list-padding=2k", LIST + b"2", ok(b"x" * 2048 + LIST_BODY), "closed"),
     ("list-padding", LIST + b"2", ok(b"x" * 10240 + LIST_BODY), "closed"),
     ("entries=3", LIST + b"9",
      ok(b"sd/DCIM/100ZEPNA/REC00001.MP4;sd/DCIM/100ZEPNA/REC00002.MP4;"

@@ -1,12 +1,13 @@
 """Arguments, exit status, control lines, and where the simulator refuses to run."""
 
 import glob
+import json
 import os
 import re
 import subprocess
 
 import harness
-from harness import COUNT, SimulatorTest
+from harness import COUNT, ROOT, SimulatorTest
 
 ADVICE = ("\n    belun-private-network belun-simulator ...\n"
           "That is tools/private-network in the source tree.\n")
@@ -20,12 +21,16 @@ class CommandLineTest(SimulatorTest):
 
     def test_help_and_version(self):
         self.assertIn("--exit-with-stdin", self.run_("--help").stdout)
+        self.assertEqual(self.run_("--help").stdout, self.run_("-h").stdout)
         self.assertRegex(self.run_("--version").stdout, r"^belun-simulator \d+\.\d+\.\d+\n$")
 
     def test_wrong_arguments_end_with_status_2(self):
         for arguments, text in (
                 (["--bogus"], "unknown argument --bogus"), (["card"], "unknown argument card"),
                 (["--card"], "--card needs a value"),
+                (["--list-faults=xml"], '--list-faults does not take "xml"'),
+                (["--sample-to=x", "--rate=1G"], '--rate does not take "1G"'),
+                (["--fault", "stall=1k"], 'takes a number from 0 to 100, not "1k"'),
                 (["--card", "x", "--sample"], "exclude each other"),
                 (["--rate", "fast"], '--rate does not take "fast"'),
                 (["--rate", "-1"], '--rate does not take "-1"'),
@@ -121,9 +126,11 @@ class CommandLineTest(SimulatorTest):
             process.terminate()
             self.assertEqual(0, process.wait(harness.LIMIT))
 
+    def faults(self):
+        return json.loads(self.run_("--list-faults=json").stdout)
+
     def test_every_fault_is_listed_once_and_tested(self):
-        names = [re.match(r"[a-z0-9-]+", line).group()
-                 for line in self.run_("--list-faults").stdout.splitlines()]
+        names = [fault["name"] for fault in self.faults()]
         self.assertGreaterEqual(len(names), 50)
         self.assertEqual(len(names), len(set(names)))
         tests = ""
@@ -132,6 +139,37 @@ class CommandLineTest(SimulatorTest):
                 tests += file.read()
         untested = [n for n in names if not re.search(rf'"(fault )?{n}["=]', tests)]
         self.assertEqual([], untested)
+
+    def test_fault_list_is_grouped_and_fits_the_page(self):
+        text = self.run_("--list-faults").stdout
+        self.assertLessEqual(max(map(len, text.splitlines())), 100)
+        groups = [line for line in text.splitlines() if line.endswith(":") and line[0] != " "]
+        self.assertEqual(len({fault["group"] for fault in self.faults()}), len(groups))
+        self.assertIn("  reboot[=SECONDS]            all three devices are down for SECONDS, then "
+                      "back; the fault ends by\n" + " " * 30
+                      + "itself (1 to 3600, default 10)\n", text)
+        for fault in self.faults():
+            self.assertRegex(text, rf"(?m)^  {fault['name']}\b")
+
+    def test_fault_list_as_json_holds_range_and_default(self):
+        self.assertIn({"name": "reboot", "group": "reach", "device": "all", "kind": "number",
+                       "value": "SECONDS", "minimum": 1, "maximum": 3600, "default": "10",
+                       "result": "all three devices are down for SECONDS, then back; the fault "
+                                 "ends by itself"}, self.faults())
+
+    def test_page_of_faults_is_up_to_date(self):
+        page = self.run_("--list-faults=markdown").stdout
+        with open(os.path.join(ROOT, "docs", "faults.md"), encoding="utf-8") as file:
+            self.assertEqual(file.read(), page,
+                             "write it again: belun-simulator --list-faults=markdown")
+
+    def test_manual_holds_every_option_and_fault(self):
+        options = self.run_("--help=man").stdout
+        for option in re.findall(r"(?m)^  (--[a-z-]+)", self.run_("--help").stdout):
+            self.assertIn(".B " + option.replace("-", "\\-"), options)
+        faults = self.run_("--list-faults=man").stdout
+        for fault in self.faults():
+            self.assertIn(".B " + fault["name"].replace("-", "\\-"), faults)
 
 
 if __name__ == "__main__":

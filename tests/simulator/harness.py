@@ -32,6 +32,8 @@ DELETE_ALL = b"/cgi-bin/hi3510/deleteallfiles.cgi?"
 FORMAT = b"/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1"
 RECORDING = b"/sd/DCIM/100ZEPNA/"
 
+ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+
 program = ""
 
 

@@ -2,6 +2,9 @@
 #include "tests/support/TestMain.h"
 #include "tests/system/FaultCase.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonValue>
 #include <QProcess>
 #include <QSet>
 
@@ -20,12 +23,12 @@ private:
 QStringList FaultsListedTest::listed()
 {
     QProcess simulator;
-    simulator.start(BELUN_SIMULATOR, {"--list-faults"});
+    simulator.start(BELUN_SIMULATOR, {"--list-faults=json"});
     simulator.waitForFinished();
     QStringList names;
-    for (const QString& line :
-         QString::fromUtf8(simulator.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts)) {
-        names += line.section(' ', 0, 0).section('=', 0, 0).section('[', 0, 0);
+    for (const QJsonValue fault :
+         QJsonDocument::fromJson(simulator.readAllStandardOutput()).array()) {
+        names += fault["name"].toString();
     }
     return names;
 }

@@ -1,0 +1,74 @@
+#include "simulator/Fault.h"
+
+#include <algorithm>
+
+namespace simulator {
+
+namespace {
+
+constexpr long long dayInMilliseconds = 86'400'000;
+constexpr long long anyLength = 1'000'000'000'000;
+const std::string modules = "control|ground";
+const std::string bothModules = "control,ground";
+const std::string devices = "control|ground|camera";
+const std::string allDevices = "control,ground,camera";
+
+FaultValue none()
+{
+    return {};
+}
+
+FaultValue number(std::string unit, std::string preset, long long minimum, long long maximum)
+{
+    return {FaultKind::Number, std::move(unit), std::move(preset), minimum, maximum};
+}
+
+FaultValue size(std::string unit, std::string preset, long long minimum, long long maximum)
+{
+    return {FaultKind::Size, std::move(unit), std::move(preset), minimum, maximum};
+}
+
+FaultValue words(std::string known, std::string preset)
+{
+    return {FaultKind::Words, std::move(known), std::move(preset), 0, 0};
+}
+
+FaultValue text(std::string preset)
+{
+    return {FaultKind::Text, "TEXT", std::move(preset), 0, 0};
+}
+
+} // namespace
+
+// NOLINTNEXTLINE(readability-function-size): one table
+const std::vector<FaultDescription>& faultDescriptions()
+{
+    static const std::vector<FaultDescription> rows = {
+#define FAULT(enumerator, name, oldName, group, device, value, result)                             \
+    {Fault::enumerator, name, oldName, FaultGroup::group, FaultDevice::device, value, result},
+#include "simulator/Faults.inc"
+#undef FAULT
+    };
+    return rows;
+}
+
+const FaultDescription& describe(Fault fault)
+{
+    return faultDescriptions()[static_cast<std::size_t>(fault)];
+}
+
+const FaultDescription* findFault(std::string_view name)
+{
+    const auto& rows = faultDescriptions();
+    const auto row = std::find_if(rows.begin(), rows.end(), [name](const FaultDescription& each) {
+        return each.name == name || (!each.oldName.empty() && each.oldName == name);
+    });
+    return row == rows.end() ? nullptr : &*row;
+}
+
+std::string unknownFault(std::string_view name)
+{
+    return "no fault is called \"" + std::string(name) + "\" (--list-faults shows all)";
+}
+
+} // namespace simulator

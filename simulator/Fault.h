@@ -1,0 +1,65 @@
+// The faults as values of a type, and what there is to know about each but its effect.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace simulator {
+
+/// Every fault, in the order of the table.
+enum class Fault {
+#define FAULT(enumerator, name, oldName, group, device, value, result) enumerator,
+#include "simulator/Faults.inc"
+#undef FAULT
+};
+
+/// What a fault acts on: the headings of --list-faults.
+enum class FaultGroup { Scope, Reach, Frames, Answers, Count, Card, List, Names, Details, Changes };
+
+/// Who is affected.
+enum class FaultDevice { Vehicle, Modules, Camera };
+
+/// How the text after NAME= is read.
+enum class FaultKind {
+    None,   ///< takes no value
+    Number, ///< a decimal number within the bounds
+    Size,   ///< a Number that may end in k (1,024) or M (1,048,576)
+    Words,  ///< comma-separated words of those that the value's name lists with '|' between them
+    Text    ///< any bytes; \r \n \t \\ and \xHH are decoded
+};
+
+/// The value that a fault takes.
+struct FaultValue
+{
+    FaultKind kind = FaultKind::None;
+    std::string name;   ///< as --list-faults shows it: "SECONDS", "control|ground"
+    std::string preset; ///< used when no value is given; empty: a value must be given
+    long long minimum = 0;
+    long long maximum = 0;
+};
+
+/// One row of the table.
+struct FaultDescription
+{
+    Fault fault;
+    std::string name;
+    std::string oldName; ///< still understood; empty: it never had another name
+    FaultGroup group;
+    FaultDevice device;
+    FaultValue value;
+    std::string result; ///< what a client sees
+};
+
+/// All faults, in the order of the enumeration.
+const std::vector<FaultDescription>& faultDescriptions();
+
+const FaultDescription& describe(Fault fault);
+
+/// The row with this name or old name, or nullptr.
+const FaultDescription* findFault(std::string_view name);
+
+/// "no fault is called ...", as an error says it.
+std::string unknownFault(std::string_view name);
+
+} // namespace simulator

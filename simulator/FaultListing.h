@@ -1,0 +1,13 @@
+// The table of faults as text: for a terminal, for programs, for the documentation.
+#pragma once
+
+#include <string>
+
+namespace simulator {
+
+/// Returns what --list-faults prints. form: "text" (grouped, at most 100 columns wide), "json" (an
+/// array with an object for each fault), "markdown" (docs/faults.md) or "man" (the subsections of
+/// the manual page).
+std::string faultList(const std::string& form);
+
+} // namespace simulator

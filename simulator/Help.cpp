@@ -1,0 +1,72 @@
+// What --help prints, in its forms.
+#include "simulator/Options.h"
+#include "simulator/Text.h"
+
+namespace simulator {
+
+namespace {
+
+using Takes = OptionRow::Takes;
+
+constexpr const char* introduction =
+    "Usage: belun-simulator [OPTION]...\n"
+    "Plays the vehicle's control module (192.168.1.149:5000), ground module\n"
+    "(192.168.1.148:5000) and camera (192.168.1.120:80), inside a private network only.\n"
+    "Prints \"belun-simulator ready\" once it can be reached.\n";
+
+constexpr const char* controlLines =
+    "While it runs, lines on standard input control it, each answered by \"ok ...\" or\n"
+    "\"error ...\":\n"
+    "  fault NAME[=VALUE]    clear NAME    clear all    drop control|ground|camera\n"
+    "  versions LIST         rate BYTES    send control|ground HEX\n"
+    "  connections           reload        quit\n";
+
+constexpr const char* statuses =
+    "Exit status: 0 ended as asked, 1 cannot listen or read, 2 wrong arguments,\n"
+    "3 not in a private network.\n";
+
+/// "--card DIR", "--list-faults[=text|json]".
+std::string spelled(const OptionRow& row)
+{
+    switch (row.takes) {
+    case Takes::Nothing:
+        break;
+    case Takes::Value:
+        return row.name + " " + row.value;
+    case Takes::OptionalValue:
+        return row.name + "[=" + row.value + "]";
+    }
+    return row.name;
+}
+
+std::string optionsText()
+{
+    constexpr std::size_t effectColumn = 24;
+    constexpr std::size_t width = 80;
+    std::string text;
+    for (const OptionRow& row : optionRows()) {
+        text += columns("  " + spelled(row), row.effect, effectColumn, width);
+    }
+    return text;
+}
+
+std::string optionsManual()
+{
+    std::string text;
+    for (const OptionRow& row : optionRows()) {
+        text += ".TP\n.B " + manualText(spelled(row)) + "\n" + manualText(row.effect) + "\n";
+    }
+    return text;
+}
+
+} // namespace
+
+std::string help(const std::string& form)
+{
+    if (form == "man") {
+        return optionsManual();
+    }
+    return std::string(introduction) + "\n" + optionsText() + "\n" + controlLines + "\n" + statuses;
+}
+
+} // namespace simulator
