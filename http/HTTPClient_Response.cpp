@@ -1,7 +1,7 @@
 // The answer: status line, header lines, body.
 #include "http/HTTPClient.h"
 
-#include "http/Number.h"
+#include "posix/LeadingNumber.h"
 
 #include <array>
 #include <cstdio>
@@ -90,7 +90,7 @@ bool HTTPClient::readHeader(HTTPSession& session, HTTPResponse& response)
         if (beginsWithStatusWord(name)) {
             const std::size_t space = value.find(' ');
             if (space != std::string::npos) {
-                response.statusCode = http::leadingNumber(value.substr(0, space));
+                response.statusCode = sys::leadingNumber(value.substr(0, space).c_str());
             }
             continue;
         }
@@ -98,7 +98,7 @@ bool HTTPClient::readHeader(HTTPSession& session, HTTPResponse& response)
         if (name == "Transfer-Encoding" && value == "chunked") {
             response.chunked = true;
         } else if (name == "Content-Length") {
-            response.contentLength = static_cast<std::uint32_t>(http::leadingNumber(value));
+            response.contentLength = static_cast<std::uint32_t>(sys::leadingNumber(value.c_str()));
         }
     }
     return true;

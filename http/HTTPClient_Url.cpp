@@ -1,7 +1,7 @@
 // Addresses: splitting a URL, resolving a host.
 #include "http/HTTPClient.h"
 
-#include "http/Number.h"
+#include "posix/LeadingNumber.h"
 
 #include <algorithm>
 #include <cstring>
@@ -40,7 +40,7 @@ bool HTTPClient::parseUrl(HTTPRequest& request)
     request.host = rest.substr(0, std::min(slash, colon));
     if (hasPort) {
         // Digits end at the slash by themselves.
-        request.port = http::leadingNumber(rest.substr(colon + 1));
+        request.port = sys::leadingNumber(rest.c_str() + colon + 1);
     }
     if (hasPath) {
         request.path = rest.substr(slash);

@@ -1,55 +1,14 @@
 #include "http/HTTPSession.h"
 
+#include "posix/PipeSignalBlock.h"
+
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <csignal>
 #include <cstddef>
-#include <ctime>
 
 #include <netinet/in.h>
-#include <pthread.h>
 #include <sys/socket.h>
 #include <unistd.h>
-
-namespace {
-
-/// While it lives, sending to a peer that has closed the connection fails in its thread without a
-/// signal, which would end a program that does not ignore it. Leaves errno as it is.
-class PipeSignalBlock
-{
-public:
-    PipeSignalBlock()
-    {
-        ::sigemptyset(&m_pipe);
-        ::sigaddset(&m_pipe, SIGPIPE);
-        sigset_t pending;
-        ::sigpending(&pending);
-        m_wasPending = ::sigismember(&pending, SIGPIPE) == 1;
-        ::pthread_sigmask(SIG_BLOCK, &m_pipe, &m_before);
-    }
-
-    ~PipeSignalBlock()
-    {
-        const int error = errno;
-        if (!m_wasPending) {
-            const timespec atOnce{};
-            ::sigtimedwait(&m_pipe, nullptr, &atOnce);
-        }
-        ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
-        errno = error;
-    }
-
-    PipeSignalBlock(const PipeSignalBlock&) = delete;
-    PipeSignalBlock& operator=(const PipeSignalBlock&) = delete;
-
-private:
-    sigset_t m_pipe;
-    sigset_t m_before;
-    bool m_wasPending;
-};
-
-} // namespace
 
 HTTPSession::~HTTPSession()
 {
@@ -78,7 +37,7 @@ bool HTTPSession::initSocket()
 
 int HTTPSession::send(const char* data, int length)
 {
-    const PipeSignalBlock block;
+    const sys::PipeSignalBlock block;
     return static_cast<int>(::send(socketDescriptor, data, static_cast<std::size_t>(length), 0));
 }
 

@@ -1,6 +1,7 @@
 # Fails when a header of the product is missing in CHECKED.
 file(GLOB headers RELATIVE "${ROOT}"
-  "${ROOT}/app/*.h" "${ROOT}/card/*.h" "${ROOT}/download/*.h" "${ROOT}/http/*.h" "${ROOT}/link/*.h")
+  "${ROOT}/app/*.h" "${ROOT}/card/*.h" "${ROOT}/download/*.h" "${ROOT}/http/*.h" "${ROOT}/link/*.h"
+  "${ROOT}/posix/*.h")
 if(NOT headers)
   message(FATAL_ERROR "no header found in ${ROOT}")
 endif()

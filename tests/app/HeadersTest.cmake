@@ -13,8 +13,10 @@ function(check_headers library)
   set(checked_headers ${checked_headers} ${ARGN} PARENT_SCOPE)
 endfunction()
 
+check_headers(posix
+  posix/LeadingNumber.h posix/PipeSignalBlock.h posix/StoppableCalls.h posix/Worker.h)
 check_headers(http
-  http/HTTPClient.h http/HTTPRecords.h http/HTTPSession.h http/Number.h)
+  http/HTTPClient.h http/HTTPRecords.h http/HTTPSession.h)
 check_headers(link
   link/ControlClientThread.h link/GroundClientThread.h link/ModuleSocket.h link/ReceiveLoop.h
   link/VehicleFrame.h link/VersionText.h)

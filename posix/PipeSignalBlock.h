@@ -1,0 +1,24 @@
+// Writing to a closed connection without SIGPIPE.
+#pragma once
+
+#include <csignal>
+
+namespace sys {
+
+/// While it lives, writing to a peer that has closed the connection fails in this thread without a
+/// signal, which would end a program that does not ignore it. Leaves errno as it is.
+class PipeSignalBlock
+{
+public:
+    PipeSignalBlock();
+    ~PipeSignalBlock();
+    PipeSignalBlock(const PipeSignalBlock&) = delete;
+    PipeSignalBlock& operator=(const PipeSignalBlock&) = delete;
+
+private:
+    sigset_t m_pipe;
+    sigset_t m_before;
+    bool m_wasPending;
+};
+
+} // namespace sys

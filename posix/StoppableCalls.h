@@ -1,0 +1,64 @@
+// System calls that another thread can end, and the descriptors that they leave open.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <vector>
+
+namespace sys {
+
+/// The calls into one object, from whatever threads, that wait on sockets. They can all be stopped,
+/// once. By design the object's sockets and files stay open when a call is over; those that were
+/// handed to keep() are closed with this object. All members may be called from any thread.
+class StoppableCalls
+{
+public:
+    /// One call into the object: stopAndWait() does not return while it lives.
+    class Call
+    {
+    public:
+        explicit Call(StoppableCalls& calls);
+        ~Call();
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
+
+        /// Names the socket that the call waits on from now on; it stays open as long as the call.
+        /// A negative one is none.
+        void waitOn(int socket) { m_socket = socket; }
+
+    private:
+        friend StoppableCalls;
+
+        StoppableCalls& m_calls;
+        std::atomic<int> m_socket{-1};
+    };
+
+    StoppableCalls() = default;
+    ~StoppableCalls();
+    StoppableCalls(const StoppableCalls&) = delete;
+    StoppableCalls& operator=(const StoppableCalls&) = delete;
+
+    /// Takes over a descriptor; it is closed with this object. A negative one is none.
+    void keep(int descriptor);
+
+    /// Asks all calls to end. They notice when the system call they wait in returns.
+    void requestStop() noexcept { m_stopRequested = true; }
+    bool stopRequested() const noexcept { return m_stopRequested; }
+
+    /// Asks all calls to end and shuts their sockets down every few milliseconds until `finished`,
+    /// which waits at most that many milliseconds, returns true and no call is left: one shutdown
+    /// ends a pending connect or receive, but the next connect blocks again.
+    void stopAndWait(const std::function<bool(unsigned long)>& finished);
+
+private:
+    /// Shuts down every socket that is waited on. Returns false if there is no call.
+    bool wakeAll();
+
+    std::atomic<bool> m_stopRequested{false};
+    std::mutex m_mutex; // of what follows
+    std::vector<const Call*> m_calls;
+    std::vector<int> m_kept;
+};
+
+} // namespace sys
