@@ -1,9 +1,9 @@
 // Construction, destruction, display-only fields, number conversion.
 #include "app/MainWindow.h"
 
-#include "app/NumberText.h"
 #include "card/CardCommands.h"
 #include "card/NoFocusDelegate.h"
+#include "card/NumberText.h"
 #include "download/DownloadFileThread.h"
 #include "link/ControlClientThread.h"
 #include "link/GroundClientThread.h"
@@ -45,10 +45,10 @@ void awaitStops(const QObject& window)
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
-    : QMainWindow(parent), getFileCountUrl(card::fileCountCommand()),
-      getFileListUrl(card::fileListCommand()), deleteFileUrl(card::deleteFileCommand()),
-      getFileInfoUrl(card::fileInfoCommand()), deleteAllFilesUrl(card::deleteAllFilesCommand()),
-      formatCardUrl(card::formatCardCommand()), ui(std::make_unique<Ui_MainWindow>())
+    : QMainWindow(parent), getFileCountUrl(card::fileCountCommand),
+      getFileListUrl(card::fileListCommand), deleteFileUrl(card::deleteFileCommand),
+      getFileInfoUrl(card::fileInfoCommand), deleteAllFilesUrl(card::deleteAllFilesCommand),
+      formatCardUrl(card::formatCardCommand), ui(std::make_unique<Ui_MainWindow>())
 {
     ui->setupUi(this);
     ui->progressBarDownLoad->hide();
@@ -84,7 +84,7 @@ void MainWindow::stopWorkers()
 
 void MainWindow::itoa(int value, char* string, int radix)
 {
-    app::writeNumber(value, string, radix);
+    card::writeNumber(value, string, radix);
 }
 
 void MainWindow::LineEditsInit()

@@ -7,8 +7,13 @@
 #include "card/FileTable.h"
 #include "ui_MainWindow.h"
 
-#include <algorithm>
 #include <vector>
+
+namespace {
+
+constexpr int rowLimit = 128; // the row number is a signed byte
+
+} // namespace
 
 bool MainWindow::sendCommand(const QString& address)
 {
@@ -36,8 +41,16 @@ void MainWindow::on_pushButtonEnterTFcard_clicked()
     }
     QTableWidget& table = *ui->tableWidgetFileInfo;
     table.setRowCount(0);
-    for (const std::string& name : card::readFileList(httpAnswer.c_str(), fileNames)) {
-        card::addNameRow(table, table.rowCount(), QString::fromStdString(name));
+    card::FileListWalk walk(httpAnswer.c_str());
+    for (int row = 0; row < rowLimit; ++row) {
+        const auto entry = walk.next();
+        if (!entry) {
+            break;
+        }
+        if (entry->name) {
+            fileNames.store(row, *entry->name);
+        }
+        card::addNameRow(table, row, QString::fromUtf8(fileNames[row]));
     }
 
     const int count = card::filesToAskAbout(countText.data(), table.rowCount());
@@ -52,30 +65,14 @@ void MainWindow::on_pushButtonEnterTFcard_clicked()
 void MainWindow::ParseFileInfo(const char* fileinfo, int Index)
 {
     QTableWidget& table = *ui->tableWidgetFileInfo;
-    // One scratch text for all three fields: a field that is missing shows the one before it.
-    std::vector<char> field = card::scratchFor(fileinfo);
-
-    findSubString(fileinfo, field.data(), card::createStart, card::valueEnd);
-    card::setDetail(table, Index, card::DateColumn, card::dateText(field.data()), Qt::AlignCenter);
-
-    findSubString(fileinfo, field.data(), card::sizeStart, card::valueEnd);
-    const card::ShownSize size = card::shownSize(card::leadingNumber(field.data()));
-    itoa(size.count, field.data(), 10);
-    card::setDetail(table, Index, card::SizeColumn, card::withUnit(field.data(), size.unit),
-                    Qt::AlignRight);
-
-    findSubString(fileinfo, field.data(), card::timeStart, card::valueEnd);
-    card::setDetail(table, Index, card::DurationColumn, card::withUnit(field.data(), "s"),
-                    Qt::AlignCenter);
+    const card::FileInfoText texts = card::readFileInfo(fileinfo);
+    card::setDetail(table, Index, card::DateColumn, texts.date, Qt::AlignCenter);
+    card::setDetail(table, Index, card::SizeColumn, texts.size, Qt::AlignRight);
+    card::setDetail(table, Index, card::DurationColumn, texts.duration, Qt::AlignCenter);
 }
 
 int MainWindow::findSubString(const char* string, char* strBuf, const char* leftSplit,
                               const char* rightSplit)
 {
-    const auto text = card::textBetween(string, leftSplit, rightSplit);
-    if (!text) {
-        return 0;
-    }
-    *std::copy(text->begin(), text->end(), strBuf) = '\0';
-    return static_cast<int>(text->size());
+    return card::copyTextBetween(string, strBuf, leftSplit, rightSplit);
 }

@@ -1,5 +1,8 @@
 #include "card/CardAnswers.h"
 
+#include "card/CardCommands.h"
+#include "card/NameTable.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
@@ -9,9 +12,6 @@ namespace card {
 
 namespace {
 
-constexpr char directoryTag[] = "ZEPNA/";
-constexpr char entryEnd[] = ";";
-constexpr char listEnd = '\r';
 constexpr std::size_t smallestScratch = 32;
 
 } // namespace
@@ -30,14 +30,19 @@ std::optional<std::string_view> textBetween(const char* answer, const char* left
     return std::string_view(start, static_cast<std::size_t>(end - start));
 }
 
+int copyTextBetween(const char* answer, char* buffer, const char* left, const char* right)
+{
+    const auto text = textBetween(answer, left, right);
+    if (!text) {
+        return 0;
+    }
+    *std::copy(text->begin(), text->end(), buffer) = '\0';
+    return static_cast<int>(text->size());
+}
+
 std::vector<char> scratchFor(std::string_view answer)
 {
     return std::vector<char>(std::max(smallestScratch, answer.size() + 1));
-}
-
-int leadingNumber(const char* text)
-{
-    return static_cast<int>(std::strtol(text, nullptr, 10));
 }
 
 int filesToAskAbout(const char* countText, int listedFiles)
@@ -49,23 +54,28 @@ int filesToAskAbout(const char* countText, int listedFiles)
     return static_cast<int>(std::max(count, 0L));
 }
 
-std::vector<std::string> readFileList(const char* answer, NameTable& names)
+FileListWalk::FileListWalk(const char* answer) : m_entry(answer)
 {
-    std::vector<std::string> rows;
-    const char* entry = answer;
-    while (*entry != '\0' && *entry != listEnd && rows.size() < rowLimit) {
-        const int slot = static_cast<int>(rows.size());
-        if (const auto name = textBetween(entry, directoryTag, entryEnd)) {
-            names.store(slot, *name);
-        }
-        rows.emplace_back(names[slot]);
-        const char* end = std::strstr(entry, entryEnd);
-        if (end == nullptr) {
-            break;
-        }
-        entry = end + std::strlen(entryEnd);
+    findName();
+}
+
+std::optional<ListEntry> FileListWalk::next()
+{
+    if (*m_entry == '\0' || *m_entry == listEnd) {
+        return std::nullopt;
     }
-    return rows;
+    const ListEntry entry{m_name};
+    const char* end = std::strstr(m_entry, entryEnd);
+    m_entry = end == nullptr ? m_entry + std::strlen(m_entry) : end + std::strlen(entryEnd);
+    if (m_name && m_name->data() < m_entry) {
+        findName();
+    }
+    return entry;
+}
+
+void FileListWalk::findName()
+{
+    m_name = textBetween(m_entry, directoryTag, entryEnd);
 }
 
 } // namespace card

@@ -1,27 +1,48 @@
-// The commands of the camera's web server. Each is one GET; a command that names a file or a number
-// has it joined on as it stands, since the camera decodes nothing.
+// The commands of the camera's web server and the grammar of their answers. Each command is one
+// GET; one that takes an argument has it joined on as it stands, since the camera decodes nothing.
+// The format command's query does not begin with an ampersand while those of the list, details and
+// delete commands do: the camera takes each command in its own form only.
 #pragma once
 
 #include <QString>
 
 namespace card {
 
-/// Answer: the number of files between =" and ";
-QString fileCountCommand();
-/// Takes the count text. Answer: entries that each end in a semicolon, then a carriage return.
-QString fileListCommand();
-/// Takes a file name. Answer: create, size and time, each as key="value";
-QString fileInfoCommand();
-/// Takes a file name. The answer's text says nothing.
-QString deleteFileCommand();
-/// Answer: exactly successAnswer.
-QString deleteAllFilesCommand();
-/// Answer: exactly successAnswer.
-QString formatCardCommand();
+/// Closes every value in an answer: key="value";
+constexpr char valueEnd[] = "\";";
 
+/// Answer: the number of files, after countStart.
+constexpr char fileCountCommand[] = "http://192.168.1.120/cgi-bin/hi3510/getfilecount.cgi?";
+constexpr char countStart[] = "=\"";
+
+/// Takes the count text. Answer: entries, each with the name after directoryTag and ended by
+/// entryEnd; listEnd where another entry would begin.
+constexpr char fileListCommand[] =
+    "http://192.168.1.120/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end=";
+constexpr char directoryTag[] = "ZEPNA/";
+constexpr char entryEnd[] = ";";
+constexpr char listEnd = '\r';
+
+/// Takes a file name. Answer, in any order: the creation time as YYYYMMDDhhmmss, the size in bytes
+/// and the duration in seconds.
+constexpr char fileInfoCommand[] =
+    "http://192.168.1.120/cgi-bin/hi3510/getfileinfo.cgi?&-name=sd/DCIM/100ZEPNA/";
+constexpr char createStart[] = "create=\"";
+constexpr char sizeStart[] = "size=\"";
+constexpr char timeStart[] = "time=\"";
+
+/// Takes a file name. Any answer is a success.
+constexpr char deleteFileCommand[] =
+    "http://192.168.1.120/cgi-bin/hi3510/deletefile.cgi?&-name=sd/DCIM/100ZEPNA/";
+
+/// Answer: exactly successAnswer; so is that of the format command.
+constexpr char deleteAllFilesCommand[] = "http://192.168.1.120/cgi-bin/hi3510/deleteallfiles.cgi?";
 constexpr char successAnswer[] = "Success\r\n";
 
-/// A command with its argument joined on.
+constexpr char formatCardCommand[] =
+    "http://192.168.1.120/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
+
+/// Returns a command with its argument joined on.
 QString withArgument(const QString& command, const QString& argument);
 
 } // namespace card

@@ -1,10 +1,19 @@
 #include "card/FileInfoText.h"
 
+#include "card/CardAnswers.h"
+#include "card/CardCommands.h"
+#include "card/NumberText.h"
+#include "posix/LeadingNumber.h"
+
 #include <algorithm>
-#include <cstddef>
+#include <charconv>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace card {
+
+namespace {
 
 QString dateText(std::string_view field)
 {
@@ -15,19 +24,54 @@ QString dateText(std::string_view field)
                                   digits(8, 2) + ':' + digits(10, 2) + ':' + digits(12, 2));
 }
 
-ShownSize shownSize(int bytes)
-{
-    constexpr int megabyte = 1048576;
-    constexpr int kilobyte = 1024;
-    if (bytes >= megabyte) {
-        return {bytes / megabyte, "MB"};
-    }
-    return {bytes / kilobyte, "KB"};
-}
-
 QString withUnit(const char* field, const char* unit)
 {
     return QStringLiteral("%1%2").arg(QString::fromUtf8(field)).arg(QLatin1String(unit));
+}
+
+/// Replaces the size in `field` by the number that is shown.
+QString sizeText(char* field)
+{
+    constexpr int megabyte = 1048576;
+    constexpr int kilobyte = 1024;
+    const int bytes = sys::leadingNumber(field);
+    const bool large = bytes >= megabyte;
+    writeNumber(bytes / (large ? megabyte : kilobyte), field, 10);
+    return withUnit(field, large ? "MB" : "KB");
+}
+
+} // namespace
+
+FileInfoText readFileInfo(const char* answer)
+{
+    FileInfoText texts;
+    std::vector<char> scratch = scratchFor(answer);
+    char* field = scratch.data();
+    copyTextBetween(answer, field, createStart, valueEnd);
+    texts.date = dateText(field);
+    copyTextBetween(answer, field, sizeStart, valueEnd);
+    texts.size = sizeText(field);
+    copyTextBetween(answer, field, timeStart, valueEnd);
+    texts.duration = withUnit(field, "s");
+    return texts;
+}
+
+ExactSize exactSize(const char* answer)
+{
+    const auto field = textBetween(answer, sizeStart, valueEnd);
+    if (!field) {
+        return {ExactSize::Reading::Missing, 0};
+    }
+    std::int64_t bytes = 0;
+    const char* end = field->data() + field->size();
+    const auto [next, error] = std::from_chars(field->data(), end, bytes);
+    if (error == std::errc::invalid_argument || next != end) {
+        return {ExactSize::Reading::NotANumber, 0};
+    }
+    if (error == std::errc::result_out_of_range || bytes < 0) {
+        return {ExactSize::Reading::OutOfRange, 0};
+    }
+    return {ExactSize::Reading::Known, bytes};
 }
 
 } // namespace card

@@ -22,14 +22,14 @@ check_headers(link
   link/VehicleFrame.h link/VersionText.h)
 check_headers(card
   card/CardAnswers.h card/CardCommands.h card/FileInfoText.h card/NameTable.h
-  card/SelectionRecord.h)
+  card/NumberText.h card/SelectionRecord.h)
 check_headers(cardwidgets
   card/FileTable.h card/NoFocusDelegate.h)
 check_headers(download
   download/DownloadFileThread.h download/DownloadRequest.h download/RecordingDownload.h
   download/ResponseHead.h download/resp_header.h)
 check_headers(app
-  app/MainWindow.h app/NumberText.h app/ProcessSetup.h)
+  app/MainWindow.h app/ProcessSetup.h)
 
 add_test(NAME app.Headers
   COMMAND ${CMAKE_COMMAND} "-DROOT=${PROJECT_SOURCE_DIR}" "-DCHECKED=${checked_headers}"

@@ -2,13 +2,14 @@
 #include "card/CardAnswers.h"
 
 #include "tests/support/TestMain.h"
+#include "tests/support/TimeFactor.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstring>
 #include <memory>
 
 #include <QByteArray>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QIODevice>
 #include <QObject>
@@ -16,15 +17,11 @@
 #include <QStringList>
 #include <QTest>
 
-using card::NameTable;
-
 class CardAnswersTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init();
-
     void textStandsBetweenTheFirstMarkers_data();
     void textStandsBetweenTheFirstMarkers();
     void missingMarkerGivesNoText_data();
@@ -33,49 +30,28 @@ private slots:
     void scratchHoldsTheAnswerAndStartsZeroed_data();
     void scratchHoldsTheAnswerAndStartsZeroed();
 
-    void leadingDigitsAreTheNumber_data();
-    void leadingDigitsAreTheNumber();
-
     void countTextSaysForHowManyFilesToAsk_data();
     void countTextSaysForHowManyFilesToAsk();
 
-    void listAnswerBecomesRows_data();
-    void listAnswerBecomesRows();
-    void rowsFillTheNameTableFromSlotZero();
-    void slotsBehindTheListKeepTheirText();
-    void nameOf29CharactersFitsItsSlot();
-    void longNameRunsIntoTheNextSlot();
-    void longNamesAndTheirFollowersAreAllShownWhole();
-    void rowsEndWhereTheRowNumberTurnsNegative_data();
-    void rowsEndWhereTheRowNumberTurnsNegative();
-    void hugeNameInTheLastRowStaysInTheTable();
+    void listAnswerBecomesEntries_data();
+    void listAnswerBecomesEntries();
+    void longListIsWalkedToItsEnd();
+    void walkTakesLinearTime_data();
+    void walkTakesLinearTime();
     void answerCutAnywhereIsReadToItsEnd();
 
 private:
-    static QByteArray entry(const QByteArray& name) { return "sd/DCIM/100ZEPNA/" + name + ";"; }
-    static QByteArray numbered(int number) { return "F" + QByteArray::number(number) + ".mp4"; }
-
-    QStringList read(const QByteArray& answer)
+    /// The names in the order of the entries, "none" for an entry without one.
+    static QStringList namesIn(const char* answer)
     {
-        QStringList rows;
-        for (const std::string& row : card::readFileList(answer.constData(), *m_names)) {
-            rows.append(QString::fromStdString(row));
+        QStringList names;
+        card::FileListWalk walk(answer);
+        while (const auto entry = walk.next()) {
+            names.append(entry->name ? QString::fromStdString(std::string(*entry->name)) : "none");
         }
-        return rows;
+        return names;
     }
-    QByteArray slot(int number) const { return (*m_names)[number]; }
-
-    std::unique_ptr<NameTable> m_names;
 };
-
-/// Slots 0 to 9 and a few behind them hold what an earlier browse left there.
-void CardAnswersTest::init()
-{
-    m_names = std::make_unique<NameTable>();
-    for (const int number : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 127, 128, 129, 199, 9871, 9998}) {
-        m_names->store(number, ("old" + std::to_string(number)));
-    }
-}
 
 void CardAnswersTest::textStandsBetweenTheFirstMarkers_data()
 {
@@ -156,36 +132,6 @@ void CardAnswersTest::scratchHoldsTheAnswerAndStartsZeroed()
             static_cast<std::ptrdiff_t>(scratch.size()));
 }
 
-void CardAnswersTest::leadingDigitsAreTheNumber_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<int>("number");
-
-    QTest::newRow("plain") << QByteArray("1572864") << 1572864;
-    QTest::newRow("zero") << QByteArray("0") << 0;
-    QTest::newRow("negative") << QByteArray("-2048") << -2048;
-    QTest::newRow("plus sign") << QByteArray("+7") << 7;
-    QTest::newRow("spaces before") << QByteArray("  42") << 42;
-    QTest::newRow("letters behind") << QByteArray("42 bytes") << 42;
-    QTest::newRow("leading zeros") << QByteArray("0012") << 12;
-    QTest::newRow("letters only") << QByteArray("abc") << 0;
-    QTest::newRow("nothing") << QByteArray() << 0;
-    QTest::newRow("largest int") << QByteArray("2147483647") << INT_MAX;
-    QTest::newRow("smallest int") << QByteArray("-2147483648") << INT_MIN;
-    QTest::newRow("three gigabytes keep their low 32 bits")
-        << QByteArray("3221225472") << -1073741824;
-    QTest::newRow("four gigabytes keep their low 32 bits") << QByteArray("4294967296") << 0;
-    QTest::newRow("creation time keeps its low 32 bits")
-        << QByteArray("20200131124502") << 899931414;
-}
-
-void CardAnswersTest::leadingDigitsAreTheNumber()
-{
-    QFETCH(QByteArray, text);
-    const int number = card::leadingNumber(text.constData());
-    QTEST(number, "number");
-}
-
 void CardAnswersTest::countTextSaysForHowManyFilesToAsk_data()
 {
     QTest::addColumn<QByteArray>("text");
@@ -230,7 +176,7 @@ void CardAnswersTest::countTextSaysForHowManyFilesToAsk()
     QTEST(asked, "asked");
 }
 
-void CardAnswersTest::listAnswerBecomesRows_data()
+void CardAnswersTest::listAnswerBecomesEntries_data()
 {
     QTest::addColumn<QStringList>("rows");
 
@@ -243,13 +189,13 @@ void CardAnswersTest::listAnswerBecomesRows_data()
     row("return-first-then-entries", {});
     row("no-bytes", {});
     row("no-end", {first, second});
-    row("last-entry-cut-in-name", {first, "old1"});
-    row("last-entry-cut-in-folder", {first, "old1"});
+    row("last-entry-cut-in-name", {first, "none"});
+    row("last-entry-cut-in-folder", {first, "none"});
     // The search for the folder does not stop at the semicolon.
     row("entry-without-folder", {first, third, third});
-    row("last-entry-without-folder", {first, "old1"});
-    row("semicolons-only", {"old0", "old1", "old2"});
-    row("semicolon-at-end-only", {"old0"});
+    row("last-entry-without-folder", {first, "none"});
+    row("semicolons-only", {"none", "none", "none"});
+    row("semicolon-at-end-only", {"none"});
     row("empty-name", {"", second});
     row("line-feed-between-entries", {first, second});
     row("return-between-entries", {first});
@@ -258,121 +204,73 @@ void CardAnswersTest::listAnswerBecomesRows_data()
     row("spaces-and-ampersands", {"dive 1 & 2.mp4", "a=b?c%20d.mp4"});
     row("folder-twice-in-entry", {"sd/DCIM/100ZEPNA/BELUN_0001.mp4"});
     row("utf8-name", {QStringLiteral("深海 é.mp4")});
-    row("error-page", {"old0"});
+    row("error-page", {"none"});
 }
 
-void CardAnswersTest::listAnswerBecomesRows()
+void CardAnswersTest::listAnswerBecomesEntries()
 {
     QFile recorded(
         QStringLiteral(TEST_DATA "/filelist/%1.txt").arg(QLatin1String(QTest::currentDataTag())));
     QVERIFY2(recorded.open(QIODevice::ReadOnly), qPrintable(recorded.fileName()));
-    const QStringList rows = read(recorded.readAll());
+    const QByteArray answer = recorded.readAll();
+    const QStringList rows = namesIn(answer.constData());
     QTEST(rows, "rows");
 }
 
-void CardAnswersTest::rowsFillTheNameTableFromSlotZero()
-{
-    read(entry("a.mp4") + entry("b.mp4") + entry("c.mp4") + "\r\n");
-    QCOMPARE(slot(0), QByteArray("a.mp4"));
-    QCOMPARE(slot(1), QByteArray("b.mp4"));
-    QCOMPARE(slot(2), QByteArray("c.mp4"));
-}
-
-void CardAnswersTest::slotsBehindTheListKeepTheirText()
-{
-    read(entry("a.mp4") + entry("b.mp4") + "\r\n");
-    QCOMPARE(slot(2), QByteArray("old2"));
-    QCOMPARE(slot(3), QByteArray("old3"));
-    QCOMPARE(slot(9998), QByteArray("old9998"));
-}
-
-void CardAnswersTest::nameOf29CharactersFitsItsSlot()
-{
-    const QByteArray name = "abcdefghijklmnopqrstuvwxy.mp4";
-    QCOMPARE(name.size(), 29);
-    QCOMPARE(read(entry("first.mp4") + entry(name) + "\r\n"),
-             (QStringList{"first.mp4", "abcdefghijklmnopqrstuvwxy.mp4"}));
-    QCOMPARE(slot(2), QByteArray("old2"));
-}
-
-void CardAnswersTest::longNameRunsIntoTheNextSlot()
-{
-    QCOMPARE(read(entry("abcdefghijklmnopqrstuvwxyz0123.mp4") + "\r\n"),
-             (QStringList{"abcdefghijklmnopqrstuvwxyz0123.mp4"}));
-    QCOMPARE(slot(0), QByteArray("abcdefghijklmnopqrstuvwxyz0123.mp4"));
-    QCOMPARE(slot(1), QByteArray(".mp4"));
-}
-
-void CardAnswersTest::longNamesAndTheirFollowersAreAllShownWhole()
-{
-    const QStringList rows = read(entry("abcdefghijklmnopqrstuvwxyz0123.mp4") + entry("next.mp4") +
-                                  entry("last.mp4") + "\r\n");
-    QCOMPARE(rows, (QStringList{"abcdefghijklmnopqrstuvwxyz0123.mp4", "next.mp4", "last.mp4"}));
-    // The follower has taken its slot, where the long name went on.
-    QCOMPARE(slot(0), QByteArray("abcdefghijklmnopqrstuvwxyz0123next.mp4"));
-    QCOMPARE(slot(1), QByteArray("next.mp4"));
-}
-
-void CardAnswersTest::rowsEndWhereTheRowNumberTurnsNegative_data()
-{
-    QTest::addColumn<int>("entries");
-    QTest::addColumn<int>("rows");
-
-    QTest::newRow("127 entries") << 127 << 127;
-    QTest::newRow("128 entries") << 128 << 128;
-    QTest::newRow("129 entries") << 129 << 128;
-    QTest::newRow("200 entries") << 200 << 128;
-    QTest::newRow("12,000 entries") << 12000 << 128;
-}
-
-void CardAnswersTest::rowsEndWhereTheRowNumberTurnsNegative()
-{
-    QFETCH(int, entries);
-    QFETCH(int, rows);
-    QByteArray answer;
-    for (int number = 0; number < entries; ++number) {
-        answer += entry(numbered(number));
-    }
-    const QStringList listed = read(answer + "\r\n");
-    QCOMPARE(listed.size(), rows);
-    QCOMPARE(listed.first(), QStringLiteral("F0.mp4"));
-    QCOMPARE(listed.last(), QStringLiteral("F%1.mp4").arg(rows - 1));
-    // No name is stored for an entry that got no row.
-    QCOMPARE(slot(127), entries > 127 ? QByteArray("F127.mp4") : QByteArray("old127"));
-    QCOMPARE(slot(128), QByteArray("old128"));
-    QCOMPARE(slot(199), QByteArray("old199"));
-    QCOMPARE(slot(9871), QByteArray("old9871")); // where -128 would be, counted from the end
-}
-
-void CardAnswersTest::hugeNameInTheLastRowStaysInTheTable()
+void CardAnswersTest::longListIsWalkedToItsEnd()
 {
     QByteArray answer;
-    for (int number = 0; number < 127; ++number) {
-        answer += entry(numbered(number));
+    for (int number = 0; number < 12000; ++number) {
+        answer += "sd/DCIM/100ZEPNA/F" + QByteArray::number(number) + ".mp4;";
     }
-    const QStringList listed = read(answer + entry(QByteArray(500000, 'x')) + "\r\n");
-    QCOMPARE(listed.size(), 128);
-    QCOMPARE(listed.last(), QString(296159, QLatin1Char('x'))); // 9,872 slots and no zero in them
-    QCOMPARE(slot(126), QByteArray("F126.mp4"));
-    QCOMPARE(slot(9998), QByteArray(29, 'x'));
+    answer += "\r\n";
+    const QStringList names = namesIn(answer.constData());
+    QCOMPARE(names.size(), 12000);
+    QCOMPARE(names.first(), QStringLiteral("F0.mp4"));
+    QCOMPARE(names.last(), QStringLiteral("F11999.mp4"));
+}
+
+void CardAnswersTest::walkTakesLinearTime_data()
+{
+    QTest::addColumn<QByteArray>("end");
+    QTest::newRow("no name at all") << QByteArray();
+    QTest::newRow("a name that never ends") << QByteArray("ZEPNA/");
+    QTest::newRow("one name, after all other entries") << QByteArray("ZEPNA/a.mp4;");
+}
+
+// Searching the rest of the text for each entry would take minutes.
+void CardAnswersTest::walkTakesLinearTime()
+{
+    QFETCH(QByteArray, end);
+    constexpr int entries = 300000;
+    const QByteArray answer = QByteArray(entries, ';') + end + QByteArray(entries, 'x');
+    card::FileListWalk walk(answer.constData());
+    QElapsedTimer time;
+    time.start();
+    int count = 0;
+    while (walk.next()) {
+        ++count;
+    }
+    QVERIFY(count > entries);
+    QVERIFY2(time.elapsed() < 1000 * support::timeFactor(),
+             qPrintable(QString::number(time.elapsed()) + " ms"));
 }
 
 void CardAnswersTest::answerCutAnywhereIsReadToItsEnd()
 {
-    const QByteArray whole = entry("BELUN_0001.mp4") + entry("BELUN_0002.mp4") + "\r\n";
+    const QByteArray whole = "ZEPNA/BELUN_0001.mp4;ZEPNA/BELUN_0002.mp4;\r\n";
     for (int length = 0; length <= whole.size(); ++length) {
-        init();
-        // A block of its own size, so that a memory checker sees a read behind it.
+        // A block of its own size, so that a memory checker sees a read past its end.
         const std::unique_ptr<char[]> cut(new char[static_cast<std::size_t>(length) + 1]());
         std::memcpy(cut.get(), whole.constData(), static_cast<std::size_t>(length));
-        const auto rows = card::readFileList(cut.get(), *m_names);
-        const std::size_t expected = length == 0 ? 0 : length <= 32 ? 1 : 2;
-        QVERIFY2(rows.size() == expected,
-                 qPrintable(QStringLiteral("cut at %1: %2 rows").arg(length).arg(rows.size())));
-        QCOMPARE(QByteArray(rows.empty() ? "" : rows[0].c_str()),
-                 QByteArray(length == 0   ? ""
-                            : length < 32 ? "old0"
-                                          : "BELUN_0001.mp4"));
+        QStringList expected;
+        if (length > 0) {
+            expected.append(length < 21 ? "none" : "BELUN_0001.mp4");
+        }
+        if (length > 21) {
+            expected.append(length < 42 ? "none" : "BELUN_0002.mp4");
+        }
+        QCOMPARE(namesIn(cut.get()), expected);
     }
 }
 

@@ -1,10 +1,10 @@
 // List and count answers, good and bad, delivered in every way a connection may deliver them.
 #include "card/CardAnswers.h"
 
+#include "card/CardCommands.h"
 #include "tests/card/AnswerCuts.h"
 #include "tests/support/TestMain.h"
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,18 +17,15 @@ Q_DECLARE_METATYPE(Pieces)
 
 namespace {
 
-/// The rows of a list, each in angle brackets. The slots hold old0, old1, old2 before.
-std::string rowsOf(const std::string& answer)
+/// The names in a list, each in angle brackets, a dash for an entry without one.
+std::string namesIn(const std::string& answer)
 {
-    const auto names = std::make_unique<card::NameTable>();
-    names->store(0, "old0");
-    names->store(1, "old1");
-    names->store(2, "old2");
-    std::string rows;
-    for (const std::string& row : card::readFileList(answer.c_str(), *names)) {
-        rows += '<' + support::printable(row) + '>';
+    std::string names;
+    card::FileListWalk walk(answer.c_str());
+    while (const auto entry = walk.next()) {
+        names += entry->name ? '<' + support::printable(std::string(*entry->name)) + '>' : "-";
     }
-    return rows;
+    return names;
 }
 
 std::string countOf(const std::string& answer)
@@ -54,40 +51,40 @@ void CardAnswers_EveryCutTest::listIsReadAsFarAsItCame_data()
 {
     QTest::addColumn<Pieces>("pieces");
     const auto row = [](const char* name, const Pieces& pieces) { QTest::newRow(name) << pieces; };
-    row("two recordings", {{"sd/DCIM/100ZEPNA/a.mp4", "<old0>"},
+    row("two recordings", {{"sd/DCIM/100ZEPNA/a.mp4", "-"},
                            {";", "<a.mp4>"},
-                           {"sd/DCIM/100ZEPNA/b.mp4", "<a.mp4><old1>"},
+                           {"sd/DCIM/100ZEPNA/b.mp4", "<a.mp4>-"},
                            {";", "<a.mp4><b.mp4>"},
                            {"\r\n", "<a.mp4><b.mp4>"}});
     row("empty card", {{"\r\n", ""}});
     row("return first, then an entry", {{"\r\nZEPNA/a.mp4;\r\n", ""}});
-    row("no end", {{"ZEPNA/a.mp4", "<old0>"}, {";", "<a.mp4>"}, {"ZEPNA/b.mp4", "<a.mp4><old1>"}});
-    row("entry without a folder takes the next one's name", {{"note;", "<old0>"},
-                                                             {"ZEPNA/b.mp4", "<old0><old1>"},
+    row("no end", {{"ZEPNA/a.mp4", "-"}, {";", "<a.mp4>"}, {"ZEPNA/b.mp4", "<a.mp4>-"}});
+    row("entry without a folder takes the next one's name", {{"note;", "-"},
+                                                             {"ZEPNA/b.mp4", "--"},
                                                              {";", "<b.mp4><b.mp4>"},
                                                              {"\r\n", "<b.mp4><b.mp4>"}});
-    row("empty name", {{"ZEPNA/", "<old0>"}, {";", "<>"}, {"\r\n", "<>"}});
-    row("name longer than its slot", {{"ZEPNA/abcdefghijklmnopqrstuvwxyz01234.mp4", "<old0>"},
-                                      {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4>"},
-                                      {"ZEPNA/n", "<abcdefghijklmnopqrstuvwxyz01234.mp4><4.mp4>"},
-                                      {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"},
-                                      {"\r\n", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"}});
+    row("empty name", {{"ZEPNA/", "-"}, {";", "<>"}, {"\r\n", "<>"}});
+    row("long name", {{"ZEPNA/abcdefghijklmnopqrstuvwxyz01234.mp4", "-"},
+                      {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4>"},
+                      {"ZEPNA/n", "<abcdefghijklmnopqrstuvwxyz01234.mp4>-"},
+                      {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"},
+                      {"\r\n", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"}});
     row("bytes beyond ASCII",
-        {{"ZEPNA/\xE6\xB5\xB7\xFF\x80", "<old0>"}, {";\r", "<\\xE6\\xB5\\xB7\\xFF\\x80>"}});
+        {{"ZEPNA/\xE6\xB5\xB7\xFF\x80", "-"}, {";\r", "<\\xE6\\xB5\\xB7\\xFF\\x80>"}});
     row("zero byte ends it",
-        {{"ZEPNA/a", "<old0>"}, {";", "<a>"}, {std::string("\0ZEPNA/b;\r", 10), "<a>"}});
-    row("return inside a name", {{"ZEPNA/a\rb", "<old0>"}, {";\r", "<a\\rb>"}});
-    row("return between entries", {{"ZEPNA/a", "<old0>"}, {";\rZEPNA/b;\r", "<a>"}});
+        {{"ZEPNA/a", "-"}, {";", "<a>"}, {std::string("\0ZEPNA/b;\r", 10), "<a>"}});
+    row("return inside a name", {{"ZEPNA/a\rb", "-"}, {";\r", "<a\\rb>"}});
+    row("return between entries", {{"ZEPNA/a", "-"}, {";\rZEPNA/b;\r", "<a>"}});
     row("line feed between entries",
-        {{"ZEPNA/a", "<old0>"}, {";", "<a>"}, {"\nZEPNA/b", "<a><old1>"}, {";\r", "<a><b>"}});
-    row("semicolons only", {{";", "<old0>"}, {";", "<old0><old1>"}, {";", "<old0><old1><old2>"}});
-    row("no list at all", {{"404 Not Found\r\n", "<old0>"}});
+        {{"ZEPNA/a", "-"}, {";", "<a>"}, {"\nZEPNA/b", "<a>-"}, {";\r", "<a><b>"}});
+    row("semicolons only", {{";", "-"}, {";", "--"}, {";", "---"}});
+    row("no list at all", {{"404 Not Found\r\n", "-"}});
 }
 
 void CardAnswers_EveryCutTest::listIsReadAsFarAsItCame()
 {
     QFETCH(Pieces, pieces);
-    checkEveryCut(pieces, rowsOf);
+    checkEveryCut(pieces, namesIn);
 }
 
 void CardAnswers_EveryCutTest::countIsReadAsFarAsItCame_data()

@@ -25,21 +25,21 @@ void CardCommandsTest::addressesAreThoseTheCameraTakes_data()
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("address");
 
-    QTest::newRow("file count") << card::fileCountCommand()
+    QTest::newRow("file count") << QString(card::fileCountCommand)
                                 << "http://192.168.1.120/cgi-bin/hi3510/getfilecount.cgi?";
     QTest::newRow("file list")
-        << card::fileListCommand()
+        << QString(card::fileListCommand)
         << "http://192.168.1.120/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end=";
     QTest::newRow("file information")
-        << card::fileInfoCommand()
+        << QString(card::fileInfoCommand)
         << "http://192.168.1.120/cgi-bin/hi3510/getfileinfo.cgi?&-name=sd/DCIM/100ZEPNA/";
     QTest::newRow("delete file")
-        << card::deleteFileCommand()
+        << QString(card::deleteFileCommand)
         << "http://192.168.1.120/cgi-bin/hi3510/deletefile.cgi?&-name=sd/DCIM/100ZEPNA/";
-    QTest::newRow("delete all files") << card::deleteAllFilesCommand()
+    QTest::newRow("delete all files") << QString(card::deleteAllFilesCommand)
                                       << "http://192.168.1.120/cgi-bin/hi3510/deleteallfiles.cgi?";
     QTest::newRow("format card, no ampersand behind the question mark")
-        << card::formatCardCommand()
+        << QString(card::formatCardCommand)
         << "http://192.168.1.120/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
 }
 

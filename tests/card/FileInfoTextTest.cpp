@@ -1,27 +1,83 @@
-// Date, size and duration as the table shows them.
+// Date, size and duration as the table shows them. The answers are recorded, one case per file.
 #include "card/FileInfoText.h"
 
 #include "tests/support/TestMain.h"
 
-#include <climits>
-
 #include <QByteArray>
+#include <QFile>
+#include <QIODevice>
 #include <QObject>
 #include <QString>
 #include <QTest>
+
+using Reading = card::ExactSize::Reading;
+Q_DECLARE_METATYPE(Reading)
 
 class FileInfoTextTest : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void answerBecomesDateSizeAndDuration_data();
+    void answerBecomesDateSizeAndDuration();
     void creationTimeShowsAsDateAndTime_data();
     void creationTimeShowsAsDateAndTime();
     void sizeShowsInWholeUnits_data();
     void sizeShowsInWholeUnits();
-    void fieldStandsBeforeItsUnit_data();
-    void fieldStandsBeforeItsUnit();
+    void durationIsShownAsReceived_data();
+    void durationIsShownAsReceived();
+    void exactSizeIsChecked_data();
+    void exactSizeIsChecked();
+    void answerWithoutASizeHasNoExactOne_data();
+    void answerWithoutASizeHasNoExactOne();
 };
+
+void FileInfoTextTest::answerBecomesDateSizeAndDuration_data()
+{
+    QTest::addColumn<QString>("date");
+    QTest::addColumn<QString>("size");
+    QTest::addColumn<QString>("duration");
+
+    const auto row = [](const char* file, const QString& date, const QString& size,
+                        const QString& duration) {
+        QTest::newRow(file) << date << size << duration;
+    };
+    const QString date = QStringLiteral("2020-01-31  12:45:02");
+    row("ordinary", date, "1MB", "37s");
+    row("other-order", date, "1MB", "37s");
+    row("one-line", date, "1MB", "37s");
+    row("repeated-keys", date, "1KB", "5s");
+    row("long-create", date, "1KB", "5s");
+    row("short-create", "2020--  ::", "1KB", "5s");
+    row("empty-values", "--  ::", "KB", "s");
+    row("time-no-number", date, "KB", "a whiles");
+    // A field that is missing shows the one before it: the size then is the creation time's low 32
+    // bits, the duration the size's digits.
+    row("empty", "--  ::", "KB", "s");
+    row("no-create", "--  ::", "1MB", "37s");
+    row("no-size", date, "858MB", "37s");
+    row("no-time", date, "1MB", "1s");
+    row("only-create", date, "858MB", "858s");
+    row("size-without-end", date, "858MB", "37s");
+    row("zero-byte-ends", date, "858MB", "858s");
+    // Longer than any recording's.
+    row("forty-digits", "2222-22-22  22:22:22", "KB",
+        QString(40, QLatin1Char('4')) + QLatin1Char('s'));
+    row("four-thousand-digits", "2222-22-22  22:22:22", "KB",
+        QString(4000, QLatin1Char('4')) + QLatin1Char('s'));
+}
+
+void FileInfoTextTest::answerBecomesDateSizeAndDuration()
+{
+    QFile recorded(
+        QStringLiteral(TEST_DATA "/fileinfo/%1.txt").arg(QLatin1String(QTest::currentDataTag())));
+    QVERIFY2(recorded.open(QIODevice::ReadOnly), qPrintable(recorded.fileName()));
+    const QByteArray answer = recorded.readAll();
+    const card::FileInfoText texts = card::readFileInfo(answer.constData());
+    QTEST(texts.date, "date");
+    QTEST(texts.size, "size");
+    QTEST(texts.duration, "duration");
+}
 
 void FileInfoTextTest::creationTimeShowsAsDateAndTime_data()
 {
@@ -45,66 +101,120 @@ void FileInfoTextTest::creationTimeShowsAsDateAndTime_data()
 void FileInfoTextTest::creationTimeShowsAsDateAndTime()
 {
     QFETCH(QByteArray, field);
-    const QString shown = card::dateText(field.constData());
-    QTEST(shown, "text");
+    const QByteArray answer = "create=\"" + field + "\";size=\"2047\";time=\"37\";";
+    QTEST(card::readFileInfo(answer.constData()).date, "text");
 }
 
 void FileInfoTextTest::sizeShowsInWholeUnits_data()
 {
-    QTest::addColumn<int>("bytes");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<QString>("unit");
+    QTest::addColumn<QByteArray>("size");
+    QTest::addColumn<QString>("text");
 
-    const auto row = [](int bytes, int count, const char* unit) {
-        QTest::newRow(QByteArray::number(bytes).constData()) << bytes << count << unit;
+    const auto row = [](const char* size, const char* text) {
+        QTest::newRow(size) << QByteArray(size) << QString::fromLatin1(text);
     };
-    row(0, 0, "KB");
-    row(500, 0, "KB");
-    row(1023, 0, "KB");
-    row(1024, 1, "KB");
-    row(2047, 1, "KB");
-    row(2048, 2, "KB");
-    row(1047552, 1023, "KB");
-    row(1048575, 1023, "KB");
-    row(1048576, 1, "MB");
-    row(1572864, 1, "MB");
-    row(2097151, 1, "MB");
-    row(2097152, 2, "MB");
-    row(INT_MAX, 2047, "MB");
-    row(-1, 0, "KB");
-    row(-1023, 0, "KB");
-    row(-1024, -1, "KB");
-    row(-1048576, -1024, "KB");
-    row(INT_MIN, -2097152, "KB");
+    row("0", "KB");
+    row("500", "KB");
+    row("1023", "KB");
+    row("1024", "1KB");
+    row("2047", "1KB");
+    row("1048575", "1023KB");
+    row("1048576", "1MB");
+    row("1572864", "1MB");
+    row("67108864", "64MB");
+    row("2147483647", "2047MB");
+    row("-1", "KB");
+    row("-1023", "KB");
+    row("-1024", "-1024KB");
+    row("-2048", "-2048KB");
+    row("-2147483648", "-2147483648KB");
+    row("3221225472", "3221225472KB"); // negative in 32 bits, shown as received
+    row("12 bytes", "KB");
+    row("2048 bytes", "2KB");
 }
 
 void FileInfoTextTest::sizeShowsInWholeUnits()
 {
-    QFETCH(int, bytes);
-    const card::ShownSize shown = card::shownSize(bytes);
-    QTEST(shown.count, "count");
-    QTEST(QString::fromLatin1(shown.unit), "unit");
+    QFETCH(QByteArray, size);
+    const QByteArray answer = "create=\"20200131124502\";size=\"" + size + "\";time=\"37\";";
+    QTEST(card::readFileInfo(answer.constData()).size, "text");
 }
 
-void FileInfoTextTest::fieldStandsBeforeItsUnit_data()
+void FileInfoTextTest::durationIsShownAsReceived_data()
 {
     QTest::addColumn<QByteArray>("field");
-    QTest::addColumn<QByteArray>("unit");
     QTest::addColumn<QString>("text");
 
-    QTest::newRow("seconds") << QByteArray("37") << QByteArray("s") << "37s";
-    QTest::newRow("megabytes") << QByteArray("1") << QByteArray("MB") << "1MB";
-    QTest::newRow("bare unit") << QByteArray() << QByteArray("KB") << "KB";
-    QTest::newRow("no number") << QByteArray("a while") << QByteArray("s") << "a whiles";
-    QTest::newRow("beyond ASCII") << QByteArray("深") << QByteArray("s") << QStringLiteral("深s");
+    QTest::newRow("seconds") << QByteArray("37") << "37s";
+    QTest::newRow("nothing") << QByteArray() << "s";
+    QTest::newRow("no number") << QByteArray("a while") << "a whiles";
+    QTest::newRow("beyond ASCII") << QByteArray("深") << QStringLiteral("深s");
 }
 
-void FileInfoTextTest::fieldStandsBeforeItsUnit()
+void FileInfoTextTest::durationIsShownAsReceived()
 {
     QFETCH(QByteArray, field);
-    QFETCH(QByteArray, unit);
-    const QString shown = card::withUnit(field.constData(), unit.constData());
-    QTEST(shown, "text");
+    const QByteArray answer = "create=\"20200131124502\";size=\"2047\";time=\"" + field + "\";";
+    QTEST(card::readFileInfo(answer.constData()).duration, "text");
+}
+
+void FileInfoTextTest::exactSizeIsChecked_data()
+{
+    QTest::addColumn<QByteArray>("size");
+    QTest::addColumn<Reading>("reading");
+    QTest::addColumn<qint64>("bytes");
+
+    const auto row = [](const QByteArray& size, Reading reading, qint64 bytes) {
+        QTest::newRow(size.isEmpty() ? "nothing" : size.constData()) << size << reading << bytes;
+    };
+    row("0", Reading::Known, 0);
+    row("1572864", Reading::Known, 1572864);
+    row("0012", Reading::Known, 12);
+    row("2147483648", Reading::Known, 2147483648);
+    row("4294967296", Reading::Known, 4294967296);
+    row("9223372036854775807", Reading::Known, 9223372036854775807);
+    row("9223372036854775808", Reading::OutOfRange, 0);
+    row("18446744073709551616", Reading::OutOfRange, 0);
+    row(QByteArray(40, '7'), Reading::OutOfRange, 0);
+    row("-1", Reading::OutOfRange, 0);
+    row("-" + QByteArray(40, '7'), Reading::OutOfRange, 0);
+    row("", Reading::NotANumber, 0);
+    row("-", Reading::NotANumber, 0);
+    row("+7", Reading::NotANumber, 0);
+    row(" 7", Reading::NotANumber, 0);
+    row("7 ", Reading::NotANumber, 0);
+    row("7 bytes", Reading::NotANumber, 0);
+    row("0x10", Reading::NotANumber, 0);
+    row("1.5", Reading::NotANumber, 0);
+    row(QByteArray(40, '7') + "x", Reading::NotANumber, 0);
+    row("many", Reading::NotANumber, 0);
+}
+
+void FileInfoTextTest::exactSizeIsChecked()
+{
+    QFETCH(QByteArray, size);
+    const QByteArray answer = "create=\"20200131124502\";size=\"" + size + "\";time=\"37\";";
+    const card::ExactSize exact = card::exactSize(answer.constData());
+    QTEST(exact.reading, "reading");
+    QTEST(qint64{exact.bytes}, "bytes");
+}
+
+void FileInfoTextTest::answerWithoutASizeHasNoExactOne_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("no size") << QByteArray("create=\"20200131124502\";time=\"37\";");
+    QTest::newRow("cut in the size") << QByteArray("create=\"20200131124502\";size=\"37");
+    QTest::newRow("after a zero byte") << QByteArray("time=\"37\";\0size=\"5\";", 21);
+}
+
+void FileInfoTextTest::answerWithoutASizeHasNoExactOne()
+{
+    QFETCH(QByteArray, answer);
+    const card::ExactSize exact = card::exactSize(answer.constData());
+    QCOMPARE(exact.reading, Reading::Missing);
+    QCOMPARE(qint64{exact.bytes}, qint64{0});
 }
 
 BELUN_TEST(FileInfoTextTest)

@@ -1,56 +1,13 @@
-// A recording's details: from the camera's answer to the texts in the window's table.
+// A recording's details: from the camera's answer to the texts of the table.
 //
 // Input: the answer.
-#include "app/MainWindow.h"
-#include "card/FileTable.h"
+#include "card/FileInfoText.h"
 #include "tests/fuzz/Decimal.h"
 #include "tests/fuzz/Require.h"
 
 #include <string_view>
 
-#include <QApplication>
-#include <QMetaObject>
-#include <QTableWidget>
-
 namespace {
-
-/// The window with one row in its table. It is made once and lasts as long as the process.
-class Scene
-{
-public:
-    Scene() : m_table(*m_window.findChild<QTableWidget*>(QStringLiteral("tableWidgetFileInfo")))
-    {
-        card::addNameRow(m_table, 0, QStringLiteral("name"));
-    }
-
-    /// The slot is private: it is called as a signal would.
-    void parse(const char* answer)
-    {
-        static const int slot =
-            m_window.metaObject()->indexOfSlot("ParseFileInfo(const char*,int)");
-        int row = 0;
-        void* arguments[] = {nullptr, &answer, &row};
-        m_window.qt_metacall(QMetaObject::InvokeMetaMethod, slot, arguments);
-    }
-
-    QString shown(card::Column column) const { return m_table.item(0, column)->text(); }
-
-private:
-    MainWindow m_window;
-    QTableWidget& m_table;
-};
-
-Scene& scene()
-{
-    static int argumentCount = 1;
-    static char programName[] = "fuzz_FileInfo";
-    static char* arguments[] = {programName, nullptr};
-    // Never destroyed: what Qt holds to its end then counts as held, not as leaked.
-    static auto& application = *new QApplication(argumentCount, arguments);
-    static auto& theScene = *new Scene;
-    Q_UNUSED(application);
-    return theScene;
-}
 
 /// Takes over the value of a key. False if it is missing: the value of the one before is left.
 bool take(std::string_view answer, std::string_view key, std::string& value)
@@ -83,6 +40,22 @@ std::string dateOf(const std::string& digits)
     return shown;
 }
 
+void judgeExactSize(const char* answer, std::string_view text)
+{
+    using Reading = card::ExactSize::Reading;
+    const card::ExactSize exact = card::exactSize(answer);
+    std::string value;
+    fuzz::require((exact.reading != Reading::Missing) == take(text, "size=\"", value),
+                  "a size is missing exactly when it is not there");
+    const bool digits = !value.empty() && value.find_first_not_of("0123456789") == value.npos;
+    fuzz::require(exact.reading != Reading::Known || digits, "an exact size is digits alone");
+    if (digits && value.size() < 19) {
+        fuzz::require(exact.reading == Reading::Known && exact.bytes == std::stoll(value),
+                      "up to eighteen digits are an exact size");
+    }
+    fuzz::require(exact.bytes == 0 || exact.reading == Reading::Known, "no other has bytes");
+}
+
 } // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -90,34 +63,34 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const std::string input = fuzz::textOf(data, size);
     const fuzz::ExactCString answer(input);
     const std::string_view text = input.c_str();
-    scene().parse(answer.get());
+    const card::FileInfoText shown = card::readFileInfo(answer.get());
 
     std::string value;
     take(text, "create=\"", value);
-    fuzz::require(scene().shown(card::DateColumn) == QString::fromStdString(dateOf(value)),
+    fuzz::require(shown.date == QString::fromStdString(dateOf(value)),
                   "the date is the creation time with separators");
+    judgeExactSize(answer.get(), text);
 
     // A percent sign with a digit behind it may stand for the unit: such texts are not judged.
     if (text.find('%') != std::string_view::npos) {
         return 0;
     }
     take(text, "size=\"", value);
-    const QString shownSize = scene().shown(card::SizeColumn);
-    fuzz::require(shownSize.endsWith(QLatin1String("KB")) ||
-                      shownSize.endsWith(QLatin1String("MB")),
+    fuzz::require(shown.size.endsWith(QLatin1String("KB")) ||
+                      shown.size.endsWith(QLatin1String("MB")),
                   "a size has a unit");
     const auto bytes = fuzz::shortDecimal(value);
     if (bytes) {
         const bool large = *bytes >= 1048576;
         const int count = *bytes / (large ? 1048576 : 1024);
         value = count == 0 ? "" : std::to_string(count);
-        fuzz::require(shownSize == QString::fromStdString(value + (large ? "MB" : "KB")),
+        fuzz::require(shown.size == QString::fromStdString(value + (large ? "MB" : "KB")),
                       "a size is cut to whole units, and none of them is no digit");
     }
 
     // Without a duration the number of the size is shown, which is known here only if it was short.
     if (take(text, "time=\"", value) || bytes) {
-        fuzz::require(scene().shown(card::DurationColumn) == QString::fromStdString(value + "s"),
+        fuzz::require(shown.duration == QString::fromStdString(value + "s"),
                       "the duration is the text as it was received");
     }
     return 0;

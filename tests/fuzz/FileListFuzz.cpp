@@ -1,10 +1,12 @@
-// Walking the list of the card's files.
+// Walking the list of the card's files, and storing their names.
 //
 // Input: the list as the camera sends it.
 #include "card/CardAnswers.h"
+#include "card/NameTable.h"
 #include "tests/fuzz/Require.h"
 
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,31 +14,39 @@
 namespace {
 
 using card::NameTable;
+using Names = std::vector<std::optional<std::string_view>>;
 
-constexpr int mostRows = 128;
-// The last slot that the names of an input can reach, the last one running on behind its own.
-constexpr int lastReached = mostRows + fuzz::longestInput / NameTable::slotSize + 1;
+// The last slot that the names of an input can reach: as many entries as bytes, the last name
+// running on.
+constexpr int lastReached = fuzz::longestInput + fuzz::longestInput / NameTable::slotSize + 1;
 constexpr std::size_t reach = (lastReached + 1) * NameTable::slotSize;
 constexpr int lastSlots = 20; // at the end of the table
 
-/// The same walk over a text, with the slots in a block of its own.
-std::vector<std::string> expectedRows(std::string_view list, std::vector<char>& block)
+/// The same walk over a text.
+Names expectedNames(std::string_view list)
 {
-    std::vector<std::string> rows;
-    while (!list.empty() && list[0] != '\r' && rows.size() < mostRows) {
-        char* slot = block.data() + rows.size() * NameTable::slotSize;
+    Names names;
+    while (!list.empty() && list[0] != '\r') {
         const std::size_t tag = list.find("ZEPNA/");
         const std::size_t nameEnd = tag == std::string_view::npos ? tag : list.find(';', tag);
+        names.emplace_back();
         if (nameEnd != std::string_view::npos) {
-            const std::string_view name = list.substr(tag + 6, nameEnd - tag - 6);
-            name.copy(slot, name.size());
-            slot[name.size()] = '\0';
+            names.back() = list.substr(tag + 6, nameEnd - tag - 6);
         }
-        rows.emplace_back(slot);
         const std::size_t entryEnd = list.find(';');
         list.remove_prefix(entryEnd == std::string_view::npos ? list.size() : entryEnd + 1);
     }
-    return rows;
+    return names;
+}
+
+Names walkedNames(const char* list)
+{
+    Names names;
+    card::FileListWalk walk(list);
+    while (const auto entry = walk.next()) {
+        names.push_back(entry->name);
+    }
+    return names;
 }
 
 /// A table that reads as a new one. Making one anew for every input would take most of the time;
@@ -69,11 +79,19 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const std::string input = fuzz::textOf(data, size);
     const fuzz::ExactCString answer(input);
     const std::string_view list = input.c_str(); // up to the first zero byte
-    NameTable& names = emptyTable();
-    const std::vector<std::string> rows = card::readFileList(answer.get(), names);
+    const Names listed = walkedNames(answer.get());
+    fuzz::require(listed == expectedNames(list), "an entry for each semicolon, with its name");
 
-    std::vector<char> block(reach);
-    fuzz::require(rows == expectedRows(list, block), "a row for every entry, with its slot's text");
+    NameTable& names = emptyTable();
+    std::vector<char> block(reach); // the same slots
+    for (std::size_t row = 0; row < listed.size(); ++row) {
+        if (listed[row]) {
+            names.store(static_cast<int>(row), *listed[row]);
+            char* slot = block.data() + row * NameTable::slotSize;
+            listed[row]->copy(slot, listed[row]->size());
+            slot[listed[row]->size()] = '\0';
+        }
+    }
     for (int slot = 0; slot <= lastReached; ++slot) {
         const char* expected = &block[static_cast<std::size_t>(slot) * NameTable::slotSize];
         fuzz::require(std::strcmp(names[slot], expected) == 0,

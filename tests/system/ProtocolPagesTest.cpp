@@ -341,9 +341,9 @@ void ProtocolPagesTest::theCommandsOfTheCameraPageAreTheProgramsOwn()
     for (auto matches = row.globalMatch(m_cameraPage); matches.hasNext();) {
         onPage.append("http://192.168.1.120" + matches.next().captured(1));
     }
-    QCOMPARE(onPage, (QStringList{card::fileCountCommand(), card::fileListCommand(),
-                                  card::fileInfoCommand(), card::deleteFileCommand(),
-                                  card::deleteAllFilesCommand(), card::formatCardCommand()}));
+    QCOMPARE(onPage, (QStringList{card::fileCountCommand, card::fileListCommand,
+                                  card::fileInfoCommand, card::deleteFileCommand,
+                                  card::deleteAllFilesCommand, card::formatCardCommand}));
 }
 
 void ProtocolPagesTest::theAnswersOfTheCameraPageAreReadSo_data()
@@ -372,10 +372,10 @@ void ProtocolPagesTest::theAnswersOfTheCameraPageAreReadSo()
         const auto count = card::textBetween(text, card::countStart, card::valueEnd);
         QCOMPARE(count ? QString::fromStdString(std::string(*count)) : "no count", result);
     } else if (kind == "list") {
-        const auto names = std::make_unique<card::NameTable>();
         QStringList read;
-        for (const std::string& name : card::readFileList(text, *names)) {
-            read.append(QString::fromStdString(name));
+        card::FileListWalk walk(text);
+        while (const auto entry = walk.next()) {
+            read.append(QString::fromStdString(std::string(entry->name.value_or(""))));
         }
         QCOMPARE(read.join(", "), result);
     } else {

@@ -1,61 +1,41 @@
-// The details of a recording, good and bad, delivered in every way a connection may deliver them,
-// and what the window's row then shows.
-#include "app/MainWindow.h"
+// The details of a recording, good and bad, delivered in every way a connection may deliver them.
+#include "card/FileInfoText.h"
+
 #include "tests/card/AnswerCuts.h"
 #include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
 
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <QObject>
 #include <QString>
-#include <QStringList>
-#include <QTableWidget>
 #include <QTest>
 
 using support::Piece;
 using Pieces = std::vector<Piece>;
 Q_DECLARE_METATYPE(Pieces)
 
-class FileInfo_EveryCutTest : public QObject
+namespace {
+
+/// Date, size and duration with bars between.
+std::string shown(const std::string& answer)
+{
+    const card::FileInfoText texts = card::readFileInfo(answer.c_str());
+    return support::printable((texts.date + '|' + texts.size + '|' + texts.duration).toStdString());
+}
+
+} // namespace
+
+class FileInfoText_EveryCutTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase() { m_window.reset(); }
-
     void detailsAreShownAsFarAsTheyCame_data();
     void detailsAreShownAsFarAsTheyCame();
-
-private:
-    /// Date, size and duration of the row, with bars between.
-    std::string shown(const std::string& answer) const;
-
-    std::unique_ptr<MainWindow> m_window;
 };
 
-void FileInfo_EveryCutTest::initTestCase()
-{
-    m_window = std::make_unique<MainWindow>();
-    support::WindowProbe(*m_window).child<QTableWidget>("tableWidgetFileInfo").insertRow(0);
-}
-
-std::string FileInfo_EveryCutTest::shown(const std::string& answer) const
-{
-    const support::WindowProbe probe(*m_window);
-    probe.call("ParseFileInfo", Q_ARG(const char*, answer.c_str()), Q_ARG(int, 0));
-    const QTableWidget& table = probe.child<QTableWidget>("tableWidgetFileInfo");
-    QStringList texts;
-    for (int column = 1; column < 4; ++column) {
-        texts.append(table.item(0, column)->text());
-    }
-    return support::printable(texts.join(QLatin1Char('|')).toStdString());
-}
-
-void FileInfo_EveryCutTest::detailsAreShownAsFarAsTheyCame_data()
+void FileInfoText_EveryCutTest::detailsAreShownAsFarAsTheyCame_data()
 {
     QTest::addColumn<Pieces>("pieces");
     const auto row = [](const char* name, const Pieces& pieces) { QTest::newRow(name) << pieces; };
@@ -86,11 +66,11 @@ void FileInfo_EveryCutTest::detailsAreShownAsFarAsTheyCame_data()
     row("no such file", {{"no such file\r\n", "--  ::|KB|s"}});
 }
 
-void FileInfo_EveryCutTest::detailsAreShownAsFarAsTheyCame()
+void FileInfoText_EveryCutTest::detailsAreShownAsFarAsTheyCame()
 {
     QFETCH(Pieces, pieces);
-    checkEveryCut(pieces, [this](const std::string& answer) { return shown(answer); });
+    checkEveryCut(pieces, shown);
 }
 
-BELUN_TEST(FileInfo_EveryCutTest)
-#include "FileInfo_EveryCutTest.moc"
+BELUN_TEST(FileInfoText_EveryCutTest)
+#include "FileInfoText_EveryCutTest.moc"

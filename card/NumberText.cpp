@@ -1,10 +1,10 @@
-#include "app/NumberText.h"
+#include "card/NumberText.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 
-namespace app {
+namespace card {
 
 void writeNumber(int value, char* text, int radix)
 {
@@ -21,4 +21,4 @@ void writeNumber(int value, char* text, int radix)
     *std::reverse_copy(reversed.begin(), end, text) = '\0';
 }
 
-} // namespace app
+} // namespace card

@@ -1,7 +1,7 @@
-// Integers as text in any base, asked for by name as everything private of the window is.
-#include "app/MainWindow.h"
+// Integers as text in any base.
+#include "card/NumberText.h"
+
 #include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
 
 #include <climits>
 
@@ -25,15 +25,12 @@ private slots:
 
 private:
     /// 64 bytes of '#' after the call.
-    QByteArray written(int value, int radix)
+    static QByteArray written(int value, int radix)
     {
         QByteArray buffer(64, '#');
-        support::WindowProbe(m_window).call("itoa", Q_ARG(int, value), Q_ARG(char*, buffer.data()),
-                                            Q_ARG(int, radix));
+        card::writeNumber(value, buffer.data(), radix);
         return buffer;
     }
-
-    MainWindow m_window;
 };
 
 void NumberTextTest::numberIsWrittenInItsBase_data()
