@@ -1,13 +1,28 @@
-// The control lines on standard input: what each does and how it is answered.
-#include "simulator/Simulator.h"
+#include "simulator/ControlLines.h"
 
+#include "simulator/FaultTable.h"
+#include "simulator/Options.h"
+#include "simulator/Simulator.h"
+#include "simulator/Text.h"
+
+#include <algorithm>
 #include <charconv>
-#include <functional>
-#include <map>
 
 namespace simulator {
 
 namespace {
+
+using Run = std::function<ControlAnswer(Simulator&)>;
+
+/// One kind of control line.
+struct Row
+{
+    const char* word;
+    const char* arguments;
+    const char* effect;
+    /// Reads the arguments into what carries the line out. Returns an error text.
+    std::string (*parse)(const std::string& arguments, Run& run);
+};
 
 constexpr std::size_t longestSend = 100'000;
 
@@ -28,79 +43,30 @@ bool fromHex(const std::string& text, std::string& bytes)
     return true;
 }
 
-} // namespace
-
-std::string Simulator::control(const std::string& line)
+std::string parseFault(const std::string& arguments, Run& run)
 {
-    const std::size_t space = line.find(' ');
-    const std::string word = line.substr(0, space);
-    const std::string rest = space == std::string::npos ? std::string() : line.substr(space + 1);
-    const std::map<std::string, std::function<std::string()>> actions = {
-        {"fault", [&] { return setFault(rest); }},
-        {"clear", [&] { return clearFault(rest); }},
-        {"drop", [&] { return drop(rest); }},
-        {"send", [&] { return send(rest); }},
-        {"versions", [&] { return changeVersions(rest); }},
-        {"rate", [&] { return changeRate(rest); }},
-        {"reload", [&] { return loadCard(); }},
-        {"connections", [] { return std::string(); }},
-        {"quit",
-         [&] {
-             m_ending = true;
-             return std::string();
-         }},
+    run = [arguments](Simulator& vehicle) { return ControlAnswer{vehicle.setFault(arguments)}; };
+    return FaultTable().set(arguments, TimePoint());
+}
+
+std::string parseClear(const std::string& arguments, Run& run)
+{
+    run = [arguments](Simulator& vehicle) { return ControlAnswer{vehicle.clearFault(arguments)}; };
+    return FaultTable().clear(arguments);
+}
+
+std::string parseDrop(const std::string& arguments, Run& run)
+{
+    run = [arguments](Simulator& vehicle) {
+        vehicle.drop(arguments);
+        return ControlAnswer{};
     };
-    const auto action = actions.find(word);
-    if (action == actions.end()) {
-        return "error no control line begins with \"" + word + "\" (--help shows all)";
-    }
-    const std::string error = action->second();
-    if (!error.empty()) {
-        return "error " + error;
-    }
-    noteControl(line);
-    return "ok " + line + (word == "connections" ? connectionCounts() : std::string());
+    return arguments == "control" || arguments == "ground" || arguments == "camera"
+               ? std::string()
+               : "drop takes control, ground or camera";
 }
 
-void Simulator::noteControl(const std::string& line)
-{
-    m_journal.write(JournalLine("simulator", 0, "control").text("line", line));
-}
-
-std::string Simulator::setFault(const std::string& assignment)
-{
-    return m_faults.set(assignment, Clock::now());
-}
-
-std::string Simulator::clearFault(const std::string& name)
-{
-    return m_faults.clear(name);
-}
-
-Device* Simulator::device(const std::string& name)
-{
-    if (name == "control") {
-        return &m_control;
-    }
-    if (name == "ground") {
-        return &m_ground;
-    }
-    return name == "camera" ? &m_camera : nullptr;
-}
-
-std::string Simulator::drop(const std::string& name)
-{
-    Device* const found = device(name);
-    if (!found) {
-        return "drop takes control, ground or camera";
-    }
-    for (const auto& connection : found->connections()) {
-        connection->close("dropped");
-    }
-    return {};
-}
-
-std::string Simulator::send(const std::string& arguments)
+std::string parseSend(const std::string& arguments, Run& run)
 {
     const std::size_t space = arguments.find(' ');
     const std::string name = arguments.substr(0, space);
@@ -109,34 +75,130 @@ std::string Simulator::send(const std::string& arguments)
         !fromHex(arguments.substr(space + 1), bytes)) {
         return "send takes control or ground, then an even number of hex digits";
     }
-    for (const auto& connection : device(name)->connections()) {
-        static_cast<ModuleConnection&>(*connection).sendRaw(bytes);
-    }
+    run = [name, bytes](Simulator& vehicle) {
+        vehicle.send(name, bytes);
+        return ControlAnswer{};
+    };
     return {};
 }
 
-std::string Simulator::changeVersions(const std::string& text)
+std::string parseVersionsLine(const std::string& arguments, Run& run)
 {
-    if (!parseVersions(text, m_controlSettings.versions)) {
+    Versions versions{};
+    if (!parseVersions(arguments, versions)) {
         return "versions takes five numbers, like 7,300,600,100,10";
     }
-    for (const auto& connection : m_control.connections()) {
-        static_cast<ModuleConnection&>(*connection).reportVersions();
-    }
+    run = [versions](Simulator& vehicle) {
+        vehicle.changeVersions(versions);
+        return ControlAnswer{};
+    };
     return {};
 }
 
-std::string Simulator::changeRate(const std::string& text)
+std::string parseRate(const std::string& arguments, Run& run)
 {
-    return parseUnsigned(text, m_cameraState.rate) ? std::string()
-                                                   : "rate takes a number of bytes per second";
+    std::uint64_t rate = 0;
+    if (!parseSize(arguments, rate)) {
+        return "rate takes a number of bytes per second";
+    }
+    run = [rate](Simulator& vehicle) {
+        vehicle.changeRate(rate);
+        return ControlAnswer{};
+    };
+    return {};
 }
 
-std::string Simulator::connectionCounts() const
+std::string noArguments(const std::string& arguments)
 {
-    return " control=" + std::to_string(m_control.connections().size()) +
-           " ground=" + std::to_string(m_ground.connections().size()) +
-           " camera=" + std::to_string(m_camera.connections().size());
+    return arguments.empty() ? std::string() : "nothing may follow, not \"" + arguments + "\"";
+}
+
+template <ControlAnswer (Simulator::*member)()>
+std::string parseBare(const std::string& arguments, Run& run)
+{
+    run = [](Simulator& vehicle) { return (vehicle.*member)(); };
+    return noArguments(arguments);
+}
+
+std::string parseHelp(const std::string& arguments, Run& run)
+{
+    run = [](Simulator&) { return ControlAnswer{{}, {}, controlLinesHelp()}; };
+    return noArguments(arguments);
+}
+
+constexpr Row rows[] = {
+    {"fault", "NAME[=VALUE]", "switches a fault on, or gives it another value", parseFault},
+    {"clear", "NAME|all", "switches one fault off, or all", parseClear},
+    {"faults", "", "shows the faults that are on", parseBare<&Simulator::showFaults>},
+    {"drop", "control|ground|camera", "closes the open connections of the device", parseDrop},
+    {"versions", "LIST", "changes the versions and reports them at once", parseVersionsLine},
+    {"rate", "BYTES", "changes the rate of recordings asked for from now on", parseRate},
+    {"send", "control|ground HEX", "sends these bytes to every open connection", parseSend},
+    {"card", "", "shows the recordings on the card", parseBare<&Simulator::showCard>},
+    {"reload", "", "makes the card as it was at the start", parseBare<&Simulator::reload>},
+    {"connections", "", "shows the number of open connections",
+     parseBare<&Simulator::showConnections>},
+    {"status", "", "shows the state of the vehicle", parseBare<&Simulator::showStatus>},
+    {"help", "", "shows this list", parseHelp},
+    {"quit", "", "ends", parseBare<&Simulator::quit>},
+};
+
+std::string trimmed(const std::string& text)
+{
+    constexpr const char* spaces = " \t\r";
+    const std::size_t start = text.find_first_not_of(spaces);
+    return start == std::string::npos
+               ? std::string()
+               : text.substr(start, text.find_last_not_of(spaces) - start + 1);
+}
+
+std::string unknownWord(const std::string& word)
+{
+    std::string meant;
+    if (findFault(word.substr(0, word.find('=')))) {
+        meant = "; did you mean \"fault " + word + "\"?";
+    } else {
+        std::vector<std::string> words;
+        for (const Row& row : rows) {
+            words.emplace_back(row.word);
+        }
+        meant = didYouMean(word, words);
+    }
+    return "no control line begins with \"" + word + "\"" + meant + " (--help shows all)";
+}
+
+} // namespace
+
+bool isControlWord(const std::string& word)
+{
+    return std::any_of(std::begin(rows), std::end(rows),
+                       [&word](const Row& row) { return word == row.word; });
+}
+
+ControlLine parseControlLine(const std::string& text)
+{
+    ControlLine line{trimmed(text), {}};
+    const std::size_t space = line.text.find_first_of(" \t");
+    const std::string word = line.text.substr(0, space);
+    const std::string arguments =
+        space == std::string::npos ? std::string() : trimmed(line.text.substr(space));
+    line.text = word + (arguments.empty() ? "" : " ") + arguments;
+    const auto* const row = std::find_if(std::begin(rows), std::end(rows),
+                                         [&word](const Row& each) { return word == each.word; });
+    line.error = row == std::end(rows) ? unknownWord(word) : row->parse(arguments, line.run);
+    return line;
+}
+
+std::vector<std::string> controlLinesHelp()
+{
+    std::vector<std::string> lines;
+    for (const Row& row : rows) {
+        std::string line =
+            std::string("  ") + row.word + (*row.arguments ? " " : "") + row.arguments;
+        line.resize(std::max<std::size_t>(line.size() + 2, 30), ' ');
+        lines.push_back(line + row.effect);
+    }
+    return lines;
 }
 
 } // namespace simulator

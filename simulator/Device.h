@@ -36,6 +36,8 @@ public:
     TimePoint nextWake(TimePoint now) const;
     /// Resets all open connections.
     void drop();
+    const std::string& name() const { return m_name; }
+    Reachability reachability() const { return m_listener.reachability(); }
     const std::vector<std::unique_ptr<Connection>>& connections() const { return m_connections; }
 
 private:

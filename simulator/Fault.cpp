@@ -1,5 +1,7 @@
 #include "simulator/Fault.h"
 
+#include "simulator/Text.h"
+
 #include <algorithm>
 
 namespace simulator {
@@ -68,7 +70,13 @@ const FaultDescription* findFault(std::string_view name)
 
 std::string unknownFault(std::string_view name)
 {
-    return "no fault is called \"" + std::string(name) + "\" (--list-faults shows all)";
+    std::vector<std::string> names;
+    for (const FaultDescription& row : faultDescriptions()) {
+        names.push_back(row.name);
+        names.push_back(row.oldName);
+    }
+    return "no fault is called \"" + std::string(name) + "\"" + didYouMean(name, names) +
+           " (--list-faults shows all)";
 }
 
 } // namespace simulator

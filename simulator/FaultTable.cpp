@@ -1,5 +1,7 @@
 #include "simulator/FaultTable.h"
 
+#include "simulator/Text.h"
+
 #include <algorithm>
 #include <charconv>
 #include <limits>
@@ -84,6 +86,24 @@ std::optional<std::string> unescape(std::string_view text)
         }
     }
     return bytes;
+}
+
+/// The reverse of unescape; a space is kept unless it is the first or the last byte.
+std::string escape(const std::string& bytes)
+{
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        const bool edge = i == 0 || i + 1 == bytes.size();
+        if (bytes[i] == '\\') {
+            text += "\\\\";
+        } else if (byte < 0x20 || byte > 0x7E || (byte == ' ' && edge)) {
+            text += "\\x" + hexText(bytes.substr(i, 1));
+        } else {
+            text += bytes[i];
+        }
+    }
+    return text;
 }
 
 /// A decimal number, for a size with k or M after it.
@@ -219,6 +239,17 @@ std::vector<std::string> FaultTable::values(FaultGroup group) const
         }
     }
     return values;
+}
+
+std::vector<std::string> FaultTable::list() const
+{
+    std::vector<std::string> faults;
+    for (const auto& [fault, active] : m_active) {
+        const FaultDescription& row = describe(fault);
+        faults.push_back(row.value.kind == FaultKind::None ? row.name
+                                                           : row.name + "=" + escape(active.value));
+    }
+    return faults;
 }
 
 bool FaultTable::inScope(std::string_view who) const

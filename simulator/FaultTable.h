@@ -31,6 +31,8 @@ public:
     TimePoint since(Fault fault) const;
     /// Returns the values of all active faults of the group, in table order.
     std::vector<std::string> values(FaultGroup group) const;
+    /// Returns the faults that are on, as they are switched on again: "stall=50".
+    std::vector<std::string> list() const;
     /// False when the fault "only" leaves the module ("control", "ground") or the kind of camera
     /// request ("count", "list", ...) out.
     bool inScope(std::string_view who) const;

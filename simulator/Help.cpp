@@ -1,4 +1,5 @@
 // What --help prints, in its forms.
+#include "simulator/ControlLines.h"
 #include "simulator/Options.h"
 #include "simulator/Text.h"
 
@@ -15,15 +16,12 @@ constexpr const char* introduction =
     "Prints \"belun-simulator ready\" once it can be reached.\n";
 
 constexpr const char* controlLines =
-    "While it runs, lines on standard input control it, each answered by \"ok ...\" or\n"
-    "\"error ...\":\n"
-    "  fault NAME[=VALUE]    clear NAME    clear all    drop control|ground|camera\n"
-    "  versions LIST         rate BYTES    send control|ground HEX\n"
-    "  connections           reload        quit\n";
+    "While it runs, lines on standard input or on the socket of --control control it, each\n"
+    "answered by \"ok ...\" or \"error ...\", after lines that begin with two spaces:\n";
 
 constexpr const char* statuses =
-    "Exit status: 0 ended as asked, 1 cannot listen or read, 2 wrong arguments,\n"
-    "3 not in a private network.\n";
+    "Exit status: 0 ended as asked, 1 cannot listen or read, or a line sent was answered by\n"
+    "\"error ...\", 2 wrong arguments, 3 not in a private network.\n";
 
 /// "--card DIR", "--list-faults[=text|json]".
 std::string spelled(const OptionRow& row)
@@ -32,6 +30,7 @@ std::string spelled(const OptionRow& row)
     case Takes::Nothing:
         break;
     case Takes::Value:
+    case Takes::ValueAndRest:
         return row.name + " " + row.value;
     case Takes::OptionalValue:
         return row.name + "[=" + row.value + "]";
@@ -66,7 +65,11 @@ std::string help(const std::string& form)
     if (form == "man") {
         return optionsManual();
     }
-    return std::string(introduction) + "\n" + optionsText() + "\n" + controlLines + "\n" + statuses;
+    std::string lines = controlLines;
+    for (const std::string& line : controlLinesHelp()) {
+        lines += line + "\n";
+    }
+    return std::string(introduction) + "\n" + optionsText() + "\n" + lines + "\n" + statuses;
 }
 
 } // namespace simulator

@@ -1,5 +1,6 @@
 #include "simulator/Options.h"
 
+#include "simulator/ControlSocket.h"
 #include "simulator/Text.h"
 
 #include <algorithm>
@@ -108,6 +109,15 @@ const std::vector<OptionRow>& optionRows()
          printing(Options::Action::ListFaults, {"text", "json", "markdown", "man"})},
         {"--journal", Takes::Value, "FILE", "write a line for every connection, frame and request",
          nonEmpty(&Options::journal)},
+        {"--control", Takes::Value, "PATH",
+         "take control lines from a Unix socket with this path as well, which only you can reach",
+         nonEmpty(&Options::controlSocket)},
+        {"--send", Takes::ValueAndRest, "PATH LINE...",
+         "send control lines to the simulator at this socket, print its answers and exit",
+         [](Options& options, const std::string& v) {
+             options.action = Options::Action::Send;
+             return !(options.controlSocket = v).empty();
+         }},
         {"--exit-with-stdin", Takes::Nothing, "", "exit when standard input ends",
          flag(&Options::exitWithStdin)},
         {"--help", Takes::OptionalValue, "text|man", "print this text and exit; -h is the same",
@@ -129,8 +139,40 @@ const OptionRow* findOption(const std::string& name)
     return row == rows.end() ? nullptr : &*row;
 }
 
+std::string unknownArgument(const std::string& argument)
+{
+    std::vector<std::string> names;
+    for (const OptionRow& row : optionRows()) {
+        names.push_back(row.name);
+    }
+    return "unknown argument " + argument +
+           didYouMean(argument.substr(0, argument.find('=')), names);
+}
+
+std::string checkSending(const Options& options)
+{
+    if (options.controlSocket.size() > longestSocketPath) {
+        return "a socket's path may have " + std::to_string(longestSocketPath) + " bytes, not " +
+               std::to_string(options.controlSocket.size()) + ": " + options.controlSocket;
+    }
+    if (options.action != Options::Action::Send) {
+        return {};
+    }
+    const auto isWrong = [](const std::string& line) {
+        return line.find('\n') != std::string::npos ||
+               line.find_first_not_of(" \t\r") == std::string::npos;
+    };
+    if (options.lines.empty() || std::any_of(options.lines.begin(), options.lines.end(), isWrong)) {
+        return "--send needs control lines, each an argument of its own";
+    }
+    return {};
+}
+
 std::string checkTogether(Options& options)
 {
+    if (std::string error = checkSending(options); !error.empty()) {
+        return error;
+    }
     if (!options.cardFolder.empty() && (options.sample || !options.sampleFolder.empty())) {
         return "--card and the sample card exclude each other";
     }
@@ -150,10 +192,10 @@ std::string parseOptions(const std::vector<std::string>& arguments, Options& opt
         const bool joined = equals != std::string::npos;
         const OptionRow* option = findOption(arguments[i].substr(0, equals));
         if (!option || (joined && option->takes == Takes::Nothing)) {
-            return "unknown argument " + arguments[i];
+            return unknownArgument(arguments[i]);
         }
         std::string value = joined ? arguments[i].substr(equals + 1) : std::string();
-        if (option->takes == Takes::Value && !joined) {
+        if ((option->takes == Takes::Value || option->takes == Takes::ValueAndRest) && !joined) {
             if (++i == arguments.size()) {
                 return option->name + " needs a value";
             }
@@ -161,6 +203,11 @@ std::string parseOptions(const std::vector<std::string>& arguments, Options& opt
         }
         if (!option->store(options, value)) {
             return option->name + " does not take \"" + value + "\"";
+        }
+        if (option->takes == Takes::ValueAndRest) {
+            options.lines.assign(arguments.begin() + static_cast<std::ptrdiff_t>(i) + 1,
+                                 arguments.end());
+            break;
         }
     }
     return checkTogether(options);

@@ -14,7 +14,7 @@ namespace simulator {
 /// What the command line asks for.
 struct Options
 {
-    enum class Action { Run, Help, Version, ListFaults, WriteSample };
+    enum class Action { Run, Help, Version, ListFaults, WriteSample, Send };
     Action action = Action::Run;
     std::string cardFolder;   ///< empty: a sample card
     std::string sampleFolder; ///< --sample-to
@@ -26,13 +26,20 @@ struct Options
     std::vector<std::string> faults;
     std::string form; ///< of --help or --list-faults: "text", "man", "json", ...
     std::string journal;
+    std::string controlSocket;      ///< --control, or --send
+    std::vector<std::string> lines; ///< to send
     bool exitWithStdin = false;
 };
 
 /// One option of the command line.
 struct OptionRow
 {
-    enum class Takes { Nothing, Value, OptionalValue };
+    enum class Takes {
+        Nothing,
+        Value,
+        OptionalValue,
+        ValueAndRest ///< a value; all further arguments are its lines
+    };
     std::string name;
     Takes takes;
     std::string value;  ///< as --help shows it: "DIR", "text|json"

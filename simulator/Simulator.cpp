@@ -17,7 +17,6 @@ namespace {
 
 constexpr std::uint16_t modulePort = 5000;
 constexpr std::uint16_t cameraPort = 80;
-constexpr std::size_t longestControlLine = 65'536;
 
 Device::Factory moduleFactory(Journal& journal, const FaultTable& faults,
                               const ModuleSettings& settings)
@@ -72,6 +71,9 @@ std::string Simulator::start()
         noteControl("fault " + fault);
     }
     std::string error = loadCard();
+    if (error.empty() && !m_options.controlSocket.empty()) {
+        error = m_controlSocket.open(m_options.controlSocket);
+    }
     for (Device* each : {&m_control, &m_ground, &m_camera}) {
         if (error.empty()) {
             error = each->start(now);
@@ -100,6 +102,7 @@ void Simulator::run(int signals)
         for (const Device* each : {&m_control, &m_ground, &m_camera}) {
             each->addTo(descriptors);
         }
+        m_controlSocket.addTo(descriptors);
         const int ready = ::poll(descriptors.data(), descriptors.size(), timeout(Clock::now()));
         if (ready < 0 && errno != EINTR) {
             return;
@@ -108,13 +111,15 @@ void Simulator::run(int signals)
             return;
         }
         if (descriptors[1].revents != 0) {
-            readControlLines();
+            readStandardInput();
         }
+        m_controlSocket.read([this](const std::string& line) { return control(line); });
         const TimePoint now = Clock::now();
         endReboot(now);
         for (Device* each : {&m_control, &m_ground, &m_camera}) {
             each->advance(descriptors, now);
         }
+        m_controlSocket.flush();
         for (const std::string& reply : std::exchange(m_replies, {})) {
             printLine(reply);
         }
@@ -153,7 +158,7 @@ void Simulator::resetModules()
     m_ground.drop();
 }
 
-void Simulator::readControlLines()
+void Simulator::readStandardInput()
 {
     char buffer[4'096];
     const ssize_t count = ::read(STDIN_FILENO, buffer, sizeof buffer);
@@ -165,16 +170,13 @@ void Simulator::readControlLines()
         m_ending = m_ending || m_options.exitWithStdin;
         return;
     }
-    m_input.append(buffer, static_cast<std::size_t>(count));
-    for (std::size_t end = m_input.find('\n'); end != std::string::npos; end = m_input.find('\n')) {
-        const std::string text = m_input.substr(0, end);
-        m_input.erase(0, end + 1);
-        if (!text.empty()) {
-            m_replies.push_back(control(text));
+    m_input.add({buffer, static_cast<std::size_t>(count)});
+    while (const auto line = m_input.next()) {
+        for (std::string& reply : control(*line)) {
+            m_replies.push_back(std::move(reply));
         }
     }
-    if (m_input.size() > longestControlLine) {
-        m_input.clear();
+    if (m_input.dropOverlong()) {
         m_replies.emplace_back("error the line is too long");
     }
 }

@@ -1,10 +1,14 @@
+// The three devices, their card and the loop that serves them.
 #pragma once
 
 #include "simulator/CameraConnection.h"
 #include "simulator/Card.h"
+#include "simulator/ControlLines.h"
+#include "simulator/ControlSocket.h"
 #include "simulator/Device.h"
 #include "simulator/FaultTable.h"
 #include "simulator/Journal.h"
+#include "simulator/LineReader.h"
 #include "simulator/Options.h"
 
 #include <memory>
@@ -24,21 +28,30 @@ public:
     /// Serves until a signal, "quit", or the end of standard input where that counts.
     /// signals: a descriptor that becomes readable when the program shall end.
     void run(int signals);
-    /// Carries one control line out and returns the line that answers it.
-    std::string control(const std::string& line);
+    /// Carries one control line out and returns the lines that answer it: none for an empty one,
+    /// else any number that begin with two spaces, then one that begins with "ok" or "error".
+    std::vector<std::string> control(const std::string& line);
 
-private:
+    // What control lines do; those with a text result return an error text.
     std::string setFault(const std::string& assignment);
     std::string clearFault(const std::string& name);
-    std::string drop(const std::string& name);
-    std::string send(const std::string& arguments);
-    std::string changeVersions(const std::string& text);
-    std::string changeRate(const std::string& text);
+    void drop(const std::string& name);
+    void send(const std::string& module, const std::string& bytes);
+    void changeVersions(const Versions& versions);
+    void changeRate(std::uint64_t rate) { m_cameraState.rate = rate; }
+    ControlAnswer reload();
+    ControlAnswer quit();
+    ControlAnswer showConnections();
+    ControlAnswer showFaults();
+    ControlAnswer showCard();
+    ControlAnswer showStatus();
+
+private:
     std::string loadCard();
-    std::string connectionCounts() const;
-    Device* device(const std::string& name);
+    /// name: "control", "ground" or "camera".
+    Device& device(const std::string& name);
     void noteControl(const std::string& line);
-    void readControlLines();
+    void readStandardInput();
     void endReboot(TimePoint now);
     int timeout(TimePoint now) const;
     void resetModules();
@@ -54,8 +67,10 @@ private:
     Device m_control;
     Device m_ground;
     Device m_camera;
-    std::string m_input; ///< an unfinished control line
-    /// Answers to control lines; printed when what they say has taken effect.
+    TimePoint m_started = Clock::now();
+    ControlSocket m_controlSocket;
+    LineReader m_input;
+    /// Answers to lines on standard input; printed when what they say has taken effect.
     std::vector<std::string> m_replies;
     bool m_inputOpen = true;
     bool m_ending = false;

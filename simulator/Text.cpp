@@ -1,5 +1,6 @@
 #include "simulator/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -24,6 +25,49 @@ constexpr std::array<std::uint32_t, 256> crcTable()
 }
 
 } // namespace
+
+namespace {
+
+/// The number of letters to insert, remove, replace or swap with their neighbour.
+std::size_t distance(std::string_view one, std::string_view other)
+{
+    std::vector<std::vector<std::size_t>> table(one.size() + 1,
+                                                std::vector<std::size_t>(other.size() + 1));
+    for (std::size_t i = 0; i <= one.size(); ++i) {
+        for (std::size_t j = 0; j <= other.size(); ++j) {
+            if (i == 0 || j == 0) {
+                table[i][j] = i + j;
+                continue;
+            }
+            const bool same = one[i - 1] == other[j - 1];
+            table[i][j] = std::min(
+                {table[i - 1][j] + 1, table[i][j - 1] + 1, table[i - 1][j - 1] + (same ? 0U : 1U)});
+            if (i > 1 && j > 1 && one[i - 1] == other[j - 2] && one[i - 2] == other[j - 1]) {
+                table[i][j] = std::min(table[i][j], table[i - 2][j - 2] + 1);
+            }
+        }
+    }
+    return table[one.size()][other.size()];
+}
+
+} // namespace
+
+std::string didYouMean(std::string_view word, const std::vector<std::string>& candidates)
+{
+    constexpr std::size_t longestWord = 64;
+    std::string nearest;
+    std::size_t least = std::min(word.size(), longestWord) / 3 + 1;
+    for (const std::string& candidate : candidates) {
+        if (word.size() > longestWord || word.size() < 3 || candidate.empty()) {
+            continue;
+        }
+        if (const std::size_t far = distance(word, candidate); far < least) {
+            least = far;
+            nearest = candidate;
+        }
+    }
+    return nearest.empty() ? std::string() : "; did you mean \"" + nearest + "\"?";
+}
 
 std::string hexText(std::string_view bytes)
 {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace simulator {
 
@@ -22,6 +23,10 @@ std::uint32_t crc32(std::uint32_t earlier, std::string_view bytes);
 /// its own.
 std::string columns(std::string first, std::string_view second, std::size_t start,
                     std::size_t width);
+
+/// Returns `; did you mean "..."?` with the candidate that differs least from the word, or nothing
+/// if none is near.
+std::string didYouMean(std::string_view word, const std::vector<std::string>& candidates);
 
 /// Returns the text as it is written in the source of a manual page.
 std::string manualText(const std::string& text);

@@ -1,3 +1,4 @@
+#include "simulator/ControlSocket.h"
 #include "simulator/FaultListing.h"
 #include "simulator/FaultTable.h"
 #include "simulator/FileDescriptor.h"
@@ -69,6 +70,17 @@ int run(const simulator::Options& options)
     return 0;
 }
 
+int send(const simulator::Options& options)
+{
+    bool allFine = false;
+    const std::string error =
+        simulator::sendControlLines(options.controlSocket, options.lines, allFine);
+    if (!error.empty()) {
+        return failed(cannotRun, error);
+    }
+    return allFine ? 0 : cannotRun;
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -96,6 +108,8 @@ int main(int argc, char* argv[])
     case simulator::Options::Action::ListFaults:
         std::fputs(simulator::faultList(options.form).c_str(), stdout);
         return 0;
+    case simulator::Options::Action::Send:
+        return send(options);
     case simulator::Options::Action::WriteSample:
     case simulator::Options::Action::Run:
         break;

@@ -1,0 +1,65 @@
+// The Unix socket that --control names.
+#pragma once
+
+#include "simulator/FileDescriptor.h"
+#include "simulator/LineReader.h"
+
+#include <functional>
+#include <list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <poll.h>
+#include <sys/types.h>
+#include <sys/un.h>
+
+namespace simulator {
+
+/// The longest path that a socket can have, in bytes.
+constexpr std::size_t longestSocketPath = sizeof(sockaddr_un::sun_path) - 1;
+
+/// Takes control lines from any number of clients of a socket that only its owner can reach.
+/// Never blocks; a client that does not read its answers is dropped.
+class ControlSocket
+{
+public:
+    ControlSocket() = default;
+    ~ControlSocket();
+    ControlSocket(const ControlSocket&) = delete;
+    ControlSocket& operator=(const ControlSocket&) = delete;
+
+    /// Listens at the path. A socket that nobody listens on is replaced; a live one, or any other
+    /// file, is an error. Returns an error text, empty on success.
+    std::string open(const std::string& path);
+    /// Adds what poll has to watch.
+    void addTo(std::vector<pollfd>& descriptors) const;
+    /// Reads what has arrived and has each line answered; the answers are kept until `flush`.
+    void read(const std::function<std::vector<std::string>(const std::string&)>& answer);
+    /// Sends the answers, as far as the clients take them.
+    void flush();
+
+private:
+    struct Client
+    {
+        FileDescriptor socket;
+        LineReader lines{};
+        std::string unsent{};
+        bool ended = false; ///< it sends no more
+    };
+    void acceptAll();
+
+    FileDescriptor m_socket;
+    std::string m_path;
+    dev_t m_device = 0; ///< of the file at the path, so that only our own is removed
+    ino_t m_inode = 0;
+    std::list<Client> m_clients;
+};
+
+/// Sends control lines to the simulator that listens at the path and prints its answers. Returns
+/// an error text if it cannot be reached or stops answering. allFine: whether every line was
+/// answered by "ok".
+std::string sendControlLines(const std::string& path, const std::vector<std::string>& lines,
+                             bool& allFine);
+
+} // namespace simulator
