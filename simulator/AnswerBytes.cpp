@@ -63,8 +63,8 @@ Message chunkedBody(Message body, const FaultScope& faults)
 std::string lengthText(const FaultScope& faults, std::uint64_t size)
 {
     const long long announced =
-        static_cast<long long>(size) + faults.number(Fault::WrongLength).value_or(0);
-    return faults.value(Fault::Length).value_or(std::to_string(std::max(announced, 0LL)));
+        static_cast<long long>(size) + faults.number(Fault::LengthOffset).value_or(0);
+    return faults.value(Fault::LengthText).value_or(std::to_string(std::max(announced, 0LL)));
 }
 
 Headers headers(const Answer& answer, const FaultScope& faults, std::uint64_t size, bool chunked)

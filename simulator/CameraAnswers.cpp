@@ -217,14 +217,14 @@ Answer CameraAnswers::listAnswer(const FaultScope& faults, std::string_view end)
     for (std::size_t i = 0; i < wanted; ++i) {
         text += directory + shownName(recordings[i], names) + separator;
     }
-    if (faults.active(Fault::UnendingList)) {
+    if (faults.active(Fault::InfiniteList)) {
         Answer answer;
         const auto entries = std::make_shared<RepeatedContent>(
             text.empty() ? directory + "REC.MP4" + separator : text, unendingSize);
         append(answer.body, Part{{}, entries, 0, unendingSize});
         return answer;
     }
-    return textAnswer(faults.active(Fault::EndlessList) ? text : text + "\r\n");
+    return textAnswer(faults.active(Fault::NoListEnd) ? text : text + "\r\n");
 }
 
 Answer CameraAnswers::infoAnswer(const FaultScope& faults, std::string_view name)

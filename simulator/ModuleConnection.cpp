@@ -145,7 +145,7 @@ void ModuleConnection::sendHeartbeat(TimePoint now)
 {
     const FaultScope scope = faults();
     std::string frame = heartbeatFrame();
-    if (const auto size = scope.number(Fault::LongChunk)) {
+    if (const auto size = scope.number(Fault::LongSegment)) {
         frame += std::string(static_cast<std::size_t>(*size) - 2 * frame.size(), '\x55') + frame;
         expectAnswer(now);
     }

@@ -33,11 +33,11 @@ ANSWERS = [
      OK_LINE + b"content-type: text/plain\r\ncontent-length: 16\r\nconnection: close\r\n\r\n"
      + COUNT_BODY, "closed"),
     ("no-length", COUNT, OK_LINE + TYPE + CLOSE + b"\r\n" + COUNT_BODY, "closed"),
-    ("wrong-length", COUNT, okHead(26) + COUNT_BODY, "closed"),
-    ("wrong-length=-5", COUNT, okHead(11) + COUNT_BODY, "closed"),
-    ("wrong-length=-99", COUNT, okHead(0) + COUNT_BODY, "closed"),
-    ("length", COUNT, okHead(4294967296) + COUNT_BODY, "closed"),
-    ("length=-1", COUNT, okHead(-1) + COUNT_BODY, "closed"),
+    ("length-offset", COUNT, okHead(26) + COUNT_BODY, "closed"),
+    ("length-offset=-5", COUNT, okHead(11) + COUNT_BODY, "closed"),
+    ("length-offset=-99", COUNT, okHead(0) + COUNT_BODY, "closed"),
+    ("length-text", COUNT, okHead(4294967296) + COUNT_BODY, "closed"),
+    ("length-text=-1", COUNT, okHead(-1) + COUNT_BODY, "closed"),
     ("empty-answer", COUNT, okHead(0), "closed"),
     ("chunked", COUNT, CHUNKED_HEAD + b"10\r\n" + COUNT_BODY + b"\r\n0\r\n\r\n", "closed"),
     ("chunk-extension", COUNT,
@@ -79,7 +79,7 @@ ANSWERS = [
     ("count-offset=-1", COUNT, ok(b'var count="1";\r\n'), "closed"),
     ("count-offset=5", COUNT, ok(b'var count="7";\r\n'), "closed"),
     ("no-count-markers", COUNT, ok(b"2\r\n"), "closed"),
-    ("endless-list", LIST + b"2", ok(LIST_BODY[:-2]), "closed"),
+    ("no-list-end", LIST + b"2", ok(LIST_BODY[:-2]), "closed"),
     ("no-semicolon", LIST + b"2", ok(b"sd/DCIM/100ZEPNA/A.MP4 sd/DCIM/100ZEPNA/B.MP4 \r\n"),
      "closed"),
     ("no-list-markers", LIST + b"2", ok(b"A.MP4;B.MP4;\r\n"), "closed"),
@@ -119,8 +119,8 @@ NAMES = [
     ("name-hash", b"REC#1.MP4"),
     ("name-percent", b"REC%41%2F%s.MP4"),
     ("name-slash", b"SUB/REC.MP4"),
-    ("name-dotdot", b"../../REC.MP4"),
-    ("name-dots", b".."),
+    ("name-outside", b"../../REC.MP4"),
+    ("name-parent", b".."),
     ("name-markup", b"<b>REC</b>.MP4"),
     ("name-custom", b"REC.MP4"),
     ("name-custom=a\\x01\\\\b", b"a\x01\\b"),
@@ -206,7 +206,7 @@ class CameraFaultsTest(SimulatorTest):
             + b"\r\n0\r\n\r\n", self.ask(RECORDING + b"A.MP4"))
 
     def test_unending_list_goes_on(self):
-        self.startTwo("--fault", "unending-list")
+        self.startTwo("--fault", "infinite-list")
         peer = self.request(LIST + b"2")
         self.assertEqual(okHead(2147483647), peer.exactly(len(okHead(2147483647))))
         self.assertEqual(LIST_BODY[:-2] * 20000, peer.exactly(46 * 20000))

@@ -1,5 +1,6 @@
 """The control socket, --send, and what control lines show."""
 
+import json
 import os
 import re
 import signal
@@ -158,6 +159,23 @@ class ControlTest(SimulatorTest):
         self.control("fault name-custom=\\x20a b\\x0d")
         self.assertEqual(["  stall=50", "  name-custom=\\x20a b\\x0d"], self.details("faults"))
         self.control("clear all")
+        self.assertEqual([], self.details("faults"))
+
+    def test_old_names_of_faults_are_understood_everywhere(self):
+        old = {fault["oldName"]: fault["name"] for fault in json.loads(subprocess.run(
+            [harness.program, "--list-faults=json"], check=True, stdout=subprocess.PIPE).stdout)
+            if "oldName" in fault}
+        self.assertEqual({"long-chunk", "wrong-length", "length", "endless-list", "unending-list",
+                          "name-dotdot", "name-dots"}, set(old))
+        self.start(*(argument for name in old for argument in ("--fault", name)))
+        on = [line.strip().partition("=")[0] for line in self.details("faults")]
+        self.assertEqual(sorted(old.values()), sorted(on))
+        for name in old:
+            self.switch("clear " + name)
+        self.assertEqual([], self.details("faults"))
+        for name in old:
+            self.switch("fault " + name)
+            self.switch("clear " + old[name])
         self.assertEqual([], self.details("faults"))
 
     def test_card_shows_the_recordings(self):

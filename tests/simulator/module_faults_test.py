@@ -97,10 +97,10 @@ class ModuleFaultsTest(SimulatorTest):
         self.assertEqual([VERSION + HEARTBEAT] * 2, self.segments(CONTROL, 2))
 
     def test_long_chunk(self):
-        self.startWith("long-chunk", "no-version")
+        self.startWith("long-segment", "no-version")
         chunk = HEARTBEAT + b"\x55" * 94 + HEARTBEAT
         self.assertEqual([chunk, chunk], self.segments(CONTROL, 2))
-        self.switch("fault long-chunk=12")
+        self.switch("fault long-segment=12")
         self.assertEqual([HEARTBEAT * 2], self.segments(CONTROL, 1))
 
     def test_high_bit_version(self):

@@ -134,7 +134,7 @@ class ModuleTest(SimulatorTest):
         self.assertIn(b'count="11"', self.ask(COUNT))
 
     def test_client_that_never_reads_is_let_go(self):
-        self.start("--fault", "long-chunk=20000", "--fault", "heartbeat-interval=5")
+        self.start("--fault", "long-segment=20000", "--fault", "heartbeat-interval=5")
         self.peer(CONTROL)
         self.assertEqual("the client does not read", self.eventually(
             lambda: self.journal(device="control", event="close"), "the end")[0]["reason"])

@@ -49,8 +49,8 @@ const QList<FaultCase>& linkFaultCases()
         // What is not first in its segment is not looked at.
         {{"two-frames=heartbeat"}, A::Link, unheard},
         {{"two-frames=version"}, A::Link, linked},
-        {{"long-chunk=106"}, A::Link, linked},
-        {{"long-chunk=4000"}, A::Link, linked},
+        {{"long-segment=106"}, A::Link, linked},
+        {{"long-segment=4000"}, A::Link, linked},
         {{"high-bit-version"}, A::Link, "Link Success! / v-1 v1.44 v-327.68 v-2.57 v-1.28"},
         {{"reset-mid-frame", "only=control"},
          A::Link,
