@@ -181,9 +181,11 @@ AnswerBytes answerBytes(Answer answer, const FaultScope& faults, std::uint64_t e
     }
     if (faults.active(Fault::EmptyAnswer)) {
         answer.body.clear();
+        answer.announced.reset();
     }
     const bool chunked = isChunked(faults, exchange);
-    const Headers lines = headers(answer, faults, messageSize(answer.body), chunked);
+    const Headers lines =
+        headers(answer, faults, answer.announced.value_or(messageSize(answer.body)), chunked);
     append(bytes.head, Part::literal(headText(answer, faults, lines)));
     bytes.body = chunked ? chunkedBody(std::move(answer.body), faults) : std::move(answer.body);
     cut(bytes, faults);

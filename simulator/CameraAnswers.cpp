@@ -1,31 +1,16 @@
 #include "simulator/CameraAnswers.h"
 
 #include <algorithm>
-#include <array>
 
 namespace simulator {
 
 namespace {
 
 using namespace std::string_literals;
-using namespace std::string_view_literals;
 
-constexpr std::string_view hostPrefix = "http://192.168.1.120";
-constexpr std::string_view countTarget = "/cgi-bin/hi3510/getfilecount.cgi?";
-constexpr std::string_view listTarget = "/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end=";
-constexpr std::string_view infoTarget = "/cgi-bin/hi3510/getfileinfo.cgi?&-name=sd/DCIM/100ZEPNA/";
-constexpr std::string_view deleteTarget = "/cgi-bin/hi3510/deletefile.cgi?&-name=sd/DCIM/100ZEPNA/";
-constexpr std::string_view deleteAllTarget = "/cgi-bin/hi3510/deleteallfiles.cgi?";
-constexpr std::string_view formatTarget = "/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
-constexpr std::string_view recordingTarget = "/sd/DCIM/100ZEPNA/";
-
+constexpr std::uint64_t otherCardSeed = 1'000'000;
 constexpr std::uint64_t unendingSize = 2'147'483'647;
 constexpr std::size_t listAllDigits = 14;
-
-bool startsWith(std::string_view text, std::string_view start)
-{
-    return text.substr(0, start.size()) == start;
-}
 
 Answer textAnswer(std::string text)
 {
@@ -60,50 +45,6 @@ std::string field(const char* name, const std::string& value)
 }
 
 } // namespace
-
-std::string_view kindName(RequestKind kind)
-{
-    constexpr std::array names{"count"sv,     "list"sv,   "info"sv,      "delete"sv,
-                               "deleteall"sv, "format"sv, "recording"sv, "other"sv};
-    return names[static_cast<std::size_t>(kind)];
-}
-
-std::optional<std::string> requestTarget(std::string_view requestLine)
-{
-    constexpr std::string_view method = "GET ";
-    const std::size_t end = requestLine.rfind(" HTTP/1.1");
-    if (!startsWith(requestLine, method) || end == std::string::npos || end < method.size()) {
-        return std::nullopt;
-    }
-    std::string_view target = requestLine.substr(method.size(), end - method.size());
-    if (startsWith(target, hostPrefix)) {
-        target.remove_prefix(hostPrefix.size());
-    }
-    return std::string(target);
-}
-
-RequestKind requestKind(std::string_view target)
-{
-    if (target == countTarget) {
-        return RequestKind::Count;
-    }
-    if (startsWith(target, listTarget)) {
-        return RequestKind::List;
-    }
-    if (startsWith(target, infoTarget)) {
-        return RequestKind::Info;
-    }
-    if (startsWith(target, deleteTarget)) {
-        return RequestKind::Delete;
-    }
-    if (target == deleteAllTarget) {
-        return RequestKind::DeleteAll;
-    }
-    if (target == formatTarget) {
-        return RequestKind::Format;
-    }
-    return startsWith(target, recordingTarget) ? RequestKind::Recording : RequestKind::Other;
-}
 
 Answer errorAnswer(int status)
 {
@@ -140,17 +81,33 @@ CameraAnswers::CameraAnswers(Card& card, const FaultTable& faults, std::uint64_t
 {
 }
 
+Card& CameraAnswers::otherCard(Fault fault)
+{
+    MadeUp& madeUp = m_madeUp[fault];
+    if (madeUp.since != m_faults->since(fault)) {
+        const bool counted = fault == Fault::Entries;
+        madeUp.card = uniformCard(counted ? static_cast<std::size_t>(*m_faults->number(fault))
+                                          : m_card->recordings().size(),
+                                  m_seed + (counted ? 0 : otherCardSeed));
+        madeUp.since = m_faults->since(fault);
+    }
+    return madeUp.card;
+}
+
 Card& CameraAnswers::card()
 {
-    const auto entries = m_faults->number(Fault::Entries);
-    if (!entries) {
-        return *m_card;
+    if (m_faults->active(Fault::NoCard)) {
+        m_noCard.removeAll();
+        return m_noCard;
     }
-    if (m_madeUpSince != m_faults->since(Fault::Entries)) {
-        m_madeUp = uniformCard(static_cast<std::size_t>(*entries), m_seed);
-        m_madeUpSince = m_faults->since(Fault::Entries);
+    if (m_faults->active(Fault::SwappedCameras) && m_exchange % 2 == 0) {
+        return otherCard(Fault::SwappedCameras);
     }
-    return m_madeUp;
+    if (m_faults->active(Fault::SwappedCard) &&
+        m_swappedSince == m_faults->since(Fault::SwappedCard)) {
+        return otherCard(Fault::SwappedCard);
+    }
+    return m_faults->active(Fault::Entries) ? otherCard(Fault::Entries) : *m_card;
 }
 
 std::vector<std::string> CameraAnswers::otherNames() const
@@ -172,23 +129,26 @@ std::optional<std::size_t> CameraAnswers::find(std::string_view name)
     return static_cast<std::size_t>(found - recordings.begin());
 }
 
-Answer CameraAnswers::answer(RequestKind kind, std::string_view target)
+Answer CameraAnswers::answer(RequestKind kind, std::string_view target, std::uint64_t exchange)
 {
+    m_exchange = exchange;
+    const std::string_view argument = requestArgument(kind, target);
     const FaultScope faults(*m_faults, kindName(kind));
     switch (kind) {
     case RequestKind::Count:
         return countAnswer(faults);
     case RequestKind::List:
-        return listAnswer(faults, target.substr(listTarget.size()));
+        return listAnswer(faults, argument);
     case RequestKind::Info:
-        return infoAnswer(faults, target.substr(infoTarget.size()));
+        return infoAnswer(faults, argument);
     case RequestKind::Delete:
-        return changeAnswer(faults, kind, target.substr(deleteTarget.size()));
+        return changeAnswer(faults, kind, argument);
     case RequestKind::DeleteAll:
     case RequestKind::Format:
         return changeAnswer(faults, kind, {});
     case RequestKind::Recording:
-        return recordingAnswer(target.substr(recordingTarget.size()));
+        m_swappedSince = m_faults->since(Fault::SwappedCard);
+        return recordingAnswer(faults, argument);
     case RequestKind::Other:
         break;
     }
@@ -261,6 +221,9 @@ Answer CameraAnswers::changeAnswer(const FaultScope& faults, RequestKind kind,
     if (const auto word = faults.value(Fault::ErrorWord)) {
         return textAnswer(*word + "\r\n");
     }
+    if (m_faults->active(Fault::NoCard) || faults.active(Fault::WriteProtected)) {
+        return textAnswer("Error\r\n");
+    }
     // A device that answers with an error status has not done it either.
     if (faults.number(Fault::Status).value_or(200) >= 400) {
         return errorAnswer(500);
@@ -280,15 +243,19 @@ Answer CameraAnswers::changeAnswer(const FaultScope& faults, RequestKind kind,
     return textAnswer(faults.active(Fault::SuccessAndMore) ? "Success\r\nDone\r\n" : "Success\r\n");
 }
 
-Answer CameraAnswers::recordingAnswer(std::string_view name)
+Answer CameraAnswers::recordingAnswer(const FaultScope& faults, std::string_view name)
 {
     const auto index = find(name);
     if (!index) {
         return errorAnswer(404);
     }
-    const Recording& recording = card().recordings()[*index];
     Answer answer;
     answer.contentType = "video/mp4";
+    if (const auto growth = faults.number(Fault::GrowingRecording)) {
+        answer.announced = card().recordings()[*index].size;
+        card().grow(*index, static_cast<std::uint64_t>(*growth));
+    }
+    const Recording& recording = card().recordings()[*index];
     append(answer.body, Part{{}, recording.content, 0, recording.size});
     return answer;
 }

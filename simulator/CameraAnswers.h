@@ -1,27 +1,18 @@
 #pragma once
 
+#include "simulator/CameraRequest.h"
 #include "simulator/Card.h"
 #include "simulator/FaultTable.h"
 #include "simulator/Outbox.h"
 
+#include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace simulator {
-
-/// What a request asks for.
-enum class RequestKind { Count, List, Info, Delete, DeleteAll, Format, Recording, Other };
-
-/// The kind's word in the journal and in the fault "only".
-std::string_view kindName(RequestKind kind);
-
-/// The request line's target: what stands between "GET " and the last " HTTP/1.1", as sent, without
-/// the scheme and host of the absolute form. Nothing if the line has another form.
-std::optional<std::string> requestTarget(std::string_view requestLine);
-
-RequestKind requestKind(std::string_view target);
 
 /// What the camera answers, before it becomes bytes.
 struct Answer
@@ -30,7 +21,8 @@ struct Answer
     std::string reason = "OK";
     std::string contentType = "text/plain";
     Message body;
-    bool withoutAnswer = false; ///< the connection is reset instead
+    std::optional<std::uint64_t> announced{}; ///< Content-Length, where it is not the body's
+    bool withoutAnswer = false;               ///< the connection is reset instead
 };
 
 /// A short page with status and reason.
@@ -44,10 +36,15 @@ public:
     /// that the fault "entries" makes up.
     CameraAnswers(Card& card, const FaultTable& faults, std::uint64_t seed);
 
-    Answer answer(RequestKind kind, std::string_view target);
+    /// exchange: the number of the request, counted from 1 since the start.
+    Answer answer(RequestKind kind, std::string_view target, std::uint64_t exchange);
 
 private:
+    /// The card in the camera that answers.
     Card& card();
+    /// A card of other recordings, as many as on the first one. It is made once for each time that
+    /// the fault is switched on.
+    Card& otherCard(Fault fault);
     /// What the faults "name-..." call the first recordings.
     std::vector<std::string> otherNames() const;
     std::optional<std::size_t> find(std::string_view name);
@@ -55,13 +52,22 @@ private:
     Answer listAnswer(const FaultScope& faults, std::string_view end);
     Answer infoAnswer(const FaultScope& faults, std::string_view name);
     Answer changeAnswer(const FaultScope& faults, RequestKind kind, std::string_view name);
-    Answer recordingAnswer(std::string_view name);
+    Answer recordingAnswer(const FaultScope& faults, std::string_view name);
+
+    /// A made-up card, and when the fault that asks for it was switched on.
+    struct MadeUp
+    {
+        Card card;
+        TimePoint since = never;
+    };
 
     Card* m_card;
     const FaultTable* m_faults;
     std::uint64_t m_seed;
-    Card m_madeUp; ///< the card while the fault "entries" is on
-    TimePoint m_madeUpSince = never;
+    std::map<Fault, MadeUp> m_madeUp;
+    Card m_noCard;
+    std::uint64_t m_exchange = 0;     ///< the one being answered
+    TimePoint m_swappedSince = never; ///< when "swapped-card" was switched on, once it has acted
 };
 
 } // namespace simulator

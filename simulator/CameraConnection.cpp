@@ -61,7 +61,7 @@ void CameraConnection::takeRequest()
         const bool otherMethod = m_request.rfind(" HTTP/1.1", lineEnd) != std::string::npos;
         queueAnswer(errorAnswer(otherMethod ? 405 : 400), faults);
     } else {
-        queueAnswer(m_state->answers->answer(kind, *target), faults);
+        queueAnswer(m_state->answers->answer(kind, *target, m_state->exchanges), faults);
     }
 }
 

@@ -46,6 +46,14 @@ void Card::remove(std::size_t index)
     m_recordings.erase(m_recordings.begin() + static_cast<std::ptrdiff_t>(index));
 }
 
+void Card::grow(std::size_t index, std::uint64_t bytes)
+{
+    Recording& recording = m_recordings[index];
+    recording.content = std::make_shared<JoinedContent>(
+        recording.content, recording.size, std::make_shared<NoiseContent>("", bytes, index));
+    recording.size += bytes;
+}
+
 std::string readFolderCard(const std::string& path, Card& card)
 {
     const auto folder = std::make_shared<const FileDescriptor>(

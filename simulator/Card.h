@@ -30,6 +30,8 @@ public:
     void add(Recording recording);
     const std::vector<Recording>& recordings() const { return m_recordings; }
     void remove(std::size_t index);
+    /// Appends made-up bytes to a recording.
+    void grow(std::size_t index, std::uint64_t bytes);
     void removeAll() { m_recordings.clear(); }
 
 private:

@@ -73,6 +73,20 @@ std::size_t NoiseContent::read(std::uint64_t offset, char* buffer, std::size_t c
     return wanted;
 }
 
+JoinedContent::JoinedContent(std::shared_ptr<const Content> first, std::uint64_t size,
+                             std::shared_ptr<const Content> second)
+    : m_first(std::move(first)), m_size(size), m_second(std::move(second))
+{
+}
+
+std::size_t JoinedContent::read(std::uint64_t offset, char* buffer, std::size_t count) const
+{
+    if (offset >= m_size) {
+        return m_second->read(offset - m_size, buffer, count);
+    }
+    return m_first->read(offset, buffer, available(offset, m_size, count));
+}
+
 RepeatedContent::RepeatedContent(std::string text, std::uint64_t size)
     : m_text(std::move(text)), m_size(size)
 {

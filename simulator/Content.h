@@ -45,6 +45,20 @@ private:
     std::uint64_t m_seed;
 };
 
+/// The first `size` bytes of one content, then another one.
+class JoinedContent : public Content
+{
+public:
+    JoinedContent(std::shared_ptr<const Content> first, std::uint64_t size,
+                  std::shared_ptr<const Content> second);
+    std::size_t read(std::uint64_t offset, char* buffer, std::size_t count) const override;
+
+private:
+    std::shared_ptr<const Content> m_first;
+    std::uint64_t m_size;
+    std::shared_ptr<const Content> m_second;
+};
+
 /// One text again and again, up to the size.
 class RepeatedContent : public Content
 {

@@ -80,8 +80,15 @@ const std::vector<OptionRow>& optionRows()
         {"--card", Takes::Value, "DIR",
          "the camera's card holds the files of this folder (read only)",
          nonEmpty(&Options::cardFolder)},
-        {"--sample", Takes::Nothing, "", "the card holds eleven made-up recordings (the default)",
-         flag(&Options::sample)},
+        {"--sample", Takes::OptionalValue, "boundary|dive",
+         "the card holds made-up recordings: eleven from 500 bytes to 64 MB (boundary, the "
+         "default) "
+         "or nine of a diving trip",
+         [](Options& options, const std::string& v) {
+             options.sampleGiven = true;
+             options.sample = v == "dive" ? Sample::Dive : Sample::Boundary;
+             return v.empty() || v == "dive" || v == "boundary";
+         }},
         {"--sample-to", Takes::Value, "DIR",
          "write these recordings into DIR; without --sample that is all",
          nonEmpty(&Options::sampleFolder)},
@@ -173,11 +180,11 @@ std::string checkTogether(Options& options)
     if (std::string error = checkSending(options); !error.empty()) {
         return error;
     }
-    if (!options.cardFolder.empty() && (options.sample || !options.sampleFolder.empty())) {
+    if (!options.cardFolder.empty() && (options.sampleGiven || !options.sampleFolder.empty())) {
         return "--card and the sample card exclude each other";
     }
     if (options.action == Options::Action::Run && !options.sampleFolder.empty() &&
-        !options.sample) {
+        !options.sampleGiven) {
         options.action = Options::Action::WriteSample;
     }
     return {};

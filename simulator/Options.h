@@ -3,6 +3,7 @@
 #pragma once
 
 #include "simulator/ModuleConnection.h"
+#include "simulator/SampleCard.h"
 
 #include <cstdint>
 #include <functional>
@@ -18,7 +19,8 @@ struct Options
     Action action = Action::Run;
     std::string cardFolder;   ///< empty: a sample card
     std::string sampleFolder; ///< --sample-to
-    bool sample = false;      ///< --sample was given
+    bool sampleGiven = false; ///< --sample was given
+    Sample sample = Sample::Boundary;
     std::uint64_t seed = 1;
     std::uint64_t rate = 0; ///< bytes per second for recordings; 0: no limit
     Milliseconds heartbeat{1'000};

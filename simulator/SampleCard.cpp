@@ -24,7 +24,7 @@ struct SampleRow
 };
 
 /// Sizes on both sides of the limits that matter: of a size text, of one receive, of one read.
-constexpr SampleRow sampleRows[] = {
+constexpr SampleRow boundaryRows[] = {
     {"REC_20200131_124502_0001.MP4", 1'572'864, "20200131124502", 37},
     {"REC_20200131_124611_0002.MP4", 500, "20200131124611", 1},
     {"REC_20200131_130000_0003.MP4", 2'047, "20200131130000", 2},
@@ -37,6 +37,35 @@ constexpr SampleRow sampleRows[] = {
     {"REC_20210101_000003_0010.MP4", 3'276'800, "20210101000003", 27},
     {"REC_20210101_000045_00011.MP4", 4'096, "20210101000045", 5}, // 29 characters, the longest
 };
+
+/// 720 lines at about 2 Mbit/s: bytes and seconds belong together.
+constexpr SampleRow diveRows[] = {
+    {"DIVE_0001.MP4", 10'395'648, "20240614091205", 41},
+    {"DIVE_0002.MP4", 47'185'920, "20240614092347", 187},
+    {"DIVE_0003.MP4", 61'308'928, "20240614094110", 241},
+    {"DIVE_0004.MP4", 4'505'600, "20240614113902", 18},
+    {"DIVE_0005.MP4", 23'871'488, "20240614140233", 94},
+    {"DIVE_0006.MP4", 54'263'808, "20240615083528", 214},
+    {"DIVE_0007.MP4", 28'409'856, "20240615085416", 112},
+    {"DIVE_0008.MP4", 15'532'032, "20240615101951", 61},
+    {"DIVE_0009.MP4", 7'389'184, "20240615154740", 29},
+};
+
+Card cardOf(const SampleRow* first, const SampleRow* last, std::uint64_t seed)
+{
+    Card card;
+    for (const SampleRow* row = first; row != last; ++row) {
+        Recording recording;
+        recording.name = row->name;
+        recording.size = row->size;
+        recording.created = row->created;
+        recording.duration = row->duration;
+        recording.content = std::make_shared<NoiseContent>(mp4Head(row->duration), row->size,
+                                                           seed * 1'000 + card.recordings().size());
+        card.add(std::move(recording));
+    }
+    return card;
+}
 
 std::timespec fileTime(const std::string& created)
 {
@@ -91,20 +120,10 @@ bool writeContent(const FileDescriptor& file, const Recording& recording)
 
 } // namespace
 
-Card sampleCard(std::uint64_t seed)
+Card sampleCard(Sample sample, std::uint64_t seed)
 {
-    Card card;
-    for (const SampleRow& row : sampleRows) {
-        Recording recording;
-        recording.name = row.name;
-        recording.size = row.size;
-        recording.created = row.created;
-        recording.duration = row.duration;
-        recording.content = std::make_shared<NoiseContent>(mp4Head(row.duration), row.size,
-                                                           seed * 1'000 + card.recordings().size());
-        card.add(std::move(recording));
-    }
-    return card;
+    return sample == Sample::Dive ? cardOf(std::begin(diveRows), std::end(diveRows), seed)
+                                  : cardOf(std::begin(boundaryRows), std::end(boundaryRows), seed);
 }
 
 std::string writeCard(const Card& card, const std::string& path)

@@ -86,7 +86,7 @@ std::string Simulator::loadCard()
 {
     Card card;
     if (m_options.cardFolder.empty()) {
-        card = sampleCard(m_options.seed);
+        card = sampleCard(m_options.sample, m_options.seed);
     } else if (std::string error = readFolderCard(m_options.cardFolder, card); !error.empty()) {
         return error;
     }

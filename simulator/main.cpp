@@ -115,8 +115,8 @@ int main(int argc, char* argv[])
         break;
     }
     if (!options.sampleFolder.empty()) {
-        const std::string problem =
-            simulator::writeCard(simulator::sampleCard(options.seed), options.sampleFolder);
+        const std::string problem = simulator::writeCard(
+            simulator::sampleCard(options.sample, options.seed), options.sampleFolder);
         if (!problem.empty()) {
             return failed(cannotRun, problem);
         }

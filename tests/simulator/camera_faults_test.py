@@ -92,6 +92,16 @@ ANSWERS = [
     ("entries", COUNT, ok(b'var count="128";\r\n'), "closed"),
     ("entries", INFO + b"REC00128.MP4",
      ok(b'var create="20200131124502";\r\nvar size="4000";\r\nvar time="4";\r\n'), "closed"),
+    ("no-card", COUNT, ok(b'var count="0";\r\n'), "closed"),
+    ("no-card", LIST + b"2", ok(b"\r\n"), "closed"),
+    ("no-card", INFO + b"A.MP4", NOT_FOUND, "closed"),
+    ("no-card", RECORDING + b"A.MP4", NOT_FOUND, "closed"),
+    ("no-card", DELETE + b"A.MP4", ok(b"Error\r\n"), "closed"),
+    ("no-card", FORMAT, ok(b"Error\r\n"), "closed"),
+    ("write-protected", LIST + b"2", ok(LIST_BODY), "closed"),
+    ("write-protected", DELETE + b"A.MP4", ok(b"Error\r\n"), "closed"),
+    ("write-protected", DELETE_ALL, ok(b"Error\r\n"), "closed"),
+    ("write-protected", FORMAT, ok(b"Error\r\n"), "closed"),
     ("info-reordered", INFO + b"A.MP4", ok(TIME + SIZE + CREATE), "closed"),
     ("info-missing", INFO + b"A.MP4", ok(b""), "closed"),
     ("info-missing=size", INFO + b"A.MP4", ok(CREATE + TIME), "closed"),
@@ -125,6 +135,7 @@ NAMES = [
     ("name-custom", b"REC.MP4"),
     ("name-custom=a\\x01\\\\b", b"a\x01\\b"),
 ]
+OTHER_LIST = ok(b"sd/DCIM/100ZEPNA/REC00001.MP4;sd/DCIM/100ZEPNA/REC00002.MP4;\r\n")
 
 
 class CameraFaultsTest(SimulatorTest):
@@ -176,6 +187,48 @@ class CameraFaultsTest(SimulatorTest):
         self.startTwo("--fault", "error-word")
         self.ask(FORMAT)
         self.assertEqual(ok(COUNT_BODY), self.ask(COUNT))
+
+    def test_no_card_and_write_protection_change_nothing(self):
+        self.startTwo()
+        for fault in ("no-card", "write-protected"):
+            self.switch("fault " + fault)
+            for target in (DELETE + b"A.MP4", DELETE_ALL, FORMAT):
+                self.ask(target)
+            self.switch("clear " + fault)
+            self.assertEqual(ok(COUNT_BODY), self.ask(COUNT))
+
+    def test_recording_grows_while_it_is_fetched(self):
+        self.startTwo("--fault", "growing-recording=300")
+        data = self.ask(RECORDING + b"A.MP4")
+        head = okHead(500, b"video/mp4")
+        self.assertEqual(head + ALPHA, data[:len(head) + 500])
+        self.assertEqual(len(head) + 800, len(data))
+        self.assertIn(b'size="800"', self.ask(INFO + b"A.MP4"))
+        self.switch("clear all")
+        again = self.ask(RECORDING + b"A.MP4")
+        self.assertEqual(okHead(800, b"video/mp4") + data[len(head):], again)
+        self.switch("fault growing-recording")
+        self.assertEqual(len(again) + 4096, len(self.ask(RECORDING + b"A.MP4")))
+
+    def test_card_is_swapped_when_a_recording_is_asked_for(self):
+        self.startTwo("--fault", "swapped-card")
+        self.assertEqual(ok(LIST_BODY), self.ask(LIST + b"2"))
+        self.assertEqual(ok(CREATE + SIZE + TIME), self.ask(INFO + b"A.MP4"))
+        self.assertEqual(NOT_FOUND, self.ask(RECORDING + b"A.MP4"))
+        self.assertEqual(OTHER_LIST, self.ask(LIST + b"2"))
+        self.assertEqual(okHead(4000, b"video/mp4"), self.ask(RECORDING + b"REC00001.MP4")[:-4000])
+        self.ask(DELETE + b"REC00001.MP4")
+        self.assertEqual(ok(COUNT_BODY.replace(b"2", b"1")), self.ask(COUNT))
+        self.switch("clear swapped-card")
+        self.assertEqual(ok(LIST_BODY), self.ask(LIST + b"2"))
+        self.switch("fault swapped-card")
+        self.assertEqual(ok(LIST_BODY), self.ask(LIST + b"2"))
+
+    def test_answers_of_two_cameras_are_swapped(self):
+        self.startTwo("--fault", "swapped-cameras")
+        for _ in range(2):
+            self.assertEqual(ok(LIST_BODY), self.ask(LIST + b"2"))
+            self.assertEqual(OTHER_LIST, self.ask(LIST + b"2"))
 
     def test_only_limits_a_fault_to_some_requests(self):
         self.startTwo("--fault", "no-length", "--fault", "only=list,recording")

@@ -1,6 +1,8 @@
 """The camera's commands and recordings, as literal bytes."""
 
+import datetime
 import os
+import re
 import socket
 import struct
 import subprocess
@@ -170,6 +172,29 @@ class CameraTest(SimulatorTest):
         self.assertEqual((500, 67108864), (min(sizes), max(sizes)))
         first = self.ask(INFO + names[0].encode())
         self.assertIn(b'create="20200131124502";\r\nvar size="1572864";\r\nvar time="37";', first)
+
+    def test_recordings_of_a_dive_are_believable(self):
+        self.start("--sample=dive")
+        names = [entry.rpartition(b"/")[2] for entry in
+                 self.ask(LIST + b"99999999999999").partition(b"\r\n\r\n")[2].split(b";")[:-1]]
+        self.assertEqual([b"DIVE_%04d.MP4" % i for i in range(1, 10)], names)
+        ends = []
+        for name in names:
+            details = re.findall(rb'"(\d+)"', self.ask(INFO + name))
+            created = datetime.datetime.strptime(details[0].decode(), "%Y%m%d%H%M%S")
+            size, seconds = map(int, details[1:])
+            self.assertTrue(240_000 < size / seconds < 260_000, details)
+            self.assertTrue(not ends or created > ends[-1], details)
+            ends.append(created + datetime.timedelta(seconds=seconds))
+        self.assertLess(ends[-1] - ends[0], datetime.timedelta(days=2))
+
+    def test_sample_cards_are_named(self):
+        result = subprocess.run([harness.program, "--sample=reef"], check=False,
+                                stderr=subprocess.PIPE, text=True)
+        self.assertEqual(2, result.returncode)
+        self.assertIn('--sample does not take "reef"', result.stderr)
+        self.start("--sample=boundary")
+        self.assertIn(b'count="11"', self.ask(COUNT))
 
     def test_sample_files_make_the_same_card(self):
         sample = os.path.join(self.folder, "sample")

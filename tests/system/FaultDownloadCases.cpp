@@ -16,6 +16,10 @@ const QList<FaultCase>& downloadFaultCases()
         {{"odd-head-end"}, A::Download, "whole"},
         {{"split-head"}, A::Download, "whole"},
         {{"byte-by-byte=0"}, A::DownloadSmall, "whole"},
+        // What follows the announced length is not taken.
+        {{"growing-recording"}, A::Download, "whole"},
+        {{"no-card"}, A::Download, "41 other bytes"},
+        {{"swapped-card"}, A::Download, "4000 other bytes"},
         {{"length-offset=10"}, A::Download, "whole"},
         {{"length-offset=-39900"}, A::Download, "first 4096 bytes"},
         {{"length-text=4294967296"}, A::Download, "whole"},

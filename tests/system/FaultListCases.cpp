@@ -51,6 +51,12 @@ const QList<FaultCase>& listFaultCases()
         {{"entries=128"}, A::Browse, uniform("128")},
         {{"entries=129"}, A::Browse, uniform("128")},
         {{"entries=10000"}, A::Browse, uniform("128")},
+        {{"no-card"}, A::Browse, none},
+        {{"no-card"}, A::BrowseAgain, none},
+        {{"write-protected"}, A::Browse, healthy},
+        // Count and the first details come from one camera, list and the second details from the
+        // other: the same names.
+        {{"swapped-cameras"}, A::Browse, first + "\nREC00002.MP4|2020-01-31  12:45:02|3KB|4s"},
         {{"no-list-end"}, A::Browse, healthy},
         {{"infinite-list", "close-mid-body=1000000", "only=list"}, A::BrowseAgain, healthy},
         {{"no-semicolon"}, A::Browse, noDetails},
@@ -207,6 +213,12 @@ const QList<FaultCase>& changeFaultCases()
         {{"success-and-more"}, A::Format, none},
         {{"error-word"}, A::DeleteAll, none},
         {{"error-word=Busy"}, A::Format, none},
+        {{"no-card"}, A::DeleteAll, none},
+        {{"no-card"}, A::Format, none},
+        {{"write-protected"}, A::DeleteAll, none},
+        {{"write-protected"}, A::Format, none},
+        {{"no-card"}, A::Delete, second},
+        {{"write-protected"}, A::Delete, second},
         // The answer to a single delete is not examined.
         {{"error-word"}, A::Delete, second},
         {{"status=404"}, A::Delete, second},
