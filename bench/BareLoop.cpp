@@ -1,44 +1,12 @@
 // The least that a download in pieces of 4,096 bytes can be: one request, then read and write.
+#include "bench/Camera.h"
 #include "bench/Report.h"
 
 #include <array>
 #include <cstdio>
-#include <cstring>
-#include <string>
 
-#include <arpa/inet.h>
 #include <fcntl.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
 #include <unistd.h>
-
-namespace {
-
-int connectToCamera()
-{
-    const int descriptor = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in camera{};
-    camera.sin_family = AF_INET;
-    camera.sin_addr.s_addr = inet_addr("192.168.1.120");
-    camera.sin_port = htons(80);
-    const auto* address = reinterpret_cast<const sockaddr*>(&camera);
-    return ::connect(descriptor, address, sizeof camera) == 0 ? descriptor : -1;
-}
-
-bool skipHead(int descriptor)
-{
-    std::string head;
-    char byte = 0;
-    while (::read(descriptor, &byte, 1) == 1) {
-        head.push_back(byte);
-        if (head.size() >= 4 && head.compare(head.size() - 4, 4, "\r\n\r\n") == 0) {
-            return true;
-        }
-    }
-    return false;
-}
-
-} // namespace
 
 int main(int argc, char* argv[])
 {
@@ -47,10 +15,8 @@ int main(int argc, char* argv[])
         return 2;
     }
     const double begin = bench::now();
-    const int camera = connectToCamera();
-    const std::string request = std::string("GET ") + argv[1] +
-                                " HTTP/1.1\r\nHost:192.168.1.120\r\nConnection:close\r\n\r\n";
-    if (::write(camera, request.data(), request.size()) < 0 || !skipHead(camera)) {
+    const int camera = bench::connectToCamera();
+    if (bench::sendRequest(camera, argv[1]) < 0) {
         std::perror("bench_bare_loop");
         return 1;
     }

@@ -6,23 +6,27 @@ import statistics
 
 @dataclasses.dataclass
 class Line:
-    """One line of the table. Without a limit it only tells; a ratio is to the named reference."""
+    """One line of the table. Without a limit it is for information; a ratio is to the named
+    reference. `why` says in a few words what the figure comes from."""
 
     topic: str
     what: str
     figure: str
     target: str = ""
     reached: object = None
+    why: str = ""
+    middle: float = 0
+    limit: float = 0
 
     @property
     def verdict(self):
         return {None: "", True: "reached", False: "not reached"}.get(self.reached, self.reached)
 
 
-def atMost(topic, what, values, limit, unit="", places=2):
+def at_most(topic, what, values, limit, unit="", places=2, why=""):
     """A line whose figure is the median of the values, with the lowest and the highest. Where the
-    limit lies among the middle half of values that spread widely, nothing has been settled: a
-    quieter machine has to tell."""
+    limit is within the middle half of values that spread widely, nothing has been settled: that
+    takes a quieter machine."""
     middle = statistics.median(values)
     figure = f"{middle:.{places}f}{unit}"
     if len(values) > 1:
@@ -35,7 +39,8 @@ def atMost(topic, what, values, limit, unit="", places=2):
         lower, _, upper = statistics.quantiles(values, n=4, method="inclusive")
         if lower < limit < upper and upper > 1.2 * lower:
             reached = f"unsettled, {'below' if reached else 'above'}"
-    return Line(topic, what, figure, f"at most {limit:g}{unit}", reached)
+    return Line(topic, what, figure, f"at most {limit:g}{unit}", reached, why,
+                middle, limit)
 
 
 def ratios(measured, reference):
@@ -44,8 +49,8 @@ def ratios(measured, reference):
 
 
 def alternating(count, measurements):
-    """Measures each of the named functions `count` times, by turns and in changing order, so that
-    what else the machine does meets all alike. Returns the results by name."""
+    """Measures each of the named functions `count` times, interleaved and in alternating order, so
+    that what else the machine does affects all alike. Returns the results by name."""
     results = {name: [] for name in measurements}
     names = list(measurements)
     for turn in range(count):
@@ -70,8 +75,9 @@ def printed(lines):
 
 
 def markdown(lines):
-    rows = ["| What | Figure, median (lowest to highest) | Target | Verdict |",
-            "| --- | --- | --- | --- |"]
-    rows += [f"| {line.what} | {line.figure} | {line.target} | {line.verdict} |"
-             for line in lines]
+    """The table of verdicts: only what has a limit."""
+    rows = ["| What | Figure, median (lowest to highest) | Target | Verdict | Why |",
+            "| --- | --- | --- | --- | --- |"]
+    rows += [f"| {line.what} | {line.figure} | {line.target} | {line.verdict} | {line.why} |"
+             for line in lines if line.target]
     return "\n".join(rows)

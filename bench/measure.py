@@ -16,6 +16,8 @@ import time
 from figures import markdown, printed
 from peers import Failed, ROOT
 
+QUIET = 0.5  # load
+LONGEST_WAIT = 180  # seconds
 TOPICS = ("download", "alive", "browse", "start", "idle", "exchange", "growth")
 
 
@@ -29,16 +31,21 @@ def machine():
             f"Linux {platform.release()}")
 
 
-def publish(texts):
-    """Puts each text between its marks in the page."""
+def publish(text):
+    """Puts the text between the marks in the page."""
     page = ROOT / "docs/performance.md"
-    content = page.read_text(encoding="utf-8")
-    for name, text in texts.items():
-        begin, end = f"<!-- {name}: begin -->", f"<!-- {name}: end -->"
-        before, _, rest = content.partition(begin)
-        _, _, after = rest.partition(end)
-        content = f"{before}{begin}\n{text}\n{end}{after}"
-    page.write_text(content, encoding="utf-8")
+    begin, end = "<!-- figures: begin -->", "<!-- figures: end -->"
+    before, _, rest = page.read_text(encoding="utf-8").partition(begin)
+    _, _, after = rest.partition(end)
+    page.write_text(f"{before}{begin}\n{text}\n{end}{after}", encoding="utf-8")
+
+
+def wait_for_rest():
+    """Waits until what was built before this is over; returns the load then."""
+    deadline = time.monotonic() + LONGEST_WAIT
+    while os.getloadavg()[0] > QUIET and time.monotonic() < deadline:
+        time.sleep(5)
+    return os.getloadavg()[0]
 
 
 def main():
@@ -51,11 +58,12 @@ def main():
     options.pairs = options.pairs or (3 if options.quick else 7)
     topics = options.topics or TOPICS
 
-    load = os.getloadavg()[0]
-    when = f"{time.strftime('%Y-%m-%d')} on {machine()}; load before: {load:.1f}"
+    if options.publish and options.topics:
+        parser.error("--publish takes all topics")
+    load = os.getloadavg()[0] if options.quick else wait_for_rest()
+    rest = "a machine at rest" if load <= QUIET else f"a machine NOT at rest (load {load:.1f})"
+    when = f"{time.strftime('%Y-%m-%d')} on {rest}: {machine()}"
     print(f"Measured {when}", flush=True)
-    if load > 0.5:
-        print("The machine is busy: the figures will be worse than it is.")
     lines, data = [], {}
     for topic in topics:
         print(f"... {topic}", file=sys.stderr, flush=True)
@@ -72,8 +80,7 @@ def main():
         {"machine": machine(), "lines": [vars(line) for line in lines], "data": data}, indent=1),
         encoding="utf-8")
     if options.publish:
-        publish({topic: f"Measured {when}.\n\n" +
-                 markdown([line for line in lines if line.topic == topic]) for topic in topics})
+        publish(f"Measured {when}.\n\n{markdown(lines)}")
     print(f"Charts in {folder.relative_to(ROOT)}, all figures in build/bench/results.json")
     return 0
 

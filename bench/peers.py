@@ -50,7 +50,7 @@ class Failed(Exception):
     """A program did not do what it was started for."""
 
 
-def folderInMemory():
+def folder_in_memory():
     """A temporary folder that no disk slows down, where the system has such a place."""
     shared = "/dev/shm"
     return tempfile.TemporaryDirectory(prefix="belun-bench-",
@@ -82,7 +82,7 @@ def driver(name, *arguments, **environment):
     return [json.loads(line) for line in output.splitlines() if line.startswith("{")]
 
 
-def usageOf(command, **environment):
+def usage_of(command, **environment):
     """What a program takes that tells nothing about itself."""
     return driver("bench_usage", *command, **environment)[0]
 
@@ -105,15 +105,15 @@ def started(command, ready, **options):
             process.wait()
 
 
-def nginxProgram():
+def nginx_program():
     path = os.environ["PATH"] + ":/usr/sbin:/sbin"
     return shutil.which("nginx", path=path)
 
 
 @contextlib.contextmanager
-def camera(sizes, bytesPerSecond=0):
+def camera(sizes, bytes_per_second=0):
     """nginx with recordings of these sizes, told in megabytes, on its card."""
-    with folderInMemory() as folder:
+    with folder_in_memory() as folder:
         card = pathlib.Path(folder, "www" + RECORDINGS)
         card.mkdir(parents=True)
         names = []
@@ -124,7 +124,7 @@ def camera(sizes, bytesPerSecond=0):
                 for _ in range(max(1, int(megabytes))):
                     file.write(block if megabytes >= 1 else block[:int(megabytes * (1 << 20))])
         listed = "".join(f"sd/DCIM/100ZEPNA/{name};" for name in names)
-        limit = f"limit_rate {bytesPerSecond};" if bytesPerSecond else ""
+        limit = f"limit_rate {bytes_per_second};" if bytes_per_second else ""
         pathlib.Path(folder, "configuration").write_text(NGINX.format(
             folder=folder, count=len(names), names=listed, limit=limit), encoding="ascii")
 
@@ -138,7 +138,7 @@ def camera(sizes, bytesPerSecond=0):
                 time.sleep(0.02)
             raise Failed("nginx does not run")
 
-        command = [nginxProgram(), "-e", "stderr", "-p", folder,
+        command = [nginx_program(), "-e", "stderr", "-p", folder,
                    "-c", folder + "/configuration"]
         with started(command, ready, stdout=subprocess.DEVNULL) as process:
             yield pathlib.Path(folder), process
@@ -163,14 +163,14 @@ def modules():
 
 
 @contextlib.contextmanager
-def shaped(bitsPerSecond):
+def shaped(bits_per_second):
     """A slower network, by a token bucket on the loopback interface. Yields whether this system
     lets us have one."""
-    if not bitsPerSecond:
+    if not bits_per_second:
         yield True
         return
-    rate = f"{bitsPerSecond}bit"
-    burst = max(131_072, bitsPerSecond // 2000)
+    rate = f"{bits_per_second}bit"
+    burst = max(131_072, bits_per_second // 2000)
     made = subprocess.run(["tc", "qdisc", "add", "dev", "lo", "root", "tbf", "rate", rate,
                            "burst", str(burst), "limit", "16mb"], check=False,
                           capture_output=True).returncode == 0
@@ -184,7 +184,7 @@ def shaped(bitsPerSecond):
 @contextlib.contextmanager
 def home():
     """A home folder with a desktop, in memory. Yields it and its folder for recordings."""
-    with folderInMemory() as folder:
+    with folder_in_memory() as folder:
         recordings = pathlib.Path(folder, "Desktop/DCIM")
         recordings.mkdir(parents=True)
         yield pathlib.Path(folder), recordings

@@ -4,8 +4,8 @@ import os
 import pathlib
 import statistics
 
-from figures import alternating, atMost, field, ratios
-from peers import CAMERA, driver, folderInMemory, run, vehicle
+from figures import alternating, at_most, field, ratios
+from peers import CAMERA, driver, folder_in_memory, run, vehicle
 
 TOPIC = "browse"
 COUNTS = (16, 64, 128)
@@ -19,7 +19,7 @@ def addresses(names):
             *(COMMANDS + f"getfileinfo.cgi?&-name=sd/DCIM/100ZEPNA/{name}" for name in names)]
 
 
-def curlBrowse(folder, count):
+def curl_browse(folder, count):
     """Seconds that one curl process tells for the requests of a browse of `count` files, its start
     left out as the window's is. "Connection: close" keeps it from using a connection again."""
     configuration = pathlib.Path(folder, "requests")
@@ -30,10 +30,10 @@ def curlBrowse(folder, count):
     return sum(map(float, run(["curl", "-K", configuration])["output"].split()))
 
 
-def measureCard(options, count):
+def measure_card(options, count):
     """Seconds per request, of the window and of curl."""
     requests = count + 2
-    with folderInMemory() as folder:
+    with folder_in_memory() as folder:
         card = pathlib.Path(folder, "card")
         card.mkdir()
         for i in range(count):
@@ -42,19 +42,20 @@ def measureCard(options, count):
             results = alternating(options.pairs, {
                 "window": lambda: statistics.median(
                     field(driver("bench_window", "browse", 3), "seconds")) / requests,
-                "curl": lambda: curlBrowse(folder, count) / requests})
+                "curl": lambda: curl_browse(folder, count) / requests})
     return results
 
 
 def measure(options):
-    results = {count: measureCard(options, count) for count in COUNTS}
-    lines = [atMost(TOPIC, f"{count} recordings, time per file, to curl's",
-                    ratios(result["window"], result["curl"]), 1.0)
+    results = {count: measure_card(options, count) for count in COUNTS}
+    lines = [at_most(TOPIC, f"{count} recordings, time per file, to curl's",
+                     ratios(result["window"], result["curl"]), 1.0,
+                     why="heads are read byte by byte; includes the rows on the screen")
              for count, result in results.items()]
-    lines += [atMost(TOPIC, f"{count} recordings, time per file",
-                     [value * 1e6 for value in result["window"]], None, " us", 0)
+    lines += [at_most(TOPIC, f"{count} recordings, time per file",
+                      [value * 1e6 for value in result["window"]], None, " us", 0)
               for count, result in results.items()]
     grown = ratios(results[COUNTS[-1]]["window"], results[COUNTS[0]]["window"])
-    lines.append(atMost(TOPIC, f"time per file, {COUNTS[-1]} recordings to {COUNTS[0]}", grown,
-                        1.1))
+    lines.append(at_most(TOPIC, f"time per file, {COUNTS[-1]} recordings to {COUNTS[0]}", grown,
+                         1.1, why="nothing grows with the number of rows"))
     return lines, results

@@ -3,8 +3,8 @@
 import pathlib
 import statistics
 
-from figures import Line, atMost
-from peers import CAMERA, camera, driver, folderInMemory, home, modules, vehicle
+from figures import Line, at_most
+from peers import CAMERA, camera, driver, folder_in_memory, home, modules, vehicle
 
 TOPIC = "growth"
 ROWS = (16, 32, 64, 128)
@@ -15,7 +15,7 @@ def selection(options):
     """Microseconds a row, by the number of rows."""
     result = {}
     for count in ROWS:
-        with folderInMemory() as folder:
+        with folder_in_memory() as folder:
             for i in range(count):
                 pathlib.Path(folder, f"REC{i:05}.MP4").write_bytes(b"x")
             with vehicle("--card", folder):
@@ -53,28 +53,34 @@ def thirds(values):
 
 
 def measure(options):
-    perRow, perAnswer, perDownload = selection(options), answers(options), downloads(options)
-    most, fewest = perRow[ROWS[-1]], perRow[ROWS[0]]
-    lines = [atMost(TOPIC, f"selection, time per row, {ROWS[-1]} rows to {ROWS[0]}",
-                    [many / few for many, few in zip(most, fewest)], 1.25)]
+    per_row, per_answer, per_download = selection(options), answers(options), downloads(options)
+    most, fewest = per_row[ROWS[-1]], per_row[ROWS[0]]
+    lines = [at_most(TOPIC, f"selection, time per row, {ROWS[-1]} rows to {ROWS[0]}",
+                     [many / few for many, few in zip(most, fewest)], 1.25,
+                     why="rows are inserted in order")]
 
-    big, middle = perAnswer[KILOBYTES[-1]], perAnswer[KILOBYTES[-2]]
+    big, middle = per_answer[KILOBYTES[-1]], per_answer[KILOBYTES[-2]]
     factor = KILOBYTES[-1] / KILOBYTES[-2]
-    lines.append(atMost(TOPIC, "list answer, time per megabyte, 20 MB to 1 MB",
-                        [many / few / factor for many, few in zip(big["seconds"],
-                                                                  middle["seconds"])], 1.25))
-    lines.append(atMost(TOPIC, "list answer of 20 MB, memory to its size",
-                        [each / KILOBYTES[-1] for each in big["grownKilobytes"]], 3))
+    lines.append(at_most(TOPIC, "list answer, time per megabyte, 20 MB to 1 MB",
+                         [many / few / factor for many, few in zip(big["seconds"],
+                                                                   middle["seconds"])], 1.25,
+                         why="read in blocks, appended to one string"))
+    lines.append(at_most(TOPIC, "list answer of 20 MB, memory to its size",
+                         [each / KILOBYTES[-1] for each in big["grownKilobytes"]], 3,
+                         why="a string grows by doubling"))
 
-    seconds = [each["seconds"] for each in perDownload]
+    seconds = [each["seconds"] for each in per_download]
     late, early = thirds(seconds)
-    lines.append(atMost(TOPIC, f"{len(seconds)} downloads, time of one, last third to first",
-                        [late / early], 1.25))
-    memory = [each["residentKilobytes"] for each in perDownload]
+    lines.append(at_most(TOPIC, f"{len(seconds)} downloads, time of one, last third to first",
+                         [late / early], 1.25, why="what stays is never walked"))
+    memory = [each["residentKilobytes"] for each in per_download]
     last = memory[-len(memory) // 3:]
-    lines.append(atMost(TOPIC, f"{len(seconds)} downloads, memory of one of the last third",
-                        [(last[-1] - last[0]) / (len(last) - 1)], 20, " kB", 1))
+    lines.append(at_most(TOPIC, f"{len(seconds)} downloads, memory of one of the last third",
+                         [(last[-1] - last[0]) / (len(last) - 1)], 20, " kB", 1,
+                         why="the thread object and two descriptors stay, as required"))
     lines.append(Line(TOPIC, f"{len(seconds)} downloads, memory of the first two thirds",
                       f"{(last[0] - memory[0]) / 1024:.1f} MB"))
-    return lines, {"selection": perRow, "answers": perAnswer, "seconds": seconds,
+    return lines, {"shares": {line.what: (line.middle, line.limit)
+                              for line in lines if line.target},
+                   "selection": per_row, "answers": per_answer, "seconds": seconds,
                    "memory": memory}

@@ -5,7 +5,7 @@ import pathlib
 import subprocess
 import time
 
-from figures import Line, atMost
+from figures import Line, at_most
 from peers import BUILT, Failed, vehicle
 
 TOPIC = "idle"
@@ -50,8 +50,8 @@ def measure(options):
         for job, what in (("idle", "open"), ("linked", "linked")):
             share, waits = watch(job, seconds)
             data[what] = {"percent": share, "waits": waits}
-            lines.append(atMost(TOPIC, f"{what}, processor over {seconds} s", [share], 0.3,
-                                " % of a core"))
+            lines.append(at_most(TOPIC, f"{what}, CPU time over {seconds} s", [share], 0.3,
+                                 " % of a core"))
             lines.append(Line(TOPIC, f"{what}, wake-ups a second", f"{sum(waits.values()):.1f}"))
             lines += [Line(TOPIC, f"{what}, wake-ups a second of thread {name}", f"{value:.1f}")
                       for name, value in waits.items() if value >= 0.05]
