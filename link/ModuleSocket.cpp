@@ -3,45 +3,29 @@
 #include "link/VehicleFrame.h"
 
 #include <cerrno>
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
-#include <pthread.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
-#include <QThread>
 #include <QtGlobal>
 
 namespace vehicle {
 
-namespace {
-
-constexpr unsigned long wakeInterval = 5; // milliseconds
-
-} // namespace
-
-ModuleSocket::~ModuleSocket()
+int connectToModule(sys::StoppableCalls& calls, const char* moduleName, const char* ip, int port)
 {
-    for (const int descriptor : m_kept) {
-        ::close(descriptor);
-    }
-}
-
-int ModuleSocket::connectTo(const char* ip, int port)
-{
-    qDebug("%s new socket begin", m_moduleName);
+    sys::StoppableCalls::Call call(calls);
+    qDebug("%s new socket begin", moduleName);
     const int descriptor = ::socket(AF_INET, SOCK_STREAM, 0);
-    m_newest = descriptor;
+    call.waitOn(descriptor);
     sockaddr_in anyAddress{};
     anyAddress.sin_family = AF_INET;
     static_cast<void>(
         ::bind(descriptor, reinterpret_cast<const sockaddr*>(&anyAddress), sizeof anyAddress));
-    qDebug("%s new socket bind ok", m_moduleName);
+    qDebug("%s new socket bind ok", moduleName);
 
     sockaddr_in module{};
     module.sin_family = AF_INET;
@@ -49,27 +33,12 @@ int ModuleSocket::connectTo(const char* ip, int port)
     module.sin_addr.s_addr = inet_addr(ip);
     while (::connect(descriptor, reinterpret_cast<const sockaddr*>(&module), sizeof module) != 0 &&
            errno != EISCONN) { // that is: connected by a call that a signal had interrupted
-        if (stopRequested()) {
+        if (calls.stopRequested()) {
             return descriptor;
         }
     }
-    qDebug("%s new socket success", m_moduleName);
+    qDebug("%s new socket success", moduleName);
     return descriptor;
-}
-
-void ModuleSocket::keep(int descriptor)
-{
-    if (descriptor >= 0) {
-        m_kept.push_back(descriptor);
-    }
-}
-
-void ModuleSocket::stopAndWait(QThread& linkThread)
-{
-    requestStop();
-    while (!linkThread.wait(wakeInterval)) {
-        ::shutdown(m_newest, SHUT_RDWR);
-    }
 }
 
 int localAddress(int descriptor, char* ip)
@@ -82,14 +51,6 @@ int localAddress(int descriptor, char* ip)
     }
     inet_ntop(AF_INET, &local.sin_addr, ip, INET_ADDRSTRLEN);
     return static_cast<int>(std::strlen(ip));
-}
-
-void blockPipeSignal()
-{
-    sigset_t pipeSignal;
-    ::sigemptyset(&pipeSignal);
-    ::sigaddset(&pipeSignal, SIGPIPE);
-    ::pthread_sigmask(SIG_BLOCK, &pipeSignal, nullptr);
 }
 
 void sendFrame(int descriptor, char type, char data)

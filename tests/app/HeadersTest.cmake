@@ -18,8 +18,8 @@ check_headers(posix
 check_headers(http
   http/HTTPClient.h http/HTTPRecords.h http/HTTPSession.h)
 check_headers(link
-  link/ControlClientThread.h link/GroundClientThread.h link/ModuleSocket.h link/ReceiveLoop.h
-  link/VehicleFrame.h link/VersionText.h)
+  link/ControlClientThread.h link/GroundClientThread.h link/ModuleClientThread.h
+  link/ModuleSocket.h link/ReceiveLoop.h link/VehicleFrame.h link/VersionText.h)
 check_headers(card
   card/CardAnswers.h card/CardCommands.h card/FileInfoText.h card/NameTable.h
   card/NumberText.h card/SelectionRecord.h)

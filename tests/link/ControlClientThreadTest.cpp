@@ -95,6 +95,7 @@ private slots:
     void stopEndsTheThread_data();
     void stopEndsTheThread();
     void threadThatWasNeverStartedCanBeDestroyed();
+    void destructionEndsEveryCallerOfNewTcpSocketClient();
     void sendStringSendsOneFrame();
     void newTcpSocketClientAndGethostIP();
 };
@@ -551,6 +552,39 @@ void ControlClientThreadTest::threadThatWasNeverStartedCanBeDestroyed()
         const Link link;
     }
     QVERIFY2(time.elapsed() < stopLimit, qPrintable(QString::number(time.elapsed()) + " ms"));
+}
+
+// run() waits for the module to speak, two other threads for an address that does not answer.
+void ControlClientThreadTest::destructionEndsEveryCallerOfNewTcpSocketClient()
+{
+    ScriptedServer server(Script(hold), address, port);
+    const support::SilentAddress silent("127.0.0.1", 0);
+    auto link = std::make_unique<Link>();
+    ControlClientThread& thread = link->thread;
+    std::vector<std::unique_ptr<QThread>> callers;
+    std::atomic<int> left{0};
+    link->start();
+    QVERIFY(link->log.waitFor("Control host IP: 192.168.1.149 length: 13"));
+    for (int number = 0; number < 2; ++number) {
+        callers.emplace_back(QThread::create([&] {
+            const int descriptor = thread.newTcpSocketClient("127.0.0.1", silent.port());
+            ++left;
+            ::close(descriptor);
+        }));
+        const support::SleepWatch watch(*callers.back());
+        callers.back()->start();
+        QVERIFY(link->log.waitFor("control new socket bind ok", 2 + number));
+        QVERIFY(watch.waitUntilAsleep());
+    }
+    QElapsedTimer time;
+    time.start();
+    link.reset();
+    const qint64 elapsed = time.elapsed();
+    for (const auto& caller : callers) {
+        QVERIFY(caller->wait(5000));
+    }
+    QVERIFY2(elapsed < stopLimit, qPrintable(QString::number(elapsed) + " ms"));
+    QCOMPARE(left.load(), 2);
 }
 
 void ControlClientThreadTest::sendStringSendsOneFrame()

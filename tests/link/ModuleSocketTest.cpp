@@ -82,26 +82,31 @@ int refusedConnections()
     qFatal("this system does not count refused connections");
 }
 
-/// A connectTo() in a thread of its own.
+/// A connectToModule() in a thread of its own.
 class Connecting
 {
 public:
     explicit Connecting(quint16 port)
-        : m_thread(QThread::create([this, port] { descriptor = socket.connectTo(host, port); }))
+        : m_thread(QThread::create(
+              [this, port] { descriptor = vehicle::connectToModule(calls, "test", host, port); }))
     {
         m_thread->start();
     }
     ~Connecting()
     {
-        socket.stopAndWait(*m_thread);
-        socket.keep(descriptor);
+        stopAndWait();
+        calls.keep(descriptor);
     }
     Connecting(const Connecting&) = delete;
     Connecting& operator=(const Connecting&) = delete;
 
     QThread& thread() { return *m_thread; }
+    void stopAndWait()
+    {
+        calls.stopAndWait([this](unsigned long limit) { return m_thread->wait(limit); });
+    }
 
-    vehicle::ModuleSocket socket{"test"};
+    sys::StoppableCalls calls;
     std::atomic<int> descriptor{-2};
 
 private:
@@ -119,7 +124,6 @@ private slots:
     void connectingGoesOnUntilTheModuleListens();
     void connectingUsesOneSocketOnly();
     void socketThatIsConnectedAlreadyCountsAsSuccess();
-    void keptSocketsStayOpenAsLongAsTheObject();
     void stopEndsAConnect_data();
     void stopEndsAConnect();
     void stopBeforeConnectingTriesOnceOnly();
@@ -133,9 +137,9 @@ void ModuleSocketTest::connectionIsMadeAndLogged()
 {
     ScriptedServer server(ScriptedServer::Script([](Peer& peer) { peer.receiveExactly(3); }));
     const support::LogCapture log;
-    vehicle::ModuleSocket socket("some module's");
-    const int descriptor = socket.connectTo(host, server.port());
-    socket.keep(descriptor);
+    sys::StoppableCalls calls;
+    const int descriptor = vehicle::connectToModule(calls, "some module's", host, server.port());
+    calls.keep(descriptor);
     QCOMPARE(::send(descriptor, "abc", 3, MSG_NOSIGNAL), ssize_t{3});
     QVERIFY(server.waitForReceived(0, "abc"));
     QCOMPARE(log.lines(),
@@ -186,20 +190,6 @@ void ModuleSocketTest::socketThatIsConnectedAlreadyCountsAsSuccess()
     QCOMPARE(log.count("test new socket success"), 1);
 }
 
-void ModuleSocketTest::keptSocketsStayOpenAsLongAsTheObject()
-{
-    ScriptedServer server(ScriptedServer::Script([](Peer& peer) { peer.holdOpen(); }));
-    const support::LogCapture log;
-    {
-        vehicle::ModuleSocket socket("test");
-        for (int number = 0; number < 3; ++number) {
-            socket.keep(socket.connectTo(host, server.port()));
-        }
-        QCOMPARE(support::socketsConnectedTo(host, server.port()), 3);
-    }
-    QCOMPARE(support::socketsConnectedTo(host, server.port()), 0);
-}
-
 void ModuleSocketTest::stopEndsAConnect_data()
 {
     QTest::addColumn<bool>("silent");
@@ -219,20 +209,20 @@ void ModuleSocketTest::stopEndsAConnect()
     QVERIFY(log.waitFor("test new socket bind ok"));
     QElapsedTimer time;
     time.start();
-    connecting.socket.stopAndWait(connecting.thread());
+    connecting.stopAndWait();
     QVERIFY2(time.elapsed() < stopLimit, qPrintable(QString::number(time.elapsed()) + " ms"));
     QVERIFY(connecting.thread().isFinished());
-    QVERIFY(connecting.socket.stopRequested());
+    QVERIFY(connecting.calls.stopRequested());
     QCOMPARE(log.count("test new socket success"), 0);
 }
 
 void ModuleSocketTest::stopBeforeConnectingTriesOnceOnly()
 {
     const support::LogCapture log;
-    vehicle::ModuleSocket socket("test");
-    QVERIFY(!socket.stopRequested());
-    socket.requestStop();
-    socket.keep(socket.connectTo(host, closedPort));
+    sys::StoppableCalls calls;
+    QVERIFY(!calls.stopRequested());
+    calls.requestStop();
+    calls.keep(vehicle::connectToModule(calls, "test", host, closedPort));
     QCOMPARE(log.lines(), QStringList({"test new socket begin", "test new socket bind ok"}));
 }
 
