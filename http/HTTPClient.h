@@ -16,7 +16,8 @@
 
 /// The operations of the client. It holds no data: everything works on the records and the session
 /// that are handed in. Failures are results, never exceptions and never messages. An answer's
-/// status is no failure; look at HTTPResponse::statusCode.
+/// status is no failure; look at HTTPResponse::statusCode. A text to append to may be any text,
+/// also one that the same call reads.
 class HTTPClient
 {
 public:

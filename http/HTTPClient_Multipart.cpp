@@ -3,14 +3,15 @@
 
 void HTTPClient::makeMultipartBody(HTTPMultipart& multipart, std::string& out)
 {
+    std::string body; // built apart: `out` may be one of the record's texts
     const char* lineEndBefore = "";
     for (const auto& [key, part] : multipart.parts) {
-        out.append(lineEndBefore).append("--").append(multipart.boundary).append("\r\n");
+        body.append(lineEndBefore).append("--").append(multipart.boundary).append("\r\n");
         for (const auto& [name, value] : part.headers) {
-            out.append(name).append(": ").append(value).append("\r\n");
+            body.append(name).append(": ").append(value).append("\r\n");
         }
-        out.append("\r\n").append(part.content);
+        body.append("\r\n").append(part.content);
         lineEndBefore = "\r\n";
     }
-    out.append("\r\n--").append(multipart.boundary).append("--\r\n");
+    out += body.append("\r\n--").append(multipart.boundary).append("--\r\n");
 }

@@ -28,17 +28,17 @@ const char* methodWord(HTTP_REQ_TYPE type)
 
 void HTTPClient::makeHeader(HTTP_REQ_TYPE& type, HTTPRequest& request, std::string& out)
 {
-    out.append(methodWord(type)).append(" ").append(request.path).append(" ");
-    out.append(request.version).append("\r\n");
-    out.append("Host: ").append(request.host);
+    std::string head = methodWord(type); // built apart: `out` may be one of the request's texts
+    head.append(" ").append(request.path).append(" ").append(request.version).append("\r\n");
+    head.append("Host: ").append(request.host);
     if (request.port != 80) {
-        out.append(":").append(std::to_string(request.port));
+        head.append(":").append(std::to_string(request.port));
     }
-    out.append("\r\n");
+    head.append("\r\n");
     for (const auto& [name, value] : request.headers) {
-        out.append(name).append(": ").append(value).append("\r\n");
+        head.append(name).append(": ").append(value).append("\r\n");
     }
-    out.append("\r\n");
+    out += head.append("\r\n");
 }
 
 bool HTTPClient::sendHeader(HTTP_REQ_TYPE& type, HTTPSession& session, HTTPRequest& request)

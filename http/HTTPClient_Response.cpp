@@ -115,8 +115,11 @@ void HTTPClient::parseLine(const std::string& line, std::string& name, std::stri
     const std::string_view separator = beginsWithStatusWord(text) ? " " : ": ";
     const std::size_t split = text.find(separator);
     if (split != std::string_view::npos) {
-        name.append(text.substr(0, split));
-        value.append(text.substr(split + separator.size()));
+        // Copied before anything is appended: the line may be one of the two itself.
+        const std::string left(text.substr(0, split));
+        const std::string right(text.substr(split + separator.size()));
+        name += left;
+        value += right;
     }
 }
 

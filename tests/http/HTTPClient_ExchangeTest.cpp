@@ -79,6 +79,7 @@ private slots:
     void getClosesItsConnectionAfterEachBody();
     void getClosesItsConnectionAfterAFailure();
     void getAppendsToTheBody();
+    void getMayAppendToTheAddress();
     void getReadsAnAnswerThatComesByteByByte();
     void getOfAServerThatClosesAtOnceFails();
     void getOfAServerThatClosesInsideTheBodyFailsWithWhatArrived();
@@ -388,6 +389,21 @@ void HTTPClient_ExchangeTest::getAppendsToTheBody()
     response = HTTPResponse();
     QVERIFY(HTTPClient().get(request, response, body));
     QCOMPARE(body, std::string("firstsecond"));
+}
+
+void HTTPClient_ExchangeTest::getMayAppendToTheAddress()
+{
+    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"));
+    HTTPRequest request = requestTo(server, "/a");
+    const std::string url = request.url;
+    HTTPResponse response;
+    QVERIFY(HTTPClient().get(request, response, request.url));
+    QCOMPARE(request.url, url + "hello");
+    request.url = url;
+    QVERIFY(HTTPClient().get(request, response, request.path));
+    QCOMPARE(request.path, std::string("/ahello"));
+    QVERIFY(server.waitForScripts(2));
+    QCOMPARE(server.received(1), defaultHead("/a", server));
 }
 
 void HTTPClient_ExchangeTest::getReadsAnAnswerThatComesByteByByte()

@@ -18,6 +18,7 @@ private slots:
     void contentIsWrittenAsItIs();
     void bodyIsAppended();
     void recordIsLeftAsItWas();
+    void bodyMayBeAppendedToATextOfTheRecord();
 };
 
 static std::string bodyOf(HTTPMultipart multipart)
@@ -88,6 +89,21 @@ void HTTPClient_MultipartTest::recordIsLeftAsItWas()
     QCOMPARE(multipart.parts.size(), std::size_t(1));
     QCOMPARE(multipart.parts[1].headers["N"], std::string("V"));
     QCOMPARE(multipart.parts[1].content, std::string("1"));
+}
+
+void HTTPClient_MultipartTest::bodyMayBeAppendedToATextOfTheRecord()
+{
+    const HTTPMultipart fresh{"b", {{1, {{{"N", "V"}}, "1"}}, {2, {{}, "2"}}}};
+    const std::string body = "--b\r\nN: V\r\n\r\n1\r\n--b\r\n\r\n2\r\n--b--\r\n";
+    HTTPMultipart multipart = fresh;
+    HTTPClient().makeMultipartBody(multipart, multipart.boundary);
+    QCOMPARE(multipart.boundary, "b" + body);
+    multipart = fresh;
+    HTTPClient().makeMultipartBody(multipart, multipart.parts[1].content);
+    QCOMPARE(multipart.parts[1].content, "1" + body);
+    multipart = fresh;
+    HTTPClient().makeMultipartBody(multipart, multipart.parts[1].headers["N"]);
+    QCOMPARE(multipart.parts[1].headers["N"], "V" + body);
 }
 
 BELUN_TEST(HTTPClient_MultipartTest)

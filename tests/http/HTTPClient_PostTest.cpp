@@ -73,6 +73,7 @@ private slots:
     void postOfAnEmptyBodySendsTheHeadOnlyAndReadsTheAnswer();
     void postOfThreeMegabytesIsSentWhole();
     void postAppendsTheAnswersBody();
+    void postMayAppendToWhatItSends();
     void postOfAnErrorStatusIsNoFailure();
     void postLeavesABodyWithoutLengthUnread();
     void postLeavesAChunkedBodyWithoutLengthUnread();
@@ -216,6 +217,16 @@ void HTTPClient_PostTest::postAppendsTheAnswersBody()
     std::string body = "before ";
     QVERIFY(HTTPClient().post(request, response, "data", body));
     QCOMPARE(body, std::string("before done"));
+}
+
+void HTTPClient_PostTest::postMayAppendToWhatItSends()
+{
+    ScriptedServer server(answering("data", "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\ndone"));
+    HTTPRequest request = requestTo(server, "/");
+    HTTPResponse response;
+    std::string text = "data";
+    QVERIFY(HTTPClient().post(request, response, text, text));
+    QCOMPARE(text, std::string("datadone"));
 }
 
 void HTTPClient_PostTest::postOfAnErrorStatusIsNoFailure()

@@ -22,6 +22,7 @@ private slots:
     void versionAndPathAreWrittenAsTheyStand();
     void headsAreAppended();
     void requestIsLeftAsItWas();
+    void headMayBeAppendedToATextOfTheRequest();
 };
 
 static std::string headOf(HTTPRequest request, HTTP_REQ_TYPE type = HTTP_REQ_GET)
@@ -152,6 +153,24 @@ void HTTPClient_RequestHeadTest::requestIsLeftAsItWas()
     QCOMPARE(request.port, 80);
     QCOMPARE(request.path, std::string("/"));
     QVERIFY(request.headers == HTTPRequest().headers);
+}
+
+void HTTPClient_RequestHeadTest::headMayBeAppendedToATextOfTheRequest()
+{
+    HTTPRequest fresh;
+    fresh.host = "h";
+    fresh.headers = {{"N", "V"}};
+    const std::string head = "GET / HTTP/1.1\r\nHost: h\r\nN: V\r\n\r\n";
+    HTTP_REQ_TYPE type = HTTP_REQ_GET;
+    for (std::string HTTPRequest::*text :
+         {&HTTPRequest::version, &HTTPRequest::host, &HTTPRequest::path, &HTTPRequest::url}) {
+        HTTPRequest request = fresh;
+        HTTPClient().makeHeader(type, request, request.*text);
+        QCOMPARE(request.*text, fresh.*text + head);
+    }
+    HTTPRequest request = fresh;
+    HTTPClient().makeHeader(type, request, request.headers["N"]);
+    QCOMPARE(request.headers["N"], "V" + head);
 }
 
 BELUN_TEST(HTTPClient_RequestHeadTest)

@@ -74,6 +74,7 @@ private slots:
     void lineIsSplit();
     void halvesOfALineAreAppended();
 
+    void halvesMayBeAppendedToTheLineItself();
     void headBeforeTheEmptyLineOnlyIsTaken();
     void headLineEndsAt102400Bytes();
     void headOfAFailingConnectionIsAHead();
@@ -165,6 +166,29 @@ void HTTPClient_ResponseTest::halvesOfALineAreAppended()
     HTTPClient().parseLine("nothing\r\n", name, value);
     QCOMPARE(name, std::string("name AHTTP/1.1"));
     QCOMPARE(value, std::string("value b200 OK"));
+}
+
+void HTTPClient_ResponseTest::halvesMayBeAppendedToTheLineItself()
+{
+    const std::string line = "Content-Disposition: " + std::string(100, 'v') + "\r\n";
+    const std::string name = "Content-Disposition";
+    const std::string value(100, 'v');
+    std::string both = line;
+    std::string other;
+    HTTPClient().parseLine(both, both, other);
+    QCOMPARE(both, line + name);
+    QCOMPARE(other, value);
+    both = line;
+    other.clear();
+    HTTPClient().parseLine(both, other, both);
+    QCOMPARE(other, name);
+    QCOMPARE(both, line + value);
+    both = line;
+    HTTPClient().parseLine(both, both, both);
+    QCOMPARE(both, line + name + value);
+    other.clear();
+    HTTPClient().parseLine(line, other, other);
+    QCOMPARE(other, name + value);
 }
 
 void HTTPClient_ResponseTest::headBeforeTheEmptyLineOnlyIsTaken()
