@@ -1,28 +1,11 @@
 #include "download/DownloadFileThread.h"
 
 #include "download/DownloadRequest.h"
-
-#include <csignal>
-
-#include <pthread.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include "download/LocalFile.h"
+#include "download/RecordingDownload.h"
+#include "posix/PipeSignalBlock.h"
 
 #include <QStandardPaths>
-
-namespace {
-
-/// Writing to a connection that the camera has refused or closed fails from now on without a
-/// signal, which would end a program that does not ignore it.
-void blockPipeSignal()
-{
-    sigset_t pipeSignal;
-    ::sigemptyset(&pipeSignal);
-    ::sigaddset(&pipeSignal, SIGPIPE);
-    ::pthread_sigmask(SIG_BLOCK, &pipeSignal, nullptr);
-}
-
-} // namespace
 
 DownloadFileThread::DownloadFileThread(QObject* parent)
     : QThread(parent), urlPrefix(QStringLiteral("http://192.168.1.120/sd/DCIM/100ZEPNA/"))
@@ -38,12 +21,12 @@ DownloadFileThread::~DownloadFileThread()
 
 void DownloadFileThread::stopAndWait()
 {
-    m_download.stopAndWait(*this);
+    m_calls.stopAndWait([this](unsigned long milliseconds) { return wait(milliseconds); });
 }
 
 void DownloadFileThread::run()
 {
-    blockPipeSignal();
+    const sys::PipeSignalBlock block;
     const QString name = fileName;
     DownloadFile(name);
 }
@@ -56,33 +39,33 @@ void DownloadFileThread::DownloadFile(QString name)
     const QByteArray localName = name.toLatin1();
     const QByteArray folder = download::recordingsFolder(
         QStandardPaths::writableLocation(QStandardPaths::DesktopLocation));
-    if (::access(folder.constData(), F_OK) != 0) {
-        ::mkdir(folder.constData(), 0777);
-    }
+    download::makeFolder(folder);
 
-    if (!m_download.openSocket()) {
+    download::RecordingDownload recording(m_calls);
+    if (!recording.openSocket()) {
         QThread::exit(-1);
     }
-    if (!m_download.connectToCamera()) {
+    if (!recording.connectToCamera()) {
         QThread::exit(-1);
     }
-    m_download.sendRequest(download::requestText(url, download::cameraHost));
+    recording.sendRequest(download::requestText(url, download::cameraHost));
     download::ResponseHead head;
-    if (!m_download.readHead(head)) {
+    if (!recording.readHead(head)) {
         QThread::exit(-1);
     }
-    if (m_download.stopRequested()) {
+    if (m_calls.stopRequested()) {
         return; // the program is closing: no file is begun
     }
-    respHeader = get_resp_header(head.text());
+    const resp_header header = get_resp_header(head.text());
+    {
+        const std::lock_guard<std::mutex> lock(m_headerMutex);
+        respHeader = header;
+    }
 
-    const bool opened = download::isBareFileName(localName)
-                            ? m_download.openFile(folder + localName)
-                            : m_download.refuseFile();
-    if (!opened) {
+    if (!recording.openFile(folder, localName)) {
         QThread::exit(0);
     }
-    m_download.copyBody(respHeader.content_length, [this](qint64 received, qint64 announced) {
+    recording.copyBody(header.content_length, [this](qint64 received, qint64 announced) {
         emit updateDownloadFileProgress(received, announced);
     });
     emit downloadFileFinished();

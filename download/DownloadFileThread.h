@@ -1,8 +1,11 @@
 // The download of one recording from the camera's card.
 #pragma once
 
-#include "download/RecordingDownload.h"
 #include "download/resp_header.h"
+#include "posix/StoppableCalls.h"
+#include "posix/Worker.h"
+
+#include <mutex>
 
 #include <QString>
 #include <QThread>
@@ -11,7 +14,7 @@
 /// connection of its own. Whatever fails, run() ends with downloadFileFinished(). The object
 /// belongs to the thread that made it; run() is the download thread, and the signals come from
 /// there. The destructor stops the download and waits for it.
-class DownloadFileThread : public QThread
+class DownloadFileThread : public QThread, public sys::Worker
 {
     Q_OBJECT
 
@@ -19,14 +22,14 @@ public:
     explicit DownloadFileThread(QObject* parent);
     ~DownloadFileThread() override;
 
-    /// Asks run() to end, without waiting. From any thread.
-    void requestStop() noexcept { m_download.requestStop(); }
-    /// Ends whatever run() waits for and returns when it has finished, within milliseconds.
-    void stopAndWait();
+    void requestStop() noexcept final { m_calls.requestStop(); }
+    /// Ends every download, in run() and in DownloadFile() from whatever thread, and returns when
+    /// run() has finished and the last caller has left, within milliseconds.
+    void stopAndWait() final;
 
     QString fileName;       ///< The recording's bare name; set before start().
-    QString urlPrefix;      ///< What stands before the name in the request, scheme included.
-    resp_header respHeader; ///< The head of the last answer; written by the download thread.
+    QString urlPrefix;      ///< What precedes the name in the request, scheme included.
+    resp_header respHeader; ///< The head of the last answer; written by DownloadFile().
 
 signals:
     void downloadFileFinished();
@@ -34,14 +37,16 @@ signals:
     void updateDownloadFileProgress(qint64, qint64);
 
 public slots:
-    /// The whole download, in the calling thread.
+    /// Downloads one recording in the calling thread. Calls may overlap: each has its own
+    /// connection and its own file.
     void DownloadFile(QString fileName);
-    /// Status, type and length of a head.
+    /// Returns status, type and length of a head.
     resp_header get_resp_header(char* response);
 
 protected:
     void run() override;
 
 private:
-    download::RecordingDownload m_download;
+    std::mutex m_headerMutex; // of respHeader while it is written
+    sys::StoppableCalls m_calls;
 };

@@ -1,9 +1,5 @@
 #include "download/DownloadRequest.h"
 
-#include <unistd.h>
-
-#include <QFile>
-
 namespace download {
 
 namespace {
@@ -17,30 +13,12 @@ constexpr char headBeforeHost[] =
     "Host:";
 constexpr char headAfterHost[] = "\r\nConnection:close\r\n\r\n";
 
-bool exists(const QByteArray& path)
-{
-    return ::access(path.constData(), F_OK) == 0;
-}
-
 } // namespace
 
 QByteArray requestText(const QByteArray& url, const char* host)
 {
     // The URL is a C string to the camera: a zero byte ends it.
     return QByteArray("GET ") + url.constData() + headBeforeHost + host + headAfterHost;
-}
-
-QByteArray recordingsFolder(const QString& desktop)
-{
-    const QByteArray latin1 = desktop.toLatin1();
-    const QByteArray native = QFile::encodeName(desktop);
-    return (!exists(latin1) && exists(native) ? native : latin1) + "/DCIM/";
-}
-
-bool isBareFileName(const QByteArray& name)
-{
-    return !name.isEmpty() && name != "." && name != ".." && !name.contains('/') &&
-           !name.contains('\0');
 }
 
 } // namespace download

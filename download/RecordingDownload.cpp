@@ -1,6 +1,7 @@
 #include "download/RecordingDownload.h"
 
 #include "download/DownloadRequest.h"
+#include "download/LocalFile.h"
 
 #include <array>
 #include <cerrno>
@@ -8,23 +9,18 @@
 #include <new>
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <unistd.h>
-
-#include <QThread>
 
 namespace download {
 
 namespace {
 
-constexpr unsigned long wakeInterval = 5; // milliseconds
-constexpr int errorLimit = 16;            // receive errors in a row
+constexpr int errorLimit = 16; // receive errors in a row
 
 /// Shown at once, also when standard output is a pipe.
-void tell(const char* line)
+void print(const char* line)
 {
     std::fputs(line, stdout);
     std::fflush(stdout);
@@ -38,23 +34,15 @@ qint32 wrappingSum(qint32 count, qint32 more)
 
 } // namespace
 
-RecordingDownload::~RecordingDownload()
-{
-    for (const int descriptor : m_opened) {
-        ::close(descriptor);
-    }
-}
-
 bool RecordingDownload::openSocket()
 {
-    const int descriptor = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-    m_socket = descriptor;
-    if (descriptor < 0) {
-        std::printf("invalid socket descriptor: %d\n", descriptor);
-        std::fflush(stdout);
+    m_socket = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+    if (m_socket < 0) {
+        print("invalid socket descriptor: -1\n");
         return false;
     }
-    m_opened.push_back(descriptor);
+    m_calls.keep(m_socket);
+    m_call.waitOn(m_socket);
     return true;
 }
 
@@ -65,8 +53,8 @@ bool RecordingDownload::connectToCamera()
     camera.sin_addr.s_addr = inet_addr(cameraHost);
     camera.sin_port = htons(cameraPort);
     if (::connect(m_socket, reinterpret_cast<const sockaddr*>(&camera), sizeof camera) == -1 &&
-        !m_stopRequested) {
-        tell("connect failed, return: -1\n");
+        !m_calls.stopRequested()) {
+        print("connect failed, return: -1\n");
         return false;
     }
     return true;
@@ -82,7 +70,7 @@ bool RecordingDownload::readHead(ResponseHead& head)
 {
     try {
         bool complete = false;
-        while (!complete && !m_stopRequested) {
+        while (!complete && !m_calls.stopRequested()) {
             char byte = 0;
             const ssize_t count = ::read(m_socket, &byte, 1);
             if (count == 1) {
@@ -92,34 +80,21 @@ bool RecordingDownload::readHead(ResponseHead& head)
             }
         }
     } catch (const std::bad_alloc&) {
-        tell("realloc failed\n");
+        print("realloc failed\n");
         return false;
     }
     return true;
 }
 
-bool RecordingDownload::openFile(const QByteArray& path)
+bool RecordingDownload::openFile(const QByteArray& folder, const QByteArray& name)
 {
-    // A link would lead out of the folder, and a pipe would be waited for: neither is followed.
-    m_file = ::open(path.constData(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK, 0777);
-    if (m_file < 0) {
-        return refuseFile();
+    m_file = openLocalFile(m_call, folder, name);
+    if (m_file < 0 && !m_calls.stopRequested()) {
+        print("Create file failed\n");
+        return false;
     }
-    m_opened.push_back(m_file);
-    struct stat properties
-    {
-    };
-    if (::fstat(m_file, &properties) != 0 || !S_ISREG(properties.st_mode)) {
-        return refuseFile();
-    }
+    m_calls.keep(m_file);
     return true;
-}
-
-bool RecordingDownload::refuseFile()
-{
-    m_file = -1;
-    tell("Create file failed\n");
-    return false;
 }
 
 void RecordingDownload::copyBody(qint64 announced, const ProgressHandler& progress)
@@ -127,7 +102,7 @@ void RecordingDownload::copyBody(qint64 announced, const ProgressHandler& progre
     std::array<char, 4096> buffer;
     qint32 received = 0;
     int errorsInARow = 0;
-    while (!m_stopRequested && errorsInARow < errorLimit) {
+    while (!m_calls.stopRequested() && errorsInARow < errorLimit) {
         const ssize_t count = ::read(m_socket, buffer.data(), buffer.size());
         if (count == 0 || received >= announced) {
             break;
@@ -141,14 +116,6 @@ void RecordingDownload::copyBody(qint64 announced, const ProgressHandler& progre
         }
         received = wrappingSum(received, static_cast<qint32>(count));
         progress(received, announced);
-    }
-}
-
-void RecordingDownload::stopAndWait(QThread& downloadThread)
-{
-    requestStop();
-    while (!downloadThread.wait(wakeInterval)) {
-        ::shutdown(m_socket, SHUT_RDWR);
     }
 }
 

@@ -1,9 +1,12 @@
 #include "posix/StoppableCalls.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <thread>
 
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -12,6 +15,14 @@ namespace sys {
 namespace {
 
 constexpr unsigned long wakeInterval = 5; // milliseconds
+
+/// Lets SIGURG interrupt a system call, and do nothing else.
+void setWakeHandler()
+{
+    struct sigaction action = {};
+    action.sa_handler = [](int) {};
+    ::sigaction(SIGURG, &action, nullptr);
+}
 
 } // namespace
 
@@ -26,6 +37,19 @@ StoppableCalls::Call::~Call()
     const std::lock_guard<std::mutex> lock(m_calls.m_mutex);
     auto& all = m_calls.m_calls;
     all.erase(std::find(all.begin(), all.end(), this));
+}
+
+int StoppableCalls::Call::open(const char* path, int flags, mode_t mode)
+{
+    static std::once_flag handlerIsSet;
+    std::call_once(handlerIsSet, setWakeHandler);
+    m_opening = true;
+    int descriptor = -1;
+    do {
+        descriptor = ::open(path, flags, mode);
+    } while (descriptor < 0 && errno == EINTR && !m_calls.stopRequested());
+    m_opening = false;
+    return descriptor;
 }
 
 StoppableCalls::~StoppableCalls()
@@ -59,6 +83,9 @@ bool StoppableCalls::wakeAll()
     const std::lock_guard<std::mutex> lock(m_mutex);
     for (const Call* call : m_calls) {
         ::shutdown(call->m_socket, SHUT_RDWR);
+        if (call->m_opening) {
+            ::pthread_kill(call->m_thread, SIGURG);
+        }
     }
     return !m_calls.empty();
 }

@@ -6,15 +6,20 @@
 #include <mutex>
 #include <vector>
 
+#include <pthread.h>
+#include <sys/types.h>
+
 namespace sys {
 
-/// The calls into one object, from whatever threads, that wait on sockets. They can all be stopped,
-/// once. By design the object's sockets and files stay open when a call is over; those that were
-/// handed to keep() are closed with this object. All members may be called from any thread.
+/// The calls into one object, from whatever threads, that wait in the system. They can all be
+/// stopped, once. By design the object's sockets and files stay open when a call is over; those
+/// that were handed to keep() are closed with this object. All members may be called from any
+/// thread.
 class StoppableCalls
 {
 public:
-    /// One call into the object: stopAndWait() does not return while it lives.
+    /// One call into the object, in the thread that made it: stopAndWait() does not return while it
+    /// lives.
     class Call
     {
     public:
@@ -27,11 +32,18 @@ public:
         /// A negative one is none.
         void waitOn(int socket) { m_socket = socket; }
 
+        /// open(2). It may wait while another process holds a lease on the file; a stop ends that
+        /// by sending this thread SIGURG, which programs that have not asked for it ignore. Sets an
+        /// empty handler for that signal at the first call.
+        int open(const char* path, int flags, mode_t mode);
+
     private:
         friend StoppableCalls;
 
         StoppableCalls& m_calls;
+        const pthread_t m_thread = ::pthread_self();
         std::atomic<int> m_socket{-1};
+        std::atomic<bool> m_opening{false};
     };
 
     StoppableCalls() = default;
@@ -46,13 +58,13 @@ public:
     void requestStop() noexcept { m_stopRequested = true; }
     bool stopRequested() const noexcept { return m_stopRequested; }
 
-    /// Asks all calls to end and shuts their sockets down every few milliseconds until `finished`,
+    /// Asks all calls to end and ends what they wait for every few milliseconds until `finished`,
     /// which waits at most that many milliseconds, returns true and no call is left: one shutdown
     /// ends a pending connect or receive, but the next connect blocks again.
     void stopAndWait(const std::function<bool(unsigned long)>& finished);
 
 private:
-    /// Shuts down every socket that is waited on. Returns false if there is no call.
+    /// Ends what every call waits for at this moment. Returns false if there is no call.
     bool wakeAll();
 
     std::atomic<bool> m_stopRequested{false};

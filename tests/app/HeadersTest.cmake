@@ -26,8 +26,8 @@ check_headers(card
 check_headers(cardwidgets
   card/FileTable.h card/NoFocusDelegate.h)
 check_headers(download
-  download/DownloadFileThread.h download/DownloadRequest.h download/RecordingDownload.h
-  download/ResponseHead.h download/resp_header.h)
+  download/DownloadFileThread.h download/DownloadRequest.h download/LocalFile.h
+  download/RecordingDownload.h download/ResponseHead.h download/resp_header.h)
 check_headers(app
   app/MainWindow.h app/ProcessSetup.h)
 

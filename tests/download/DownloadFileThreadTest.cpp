@@ -95,6 +95,8 @@ private slots:
     void failureIsPrintedWhileTheDownloadGoesOn();
     void socketAndFileStayOpenUntilTheObjectEnds();
     void downloadFileWorksInTheCallingThread();
+    void overlappingCallsEachFillTheirOwnFile();
+    void destructionEndsEveryCall();
     void headIsParsedThroughTheMetaObject();
     void stopEndsTheDownload_data();
     void stopEndsTheDownload();
@@ -447,6 +449,50 @@ void DownloadFileThreadTest::downloadFileWorksInTheCallingThread()
     QCOMPARE(contentOf("member.mp4"), QByteArray("no such file"));
     QVERIFY(
         server.received(0).startsWith("GET http://192.168.1.120/sd/DCIM/100ZEPNA/argument.mp4 "));
+}
+
+void DownloadFileThreadTest::overlappingCallsEachFillTheirOwnFile()
+{
+    std::atomic<bool> secondIsOver{false};
+    const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 8\r\n\r\n";
+    ScriptedServer server({[&](Peer& peer) {
+                               peer.receiveUntil(requestEnd);
+                               peer.send(head + "1234");
+                               peer.waitUntil([&] { return secondIsOver.load(); });
+                               peer.send("5678");
+                           },
+                           answerWith("HTTP/1.1 404 Not Found\r\nContent-Length: 3\r\n\r\nabc")},
+                          address, port);
+    Download download("first.mp4");
+    download.start();
+    QTRY_COMPARE(contentOf("first.mp4"), QByteArray("1234"));
+    download.thread.DownloadFile("second.mp4");
+    QCOMPARE(contentOf("second.mp4"), QByteArray("abc"));
+    QCOMPARE(int{download.thread.respHeader.status_code}, 404);
+    secondIsOver = true;
+    QTRY_COMPARE(download.recorder.finished, 2);
+    QCOMPARE(contentOf("first.mp4"), QByteArray("12345678"));
+    QCOMPARE(contentOf("second.mp4"), QByteArray("abc"));
+    QCOMPARE(download.output.text(), QByteArray());
+}
+
+void DownloadFileThreadTest::destructionEndsEveryCall()
+{
+    ScriptedServer server(Script([](Peer& peer) { peer.holdOpen(); }), address, port);
+    auto download = std::make_unique<Download>("first.mp4");
+    DownloadFileThread& thread = download->thread;
+    const std::unique_ptr<QThread> caller(
+        QThread::create([&thread] { thread.DownloadFile("second.mp4"); }));
+    download->start();
+    QVERIFY(server.waitForReceived(0, requestEnd));
+    caller->start();
+    QVERIFY(server.waitForReceived(1, requestEnd));
+    QElapsedTimer time;
+    time.start();
+    download.reset();
+    const qint64 elapsed = time.elapsed();
+    QVERIFY(caller->wait(5000));
+    QVERIFY2(elapsed < stopLimit, qPrintable(QString::number(elapsed) + " ms"));
 }
 
 void DownloadFileThreadTest::headIsParsedThroughTheMetaObject()

@@ -1,19 +1,28 @@
 // Where a download goes on the local disk, and where it never goes.
+#include "download/LocalFile.h"
+
 #include "tests/download/DownloadRecorder.h"
+#include "tests/support/Lease.h"
 #include "tests/support/ScriptedServer.h"
+#include "tests/support/SleepWatch.h"
 #include "tests/support/TestMain.h"
+#include "tests/support/TimeFactor.h"
 
 #include <algorithm>
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QList>
+#include <QTemporaryDir>
 
 using support::Peer;
 using support::ScriptedServer;
@@ -22,6 +31,7 @@ namespace {
 
 constexpr char address[] = "192.168.1.120";
 constexpr quint16 port = 80;
+const int stopLimit = 500 * support::timeFactor(); // milliseconds
 
 /// Everything below the home folder: paths from there, by their bytes, folders with a slash.
 QList<QByteArray> homeContent(const QByteArray& below = QByteArray())
@@ -79,6 +89,19 @@ unsigned modeOf(const QByteArray& path)
     return ::stat(inHome(path), &status) == 0 ? status.st_mode & 07777U : 0U;
 }
 
+/// Makes a socket in the file system.
+bool bindLocalSocket(const QByteArray& path)
+{
+    sockaddr_un place{};
+    place.sun_family = AF_UNIX;
+    qstrncpy(place.sun_path, path.constData(), sizeof place.sun_path);
+    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    const bool bound =
+        ::bind(descriptor, reinterpret_cast<const sockaddr*>(&place), sizeof place) == 0;
+    ::close(descriptor);
+    return bound;
+}
+
 /// The camera, with "new content" under every name.
 class Camera
 {
@@ -103,6 +126,24 @@ private:
     mode_t m_before;
 };
 
+/// A folder that is made and removed by its bytes, whatever their encoding.
+class Folder
+{
+public:
+    explicit Folder(QByteArray path) : m_path(std::move(path))
+    {
+        made = ::mkdir(m_path, 0700) == 0;
+    }
+    ~Folder() { ::rmdir(m_path); }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    bool made = false;
+
+private:
+    QByteArray m_path;
+};
+
 } // namespace
 
 class LocalFileTest : public QObject
@@ -111,6 +152,13 @@ class LocalFileTest : public QObject
 
 private slots:
     void init();
+    void existingLatin1DesktopIsTaken();
+    void desktopUnderItsNativeNameOnlyIsTaken_data();
+    void desktopUnderItsNativeNameOnlyIsTaken();
+    void latin1DesktopGoesBeforeTheNativeOne();
+    void desktopThatIsNowhereIsNamedInLatin1();
+    void bareFileNamesAreTold_data();
+    void bareFileNamesAreTold();
     void missingFolderIsMade();
     void modesAreOpenButForTheMask_data();
     void modesAreOpenButForTheMask();
@@ -124,6 +172,9 @@ private slots:
     void folderUnderTheRecordingsNameIsAFailure();
     void linkUnderTheRecordingsNameIsAFailure();
     void pipeUnderTheRecordingsNameIsAFailure();
+    void deviceUnderTheRecordingsNameIsAFailure();
+    void fileUnderALeaseIsWaitedFor();
+    void stopEndsTheWaitForALease();
     void missingDesktopIsAFailureAndMakesNothing();
     void desktopWithAnotherNameIsFound_data();
     void desktopWithAnotherNameIsFound();
@@ -162,6 +213,75 @@ void LocalFileTest::setDesktop(const QByteArray& name)
 {
     QVERIFY(QDir::home().mkpath(".config"));
     write(".config/user-dirs.dirs", "XDG_DESKTOP_DIR=\"$HOME/" + name + "\"\n");
+}
+
+void LocalFileTest::existingLatin1DesktopIsTaken()
+{
+    const QTemporaryDir base;
+    QCOMPARE(download::recordingsFolder(base.path()), base.path().toLatin1() + "/DCIM/");
+}
+
+void LocalFileTest::desktopUnderItsNativeNameOnlyIsTaken_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("Latin letters with an accent") << QString::fromUtf8("Área de Trabalho");
+    QTest::newRow("Chinese") << QString::fromUtf8("桌面");
+}
+
+void LocalFileTest::desktopUnderItsNativeNameOnlyIsTaken()
+{
+    QFETCH(QString, name);
+    const QTemporaryDir base;
+    const QString desktop = base.path() + "/" + name;
+    const Folder native(desktop.toUtf8());
+    QVERIFY(native.made);
+    QCOMPARE(download::recordingsFolder(desktop), desktop.toUtf8() + "/DCIM/");
+}
+
+void LocalFileTest::latin1DesktopGoesBeforeTheNativeOne()
+{
+    const QTemporaryDir base;
+    const QString desktop = base.path() + QString::fromUtf8("/Área");
+    const QByteArray latin1Path = base.path().toLatin1() + "/\xC1rea";
+    const Folder native(desktop.toUtf8());
+    const Folder latin1(latin1Path);
+    QVERIFY(native.made);
+    QVERIFY(latin1.made);
+    QCOMPARE(download::recordingsFolder(desktop), latin1Path + "/DCIM/");
+}
+
+void LocalFileTest::desktopThatIsNowhereIsNamedInLatin1()
+{
+    const QTemporaryDir base;
+    QCOMPARE(download::recordingsFolder(base.path() + QString::fromUtf8("/Área")),
+             base.path().toLatin1() + "/\xC1rea/DCIM/");
+}
+
+void LocalFileTest::bareFileNamesAreTold_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<bool>("bare");
+    QTest::newRow("recording") << QByteArray("2021_0101_000000_01.mp4") << true;
+    QTest::newRow("dots inside") << QByteArray("a..b") << true;
+    QTest::newRow("leading dot") << QByteArray(".a") << true;
+    QTest::newRow("three dots") << QByteArray("...") << true;
+    QTest::newRow("backslash") << QByteArray("a\\b") << true;
+    QTest::newRow("space") << QByteArray(" ") << true;
+    QTest::newRow("empty") << QByteArray("") << false;
+    QTest::newRow("the folder") << QByteArray(".") << false;
+    QTest::newRow("the folder above") << QByteArray("..") << false;
+    QTest::newRow("slash inside") << QByteArray("a/b") << false;
+    QTest::newRow("slash in front") << QByteArray("/a") << false;
+    QTest::newRow("slash behind") << QByteArray("a/") << false;
+    QTest::newRow("zero byte inside") << QByteArray("a\0b", 3) << false;
+    QTest::newRow("zero byte behind") << QByteArray("..\0", 3) << false;
+}
+
+void LocalFileTest::bareFileNamesAreTold()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(bool, bare);
+    QCOMPARE(download::isBareFileName(name), bare);
 }
 
 void LocalFileTest::missingFolderIsMade()
@@ -301,6 +421,58 @@ void LocalFileTest::pipeUnderTheRecordingsNameIsAFailure()
     QVERIFY(download.run());
     QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
     QCOMPARE(download.recorder.received, QList<qint64>({11}));
+}
+
+// A socket stands for all devices, which only root can make.
+void LocalFileTest::deviceUnderTheRecordingsNameIsAFailure()
+{
+    QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
+    QVERIFY(bindLocalSocket(inHome("Desktop/DCIM/a.mp4")));
+    const Camera camera;
+    Download download("a.mp4");
+    QVERIFY(download.run());
+    QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
+    QCOMPARE(download.recorder.received, QList<qint64>({11}));
+}
+
+void LocalFileTest::fileUnderALeaseIsWaitedFor()
+{
+    QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
+    write("Desktop/DCIM/a.mp4", "old");
+    support::Lease lease(inHome("Desktop/DCIM/a.mp4"));
+    QVERIFY(lease.taken());
+    const Camera camera;
+    Download download("a.mp4");
+    const support::SleepWatch watch(download.thread);
+    download.start();
+    QVERIFY(lease.waitUntilWanted());
+    QVERIFY(watch.waitUntilAsleep());
+    QCOMPARE(download.recorder.finished, 0);
+    QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("old"));
+    lease.giveUp();
+    QVERIFY(download.waitUntilFinished());
+    QCOMPARE(download.output.text(), QByteArray());
+    QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("new content"));
+}
+
+void LocalFileTest::stopEndsTheWaitForALease()
+{
+    QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
+    write("Desktop/DCIM/a.mp4", "old");
+    support::Lease lease(inHome("Desktop/DCIM/a.mp4"));
+    QVERIFY(lease.taken());
+    const Camera camera;
+    Download download("a.mp4");
+    const support::SleepWatch watch(download.thread);
+    download.start();
+    QVERIFY(lease.waitUntilWanted());
+    QVERIFY(watch.waitUntilAsleep());
+    QElapsedTimer time;
+    time.start();
+    download.thread.stopAndWait();
+    QVERIFY2(time.elapsed() < stopLimit, qPrintable(QString::number(time.elapsed()) + " ms"));
+    QCOMPARE(download.output.text(), QByteArray());
+    QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("old"));
 }
 
 void LocalFileTest::missingDesktopIsAFailureAndMakesNothing()

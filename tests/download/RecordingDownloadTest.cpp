@@ -28,7 +28,7 @@ class RecordingDownloadTest : public QObject
     Q_OBJECT
 
 private slots:
-    void missingSocketIsToldAtOnce();
+    void missingSocketIsReportedAtOnce();
     void refusedConnectionIsToldAtOnce();
     void headOfAConnectionThatFailedIsEmpty();
     void sixteenReceiveErrorsInARowEndTheBody();
@@ -38,13 +38,14 @@ private slots:
     void countOfMoreThan2GiBWraps();
 };
 
-void RecordingDownloadTest::missingSocketIsToldAtOnce()
+void RecordingDownloadTest::missingSocketIsReportedAtOnce()
 {
     QByteArray printed;
     bool opened = true;
     {
         const support::StdoutCapture output;
-        RecordingDownload recording;
+        sys::StoppableCalls calls;
+        RecordingDownload recording(calls);
         {
             const support::NoDescriptorsLeft limit;
             opened = recording.openSocket();
@@ -61,7 +62,8 @@ void RecordingDownloadTest::refusedConnectionIsToldAtOnce()
     bool connected = true;
     {
         const support::StdoutCapture output;
-        RecordingDownload recording;
+        sys::StoppableCalls calls;
+        RecordingDownload recording(calls);
         QVERIFY(recording.openSocket());
         connected = recording.connectToCamera();
         printed = output.text();
@@ -72,7 +74,8 @@ void RecordingDownloadTest::refusedConnectionIsToldAtOnce()
 
 void RecordingDownloadTest::headOfAConnectionThatFailedIsEmpty()
 {
-    RecordingDownload recording;
+    sys::StoppableCalls calls;
+    RecordingDownload recording(calls);
     QVERIFY(recording.openSocket());
     download::ResponseHead head;
     QVERIFY(recording.readHead(head));
@@ -81,7 +84,8 @@ void RecordingDownloadTest::headOfAConnectionThatFailedIsEmpty()
 
 void RecordingDownloadTest::sixteenReceiveErrorsInARowEndTheBody()
 {
-    RecordingDownload recording;
+    sys::StoppableCalls calls;
+    RecordingDownload recording(calls);
     QVERIFY(recording.openSocket());
     QList<qint64> counts;
     recording.copyBody(1000, [&](qint64 received, qint64 announced) {
@@ -104,10 +108,11 @@ void RecordingDownloadTest::errorCountsAsOneByteLess()
     const QByteArray path = folder.path().toUtf8() + "/recording";
     QList<qint64> counts;
     {
-        RecordingDownload recording;
+        sys::StoppableCalls calls;
+        RecordingDownload recording(calls);
         QVERIFY(recording.openSocket());
         QVERIFY(recording.connectToCamera());
-        QVERIFY(recording.openFile(path));
+        QVERIFY(recording.openFile(folder.path().toUtf8() + "/", "recording"));
         recording.copyBody(1000, [&](qint64 received, qint64) { counts.append(received); });
     }
     QCOMPARE(counts, QList<qint64>({3, 2}));
@@ -122,8 +127,9 @@ void RecordingDownloadTest::fileThatCannotBeOpenedIsToldAtOnce()
     bool opened = true;
     {
         const support::StdoutCapture output;
-        RecordingDownload recording;
-        opened = recording.openFile("/nowhere/at/all");
+        sys::StoppableCalls calls;
+        RecordingDownload recording(calls);
+        opened = recording.openFile("/nowhere/at/", "all");
         printed = output.text();
     }
     QVERIFY(!opened);
@@ -141,10 +147,11 @@ void RecordingDownloadTest::socketAndFileStayOpenUntilTheObjectEnds()
     const QTemporaryDir folder;
     const QByteArray path = folder.path().toUtf8() + "/recording";
     {
-        RecordingDownload recording;
+        sys::StoppableCalls calls;
+        RecordingDownload recording(calls);
         QVERIFY(recording.openSocket());
         QVERIFY(recording.connectToCamera());
-        QVERIFY(recording.openFile(path));
+        QVERIFY(recording.openFile(folder.path().toUtf8() + "/", "recording"));
         recording.copyBody(3, [](qint64, qint64) {});
         QCOMPARE(support::socketsConnectedTo(address, port), 1);
         QCOMPARE(support::descriptorsOn(path), 1);
@@ -163,7 +170,8 @@ void RecordingDownloadTest::countOfMoreThan2GiBWraps()
                               }
                           }),
                           address, port);
-    RecordingDownload recording;
+    sys::StoppableCalls calls;
+    RecordingDownload recording(calls);
     QVERIFY(recording.openSocket());
     QVERIFY(recording.connectToCamera());
     qint64 largest = 0;

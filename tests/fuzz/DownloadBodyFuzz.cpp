@@ -43,7 +43,8 @@ void judge(const Plan& plan, fuzz::End end)
         ++pieces;
     }
 
-    download::RecordingDownload download;
+    sys::StoppableCalls stoppable;
+    download::RecordingDownload download(stoppable);
     fuzz::TextPeer peer(plan.recording, plan.pieceSize, end);
     std::size_t calls = 0;
     qint64 shown = 0;

@@ -59,7 +59,8 @@ void judgeFields(const std::string& text)
 void judgeReading(const std::string& text, fuzz::End end)
 {
     download::ResponseHead head;
-    download::RecordingDownload reader;
+    sys::StoppableCalls calls;
+    download::RecordingDownload reader(calls);
     fuzz::TextPeer peer(text, text.size(), end);
     fuzz::require(reader.readHead(head), "a short head does not outgrow the memory");
     fuzz::require(peer.received() == endOfHead(text), "no byte of the body goes with the head");
