@@ -4,15 +4,14 @@
 #include "card/CardCommands.h"
 #include "card/NoFocusDelegate.h"
 #include "card/NumberText.h"
-#include "download/DownloadFileThread.h"
-#include "link/ControlClientThread.h"
-#include "link/GroundClientThread.h"
+#include "posix/Worker.h"
 #include "ui_MainWindow.h"
 
 #include <vector>
 
 #include <QCoreApplication>
 #include <QPalette>
+#include <QThread>
 #include <QTranslator>
 
 namespace {
@@ -26,20 +25,16 @@ QTranslator* makeLastingTranslator()
     return lasting.back();
 }
 
-template <typename Thread>
-void requestStops(const QObject& window)
+/// The worker threads among the window's children. They share no meta-object to search by.
+std::vector<sys::Worker*> workersOf(const QObject& window)
 {
-    for (Thread* thread : window.findChildren<Thread*>()) {
-        thread->requestStop();
+    std::vector<sys::Worker*> workers;
+    for (QThread* thread : window.findChildren<QThread*>()) {
+        if (auto* worker = dynamic_cast<sys::Worker*>(thread)) {
+            workers.push_back(worker);
+        }
     }
-}
-
-template <typename Thread>
-void awaitStops(const QObject& window)
-{
-    for (Thread* thread : window.findChildren<Thread*>()) {
-        thread->stopAndWait();
-    }
+    return workers;
 }
 
 } // namespace
@@ -74,12 +69,13 @@ MainWindow::~MainWindow()
 /// side.
 void MainWindow::stopWorkers()
 {
-    requestStops<ControlClientThread>(*this);
-    requestStops<GroundClientThread>(*this);
-    requestStops<DownloadFileThread>(*this);
-    awaitStops<ControlClientThread>(*this);
-    awaitStops<GroundClientThread>(*this);
-    awaitStops<DownloadFileThread>(*this);
+    const std::vector<sys::Worker*> workers = workersOf(*this);
+    for (sys::Worker* worker : workers) {
+        worker->requestStop();
+    }
+    for (sys::Worker* worker : workers) {
+        worker->stopAndWait();
+    }
 }
 
 void MainWindow::itoa(int value, char* string, int radix)
