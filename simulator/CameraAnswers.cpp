@@ -129,11 +129,11 @@ std::optional<std::size_t> CameraAnswers::find(std::string_view name)
     return static_cast<std::size_t>(found - recordings.begin());
 }
 
-Answer CameraAnswers::answer(RequestKind kind, std::string_view target, std::uint64_t exchange)
+Answer CameraAnswers::answer(RequestKind kind, std::string_view target, const FaultScope& faults,
+                             std::uint64_t exchange)
 {
     m_exchange = exchange;
     const std::string_view argument = requestArgument(kind, target);
-    const FaultScope faults(*m_faults, kindName(kind));
     switch (kind) {
     case RequestKind::Count:
         return countAnswer(faults);

@@ -36,8 +36,10 @@ public:
     /// that the fault "entries" makes up.
     CameraAnswers(Card& card, const FaultTable& faults, std::uint64_t seed);
 
-    /// exchange: the number of the request, counted from 1 since the start.
-    Answer answer(RequestKind kind, std::string_view target, std::uint64_t exchange);
+    /// faults: those that act on this request. exchange: its number, counted from 1 since the
+    /// start.
+    Answer answer(RequestKind kind, std::string_view target, const FaultScope& faults,
+                  std::uint64_t exchange);
 
 private:
     /// The card in the camera that answers.

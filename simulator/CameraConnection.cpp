@@ -39,7 +39,6 @@ void CameraConnection::takeRequest()
     const std::size_t lineEnd = m_request.find("\r\n");
     const auto target = requestTarget(std::string_view(m_request).substr(0, lineEnd));
     const RequestKind kind = target ? requestKind(*target) : RequestKind::Other;
-    const FaultScope faults(*m_state->faults, kindName(kind));
     ++m_state->exchanges;
     JournalLine request = line("request");
     request.number("exchange", m_state->exchanges).text("kind", kindName(kind));
@@ -48,6 +47,9 @@ void CameraConnection::takeRequest()
     }
     journal().write(request);
 
+    m_state->exchangeBegins(m_state->exchanges);
+    const FaultScope faults(*m_state->faults, kindName(kind), m_state->exchanges);
+    m_isDownload = kind == RequestKind::Recording;
     if (faults.active(Fault::LinkLostMidCommand)) {
         m_state->dropModules();
         queuePause(linkLostPause);
@@ -61,7 +63,7 @@ void CameraConnection::takeRequest()
         const bool otherMethod = m_request.rfind(" HTTP/1.1", lineEnd) != std::string::npos;
         queueAnswer(errorAnswer(otherMethod ? 405 : 400), faults);
     } else {
-        queueAnswer(m_state->answers->answer(kind, *target, m_state->exchanges), faults);
+        queueAnswer(m_state->answers->answer(kind, *target, faults, m_state->exchanges), faults);
     }
 }
 
@@ -86,6 +88,11 @@ void CameraConnection::queueAnswer(Answer answer, const FaultScope& faults)
         hold.held = [table = m_state->faults] { return table->active(Fault::Stall); };
         queue(std::move(hold));
         queueMessage(std::move(bytes.held));
+    }
+    if (m_isDownload) {
+        Step note{Step::Kind::Call};
+        note.call = m_state->downloadEnds;
+        queue(std::move(note));
     }
     queue(Step{bytes.end == AnswerEnd::Reset ? Step::Kind::Reset : Step::Kind::Close});
 }

@@ -18,7 +18,9 @@ struct CameraState
     const FaultTable* faults;
     std::uint64_t rate = 0; ///< bytes per second for recordings; 0: no limit
     std::uint64_t exchanges = 0;
-    std::function<void()> dropModules; ///< for the fault "link-lost-mid-command"
+    std::function<void()> dropModules;                 ///< for the fault "link-lost-mid-command"
+    std::function<void(std::uint64_t)> exchangeBegins; ///< called with the number of each request
+    std::function<void()> downloadEnds; ///< called when the answer to a download is out
 };
 
 /// One client of the camera: one request, one answer, end.
@@ -42,6 +44,7 @@ private:
     std::string m_request;
     bool m_requestWhole = false;
     bool m_answered = false;
+    bool m_isDownload = false;
 };
 
 } // namespace simulator

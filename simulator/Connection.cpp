@@ -108,6 +108,9 @@ Connection::Progress Connection::perform(Step& step, TimePoint now)
         return now >= m_pauseEnd ? Progress::Done : Progress::Later;
     case Step::Kind::Hold:
         return step.held() ? Progress::Later : Progress::Done;
+    case Step::Kind::Call:
+        step.call();
+        return Progress::Done;
     case Step::Kind::HalfClose:
         m_journal->write(line("half-close"));
         ::shutdown(m_socket.get(), SHUT_WR);

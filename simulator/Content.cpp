@@ -7,9 +7,6 @@
 
 namespace simulator {
 
-namespace {
-
-/// Well-mixed 64 bits out of any 64 bits.
 std::uint64_t mixed(std::uint64_t value)
 {
     value += 0x9E3779B97F4A7C15U;
@@ -17,6 +14,8 @@ std::uint64_t mixed(std::uint64_t value)
     value = (value ^ (value >> 27)) * 0x94D049BB133111EBU;
     return value ^ (value >> 31);
 }
+
+namespace {
 
 std::size_t available(std::uint64_t offset, std::uint64_t size, std::size_t count)
 {

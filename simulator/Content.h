@@ -9,6 +9,9 @@
 
 namespace simulator {
 
+/// Returns well-mixed 64 bits made of any 64 bits.
+std::uint64_t mixed(std::uint64_t value);
+
 /// The bytes of one recording, read at any offset.
 class Content
 {

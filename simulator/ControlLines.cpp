@@ -127,7 +127,7 @@ std::string parseHelp(const std::string& arguments, Run& run)
 }
 
 constexpr Row rows[] = {
-    {"fault", "NAME[=VALUE]", "switches a fault on, or gives it another value", parseFault},
+    {"fault", "NAME[@WHEN][=VALUE]", "switches a fault on, or gives it another value", parseFault},
     {"clear", "NAME|all", "switches one fault off, or all", parseClear},
     {"faults", "", "shows the faults that are on", parseBare<&Simulator::showFaults>},
     {"drop", "control|ground|camera", "closes the open connections of the device", parseDrop},

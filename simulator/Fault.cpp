@@ -54,6 +54,26 @@ const std::vector<FaultDescription>& faultDescriptions()
     return rows;
 }
 
+FaultCounts counted(FaultGroup group)
+{
+    switch (group) {
+    case FaultGroup::Scope:
+    case FaultGroup::Reach:
+    case FaultGroup::Card:
+    case FaultGroup::Names:
+        return FaultCounts::Nothing;
+    case FaultGroup::Frames:
+        return FaultCounts::Connections;
+    case FaultGroup::Answers:
+    case FaultGroup::Count:
+    case FaultGroup::List:
+    case FaultGroup::Details:
+    case FaultGroup::Changes:
+        return FaultCounts::Requests;
+    }
+    return FaultCounts::Nothing;
+}
+
 const FaultDescription& describe(Fault fault)
 {
     return faultDescriptions()[static_cast<std::size_t>(fault)];

@@ -20,6 +20,9 @@ enum class FaultGroup { Scope, Reach, Frames, Answers, Count, Card, List, Names,
 /// Who is affected.
 enum class FaultDevice { Vehicle, Modules, Camera };
 
+/// What a fault can be limited to by "NAME@3".
+enum class FaultCounts { Nothing, Connections, Requests };
+
 /// How the text after NAME= is read.
 enum class FaultKind {
     None,   ///< takes no value
@@ -53,6 +56,8 @@ struct FaultDescription
 
 /// All faults, in the order of the enumeration.
 const std::vector<FaultDescription>& faultDescriptions();
+
+FaultCounts counted(FaultGroup group);
 
 const FaultDescription& describe(Fault fault);
 

@@ -41,6 +41,20 @@ const Heading& heading(FaultGroup group)
     return headings[static_cast<std::size_t>(group)];
 }
 
+/// What NAME@3 counts; nullptr for faults that take no @.
+const char* countedWord(FaultGroup group)
+{
+    switch (counted(group)) {
+    case FaultCounts::Nothing:
+        break;
+    case FaultCounts::Connections:
+        return "connections";
+    case FaultCounts::Requests:
+        return "requests";
+    }
+    return nullptr;
+}
+
 std::string_view deviceName(FaultDevice device)
 {
     constexpr std::array<std::string_view, 3> names = {"all", "modules", "camera"};
@@ -96,11 +110,12 @@ std::string details(const FaultDescription& row)
 }
 
 /// Calls `begin` for each group, then `row` for each of its faults.
-void forEachFault(const std::function<void(const Heading&)>& begin,
+void forEachFault(const std::function<void(const std::string& title)>& begin,
                   const std::function<void(const FaultDescription&)>& row)
 {
     for (std::size_t i = 0; i < headings.size(); ++i) {
-        begin(headings[i]);
+        const char* const counts = countedWord(static_cast<FaultGroup>(i));
+        begin(headings[i].title + (counts ? std::string(" (@ counts ") + counts + ")" : ""));
         for (const FaultDescription& each : faultDescriptions()) {
             if (each.group == static_cast<FaultGroup>(i)) {
                 row(each);
@@ -123,9 +138,7 @@ std::string faultListText()
 {
     std::string text;
     forEachFault(
-        [&text](const Heading& group) {
-            text += (text.empty() ? "" : "\n") + std::string(group.title) + ":\n";
-        },
+        [&text](const std::string& title) { text += (text.empty() ? "" : "\n") + title + ":\n"; },
         [&text](const FaultDescription& row) {
             const std::string more = details(row);
             text +=
@@ -148,6 +161,9 @@ std::string faultListJson()
             field("oldName", row.oldName);
         }
         field("group", heading(row.group).word);
+        if (const char* const counts = countedWord(row.group)) {
+            field("counts", counts);
+        }
         field("device", deviceName(row.device));
         field("kind", kindName(row.value.kind));
         if (row.value.kind != FaultKind::None) {
@@ -176,8 +192,8 @@ std::string faultListMarkdown()
         "written by `belun-simulator --list-faults=markdown`:\nchange the table in "
         "`simulator/Faults.inc`, never this page.\n";
     forEachFault(
-        [&text](const Heading& group) {
-            text += "\n## " + std::string(group.title) +
+        [&text](const std::string& title) {
+            text += "\n## " + title +
                     "\n\n| fault | acts on | what a client sees | value |\n|---|---|---|---|\n";
         },
         [&text](const FaultDescription& row) {
@@ -202,13 +218,13 @@ std::string faultListMarkdown()
 std::string faultListManual()
 {
     std::string text;
-    forEachFault(
-        [&text](const Heading& group) { text += ".SS " + std::string(group.title) + "\n"; },
-        [&text](const FaultDescription& row) {
-            const std::string more = details(row);
-            text += ".TP\n.B " + manualText(spelled(row)) + "\n" +
-                    manualText(row.result + (more.empty() ? "" : " (" + more + ")")) + "\n";
-        });
+    forEachFault([&text](const std::string& title) { text += ".SS " + title + "\n"; },
+                 [&text](const FaultDescription& row) {
+                     const std::string more = details(row);
+                     text += ".TP\n.B " + manualText(spelled(row)) + "\n" +
+                             manualText(row.result + (more.empty() ? "" : " (" + more + ")")) +
+                             "\n";
+                 });
     return text;
 }
 

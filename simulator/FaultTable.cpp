@@ -164,24 +164,35 @@ std::string readValue(const FaultDescription& row, std::string& value)
 std::string FaultTable::set(const std::string& assignment, TimePoint now)
 {
     const std::size_t equals = assignment.find('=');
-    const std::string name = assignment.substr(0, equals);
+    const std::size_t at = assignment.find('@');
+    const bool limited = at < equals && at != std::string::npos;
+    const std::string name = assignment.substr(0, limited ? at : equals);
     const FaultDescription* row = findFault(name);
     if (!row) {
         return unknownFault(name);
     }
-    if (equals == std::string::npos && row->value.kind == FaultKind::None) {
-        m_active[row->fault] = {std::string(), now};
-        return {};
+    Active active{row->value.preset, {}, now};
+    if (limited) {
+        const std::string when = assignment.substr(at + 1, equals - at - 1);
+        if (counted(row->group) == FaultCounts::Nothing) {
+            return "fault " + name + " cannot be limited to some requests or connections";
+        }
+        if (!Occasion::parse(when, active.when)) {
+            return "fault " + name + R"(: after @ there is a number ("3", "3-5", "3-") or a )" +
+                   R"(percentage from 1% to 99%, not ")" + when + "\"";
+        }
     }
-    std::string value = row->value.preset;
     if (equals != std::string::npos) {
-        value = assignment.substr(equals + 1);
-    } else if (value.empty()) {
+        active.value = assignment.substr(equals + 1);
+    } else if (row->value.kind == FaultKind::None) {
+        m_active[row->fault] = active;
+        return {};
+    } else if (active.value.empty()) {
         return "fault " + name + " needs a value: " + name + "=" + row->value.name;
     }
-    std::string error = readValue(*row, value);
+    std::string error = readValue(*row, active.value);
     if (error.empty()) {
-        m_active[row->fault] = {value, now};
+        m_active[row->fault] = active;
     }
     return error;
 }
@@ -204,6 +215,12 @@ const FaultTable::Active* FaultTable::find(Fault fault) const
 {
     const auto active = m_active.find(fault);
     return active == m_active.end() ? nullptr : &active->second;
+}
+
+bool FaultTable::actsOn(Fault fault, std::uint64_t number) const
+{
+    const Active* active = find(fault);
+    return active && active->when.includes(number, m_seed, static_cast<std::uint64_t>(fault));
 }
 
 std::optional<std::string> FaultTable::value(Fault fault) const
@@ -246,8 +263,8 @@ std::vector<std::string> FaultTable::list() const
     std::vector<std::string> faults;
     for (const auto& [fault, active] : m_active) {
         const FaultDescription& row = describe(fault);
-        faults.push_back(row.value.kind == FaultKind::None ? row.name
-                                                           : row.name + "=" + escape(active.value));
+        faults.push_back(row.name + (active.when.always() ? "" : "@" + active.when.text()) +
+                         (row.value.kind == FaultKind::None ? "" : "=" + escape(active.value)));
     }
     return faults;
 }

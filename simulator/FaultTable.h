@@ -3,7 +3,9 @@
 
 #include "simulator/Clock.h"
 #include "simulator/Fault.h"
+#include "simulator/Occasion.h"
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -16,7 +18,11 @@ namespace simulator {
 class FaultTable
 {
 public:
-    /// Switches on what "NAME" or "NAME=VALUE" says. Returns an error text, empty on success.
+    /// seed: decides what is left to chance.
+    explicit FaultTable(std::uint64_t seed = 0) : m_seed(seed) {}
+
+    /// Switches on what "NAME", "NAME=VALUE", "NAME@WHEN" or "NAME@WHEN=VALUE" says. Returns an
+    /// error text, empty on success.
     std::string set(const std::string& assignment, TimePoint now);
     /// Switches one fault off, or every one for "all". Returns an error text, empty on success.
     std::string clear(const std::string& name);
@@ -36,43 +42,51 @@ public:
     /// False when the fault "only" leaves the module ("control", "ground") or the kind of camera
     /// request ("count", "list", ...) out.
     bool inScope(std::string_view who) const;
+    /// Returns true if the fault is on and acts on the request or connection with this number.
+    bool actsOn(Fault fault, std::uint64_t number) const;
 
 private:
     struct Active
     {
         std::string value;
+        Occasion when;
         TimePoint since;
     };
     const Active* find(Fault fault) const;
 
+    std::uint64_t m_seed;
     std::map<Fault, Active> m_active;
 };
 
-/// The faults as one module or one camera request sees them: those out of its scope are off.
+/// The faults as one connection of a module or one camera request sees them: those that are out of
+/// its scope, or act on others only, are off.
 class FaultScope
 {
 public:
-    FaultScope(const FaultTable& faults, std::string_view who)
-        : m_faults(&faults), m_inScope(faults.inScope(who))
+    /// who: "control", "ground" or the kind of the request. number: that of the connection or the
+    /// request.
+    FaultScope(const FaultTable& faults, std::string_view who, std::uint64_t number)
+        : m_faults(&faults), m_inScope(faults.inScope(who)), m_number(number)
     {
     }
-    bool active(Fault fault) const { return m_inScope && m_faults->active(fault); }
+    bool active(Fault fault) const { return m_inScope && m_faults->actsOn(fault, m_number); }
     std::optional<std::string> value(Fault fault) const
     {
-        return m_inScope ? m_faults->value(fault) : std::nullopt;
+        return active(fault) ? m_faults->value(fault) : std::nullopt;
     }
     std::optional<long long> number(Fault fault) const
     {
-        return m_inScope ? m_faults->number(fault) : std::nullopt;
+        return active(fault) ? m_faults->number(fault) : std::nullopt;
     }
     bool names(Fault fault, std::string_view word) const
     {
-        return m_inScope && m_faults->names(fault, word);
+        return active(fault) && m_faults->names(fault, word);
     }
 
 private:
     const FaultTable* m_faults;
     bool m_inScope;
+    std::uint64_t m_number;
 };
 
 } // namespace simulator

@@ -76,7 +76,7 @@ ModuleConnection::ModuleConnection(FileDescriptor socket, ConnectionName name, J
 
 FaultScope ModuleConnection::faults() const
 {
-    return {*m_faults, name().device};
+    return {*m_faults, name().device, static_cast<std::uint64_t>(name().number)};
 }
 
 std::string ModuleConnection::started(std::string frame) const
@@ -165,7 +165,7 @@ void ModuleConnection::beat(TimePoint now)
     m_nextBeat = now + (m_beats == 0 ? std::max(pause, shortestFirstBeat) : pause);
     const auto age = std::chrono::duration_cast<std::chrono::seconds>(now - m_opened).count();
     const auto last = scope.number(Fault::HeartbeatStops);
-    if (m_faults->names(Fault::NoHeartbeat, name().device) || (last && age >= *last)) {
+    if (scope.names(Fault::NoHeartbeat, name().device) || (last && age >= *last)) {
         return;
     }
     const bool acting = m_beats + 1 >= actingBeat;

@@ -92,7 +92,8 @@ const std::vector<OptionRow>& optionRows()
         {"--sample-to", Takes::Value, "DIR",
          "write these recordings into DIR; without --sample that is all",
          nonEmpty(&Options::sampleFolder)},
-        {"--seed", Takes::Value, "NUMBER", "other contents for made-up recordings (default 1)",
+        {"--seed", Takes::Value, "NUMBER",
+         "other contents for made-up recordings, other chances for faults (default 1)",
          [](Options& options, const std::string& v) { return parseUnsigned(v, options.seed); }},
         {"--versions", Takes::Value, "LIST",
          "hardware type, hardware, software, protocol and bootloader version (default "
@@ -106,7 +107,9 @@ const std::vector<OptionRow>& optionRows()
          [](Options& options, const std::string& v) {
              return parseHeartbeat(v, options.heartbeat);
          }},
-        {"--fault", Takes::Value, "NAME[=VALUE]", "switch a fault on; may be repeated",
+        {"--fault", Takes::Value, "NAME[@WHEN][=VALUE]",
+         "switch a fault on; may be repeated. WHEN limits it to requests or connections by their "
+         "number (3, 3-5, 3-) or by chance (10%)",
          [](Options& options, const std::string& v) {
              options.faults.push_back(v);
              return true;
@@ -114,6 +117,15 @@ const std::vector<OptionRow>& optionRows()
         {"--list-faults", Takes::OptionalValue, "text|json|markdown|man",
          "print the faults and exit; as text unless another form is named",
          printing(Options::Action::ListFaults, {"text", "json", "markdown", "man"})},
+        {"--scenario", Takes::Value, "FILE",
+         "change faults and more in the course of the run, as the steps in FILE say",
+         nonEmpty(&Options::scenario)},
+        {"--speed", Takes::Value, "FACTOR",
+         "let the seconds of the scenario pass so many times faster (default 1)",
+         [](Options& options, const std::string& v) {
+             return parseUnsigned(v, options.speed) && options.speed >= 1 &&
+                    options.speed <= 1'000'000;
+         }},
         {"--journal", Takes::Value, "FILE", "write a line for every connection, frame and request",
          nonEmpty(&Options::journal)},
         {"--control", Takes::Value, "PATH",

@@ -26,7 +26,9 @@ struct Options
     Milliseconds heartbeat{1'000};
     Versions versions{7, 300, 600, 100, 10};
     std::vector<std::string> faults;
-    std::string form; ///< of --help or --list-faults: "text", "man", "json", ...
+    std::string scenario;
+    std::uint64_t speed = 1; ///< how many times faster the scenario's time passes
+    std::string form;        ///< of --help or --list-faults: "text", "man", "json", ...
     std::string journal;
     std::string controlSocket;      ///< --control, or --send
     std::vector<std::string> lines; ///< to send

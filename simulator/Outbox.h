@@ -40,6 +40,7 @@ struct Step
         Send,      ///< the part
         Pause,     ///< wait for `pause`
         Hold,      ///< wait until `held` says no
+        Call,      ///< call `call`
         HalfClose, ///< close the sending side, go on receiving
         Close,     ///< orderly end
         Reset      ///< end by a reset
@@ -48,6 +49,7 @@ struct Step
     Part part{};
     Milliseconds pause{};
     std::function<bool()> held{};
+    std::function<void()> call{};
 };
 
 } // namespace simulator

@@ -38,11 +38,16 @@ Device::Factory cameraFactory(Journal& journal, CameraState& state)
 
 } // namespace
 
-Simulator::Simulator(Options options)
-    : m_options(std::move(options)),
-      m_answers(m_card, m_faults, m_options.seed), m_cameraState{&m_answers, &m_faults,
-                                                                 m_options.rate, 0,
-                                                                 [this] { resetModules(); }},
+Simulator::Simulator(Options options, Scenario scenario)
+    : m_options(std::move(options)), m_scenario(std::move(scenario)), m_faults(m_options.seed),
+      m_answers(m_card, m_faults, m_options.seed),
+      m_cameraState{&m_answers,
+                    &m_faults,
+                    m_options.rate,
+                    0,
+                    [this] { resetModules(); },
+                    [this](std::uint64_t number) { play(m_scenario.dueAtExchange(number)); },
+                    [this] { play(m_scenario.dueAfterDownload(++m_downloads)); }},
       m_controlSettings{true, m_options.heartbeat, m_options.versions},
       m_groundSettings{false, m_options.heartbeat, m_options.versions},
       m_control("control", "192.168.1.149", modulePort, m_faults, m_journal,
@@ -79,6 +84,8 @@ std::string Simulator::start()
             error = each->start(now);
         }
     }
+    m_started = Clock::now();
+    m_scenario.start(m_started);
     return error;
 }
 
@@ -116,6 +123,7 @@ void Simulator::run(int signals)
         m_controlSocket.read([this](const std::string& line) { return control(line); });
         const TimePoint now = Clock::now();
         endReboot(now);
+        play(m_scenario.dueAt(now));
         for (Device* each : {&m_control, &m_ground, &m_camera}) {
             each->advance(descriptors, now);
         }
@@ -128,7 +136,7 @@ void Simulator::run(int signals)
 
 int Simulator::timeout(TimePoint now) const
 {
-    TimePoint wake = never;
+    TimePoint wake = m_scenario.nextDue();
     for (const Device* each : {&m_control, &m_ground, &m_camera}) {
         wake = std::min(wake, each->nextWake(now));
     }

@@ -10,6 +10,7 @@
 #include "simulator/Journal.h"
 #include "simulator/LineReader.h"
 #include "simulator/Options.h"
+#include "simulator/Scenario.h"
 
 #include <memory>
 #include <string>
@@ -21,7 +22,7 @@ namespace simulator {
 class Simulator
 {
 public:
-    explicit Simulator(Options options);
+    Simulator(Options options, Scenario scenario);
 
     /// Opens what the options name and listens. Returns an error text, empty on success.
     std::string start();
@@ -31,6 +32,8 @@ public:
     /// Carries one control line out and returns the lines that answer it: none for an empty one,
     /// else any number that begin with two spaces, then one that begins with "ok" or "error".
     std::vector<std::string> control(const std::string& line);
+    /// The same for a line that has been read already.
+    std::vector<std::string> carryOut(const ControlLine& line);
 
     // What control lines do; those with a text result return an error text.
     std::string setFault(const std::string& assignment);
@@ -55,19 +58,23 @@ private:
     void endReboot(TimePoint now);
     int timeout(TimePoint now) const;
     void resetModules();
+    /// Carries out the steps of the scenario that are due, and prints each with its answer.
+    void play(const std::vector<ControlLine>& steps);
 
     Options m_options;
+    Scenario m_scenario;
     FaultTable m_faults;
     Journal m_journal;
     Card m_card;
     CameraAnswers m_answers;
     CameraState m_cameraState;
+    std::uint64_t m_downloads = 0;
     ModuleSettings m_controlSettings;
     ModuleSettings m_groundSettings;
     Device m_control;
     Device m_ground;
     Device m_camera;
-    TimePoint m_started = Clock::now();
+    TimePoint m_started = never;
     ControlSocket m_controlSocket;
     LineReader m_input;
     /// Answers to lines on standard input; printed when what they say has taken effect.

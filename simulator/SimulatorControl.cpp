@@ -28,9 +28,11 @@ std::string_view reachabilityText(Reachability reachability)
 std::vector<std::string> Simulator::control(const std::string& text)
 {
     const ControlLine line = parseControlLine(text);
-    if (line.text.empty()) {
-        return {};
-    }
+    return line.text.empty() ? std::vector<std::string>() : carryOut(line);
+}
+
+std::vector<std::string> Simulator::carryOut(const ControlLine& line)
+{
     ControlAnswer answer{line.error};
     if (answer.error.empty()) {
         answer = line.run(*this);
@@ -41,6 +43,15 @@ std::vector<std::string> Simulator::control(const std::string& text)
     noteControl(line.text);
     answer.details.push_back("ok " + line.text + answer.summary);
     return answer.details;
+}
+
+void Simulator::play(const std::vector<ControlLine>& steps)
+{
+    for (const ControlLine& step : steps) {
+        for (const std::string& answer : carryOut(step)) {
+            printLine("scenario: " + answer);
+        }
+    }
 }
 
 void Simulator::noteControl(const std::string& line)
@@ -144,10 +155,14 @@ ControlAnswer Simulator::showStatus()
                               std::to_string(each->connections().size()) + " connections open");
     }
     add("requests", std::to_string(m_cameraState.exchanges) + " to the camera");
+    add("downloads", std::to_string(m_downloads));
     add("card", std::to_string(m_card.recordings().size()) + " recordings");
     add("rate", m_cameraState.rate == 0 ? "no limit"
                                         : std::to_string(m_cameraState.rate) + " bytes a second");
     add("faults", std::to_string(m_faults.list().size()) + " on");
+    if (!m_options.scenario.empty()) {
+        add("scenario", std::to_string(m_scenario.stepsLeft()) + " steps left");
+    }
     return answer;
 }
 

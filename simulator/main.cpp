@@ -8,8 +8,11 @@
 #include "simulator/Simulator.h"
 #include "simulator/Text.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -53,14 +56,32 @@ simulator::FileDescriptor endingSignals()
     return simulator::FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
 }
 
-int run(const simulator::Options& options)
+/// Reads the scenario, if there is one. Prints what is wrong with it, line by line, and returns the
+/// exit status then; 0 if it can be played.
+int readScenario(const simulator::Options& options, simulator::Scenario& scenario)
+{
+    if (options.scenario.empty()) {
+        return 0;
+    }
+    std::ifstream file(options.scenario);
+    if (!file) {
+        return failed(cannotRun, options.scenario + ": " + std::strerror(errno));
+    }
+    const auto errors = scenario.read(file, options.scenario, options.speed);
+    for (const std::string& error : errors) {
+        failed(wrongArguments, error);
+    }
+    return errors.empty() ? 0 : wrongArguments;
+}
+
+int run(const simulator::Options& options, simulator::Scenario scenario)
 {
     const std::string problem = simulator::privateNetworkProblem();
     if (!problem.empty()) {
         return failed(noPrivateNetwork, problem);
     }
     const simulator::FileDescriptor signals = endingSignals();
-    simulator::Simulator vehicle(options);
+    simulator::Simulator vehicle(options, std::move(scenario));
     const std::string error = vehicle.start();
     if (!error.empty()) {
         return failed(cannotRun, error);
@@ -92,6 +113,10 @@ int main(int argc, char* argv[])
     if (!error.empty()) {
         return failed(wrongArguments, error + " (--help shows what there is)");
     }
+    simulator::Scenario scenario;
+    if (const int status = readScenario(options, scenario); status != 0) {
+        return status;
+    }
     for (const std::string& fault : options.faults) {
         const std::string problem = simulator::FaultTable().set(fault, simulator::Clock::now());
         if (!problem.empty()) {
@@ -121,5 +146,7 @@ int main(int argc, char* argv[])
             return failed(cannotRun, problem);
         }
     }
-    return options.action == simulator::Options::Action::WriteSample ? 0 : run(options);
+    return options.action == simulator::Options::Action::WriteSample
+               ? 0
+               : run(options, std::move(scenario));
 }

@@ -48,6 +48,7 @@ SIMULATOR = {
     "bin/belun-private-network",
     "bin/belun-simulator",
     "share/doc/belun-simulator/README.md",
+    "share/doc/belun-simulator/bad-day.scenario",
     "share/doc/belun-simulator/changelog.gz",
     "share/doc/belun-simulator/copyright",
     "share/lintian/overrides/belun-simulator",

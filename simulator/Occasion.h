@@ -1,0 +1,38 @@
+// When a fault acts: always, for some requests or connections, or now and then.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace simulator {
+
+/// The requests or connections, by their number, on which a fault acts.
+class Occasion
+{
+public:
+    /// Reads "3", "3-5", "3-" or "10%". Returns false when that is not what it is.
+    static bool parse(std::string_view text, Occasion& occasion);
+
+    bool always() const { return *this == Occasion(); }
+    /// Whether it acts on the one with this number. What is left to chance depends on seed, salt
+    /// and number alone, so that a run can be repeated.
+    bool includes(std::uint64_t number, std::uint64_t seed, std::uint64_t salt) const;
+    /// As it is read.
+    std::string text() const;
+
+    bool operator==(const Occasion& other) const
+    {
+        return m_first == other.m_first && m_last == other.m_last && m_percent == other.m_percent;
+    }
+
+private:
+    static constexpr std::uint64_t noEnd = std::numeric_limits<std::uint64_t>::max();
+
+    std::uint64_t m_first = 0;
+    std::uint64_t m_last = noEnd;
+    unsigned m_percent = 100;
+};
+
+} // namespace simulator

@@ -1,0 +1,56 @@
+// What shall happen to the vehicle, and when: the file that --scenario names.
+#pragma once
+
+#include "simulator/Clock.h"
+#include "simulator/ControlLines.h"
+
+#include <cstdint>
+#include <istream>
+#include <string>
+#include <vector>
+
+namespace simulator {
+
+// One step a line; what follows '#' at the beginning of a line is a comment.
+//   after 10 s: stall=50             so long after the start; also ms and min
+//   after download 3: reboot         when the answer to the third request for a recording is out
+//   at exchange 12: clear all        when the twelfth request to the camera is there, before its
+//                                    answer
+// After the colon: a control line that changes something, or a fault without the word "fault".
+
+/// The steps of a scenario, each of which is due once.
+class Scenario
+{
+public:
+    /// Reads a file. Returns an error text for each line that is none ("NAME:3: ..."), or for the
+    /// whole. speed: how many times faster its seconds pass.
+    std::vector<std::string> read(std::istream& file, const std::string& name, std::uint64_t speed);
+
+    void start(TimePoint now) { m_start = now; }
+    /// When the next step is due by time; `never` without one.
+    TimePoint nextDue() const;
+    // Each takes the steps that are due out and returns them in the order of the file.
+    std::vector<ControlLine> dueAt(TimePoint now);
+    std::vector<ControlLine> dueAtExchange(std::uint64_t number);
+    std::vector<ControlLine> dueAfterDownload(std::uint64_t number);
+    std::size_t stepsLeft() const { return m_steps.size(); }
+
+private:
+    enum class Trigger { Time, Exchange, Download };
+    struct Step
+    {
+        Trigger trigger = Trigger::Time;
+        Milliseconds time{};
+        std::uint64_t number = 0;
+        ControlLine line;
+    };
+    static std::string parseTrigger(const std::string& text, Step& step);
+    std::string addLine(const std::string& text);
+    std::vector<ControlLine> take(const std::function<bool(const Step&)>& isDue);
+
+    std::vector<Step> m_steps;
+    std::uint64_t m_speed = 1;
+    TimePoint m_start = never;
+};
+
+} // namespace simulator

@@ -1,0 +1,66 @@
+"""Lives through a scenario: asks the vehicle the same after each step and prints what it saw.
+
+scenario_client.py SIMULATOR OPTION...
+"""
+
+import os
+import socket
+import subprocess
+import sys
+import tempfile
+import zlib
+
+sys.dont_write_bytecode = True
+import harness  # noqa: E402
+
+PATIENCE = 0.4  # seconds: more than a fault delays an answer
+TARGETS = (harness.COUNT, harness.LIST + b"2", harness.INFO + b"A.MP4", harness.RECORDING + b"A.MP4",
+           harness.DELETE + b"NONE.MP4")
+
+
+def talk(address, request):
+    """What came, and how it ended."""
+    data = b""
+    try:
+        with socket.create_connection(address, PATIENCE) as peer:
+            peer.settimeout(PATIENCE)
+            peer.sendall(request)
+            while request or len(data) < 6:
+                piece = peer.recv(65536)
+                if not piece:
+                    break
+                data += piece
+            end = "closed"
+    except ConnectionRefusedError:
+        end = "refused"
+    except ConnectionError:
+        end = "reset"
+    except TimeoutError:
+        end = "silence"
+    return f"{len(data)} bytes {zlib.crc32(data):08x} {end}"
+
+
+def main():
+    with tempfile.TemporaryDirectory() as folder:
+        path = os.path.join(folder, "A.MP4")
+        with open(path, "wb") as file:
+            file.write(b"recording " * 2000)
+        os.utime(path, (1580474702, 1580474702))
+        with subprocess.Popen([sys.argv[1], "--card", folder, *sys.argv[2:]], text=True,
+                              env={**os.environ, "TZ": "UTC"}, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE) as vehicle:
+            for line in vehicle.stdout:
+                print(line.rstrip("\n"), flush=True)
+                if not line.startswith("scenario: ok") or line == "scenario: ok quit\n":
+                    continue
+                print("  control:", talk(harness.CONTROL, b""), flush=True)
+                for target in TARGETS:
+                    seen = talk(harness.CAMERA, b"GET " + target + b" HTTP/1.1\r\n\r\n")
+                    print("  camera:", target.decode()[-12:], seen, flush=True)
+                    if seen.startswith("0 bytes") and seen.endswith("silence"):
+                        break
+        return vehicle.returncode
+
+
+if __name__ == "__main__":
+    sys.exit(main())
