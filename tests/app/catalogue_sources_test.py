@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Compares the texts that the window's code hands to tr() with the catalogue sources."""
+"""Compares the texts that the window's code passes to tr() with the catalogue sources."""
 
 import argparse
 import pathlib
@@ -11,12 +11,12 @@ import xml.etree.ElementTree
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 CATALOGUES = sorted((ROOT / "resources/translation").glob("*.ts"))
-# The form's own title: the code never asks for it.
+# The form's design-time title, which the code never translates.
 BY_HAND = {"belun_chinese.ts": {("MainWindow", "MainWindow")}}
 
 
-def messagesOf(path):
-    """Class, text, translation and the state of it, of each message."""
+def messages_of(path):
+    """Yields class, text, translation and translation state of each message."""
     for context in xml.etree.ElementTree.parse(path).getroot().iter("context"):
         for message in context.iter("message"):
             translation = message.find("translation")
@@ -34,21 +34,21 @@ class CatalogueSources(unittest.TestCase):
             code = sorted(str(path) for path in (ROOT / "app").glob("*.cpp"))
             subprocess.run([cls.lupdate, "-silent", *code, "-ts", str(found)], check=True,
                            timeout=60)
-            cls.inCode = {message[:2] for message in messagesOf(found)}
+            cls.in_code = {message[:2] for message in messages_of(found)}
 
-    def test_codeHasTexts(self):
-        self.assertIn(("MainWindow", "Link Device"), self.inCode)
+    def test_code_has_texts(self):
+        self.assertIn(("MainWindow", "Link Device"), self.in_code)
 
-    def test_everyTextOfTheCodeIsInEveryCatalogueAndNothingElse(self):
+    def test_catalogues_hold_exactly_the_texts_of_the_code(self):
         for path in CATALOGUES:
             with self.subTest(path.name):
-                inCatalogue = [message[:2] for message in messagesOf(path)]
-                expected = self.inCode | BY_HAND.get(path.name, set())
-                self.assertEqual(sorted(inCatalogue), sorted(expected))
+                in_catalogue = [message[:2] for message in messages_of(path)]
+                expected = self.in_code | BY_HAND.get(path.name, set())
+                self.assertEqual(sorted(in_catalogue), sorted(expected))
 
-    def test_everyTextIsTranslated(self):
+    def test_every_text_is_translated(self):
         for path in CATALOGUES:
-            for _, text, translation, state in messagesOf(path):
+            for _, text, translation, state in messages_of(path):
                 with self.subTest(f"{path.name}: {text}"):
                     self.assertEqual(state, "finished")
                     self.assertTrue(translation)

@@ -1,4 +1,4 @@
-"""What a command finds inside tools/private-network, and what is left when it ends."""
+"""Tests tools/private-network: what a command finds inside, and what is left when it ends."""
 
 import os
 import pathlib
@@ -19,8 +19,8 @@ def inside(*arguments, **options):
                           timeout=30, check=False, **options)
 
 
-def processesWith(mark):
-    """The processes of the whole machine, as far as they can be seen, with that in their command."""
+def processes_with(mark):
+    """Returns the commands of all visible processes whose command line contains `mark`."""
     found = []
     for entry in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
         try:
@@ -33,14 +33,14 @@ def processesWith(mark):
 
 
 class PrivateNetworkTest(unittest.TestCase):
-    def waitUntil(self, what, condition, seconds=10):
+    def wait_until(self, what, condition, seconds=10):
         end = time.monotonic() + seconds
         while not condition():
             self.assertLess(time.monotonic(), end, f"not within {seconds} s: {what}")
             time.sleep(0.02)
 
-    def startSleepers(self):
-        """Starts a command with two children, one of them in a session of its own."""
+    def start_sleepers(self):
+        """Starts a command with two children, one of them in its own session."""
         mark = f"86399.{secrets.randbelow(10**9):09}"
         process = subprocess.Popen(
             [SCRIPT, "--own", "sh", "-c", f"sleep {mark} & setsid sleep {mark} &"
@@ -48,16 +48,16 @@ class PrivateNetworkTest(unittest.TestCase):
              "trap 'echo interrupted; exit 6' INT;"
              "echo up; while :; do sleep 0.05; done"],
             stdout=subprocess.PIPE, text=True,
-            # A runner in the background of a script ignores Ctrl-C, and so would all it starts.
+            # A test runner in the background of a script ignores Ctrl-C; its children inherit that.
             preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
         self.addCleanup(process.wait, 10)
         self.addCleanup(process.kill)
         self.assertEqual(process.stdout.readline(), "up\n")
-        self.waitUntil("both sleepers", lambda: len(
-            [line for line in processesWith(mark) if line.startswith("sleep")]) == 2)
+        self.wait_until("both sleepers", lambda: len(
+            [line for line in processes_with(mark) if line.startswith("sleep")]) == 2)
         return process, mark
 
-    def testStatusIsTheCommands(self):
+    def test_status_is_that_of_the_command(self):
         for command, status in (("exit 0", 0), ("exit 7", 7), ("exit 77", 77),
                                 ("kill -KILL $$", 137), ("kill -TERM $$", 143)):
             with self.subTest(command):
@@ -65,12 +65,12 @@ class PrivateNetworkTest(unittest.TestCase):
                 self.assertEqual((result.returncode, result.stdout, result.stderr),
                                  (status, "", ""))
 
-    def testMissingCommandIsSaid(self):
+    def test_missing_command_is_reported(self):
         result = inside("/nonexistent/command")
         self.assertEqual(result.returncode, 127)
         self.assertIn("/nonexistent/command", result.stderr)
 
-    def testOnlyTheThreeAddressesAreUp(self):
+    def test_only_the_three_addresses_are_up(self):
         result = inside("ip", "-o", "-4", "addr", "show")
         fields = [line.split() for line in result.stdout.splitlines()]
         self.assertEqual(sorted((field[1], field[3]) for field in fields),
@@ -79,7 +79,7 @@ class PrivateNetworkTest(unittest.TestCase):
         up = inside("ip", "-o", "link", "show", "up").stdout.splitlines()
         self.assertEqual(len(up), 1, up)
 
-    def testTwoNetworksAtOnceBothServePort80(self):
+    def test_two_networks_at_once_both_serve_port_80(self):
         serve = ("import socket, sys\n"
                  "server = socket.create_server(('192.168.1.120', 80))\n"
                  "print('listening', flush=True)\n"
@@ -93,54 +93,54 @@ class PrivateNetworkTest(unittest.TestCase):
             server.communicate(timeout=10)
             self.assertEqual(server.returncode, 0)
 
-    def testCommandRunsAsTheCallerWithoutExtraRights(self):
+    def test_command_runs_as_the_caller_without_extra_privileges(self):
         shown = inside("sh", "-c", "id -u; id -g; grep CapEff /proc/self/status").stdout.split()
         own = [line.split()[1] for line in pathlib.Path("/proc/self/status").read_text()
                .splitlines() if line.startswith("CapEff")]
         self.assertEqual(shown, [str(os.getuid()), str(os.getgid()), "CapEff:", own[0]])
 
     @unittest.skipUnless(os.getuid() == 0, "only root can run a command as another user")
-    def testRootRunsACommandAsAnotherUser(self):
+    def test_root_runs_a_command_as_another_user(self):
         shown = inside("--as-user", "nobody", "sh", "-c",
                        "id -un; grep CapEff /proc/self/status").stdout.split()
         self.assertEqual(shown, ["nobody", "CapEff:", "0000000000000000"])
 
-    def testInputAndEnvironmentArrive(self):
+    def test_input_and_environment_arrive(self):
         result = inside("sh", "-c", 'cat; printf %s "$MARK"', input="from the caller\n",
                         env=dict(os.environ, MARK="two\nlines"))
         self.assertEqual(result.stdout, "from the caller\ntwo\nlines")
 
-    def testNestedCallStaysInTheSameNetwork(self):
+    def test_nested_call_stays_in_the_same_network(self):
         show = "readlink /proc/self/ns/net"
         outer, same, other = inside(
             "sh", "-c", f"{show}; '{SCRIPT}' {show}; '{SCRIPT}' --own {show}").stdout.split()
         self.assertEqual(outer, same)
         self.assertNotEqual(outer, other)
 
-    def testNothingOutlivesTheCommand(self):
+    def test_nothing_outlives_the_command(self):
         mark = f"86399.{secrets.randbelow(10**9):09}"
         result = inside("sh", "-c", f"setsid sleep {mark} & sleep {mark} & exit 3")
         self.assertEqual(result.returncode, 3)
-        self.assertEqual(processesWith(mark), [])
+        self.assertEqual(processes_with(mark), [])
 
-    def testSignalsReachTheCommand(self):
+    def test_signals_reach_the_command(self):
         for number, status, said in ((signal.SIGTERM, 5, "terminated\n"),
                                      (signal.SIGHUP, 8, "hung up\n"),
                                      (signal.SIGINT, 6, "interrupted\n")):
             with self.subTest(number):
-                process, mark = self.startSleepers()
+                process, mark = self.start_sleepers()
                 process.send_signal(number)
                 self.assertEqual(process.communicate(timeout=10)[0], said)
                 self.assertEqual(process.returncode, status)
-                self.assertEqual(processesWith(mark), [])
+                self.assertEqual(processes_with(mark), [])
 
-    def testNothingOutlivesAKilledCaller(self):
-        process, mark = self.startSleepers()
+    def test_nothing_outlives_a_killed_caller(self):
+        process, mark = self.start_sleepers()
         process.kill()
         process.communicate(timeout=10)
-        self.waitUntil("the end of everything inside", lambda: not processesWith(mark))
+        self.wait_until("the end of everything inside", lambda: not processes_with(mark))
 
-    def testWithoutRightsItSaysSo(self):
+    def test_missing_permission_is_reported(self):
         with tempfile.TemporaryDirectory() as folder:
             for name in ("bash", "readlink", "id", "mktemp", "mkfifo", "rm", "ip", "true"):
                 os.symlink(shutil.which(name), f"{folder}/{name}")

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Installs into an empty folder, looks at what is there, and starts it from there."""
+"""Installs into an empty folder, checks the files, and starts the installed programs."""
 
 import argparse
 import gzip
@@ -15,7 +15,7 @@ import xml.etree.ElementTree
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
-import menu_entry  # noqa: E402
+import desktop_entry  # noqa: E402
 
 SIZES = (16, 22, 24, 32, 48, 64, 128, 256)
 ICONS = "share/icons/hicolor"
@@ -63,7 +63,7 @@ def install(prefix, component=None):
                    check=True, stdout=subprocess.DEVNULL, timeout=60)
 
 
-def filesIn(folder):
+def files_in(folder):
     return {str(path.relative_to(folder)) for path in folder.rglob("*") if not path.is_dir()}
 
 
@@ -82,15 +82,15 @@ class InstallTest(unittest.TestCase):
         return gzip.decompress((self.prefix / path).read_bytes()).decode("utf-8")
 
     def test_everything_is_installed_and_nothing_else(self):
-        self.assertEqual(PROGRAM | SIMULATOR, filesIn(self.prefix))
+        self.assertEqual(PROGRAM | SIMULATOR, files_in(self.prefix))
 
     def test_each_component_stands_alone(self):
         for component, files in (("program", PROGRAM), ("simulator", SIMULATOR)):
             prefix = pathlib.Path(self.folder.name, component)
             install(prefix, component)
-            self.assertEqual(files, filesIn(prefix))
+            self.assertEqual(files, files_in(prefix))
 
-    def test_no_file_but_a_program_may_be_run_and_all_may_be_read(self):
+    def test_only_programs_are_executable_and_all_files_are_readable(self):
         for path in PROGRAM | SIMULATOR:
             mode = (self.prefix / path).stat().st_mode & 0o777
             self.assertEqual(0o755 if path.startswith("bin/") else 0o644, mode, path)
@@ -108,8 +108,8 @@ class InstallTest(unittest.TestCase):
             head = (self.prefix / f"{ICONS}/{size}x{size}/apps/belun-download.png").read_bytes()
             self.assertEqual((size, size), struct.unpack(">II", head[16:24]))
 
-    def test_the_menu_entry_is_in_both_languages(self):
-        entry = menu_entry.read(self.prefix / "share/applications/belun-download.desktop")
+    def test_the_desktop_entry_is_in_both_languages(self):
+        entry = desktop_entry.read(self.prefix / "share/applications/belun-download.desktop")
         for key in ("Name", "GenericName", "Comment", "Keywords"):
             self.assertTrue(entry[key].isascii())
             self.assertFalse(entry[f"{key}[zh_CN]"].isascii())
@@ -118,9 +118,9 @@ class InstallTest(unittest.TestCase):
 
     def test_the_version_is_the_same_everywhere(self):
         version = ARGUMENTS.version
-        told = subprocess.run([self.prefix / "bin/belun-simulator", "--version"], check=True,
-                              stdout=subprocess.PIPE, timeout=20).stdout
-        self.assertEqual(f"belun-simulator {version}\n".encode(), told)
+        printed = subprocess.run([self.prefix / "bin/belun-simulator", "--version"], check=True,
+                                 stdout=subprocess.PIPE, timeout=20).stdout
+        self.assertEqual(f"belun-simulator {version}\n".encode(), printed)
         for name in ("belun-download", "belun-simulator"):
             self.assertIn(f" {version}\"", self.unpacked(f"share/man/man1/{name}.1.gz"))
             self.assertTrue(self.unpacked(f"share/doc/{name}/changelog.gz").startswith(
@@ -129,21 +129,21 @@ class InstallTest(unittest.TestCase):
             self.prefix / f"share/metainfo/{COMPONENT}.metainfo.xml")
         self.assertEqual(version, metainfo.find("releases/release").get("version"))
 
-    def test_no_address_is_told_where_none_was_given(self):
+    def test_no_web_address_appears_without_a_project_url(self):
         text = self.text(f"share/metainfo/{COMPONENT}.metainfo.xml")
         self.assertNotIn("://", text)
         self.assertIn(f"<id>{COMPONENT}</id>", text)
 
-    def test_the_simulator_starts_in_the_network_beside_it(self):
+    def test_the_simulator_starts_in_its_private_network(self):
         tools = self.prefix / "bin"
         ready = subprocess.run([tools / "belun-private-network", "--own", tools / "belun-simulator",
                                 "--exit-with-stdin"], stdin=subprocess.DEVNULL, check=True,
                                stdout=subprocess.PIPE, timeout=60).stdout
         self.assertEqual(b"belun-simulator ready\n", ready)
 
-    def test_the_program_starts_from_the_menu_entry(self):
+    def test_the_program_starts_from_the_desktop_entry(self):
         os.environ["PATH"] = f"{self.prefix}/bin:{os.environ['PATH']}"
-        self.assertEqual(0, menu_entry.startAndClose(
+        self.assertEqual(0, desktop_entry.start_and_close(
             self.prefix / "share/applications/belun-download.desktop"))
 
 

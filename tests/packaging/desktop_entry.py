@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""Starts a program as a desktop does, by its menu entry, and closes its window again.
+"""Starts a program from its desktop entry, as a desktop does, and closes its window again.
 
-Runs on a display: tools/private-display tests/packaging/menu_entry.py ENTRY...
+Runs on a display: tools/private-display tests/packaging/desktop_entry.py ENTRY...
 """
 
 import argparse
@@ -17,21 +17,21 @@ import screen  # noqa: E402
 
 
 def read(path):
-    """The keys of a menu entry."""
+    """Returns the keys of a desktop entry."""
     parser = configparser.ConfigParser(interpolation=None, delimiters="=", comment_prefixes="#")
     parser.optionxform = str
     parser.read(path, encoding="utf-8")
     return parser["Desktop Entry"]
 
 
-def startAndClose(path):
+def start_and_close(path):
     """Returns the program's exit status."""
     entry = read(path)
     program = subprocess.Popen(shlex.split(entry["Exec"]))
     try:
         screen.findWindow("BELUN-DownLoad")
 
-        # A key is lost while the window manager still hands over the focus.
+        # A key press is lost while the window manager is still moving the focus.
         def closes():
             screen.key("alt+F4")
             try:
@@ -49,7 +49,7 @@ def startAndClose(path):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("entry")
-    return startAndClose(parser.parse_args().entry)
+    return start_and_close(parser.parse_args().entry)
 
 
 if __name__ == "__main__":
