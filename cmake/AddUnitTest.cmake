@@ -1,26 +1,26 @@
-# Adding tests. Every test belongs to one label, which sets its time limit:
-#   unit    no thread, no socket
-#   socket  threads and sockets, the window included
+# Functions that add tests. Every test has one label, which sets its time limit:
+#   unit    no threads, no sockets
+#   socket  threads and sockets, including the window
 #   system  the built programs
-# A test marked PRIVATE_NETWORK also gets the label `network` and runs in a private network of its
-# own, so that such tests run side by side.
+# A test marked PRIVATE_NETWORK also gets the label `network` and runs in its own private network, so
+# that such tests can run in parallel.
 
-# What has nothing to run shows nothing new with Qt 6 or under a sanitizer.
+# Compile-only tests are built once; they find nothing new with Qt 6 or under a sanitizer.
 if(BELUN_SANITIZE OR BELUN_QT_MAJOR EQUAL 6)
   set(BELUN_EVERY_VARIANT OFF)
 else()
   set(BELUN_EVERY_VARIANT ON)
 endif()
 
-# Always a network of its own, also for a caller who is inside one already.
+# Always a new network, even if the caller is already inside one.
 set(BELUN_PRIVATE_NETWORK "${PROJECT_SOURCE_DIR}/tools/private-network" --own)
 
 math(EXPR BELUN_TIMEOUT_unit "60 * ${BELUN_TIME_FACTOR}")
 math(EXPR BELUN_TIMEOUT_socket "180 * ${BELUN_TIME_FACTOR}")
 math(EXPR BELUN_TIMEOUT_system "300 * ${BELUN_TIME_FACTOR}")
 
-# Sets what all tests have in common. Windows are drawn offscreen; the time zone and the language
-# are fixed so that dates and messages are the same everywhere.
+# Sets the properties common to all tests. Windows are drawn offscreen; time zone and locale are
+# fixed so that dates and messages are the same everywhere.
 function(_belun_set_test_properties name label network)
   set(labels ${label})
   if(network)
@@ -33,7 +33,7 @@ function(_belun_set_test_properties name label network)
 endfunction()
 
 # add_test_program(link LIBRARIES link [SOURCES LinkRecorder.h])
-# The test program of a folder, test_link: add_unit_test adds the classes.
+# Adds a folder's test program, such as test_link; add_unit_test adds its classes.
 function(add_test_program folder)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
   set(target "test_${folder}")
@@ -42,14 +42,14 @@ function(add_test_program folder)
     AUTOMOC ON
     RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
   target_link_libraries(${target} PRIVATE project_options test_kit Qt::Test ${arg_LIBRARIES})
-  # Clang builds without it, so that a missing include shows.
+  # Clang builds without it, so that missing includes are found.
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_precompile_headers(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support/Precompiled.h")
   endif()
 endfunction()
 
 # add_unit_test(NAME link.VehicleFrame LABEL unit [PRIVATE_NETWORK])
-# One test class of the folder's program, in VehicleFrameTest.cpp; CTest runs it by itself.
+# Adds one test class, in VehicleFrameTest.cpp, to the folder's program; CTest runs it separately.
 function(add_unit_test)
   cmake_parse_arguments(PARSE_ARGV 0 arg "PRIVATE_NETWORK" "NAME;LABEL" "")
   string(REPLACE "." ";" parts ${arg_NAME})
@@ -65,7 +65,7 @@ function(add_unit_test)
 endfunction()
 
 # add_private_network_test(NAME system.Demo COMMAND <command line>)
-# A system test that is a program of its own (a script, say).
+# Adds a system test that is a separate program, such as a script.
 function(add_private_network_test)
   cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME" "COMMAND")
   add_test(NAME ${arg_NAME} COMMAND ${BELUN_PRIVATE_NETWORK} ${arg_COMMAND})

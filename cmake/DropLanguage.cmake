@@ -1,7 +1,7 @@
 # cmake -DFROM=<file.qm> -DTO=<file.qm> -P DropLanguage.cmake
 #
 # Copies a compiled catalogue without its language section: tag A7, the length 5 in four bytes and a
-# name like zh_CN, directly after the sixteen bytes of the magic number. Fails if it is not there.
+# name like zh_CN, directly after the 16-byte magic number. Fails if there is none.
 cmake_minimum_required(VERSION 3.22)
 
 set(magic 3cb86418caef9c95cd211cbf60a1bddd)
@@ -11,7 +11,7 @@ if(NOT digits EQUAL 52 OR NOT start MATCHES "^${magic}a700000005")
   message(FATAL_ERROR "${FROM}: no language section after the magic number")
 endif()
 
-# CMake itself cannot write bytes of zero.
+# CMake itself cannot write zero bytes.
 execute_process(
   COMMAND sh -c [[head -c 16 "$1" && tail -c +27 "$1"]] sh "${FROM}"
   OUTPUT_FILE "${TO}"

@@ -8,7 +8,7 @@ set(CPACK_PROJECT_CONFIG_FILE "${PROJECT_BINARY_DIR}/SourceDate.cmake")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL program simulator)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-# Whatever the umask of the caller is.
+# Independent of the caller's umask.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
@@ -16,7 +16,7 @@ set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${BELUN_MAINTAINER}")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 
-# Each package has a first line of its own; this one would go before both.
+# Each package has its own summary; this one would precede both.
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME belun-download)
 set(CPACK_DEBIAN_PROGRAM_FILE_NAME DEB-DEFAULT)

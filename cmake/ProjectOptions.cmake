@@ -1,4 +1,4 @@
-# Language level, warnings and include root: one interface target that all of ours link.
+# Language level, warnings and include root: one interface target that all our targets link.
 option(BELUN_WERROR "Treat compiler warnings as errors" OFF)
 
 add_library(project_options INTERFACE)
@@ -8,7 +8,7 @@ target_compile_options(project_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow
   $<$<BOOL:${BELUN_WERROR}>:-Werror>)
 
-# The vehicle's bytes have to be read alike whether plain char is signed or not.
+# The vehicle's bytes must be read the same way whether plain char is signed or not.
 option(BELUN_OTHER_CHAR "Compile with the other sign of plain char" OFF)
 if(BELUN_OTHER_CHAR)
   include(CheckCXXSourceCompiles)
@@ -23,7 +23,7 @@ if(BELUN_OTHER_CHAR)
   endif()
 endif()
 
-# gold takes a third of the default linker's time. What is built for use keeps the default.
+# gold is three times as fast as the default linker. Release builds use the default.
 if(BUILD_TESTING)
   include(CheckLinkerFlag)
   check_linker_flag(CXX -fuse-ld=gold BELUN_HAVE_GOLD)

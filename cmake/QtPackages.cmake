@@ -1,5 +1,5 @@
-# Finds Qt 5, which the program is made for. -DBELUN_QT_MAJOR=6 takes Qt 6 for the same sources.
-# Targets are used by their versionless names (Qt::Core and so on).
+# Finds Qt 5, or Qt 6 with -DBELUN_QT_MAJOR=6. Targets are used by their versionless names (Qt::Core
+# and so on).
 set(BELUN_QT_MAJOR 5 CACHE STRING "Major version of Qt to build with")
 set_property(CACHE BELUN_QT_MAJOR PROPERTY STRINGS 5 6)
 

@@ -1,12 +1,12 @@
-# -DBELUN_SANITIZE=address,undefined (or thread) instruments every target of ours.
+# -DBELUN_SANITIZE=address,undefined (or thread) instruments all our targets.
 #
-# What the run-time libraries are told stands in BELUN_SANITIZER_ENVIRONMENT, which every test gets
-# and hands on to the programs it starts.
+# BELUN_SANITIZER_ENVIRONMENT contains the run-time options. Every test gets it and passes it on to
+# the programs it starts.
 set(BELUN_SANITIZE "" CACHE STRING "Sanitizers to build with, separated by commas")
 
 set(BELUN_SANITIZER_ENVIRONMENT)
-# Instrumented code is slower: the tests' time limits, and the times they hold the program to, grow
-# by this factor.
+# Instrumented code is slower: CTest's time limits and the limits checked by tests are multiplied by
+# this factor.
 set(BELUN_TIME_FACTOR 1)
 if(BELUN_SANITIZE)
   target_compile_options(project_options INTERFACE
@@ -14,9 +14,9 @@ if(BELUN_SANITIZE)
   target_link_options(project_options INTERFACE -fsanitize=${BELUN_SANITIZE})
 
   set(suppressions "${PROJECT_SOURCE_DIR}/cmake/sanitizers")
-  # ignore_noninstrumented_modules: Qt's locks and atomics cannot be seen, so neither must be what
-  # it does under them.
-  # halt_on_error: also a program that its test kills in the end shall not hide a race.
+  # ignore_noninstrumented_modules: Qt's locks and atomics are invisible, so accesses that they
+  # protect must be ignored as well.
+  # halt_on_error: reports a race even in a program that its test kills at the end.
   set(BELUN_TIME_FACTOR 6)
   set(BELUN_SANITIZER_ENVIRONMENT
     "BELUN_TIME_FACTOR=${BELUN_TIME_FACTOR}"
@@ -27,7 +27,7 @@ if(BELUN_SANITIZE)
 endif()
 
 if(BELUN_SANITIZE MATCHES "thread")
-  # See QtThreads.cpp. Whoever links Qt gets it.
+  # See QtThreads.cpp. Every target that links Qt gets it.
   set(qt_core "Qt${BELUN_QT_MAJOR}::Core")
   add_library(qt_threads STATIC "${PROJECT_SOURCE_DIR}/cmake/sanitizers/QtThreads.cpp")
   target_include_directories(qt_threads SYSTEM PRIVATE
@@ -40,12 +40,12 @@ if(BELUN_SANITIZE MATCHES "thread")
   endforeach()
 endif()
 
-# For tests on a display: the leaks of the xcb plugin are seen to be its own only by the slow way to
-# walk a stack, which would cost all tests eight times as much.
+# For tests on a display: only the slow unwinder attributes leaks in the xcb plugin to the plugin. It
+# would make all other tests eight times slower.
 set(BELUN_DISPLAY_ENVIRONMENT ${BELUN_SANITIZER_ENVIRONMENT})
 list(TRANSFORM BELUN_DISPLAY_ENVIRONMENT
   REPLACE "^ASAN_OPTIONS=" "ASAN_OPTIONS=fast_unwind_on_malloc=0:")
 
-# The same for programs that CTest does not start: a line for each variable.
+# The same for programs not started by CTest: one variable per line.
 list(JOIN BELUN_SANITIZER_ENVIRONMENT "\n" lines)
 file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/test-environment" CONTENT "${lines}\n" @ONLY)

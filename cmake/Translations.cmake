@@ -1,13 +1,13 @@
 # belun_add_translations(<variable> <file.ts>...)
 #
 # Compiles each catalogue source to a .qm in the build folder and lists the results in <variable>.
-# lrelease writes the source's language into the .qm, where nothing reads it: the catalogue is chosen by
-# its file name. The program's catalogues are made without that section.
+# lrelease writes the source's language into the .qm. Nothing reads it, because the catalogue is chosen
+# by its file name, so that section is removed.
 #
-# `update_translations` brings the sources up to date with the code. It is run by hand, never by a
-# build, reads the window's code only (the form's design texts are never seen, so no catalogue has
-# them) and drops no entry: lupdate's mark on what the code does not have, by which the compiler would
-# leave it out, is taken away again, since an entry may stand there by hand.
+# `update_translations` updates the sources from the code. It is run by hand, never by a build. It reads
+# only the window's code (the form's design-time texts are never shown and are in no catalogue) and
+# removes no entry: lupdate marks entries that are not in the code as vanished, and lrelease would drop
+# them. The mark is removed again, because an entry may have been added by hand.
 function(belun_add_translations variable)
   set(with_language "${CMAKE_CURRENT_BINARY_DIR}/with_language")
   file(MAKE_DIRECTORY "${with_language}")
