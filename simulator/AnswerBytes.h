@@ -1,3 +1,4 @@
+// An answer of the camera as bytes.
 #pragma once
 
 #include "simulator/CameraAnswers.h"

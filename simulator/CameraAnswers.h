@@ -1,3 +1,4 @@
+// What the camera answers to each request.
 #pragma once
 
 #include "simulator/CameraRequest.h"

@@ -1,3 +1,4 @@
+// One client of the camera.
 #pragma once
 
 #include "simulator/AnswerBytes.h"

@@ -1,3 +1,4 @@
+// The camera's memory card.
 #pragma once
 
 #include "simulator/Content.h"

@@ -1,3 +1,4 @@
+// The clock of all pacing.
 #pragma once
 
 #include <chrono>

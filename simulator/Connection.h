@@ -1,3 +1,4 @@
+// One accepted connection of any device.
 #pragma once
 
 #include "simulator/Clock.h"

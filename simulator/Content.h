@@ -1,3 +1,4 @@
+// The bytes of the recordings.
 #pragma once
 
 #include "simulator/FileDescriptor.h"

@@ -1,3 +1,4 @@
+// One simulated device.
 #pragma once
 
 #include "simulator/Clock.h"

@@ -1,3 +1,4 @@
+// Ownership of a descriptor.
 #pragma once
 
 #include <utility>

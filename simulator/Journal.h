@@ -1,3 +1,4 @@
+// The log of everything on the wire.
 #pragma once
 
 #include "simulator/FileDescriptor.h"

@@ -1,3 +1,4 @@
+// The listening socket of a device.
 #pragma once
 
 #include "simulator/FileDescriptor.h"

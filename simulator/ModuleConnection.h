@@ -1,3 +1,4 @@
+// One client of the control or the ground module.
 #pragma once
 
 #include "simulator/Connection.h"

@@ -1,3 +1,4 @@
+// Durations in MP4 recordings, read and written.
 #pragma once
 
 #include "simulator/Content.h"

@@ -1,3 +1,4 @@
+// Bytes that wait to be sent.
 #pragma once
 
 #include "simulator/Clock.h"

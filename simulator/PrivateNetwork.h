@@ -1,3 +1,4 @@
+// Whether this is the private network.
 #pragma once
 
 #include <string>

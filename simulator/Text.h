@@ -1,3 +1,4 @@
+// Texts of the journal and the camera.
 #pragma once
 
 #include <cstddef>

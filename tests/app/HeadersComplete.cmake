@@ -1,7 +1,7 @@
-# Fails when a header of the product is missing in CHECKED.
+# Fails when a header of the product or the simulator is missing in CHECKED.
 file(GLOB headers RELATIVE "${ROOT}"
   "${ROOT}/app/*.h" "${ROOT}/card/*.h" "${ROOT}/download/*.h" "${ROOT}/http/*.h" "${ROOT}/link/*.h"
-  "${ROOT}/posix/*.h")
+  "${ROOT}/posix/*.h" "${ROOT}/simulator/*.h")
 if(NOT headers)
   message(FATAL_ERROR "no header found in ${ROOT}")
 endif()
