@@ -38,6 +38,6 @@ function(belun_add_translations variable)
             update_translations ${sources}
     COMMAND sed -i "s/ type=\"vanished\"//" ${sources}
     WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
-    COMMENT "Bringing the catalogue sources up to date with app/*.cpp"
+    COMMENT "Updating the catalogue sources from app/*.cpp"
     VERBATIM)
 endfunction()

@@ -1,4 +1,4 @@
-# Fails when a header of the product or the simulator is missing in CHECKED.
+# Fails if a header of the product or the simulator is missing from CHECKED.
 file(GLOB headers RELATIVE "${ROOT}"
   "${ROOT}/app/*.h" "${ROOT}/card/*.h" "${ROOT}/download/*.h" "${ROOT}/http/*.h" "${ROOT}/link/*.h"
   "${ROOT}/posix/*.h" "${ROOT}/simulator/*.h")
@@ -7,5 +7,5 @@ if(NOT headers)
 endif()
 list(REMOVE_ITEM headers ${CHECKED})
 if(headers)
-  message(FATAL_ERROR "not compiled by themselves, add them to HeadersTest.cmake: ${headers}")
+  message(FATAL_ERROR "headers not compiled by themselves; add them to HeadersTest.cmake: ${headers}")
 endif()

@@ -1,6 +1,6 @@
-# Every header compiled by itself, twice in a row, with nothing but what its own library brings: it
-# includes what it needs, guards itself, and knows no more of Qt than its library may. There is
-# nothing to run; the test app.Headers only sees to it that none is left out.
+# Compiles every header by itself, included twice, with only its own library's dependencies: it must
+# include what it needs, have an include guard, and use no more of Qt than its library may. There is
+# nothing to run; the test app.Headers only checks that no header is missing here.
 function(check_headers library)
   foreach(header ${ARGN})
     string(MAKE_C_IDENTIFIER "${header}" name)

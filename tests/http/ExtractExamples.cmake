@@ -1,5 +1,5 @@
-# Writes each example of a page to a file of its own: PAGE, FOLDER and NAMES come with -D. An
-# example stands between "<!-- example: NAME -->", "```cpp" and "```", each on a line of its own.
+# Writes each example of a page to a file of its own: PAGE, FOLDER and NAMES are set with -D. An
+# example is between "<!-- example: NAME -->", "```cpp" and "```", each on its own line.
 file(READ "${PAGE}" page)
 foreach(name ${NAMES})
   set(opening "<!-- example: ${name} -->\n```cpp\n")
