@@ -8,7 +8,7 @@
 #include <QStandardPaths>
 
 DownloadFileThread::DownloadFileThread(QObject* parent)
-    : QThread(parent), urlPrefix(QStringLiteral("http://192.168.1.120/sd/DCIM/100ZEPNA/"))
+    : QThread(parent), urlPrefix(QString::fromLatin1(download::recordingUrlPrefix))
 {
     qDebug("DownloadFileThread build");
 }

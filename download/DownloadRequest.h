@@ -9,6 +9,9 @@ namespace download {
 constexpr char cameraHost[] = "192.168.1.120";
 constexpr unsigned short cameraPort = 80;
 
+/// Comes before a recording's name in its URL.
+constexpr char recordingUrlPrefix[] = "http://192.168.1.120/sd/DCIM/100ZEPNA/";
+
 /// The request for an absolute URL. The camera's server takes the header lines in this form,
 /// without a space behind their colons.
 QByteArray requestText(const QByteArray& url, const char* host);
