@@ -36,8 +36,7 @@ TestEnvironment::TestEnvironment()
     qputenv("LC_ALL", "C.UTF-8");
     std::setlocale(LC_ALL, "");
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    for (const char* name :
-         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "QT_LOGGING_RULES"}) {
+    for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "QT_LOGGING_RULES"}) {
         qunsetenv(name);
     }
     QTemporaryDir folder;
@@ -48,6 +47,8 @@ TestEnvironment::TestEnvironment()
     }
     qputenv("HOME", m_home.toLocal8Bit());
     qputenv("XDG_RUNTIME_DIR", m_home.toLocal8Bit());
+    // Fontconfig writes there what the system's cache lacks.
+    qputenv("XDG_CACHE_HOME", m_caches.path().toLocal8Bit());
 }
 
 TestEnvironment::~TestEnvironment()

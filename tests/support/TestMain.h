@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QObject>
 #include <QString>
+#include <QTemporaryDir>
 #include <QTest>
 #ifdef QT_WIDGETS_LIB
 #include <QApplication>
@@ -13,17 +14,19 @@ namespace support {
 
 /// Makes every run the same: windows offscreen, UTC, the C locale with UTF-8, SIGPIPE ignored,
 /// standard output fully buffered as on a pipe, and a home folder of the test's own, with an empty
-/// folder Desktop, in HOME. Nothing of the user's is touched.
+/// folder Desktop, in HOME. Caches are kept in another folder: what is in the home, the program made.
+/// Nothing of the user's is touched.
 class TestEnvironment
 {
 public:
     TestEnvironment();
-    ~TestEnvironment(); ///< Removes the home folder.
+    ~TestEnvironment(); ///< Removes both folders.
     TestEnvironment(const TestEnvironment&) = delete;
     TestEnvironment& operator=(const TestEnvironment&) = delete;
 
 private:
     QString m_home;
+    QTemporaryDir m_caches;
 };
 
 /// Runs the test object's functions. A warning of Qt's, or anything worse, that no ExpectedWarning
