@@ -14,6 +14,19 @@ Atspi.set_timeout(2000, 5000)
 
 _STATES = {name: getattr(Atspi.StateType, name)
            for name in ("ENABLED", "SHOWING", "FOCUSED", "CHECKED", "SELECTED")}
+# By number: the names that the interface gives them differ from one version to the next.
+_ROLES = {int(number): name for number, name in (
+    (Atspi.Role.ALERT, "alert"), (Atspi.Role.CHECK_BOX, "check box"),
+    (Atspi.Role.COMBO_BOX, "combo box"), (Atspi.Role.DIALOG, "dialog"),
+    (Atspi.Role.FRAME, "frame"), (Atspi.Role.LABEL, "label"), (Atspi.Role.LIST, "list"),
+    (Atspi.Role.LIST_ITEM, "list item"), (Atspi.Role.MENU_BAR, "menu bar"),
+    (Atspi.Role.NOTIFICATION, "notification"), (Atspi.Role.PANEL, "panel"),
+    (Atspi.Role.PROGRESS_BAR, "progress bar"),
+    (43, "push button"),  # PUSH_BUTTON, and BUTTON from at-spi 2.56 on
+    (Atspi.Role.STATUS_BAR, "status bar"), (Atspi.Role.TABLE_CELL, "table cell"),
+    (Atspi.Role.TABLE_COLUMN_HEADER, "table column header"),
+    (Atspi.Role.TABLE_ROW_HEADER, "table row header"), (Atspi.Role.TEXT, "text"),
+    (Atspi.Role.TOOL_BAR, "tool bar"))}
 # What these hold is shown by themselves, or only once they are opened.
 _CLOSED = ("combo box", "status bar", "tool bar", "menu bar")
 _WITHOUT_PARTS = ("push button", "check box", "label", "text", "progress bar",
@@ -40,6 +53,11 @@ class Item:
         return (extents.x, extents.y, extents.x + extents.width, extents.y + extents.height)
 
 
+def _roleOf(accessible):
+    number = int(accessible.get_role())
+    return _ROLES.get(number, f"role {number}")
+
+
 def _textOf(role, name, accessible):
     if role == "text":
         return Atspi.Text.get_text(accessible, 0, -1)
@@ -54,7 +72,7 @@ def _walk(accessible, items, closed=_CLOSED):
     states = accessible.get_state_set()
     if not states.contains(Atspi.StateType.SHOWING):
         return
-    role, name = accessible.get_role_name(), accessible.get_name()
+    role, name = _roleOf(accessible), accessible.get_name()
     items.append(Item(role, name, _textOf(role, name, accessible), frozenset(
         state for state, number in _STATES.items() if states.contains(number)), accessible))
     if role in closed or role in _WITHOUT_PARTS:
@@ -101,17 +119,17 @@ class Program:
 
     def items(self):
         """All that is shown in the window, from top to bottom; none when there is no window."""
-        return self._patiently(lambda: self._look(lambda top: top.get_role_name() == "frame"))
+        return self._patiently(lambda: self._look(lambda top: _roleOf(top) == "frame"))
 
     def box(self):
         """The same of the message box."""
         return self._patiently(lambda: self._look(
-            lambda top: top.get_role_name() in ("alert", "dialog", "notification")))
+            lambda top: _roleOf(top) in ("alert", "dialog", "notification")))
 
     def languages(self):
         """The entries of the list of languages; none while it is closed, and so nowhere."""
         items = self._patiently(lambda: self._look(
-            lambda top: top.get_role_name() == "frame", closed=()))
+            lambda top: _roleOf(top) == "frame", closed=()))
         opened = [item for item in items if item.role == "list" and item.box[2] > item.box[0]]
         return [item for item in items if item.role == "list item"] if opened else []
 
