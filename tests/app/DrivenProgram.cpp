@@ -1,6 +1,6 @@
 // Works the program's own window from inside: linked with the program's main function, it takes
 // one command per line from standard input and confirms each with a line "done".
-//   click NAME    clicks the widget of that object name
+//   click NAME    clicks the widget of that object name as soon as it is enabled
 //   choose ROW    clicks a row of the file table
 //   close         closes the window, as its close button does
 #include <cstdio>
@@ -20,6 +20,8 @@
 
 namespace {
 
+constexpr int enabledLimit = 5000; // milliseconds
+
 QWidget* programWindow()
 {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -37,7 +39,11 @@ void obey(const QByteArray& line)
     const QString argument = QString::fromUtf8(line.mid(command.size() + 1));
     QWidget* window = programWindow();
     if (command == "click") {
-        QTest::mouseClick(window->findChild<QWidget*>(argument), Qt::LeftButton);
+        auto* widget = window->findChild<QWidget*>(argument);
+        if (!QTest::qWaitFor([widget] { return widget->isEnabled(); }, enabledLimit)) {
+            qFatal("%s stays disabled", qPrintable(argument));
+        }
+        QTest::mouseClick(widget, Qt::LeftButton);
     } else if (command == "choose") {
         auto* table = window->findChild<QTableWidget*>();
         QTest::mouseClick(table->viewport(), Qt::LeftButton, Qt::NoModifier,
