@@ -166,8 +166,9 @@ private slots:
     void widthsHoldWhenTheWindowIsResized();
 
 private:
+    // The name by value: GCC 14 takes the result for a reference into a temporary name.
     template <class Object>
-    static Object& child(QObject& window, const QString& name)
+    static Object& child(QObject& window, QString name)
     {
         auto* found = window.findChild<Object*>(name);
         if (found == nullptr) {
