@@ -79,22 +79,24 @@ class Picture:
             before = now
         return rows
 
-    def shapes(self, box):
-        """The text in the box, cut where a column looks like the leftmost, as a list of shapes."""
+    def text(self, box):
+        """The text in the box, as its columns without the plain ones on both sides."""
         left, top, right, bottom = box
-        background = tuple(self.pixel(left, y) for y in range(top, bottom))
-        shapes, shape = [], []
-        for x in range(left, right):
-            column = tuple(self.pixel(x, y) for y in range(top, bottom))
-            if column != background:
-                shape.append(column)
-            elif shape:
-                shapes.append(tuple(shape))
-                shape = []
-        return shapes + ([tuple(shape)] if shape else [])
+        columns = [tuple(self.pixel(x, y) for y in range(top, bottom)) for x in range(left, right)]
+        drawn = [x for x, column in enumerate(columns) if column != columns[0]]
+        return columns[drawn[0]:drawn[-1] + 1] if drawn else []
 
     def save(self, path):
         subprocess.run(["convert", "ppm:-", str(path)], input=self.ppm, check=True, timeout=30)
+
+
+def isOneShapeRepeated(text):
+    """Whether the columns of a text repeat at some distance, as those of one character do.
+
+    Holds for the boxes that stand for characters that no font has, and for no others, whether they
+    touch or not.
+    """
+    return any(text[distance:] == text[:-distance] for distance in range(4, len(text) // 2 + 1))
 
 
 def look():
@@ -139,11 +141,11 @@ def findWindow(title, seconds=20.0):
     waitFor(f"a window with the title {title}", active, seconds)
 
 
-def findByFocus(names):
+def findByFocus(names, enter="Tab"):
     """Where the widgets are that the Tab key goes through: {name: box}.
 
     The names are in the order of the keyboard focus, which is on the first of them. The widget
-    before that one, the last to come round to, shows no focus.
+    before that one, the last to come round to, shows no focus; the key `enter` leads out of it.
     """
     picture = lookWhenStill()
 
@@ -160,6 +162,6 @@ def findByFocus(names):
     without = picture
     boxes = {}
     for name in names:
-        press("Tab", f"on {name}")
+        press("Tab" if boxes else enter, f"on {name}")
         boxes[name] = picture.changed(without)
     return boxes
