@@ -21,14 +21,17 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME belun-download)
 set(CPACK_DEBIAN_PROGRAM_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION net)
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS "fonts-wqy-microhei | fonts-noto-cjk")
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS "fonts-wqy-microhei | fonts-noto-cjk, xterm | x-terminal-emulator")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS belun-simulator)
 set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
   "fetch recordings from the camera of a BELUN vehicle
 The desktop companion of the BELUN underwater vehicle. One window, on a
 computer on the vehicle's own network, links to the vehicle, shows its
 versions, lists the recordings on the card of its camera, downloads and
-deletes them, and formats the card. In English and Chinese.")
+deletes them, and formats the card. In English and Chinese.
+.
+The command belun-verify compares the card with the downloaded recordings, so
+that nothing is deleted that is not safe on this computer.")
 
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_NAME belun-simulator)
 set(CPACK_DEBIAN_SIMULATOR_FILE_NAME DEB-DEFAULT)

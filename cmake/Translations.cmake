@@ -1,14 +1,13 @@
-# belun_add_translations(<variable> <file.ts>...)
+# belun_add_translations(<variable> <update target> <code> <file.ts>...)
 #
 # Compiles each catalogue source to a .qm in the build folder and lists the results in <variable>.
 # lrelease writes the source's language into the .qm. Nothing reads it, because the catalogue is chosen
 # by its file name, so that section is removed.
 #
-# `update_translations` updates the sources from the code. It is run by hand, never by a build. It reads
-# only the window's code (the form's design-time texts are never shown and are in no catalogue) and
-# removes no entry: lupdate marks entries that are not in the code as vanished, and lrelease would drop
-# them. The mark is removed again, because an entry may have been added by hand.
-function(belun_add_translations variable)
+# The update target updates the sources from the code, a pattern of file names. It is run by hand, never
+# by a build, and removes no entry: lupdate marks entries that are not in the code as vanished, and
+# lrelease would drop them. The mark is removed again, because an entry may have been added by hand.
+function(belun_add_translations variable update code)
   set(with_language "${CMAKE_CURRENT_BINARY_DIR}/with_language")
   file(MAKE_DIRECTORY "${with_language}")
   set_source_files_properties(${ARGN} PROPERTIES OUTPUT_LOCATION "${with_language}")
@@ -33,11 +32,11 @@ function(belun_add_translations variable)
 
   set(sources ${ARGN})
   list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
-  add_custom_target(update_translations
-    COMMAND sh -c "exec \"$<TARGET_FILE:Qt${BELUN_QT_MAJOR}::lupdate>\" -locations none app/*.cpp -ts \"$@\""
-            update_translations ${sources}
+  add_custom_target(${update}
+    COMMAND sh -c "exec \"$<TARGET_FILE:Qt${BELUN_QT_MAJOR}::lupdate>\" -locations none ${code} -ts \"$@\""
+            ${update} ${sources}
     COMMAND sed -i "s/ type=\"vanished\"//" ${sources}
     WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
-    COMMENT "Updating the catalogue sources from app/*.cpp"
+    COMMENT "Updating the catalogue sources from ${code}"
     VERBATIM)
 endfunction()

@@ -1,7 +1,7 @@
 # Fails if a header of the product or the simulator is missing from CHECKED.
 file(GLOB headers RELATIVE "${ROOT}"
   "${ROOT}/app/*.h" "${ROOT}/card/*.h" "${ROOT}/download/*.h" "${ROOT}/http/*.h" "${ROOT}/link/*.h"
-  "${ROOT}/posix/*.h" "${ROOT}/simulator/*.h")
+  "${ROOT}/posix/*.h" "${ROOT}/simulator/*.h" "${ROOT}/verify/*.h")
 if(NOT headers)
   message(FATAL_ERROR "no header found in ${ROOT}")
 endif()

@@ -28,6 +28,10 @@ check_headers(cardwidgets
 check_headers(download
   download/DownloadFileThread.h download/DownloadRequest.h download/LocalFile.h
   download/RecordingDownload.h download/ResponseHead.h download/resp_header.h)
+check_headers(verify
+  verify/AnswerReader.h verify/ByteComparison.h verify/Camera.h verify/CardReader.h verify/Comparison.h verify/Console.h
+  verify/Json.h verify/Judgement.h verify/Language.h verify/LocalFolder.h verify/Numbers.h
+  verify/Options.h verify/ShownText.h verify/Texts.h)
 check_headers(app
   app/MainWindow.h app/ProcessSetup.h)
 # The simulator is one program: its headers need no library.

@@ -26,6 +26,7 @@ PAGES = ("architecture", "camera-protocol", "faults", "http-library", "link-prot
 CHARTS = ("alive", "browse", "download", "exchange", "growth", "idle", "start")
 PROGRAM = {
     "bin/belun-download",
+    "bin/belun-verify",
     "share/applications/belun-download.desktop",
     f"{DOCUMENTS}/CONTRIBUTING.md",
     f"{DOCUMENTS}/LICENSE",
@@ -40,6 +41,7 @@ PROGRAM = {
     f"{ICONS}/scalable/apps/belun-download.svg",
     "share/lintian/overrides/belun-download",
     "share/man/man1/belun-download.1.gz",
+    "share/man/man1/belun-verify.1.gz",
     f"share/metainfo/{COMPONENT}.metainfo.xml",
 } | {f"{ICONS}/{size}x{size}/apps/belun-download.png" for size in SIZES} \
   | {f"{DOCUMENTS}/docs/{page}.md" for page in PAGES} \

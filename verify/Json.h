@@ -1,0 +1,18 @@
+// The report as JSON: one object a line. Names and words of it are interface: the manual page
+// documents them.
+#pragma once
+
+#include "verify/Judgement.h"
+
+#include <string>
+
+namespace verify {
+
+/// Returns the object of a recording, without a line end.
+std::string jsonLine(const Recording& recording);
+
+/// Returns the object of the summary, without a line end. `text` and `failure` are what a terminal
+/// shows of it.
+std::string jsonLine(const Summary& summary, const std::string& text, const std::string& failure);
+
+} // namespace verify

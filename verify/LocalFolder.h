@@ -1,0 +1,82 @@
+// The folder for recordings on this computer. Nothing in it is ever written.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <ctime>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace verify {
+
+/// A file that is open for reading; closed with this object.
+class LocalFile
+{
+public:
+    enum class State {
+        Open,
+        Missing,
+        Link, ///< a symbolic link, which is not followed
+        Folder,
+        NoFile,   ///< a pipe, a socket, a device
+        NotThere, ///< no file can have such a name here
+        Failed,   ///< see error()
+    };
+
+    LocalFile() = default;
+    /// Opens a file of a folder without waiting for anything, whatever has that name.
+    LocalFile(int folder, const std::string& name);
+    ~LocalFile();
+    LocalFile(LocalFile&& other) noexcept;
+    LocalFile& operator=(LocalFile&&) = delete;
+    LocalFile(const LocalFile&) = delete;
+    LocalFile& operator=(const LocalFile&) = delete;
+
+    State state() const { return m_state; }
+    int error() const { return m_error; } ///< errno of what failed, else 0
+    std::uint64_t size() const { return m_size; }
+
+    /// Reads the next bytes, up to `count`; fewer only at the end of the file or on an error, which
+    /// error() has then.
+    std::size_t read(char* buffer, std::size_t count);
+
+    /// Whether size and time of change are still what they were when the file was opened.
+    bool isUnchanged() const;
+
+private:
+    int m_descriptor = -1;
+    State m_state = State::Missing;
+    int m_error = 0;
+    std::uint64_t m_size = 0;
+    std::timespec m_changed{};
+};
+
+class LocalFolder
+{
+public:
+    /// A folder that does not exist is an empty one.
+    explicit LocalFolder(std::string path);
+    ~LocalFolder();
+    LocalFolder(const LocalFolder&) = delete;
+    LocalFolder& operator=(const LocalFolder&) = delete;
+
+    const std::string& path() const { return m_path; }
+    /// errno of what keeps the folder from being read; 0 if it can be, or does not exist.
+    int error() const { return m_error; }
+
+    LocalFile open(const std::string& name) const;
+
+    /// Sorted names of the regular files, hidden ones left out.
+    std::vector<std::string> names();
+
+    /// Bytes that this user may still write there, or where the folder would be made.
+    std::optional<std::uint64_t> freeBytes() const;
+
+private:
+    const std::string m_path;
+    int m_descriptor = -1;
+    int m_error = 0;
+};
+
+} // namespace verify

@@ -1,0 +1,37 @@
+// The command line of belun-verify.
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace verify {
+
+/// What the command line asks for.
+struct Options
+{
+    enum class Action { Compare, Help, Version };
+    Action action = Action::Compare;
+    bool contents = false;          ///< --content
+    bool json = false;              ///< --json
+    bool wait = false;              ///< --wait
+    int timeout = 15;               ///< --timeout, in seconds
+    std::string desktop;            ///< --desktop; empty: the user's own
+    std::vector<std::string> names; ///< recordings to compare; empty: all
+};
+
+constexpr int longestTimeout = 3600; // seconds
+
+/// A command line that cannot be followed.
+struct WrongOption
+{
+    enum class Kind { Unknown, NeedsValue, TakesNoValue, BadTimeout, EmptyValue };
+    Kind kind;
+    std::string option; ///< as it was given; for BadTimeout the value
+};
+
+/// Reads the arguments after the program's name. A value follows its option, or an equals sign;
+/// everything after `--` is a name.
+std::variant<Options, WrongOption> readOptions(const std::vector<std::string>& arguments);
+
+} // namespace verify

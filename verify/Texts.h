@@ -1,0 +1,57 @@
+// The report in words, in English or Chinese.
+#pragma once
+
+#include "verify/Judgement.h"
+#include "verify/Options.h"
+#include "verify/ShownText.h"
+
+#include <string>
+
+#include <QCoreApplication>
+#include <QString>
+
+namespace verify {
+
+/// Returns a text of the code in the user's language. Named as the tool that collects the texts
+/// expects it; the context is always "verify".
+inline QString translate(const char* context, const char* text, const char* comment = nullptr)
+{
+    return QCoreApplication::translate(context, text, comment);
+}
+
+/// All texts are UTF-8. In English everything but names is ASCII.
+class Texts
+{
+public:
+    /// `letters`: what names may show. `timeout` in seconds.
+    Texts(Letters letters, int timeout) : m_letters(letters), m_timeout(timeout) {}
+
+    /// Returns the line of a recording, without its end.
+    std::string line(const Recording& recording) const;
+    /// Returns the last paragraph of the report.
+    std::string summary(const Summary& summary) const;
+    /// Returns what failed; empty if nothing did.
+    std::string failure(const Summary& summary) const;
+    /// Returns how far the comparison is. `seconds`: the time that Step::Content has taken so far.
+    std::string progress(const Advance& advance, double seconds) const;
+
+    std::string wrongOption(const WrongOption& wrong) const;
+    std::string noDesktop(const std::string& path) const;
+    static std::string help();
+    static std::string cannotWrite(int systemError);
+    static std::string interrupted();
+    static std::string pressEnter();
+
+private:
+    QString shown(const std::string& text) const;
+    QString nameOf(const Recording& recording) const;
+    QString reason(const Recording& recording) const;
+    QString trouble(const CameraError& error) const;
+    QString namesOf(const Summary& summary) const;
+    QString roomText(const Summary& summary) const;
+
+    const Letters m_letters;
+    const int m_timeout;
+};
+
+} // namespace verify
