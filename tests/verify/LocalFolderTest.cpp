@@ -1,0 +1,158 @@
+// Reading the folder for recordings: what is there, and what is never followed or waited for.
+#include "verify/LocalFolder.h"
+
+#include "tests/support/TestMain.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+using verify::LocalFile;
+using verify::LocalFolder;
+
+class LocalFolderTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void fileIsOpenedWithItsSize();
+    void fileIsReadToItsEnd();
+    void nothingButAFileIsOpened_data();
+    void nothingButAFileIsOpened();
+    void changesAreSeen();
+    void folderThatDoesNotExistIsEmpty();
+    void whatIsNoFolderIsAnError();
+    void namesAreTheFilesThatAreNotHidden();
+    void freeBytesAreThoseOfTheDisk();
+
+private:
+    void write(const QString& name, const QByteArray& bytes)
+    {
+        QFile file(m_folder->filePath(name));
+        QVERIFY(file.open(QFile::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+    std::string path(const char* name = "") const
+    {
+        return m_folder->filePath(QString::fromLatin1(name)).toStdString();
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void LocalFolderTest::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    write("A.MP4", "hello");
+}
+
+void LocalFolderTest::fileIsOpenedWithItsSize()
+{
+    const LocalFolder folder(path());
+    const LocalFile file = folder.open("A.MP4");
+    QCOMPARE(file.state(), LocalFile::State::Open);
+    QCOMPARE(quint64(file.size()), quint64(5));
+    QCOMPARE(folder.open("B.MP4").state(), LocalFile::State::Missing);
+    QVERIFY(QFile::resize(m_folder->filePath("A.MP4"), qint64(5) << 30));
+    QCOMPARE(quint64(folder.open("A.MP4").size()), quint64(5) << 30);
+}
+
+void LocalFolderTest::fileIsReadToItsEnd()
+{
+    LocalFile file = LocalFolder(path()).open("A.MP4");
+    char bytes[8] = {};
+    QCOMPARE(int(file.read(bytes, 2)), 2);
+    QCOMPARE(int(file.read(bytes + 2, 6)), 3);
+    QCOMPARE(QByteArray(bytes), QByteArray("hello"));
+    QCOMPARE(int(file.read(bytes, 1)), 0);
+    QCOMPARE(file.error(), 0);
+}
+
+void LocalFolderTest::nothingButAFileIsOpened_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("state");
+    QTest::newRow("link to a file") << "link" << int(LocalFile::State::Link);
+    QTest::newRow("link to nothing") << "dead" << int(LocalFile::State::Link);
+    QTest::newRow("folder") << "folder" << int(LocalFile::State::Folder);
+    QTest::newRow("pipe without a writer") << "pipe" << int(LocalFile::State::NoFile);
+    QTest::newRow("socket") << "socket" << int(LocalFile::State::NoFile);
+    QTest::newRow("name of 256 letters") << QString(256, 'x') << int(LocalFile::State::NotThere);
+}
+
+void LocalFolderTest::nothingButAFileIsOpened()
+{
+    QCOMPARE(::symlink("A.MP4", path("link").c_str()), 0);
+    QCOMPARE(::symlink("nothing", path("dead").c_str()), 0);
+    QCOMPARE(::mkdir(path("folder").c_str(), 0700), 0);
+    QCOMPARE(::mkfifo(path("pipe").c_str(), 0600), 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path("socket").copy(address.sun_path, sizeof address.sun_path - 1);
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    QCOMPARE(::bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ::close(socket);
+
+    QFETCH(QString, name);
+    QTEST(int(LocalFolder(path()).open(name.toStdString()).state()), "state");
+}
+
+void LocalFolderTest::changesAreSeen()
+{
+    const LocalFile file = LocalFolder(path()).open("A.MP4");
+    QVERIFY(file.isUnchanged());
+    const timespec times[2] = {{1, 0}, {1, 1}};
+    QCOMPARE(::utimensat(AT_FDCWD, path("A.MP4").c_str(), times, 0), 0);
+    QVERIFY(!file.isUnchanged());
+
+    const LocalFile again = LocalFolder(path()).open("A.MP4");
+    QVERIFY(again.isUnchanged());
+    QVERIFY(QFile::resize(m_folder->filePath("A.MP4"), 4));
+    QCOMPARE(::utimensat(AT_FDCWD, path("A.MP4").c_str(), times, 0), 0);
+    QVERIFY(!again.isUnchanged());
+}
+
+void LocalFolderTest::folderThatDoesNotExistIsEmpty()
+{
+    LocalFolder folder(path("none/"));
+    QCOMPARE(folder.error(), 0);
+    QVERIFY(folder.names().empty());
+    QCOMPARE(folder.error(), 0);
+    QCOMPARE(folder.open("A.MP4").state(), LocalFile::State::Missing);
+    QVERIFY(folder.freeBytes());
+}
+
+void LocalFolderTest::whatIsNoFolderIsAnError()
+{
+    QCOMPARE(LocalFolder(path("A.MP4")).error(), ENOTDIR);
+}
+
+void LocalFolderTest::namesAreTheFilesThatAreNotHidden()
+{
+    write("b", "");
+    write(".hidden", "");
+    QCOMPARE(::symlink("A.MP4", path("link").c_str()), 0);
+    QCOMPARE(::mkdir(path("folder").c_str(), 0700), 0);
+    LocalFolder folder(path());
+    QCOMPARE(folder.names(), (std::vector<std::string>{"A.MP4", "b"}));
+    QCOMPARE(folder.names(), (std::vector<std::string>{"A.MP4", "b"}));
+    QCOMPARE(folder.error(), 0);
+}
+
+void LocalFolderTest::freeBytesAreThoseOfTheDisk()
+{
+    const auto here = LocalFolder(path()).freeBytes();
+    QVERIFY(here && *here > 0);
+    QVERIFY(!LocalFolder("/nowhere/at/all/").freeBytes());
+}
+
+BELUN_TEST(LocalFolderTest)
+
+#include "LocalFolderTest.moc"
