@@ -35,12 +35,11 @@ constexpr char timeStart[] = "time=\"";
 constexpr char deleteFileCommand[] =
     "http://192.168.1.120/cgi-bin/hi3510/deletefile.cgi?&-name=sd/DCIM/100ZEPNA/";
 
-/// Answer: exactly successAnswer; so is that of the format command.
-constexpr char deleteAllFilesCommand[] = "http://192.168.1.120/cgi-bin/hi3510/deleteallfiles.cgi?";
-constexpr char successAnswer[] = "Success\r\n";
-
+/// Answer: exactly successAnswer; so is that of the next one.
 constexpr char formatCardCommand[] =
     "http://192.168.1.120/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
+constexpr char deleteAllFilesCommand[] = "http://192.168.1.120/cgi-bin/hi3510/deleteallfiles.cgi?";
+constexpr char successAnswer[] = "Success\r\n";
 
 /// Returns a command with its argument joined on.
 QString withArgument(const QString& command, const QString& argument);

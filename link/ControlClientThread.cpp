@@ -7,12 +7,6 @@ ControlClientThread::ControlClientThread(QObject* parent)
     startHeartBeatTimer();
 }
 
-ControlClientThread::~ControlClientThread()
-{
-    stopAndWait();
-    qDebug("ControlClientThread ~");
-}
-
 void ControlClientThread::heartBeatTimer()
 {
     ++heartBeatCount;

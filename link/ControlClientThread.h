@@ -10,10 +10,10 @@ class ControlClientThread : public ModuleClientThread
     Q_OBJECT
 
 public:
-    explicit ControlClientThread(QObject* parent);
-    ~ControlClientThread() override; ///< Stops the thread and waits for it.
-
     bool linkedFlag = false; ///< The module answers the heartbeat. Only for the link thread.
+
+    explicit ControlClientThread(QObject* parent);
+    ~ControlClientThread() override { finish(); }
 
 signals:
     void VersionInfo(char hardType, int hardVer, int softVer, int ProtocolVer, int BootVer);

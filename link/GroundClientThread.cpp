@@ -7,12 +7,6 @@ GroundClientThread::GroundClientThread(QObject* parent)
     startHeartBeatTimer();
 }
 
-GroundClientThread::~GroundClientThread()
-{
-    stopAndWait();
-    qDebug("GroundClientThread ~");
-}
-
 void GroundClientThread::ModuleNameInit(char* /*modulename*/) {}
 
 void GroundClientThread::heartBeatTimer()

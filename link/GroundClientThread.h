@@ -11,7 +11,7 @@ class GroundClientThread : public ModuleClientThread
 
 public:
     explicit GroundClientThread(QObject* parent);
-    ~GroundClientThread() override; ///< Stops the thread and waits for it.
+    ~GroundClientThread() override { finish(); }
 
 public slots:
     /// Reserved for naming the module; does nothing.

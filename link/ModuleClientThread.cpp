@@ -31,6 +31,12 @@ void ModuleClientThread::stopAndWait()
     m_calls.stopAndWait([this](unsigned long milliseconds) { return wait(milliseconds); });
 }
 
+void ModuleClientThread::finish()
+{
+    stopAndWait();
+    qDebug("%s ~", m_logNames.thread);
+}
+
 int ModuleClientThread::newTcpSocketClient(const char* ip, int port)
 {
     return vehicle::connectToModule(m_calls, m_logNames.socket, ip, port);

@@ -54,6 +54,9 @@ protected:
     /// Starts the timer that calls the derived class's slot heartBeatTimer().
     void startHeartBeatTimer();
 
+    /// Stops the thread, waits for it and logs its end.
+    void finish();
+
     void run() override;
 
     /// Resets the count and sends the heartbeat answer. Only for the link thread.

@@ -25,8 +25,6 @@ public:
     public:
         explicit Call(StoppableCalls& calls);
         ~Call();
-        Call(const Call&) = delete;
-        Call& operator=(const Call&) = delete;
 
         /// Names the socket that the call waits on from now on; it stays open as long as the call.
         /// A negative one is none.
@@ -46,10 +44,7 @@ public:
         std::atomic<bool> m_opening{false};
     };
 
-    StoppableCalls() = default;
     ~StoppableCalls();
-    StoppableCalls(const StoppableCalls&) = delete;
-    StoppableCalls& operator=(const StoppableCalls&) = delete;
 
     /// Takes over a descriptor; it is closed with this object. A negative one is none.
     void keep(int descriptor);

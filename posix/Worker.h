@@ -8,10 +8,7 @@ namespace sys {
 class Worker
 {
 public:
-    Worker() = default;
     virtual ~Worker() = default;
-    Worker(const Worker&) = delete;
-    Worker& operator=(const Worker&) = delete;
 
     /// Asks the worker to end and returns at once. May be called from any thread.
     virtual void requestStop() noexcept = 0;
