@@ -51,7 +51,7 @@ void Connection::readable()
         return;
     }
     if (count < 0) {
-        finish("peer", "reset");
+        peerEnded("reset");
         return;
     }
     if (count > 0) {
@@ -62,7 +62,7 @@ void Connection::readable()
     }
     m_peerEnded = true;
     if (m_steps.empty() || m_steps.front().kind == Step::Kind::Hold) {
-        finish("peer", "end");
+        peerEnded("end");
     }
 }
 
@@ -91,7 +91,7 @@ void Connection::advance(TimePoint now)
         m_pauseEnd = never;
     }
     if (!finished() && !m_lingering && m_peerEnded && m_steps.empty()) {
-        finish("peer", "end");
+        peerEnded("end");
     }
 }
 
@@ -169,13 +169,16 @@ Connection::Progress Connection::send(const Part& part, TimePoint now)
             m_blocked = errno == EAGAIN || errno == EWOULDBLOCK;
             if (!m_blocked) {
                 noteSent(part);
-                finish("peer", "reset");
+                peerEnded("reset");
                 return Progress::Done;
             }
             return Progress::Later;
         }
         const auto sent = static_cast<std::size_t>(count);
         m_checksum = crc32(m_checksum, {bytes, sent});
+        if (m_journal->isFull()) {
+            m_journal->write(line("sent").bytes({bytes, sent}));
+        }
         m_sent += sent;
         m_rateSent += sent;
         turn -= sent;
@@ -192,8 +195,8 @@ Connection::Progress Connection::send(const Part& part, TimePoint now)
 
 void Connection::noteSent(const Part& part)
 {
-    if (m_sent == 0) {
-        return;
+    if (m_sent == 0 || m_journal->isFull()) {
+        return; // nothing, or noted already as it was sent
     }
     JournalLine sent = line("sent");
     if (part.content || m_sent > longestNoted) {
@@ -222,7 +225,7 @@ void Connection::close(std::string_view reason)
         return;
     }
     if (m_peerEnded) {
-        finish("device", reason);
+        finish(line("close").text("by", "device").text("reason", reason));
         return;
     }
     m_journal->write(line("close").text("by", "device").text("reason", reason));
@@ -236,7 +239,7 @@ void Connection::reset(std::string_view reason)
     }
     const linger abrupt{1, 0};
     ::setsockopt(m_socket.get(), SOL_SOCKET, SO_LINGER, &abrupt, sizeof abrupt);
-    finish("device", reason);
+    finish(line("close").text("by", "device").text("reason", reason).text("how", "reset"));
 }
 
 void Connection::lingerThenClose()
@@ -249,11 +252,16 @@ void Connection::lingerThenClose()
     m_lingerEnd = Clock::now() + lingerTime;
 }
 
-void Connection::finish(std::string_view by, std::string_view reason)
+void Connection::finish(const JournalLine& close)
 {
-    m_journal->write(line("close").text("by", by).text("reason", reason));
+    m_journal->write(close);
     m_steps.clear();
     m_socket.reset();
+}
+
+void Connection::peerEnded(std::string_view reason)
+{
+    finish(line("close").text("by", "peer").text("reason", reason));
 }
 
 void Connection::queueBytes(std::string bytes)

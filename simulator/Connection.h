@@ -44,6 +44,8 @@ public:
     /// Ends it from this side at once.
     void close(std::string_view reason);
     void reset(std::string_view reason);
+    /// Sends these bytes in one segment, after what is queued.
+    void sendRaw(std::string bytes) { queueBytes(std::move(bytes)); }
 
 protected:
     virtual void received(std::string_view bytes) = 0;
@@ -69,7 +71,8 @@ private:
     Progress send(const Part& part, TimePoint now);
     std::size_t allowance(const Part& part, TimePoint now);
     void noteSent(const Part& part);
-    void finish(std::string_view by, std::string_view reason);
+    void finish(const JournalLine& close);
+    void peerEnded(std::string_view reason);
     void lingerThenClose();
 
     FileDescriptor m_socket;

@@ -20,8 +20,9 @@ constexpr const char* controlLines =
     "answered by \"ok ...\" or \"error ...\", after lines that begin with two spaces:\n";
 
 constexpr const char* statuses =
-    "Exit status: 0 ended as asked, 1 cannot listen or read, or a line sent was answered by\n"
-    "\"error ...\", 2 wrong arguments, 3 not in a private network.\n";
+    "Exit status: 0 ended as asked, 1 cannot listen or read, a line sent was answered by\n"
+    "\"error ...\", or a request is not in the file of --replay, 2 wrong arguments,\n"
+    "3 not in a private network.\n";
 
 /// "--card DIR", "--list-faults[=text|json]".
 std::string spelled(const OptionRow& row)

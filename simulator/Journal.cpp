@@ -54,8 +54,9 @@ JournalLine& JournalLine::bytes(std::string_view value)
     return text("bytes", hexText(value));
 }
 
-std::string Journal::open(const std::string& path)
+std::string Journal::open(const std::string& path, bool full)
 {
+    m_full = full;
     m_file = FileDescriptor(
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666));
     return m_file.valid() ? std::string() : path + ": " + std::strerror(errno);

@@ -34,12 +34,15 @@ class Journal
 {
 public:
     /// Creates or empties the file. Returns an error text, empty on success.
-    std::string open(const std::string& path);
+    /// full: all bytes are kept, of recordings, too.
+    std::string open(const std::string& path, bool full);
+    bool isFull() const { return m_full; }
     /// Appends a line. A file that takes no more (disk full) is reported once on standard error.
     void write(const JournalLine& line);
 
 private:
     FileDescriptor m_file;
+    bool m_full = false;
     bool m_failed = false;
 };
 

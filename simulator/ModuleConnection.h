@@ -43,8 +43,6 @@ public:
 
     /// Sends a version report of its own, beside the one on connect.
     void reportVersions();
-    /// Sends these bytes in one segment.
-    void sendRaw(std::string bytes) { queueBytes(std::move(bytes)); }
 
 protected:
     void received(std::string_view bytes) override;

@@ -128,6 +128,11 @@ const std::vector<OptionRow>& optionRows()
          }},
         {"--journal", Takes::Value, "FILE", "write a line for every connection, frame and request",
          nonEmpty(&Options::journal)},
+        {"--journal-full", Takes::Nothing, "", "keep all bytes in the journal, of recordings too",
+         flag(&Options::journalFull)},
+        {"--replay", Takes::Value, "FILE",
+         "play a recorded run again: FILE is a journal or a packet capture",
+         nonEmpty(&Options::replay)},
         {"--control", Takes::Value, "PATH",
          "take control lines from a Unix socket with this path as well, which only you can reach",
          nonEmpty(&Options::controlSocket)},
@@ -194,6 +199,13 @@ std::string checkTogether(Options& options)
     }
     if (!options.cardFolder.empty() && (options.sampleGiven || !options.sampleFolder.empty())) {
         return "--card and the sample card exclude each other";
+    }
+    if (!options.replay.empty() && (!options.cardFolder.empty() || options.sampleGiven ||
+                                    !options.faults.empty() || !options.scenario.empty())) {
+        return "--replay excludes --card, --sample, --fault and --scenario";
+    }
+    if (options.journalFull && options.journal.empty()) {
+        return "--journal-full needs --journal";
     }
     if (options.action == Options::Action::Run && !options.sampleFolder.empty() &&
         !options.sampleGiven) {

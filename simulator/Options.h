@@ -30,6 +30,8 @@ struct Options
     std::uint64_t speed = 1; ///< how many times faster the scenario's time passes
     std::string form;        ///< of --help or --list-faults: "text", "man", "json", ...
     std::string journal;
+    bool journalFull = false;
+    std::string replay;
     std::string controlSocket;      ///< --control, or --send
     std::vector<std::string> lines; ///< to send
     bool exitWithStdin = false;

@@ -18,19 +18,30 @@ namespace {
 constexpr std::uint16_t modulePort = 5000;
 constexpr std::uint16_t cameraPort = 80;
 
+using Replaying = std::optional<Replay>;
+
 Device::Factory moduleFactory(Journal& journal, const FaultTable& faults,
-                              const ModuleSettings& settings)
+                              const ModuleSettings& settings, Replaying& replay)
 {
-    return
-        [&journal, &faults, &settings](FileDescriptor socket, ConnectionName name, TimePoint now) {
-            return std::make_unique<ModuleConnection>(std::move(socket), std::move(name), journal,
-                                                      faults, settings, now);
-        };
+    return [&](FileDescriptor socket, ConnectionName name,
+               TimePoint now) -> std::unique_ptr<Connection> {
+        if (replay) {
+            return std::make_unique<ReplayConnection>(std::move(socket), std::move(name), journal,
+                                                      *replay, now);
+        }
+        return std::make_unique<ModuleConnection>(std::move(socket), std::move(name), journal,
+                                                  faults, settings, now);
+    };
 }
 
-Device::Factory cameraFactory(Journal& journal, CameraState& state)
+Device::Factory cameraFactory(Journal& journal, CameraState& state, Replaying& replay)
 {
-    return [&journal, &state](FileDescriptor socket, ConnectionName name, TimePoint) {
+    return [&](FileDescriptor socket, ConnectionName name,
+               TimePoint now) -> std::unique_ptr<Connection> {
+        if (replay) {
+            return std::make_unique<ReplayConnection>(std::move(socket), std::move(name), journal,
+                                                      *replay, now);
+        }
         return std::make_unique<CameraConnection>(std::move(socket), std::move(name), journal,
                                                   state);
     };
@@ -38,8 +49,9 @@ Device::Factory cameraFactory(Journal& journal, CameraState& state)
 
 } // namespace
 
-Simulator::Simulator(Options options, Scenario scenario)
+Simulator::Simulator(Options options, Scenario scenario, std::optional<RecordedRun> replay)
     : m_options(std::move(options)), m_scenario(std::move(scenario)), m_faults(m_options.seed),
+      m_replay(replay ? std::optional<Replay>(std::move(*replay)) : std::nullopt),
       m_answers(m_card, m_faults, m_options.seed),
       m_cameraState{&m_answers,
                     &m_faults,
@@ -51,11 +63,11 @@ Simulator::Simulator(Options options, Scenario scenario)
       m_controlSettings{true, m_options.heartbeat, m_options.versions},
       m_groundSettings{false, m_options.heartbeat, m_options.versions},
       m_control("control", "192.168.1.149", modulePort, m_faults, m_journal,
-                moduleFactory(m_journal, m_faults, m_controlSettings)),
+                moduleFactory(m_journal, m_faults, m_controlSettings, m_replay)),
       m_ground("ground", "192.168.1.148", modulePort, m_faults, m_journal,
-               moduleFactory(m_journal, m_faults, m_groundSettings)),
+               moduleFactory(m_journal, m_faults, m_groundSettings, m_replay)),
       m_camera("camera", "192.168.1.120", cameraPort, m_faults, m_journal,
-               cameraFactory(m_journal, m_cameraState))
+               cameraFactory(m_journal, m_cameraState, m_replay))
 {
 }
 
@@ -63,7 +75,7 @@ std::string Simulator::start()
 {
     const TimePoint now = Clock::now();
     if (!m_options.journal.empty()) {
-        std::string error = m_journal.open(m_options.journal);
+        std::string error = m_journal.open(m_options.journal, m_options.journalFull);
         if (!error.empty()) {
             return error;
         }
@@ -101,7 +113,7 @@ std::string Simulator::loadCard()
     return {};
 }
 
-void Simulator::run(int signals)
+std::string Simulator::run(int signals)
 {
     while (!m_ending) {
         std::vector<pollfd> descriptors = {{signals, POLLIN, 0},
@@ -112,10 +124,10 @@ void Simulator::run(int signals)
         m_controlSocket.addTo(descriptors);
         const int ready = ::poll(descriptors.data(), descriptors.size(), timeout(Clock::now()));
         if (ready < 0 && errno != EINTR) {
-            return;
+            return {};
         }
         if (descriptors[0].revents != 0) {
-            return;
+            return {};
         }
         if (descriptors[1].revents != 0) {
             readStandardInput();
@@ -131,7 +143,11 @@ void Simulator::run(int signals)
         for (const std::string& reply : std::exchange(m_replies, {})) {
             printLine(reply);
         }
+        if (m_replay && !m_replay->failure().empty()) {
+            return m_replay->failure();
+        }
     }
+    return {};
 }
 
 int Simulator::timeout(TimePoint now) const

@@ -10,9 +10,11 @@
 #include "simulator/Journal.h"
 #include "simulator/LineReader.h"
 #include "simulator/Options.h"
+#include "simulator/Replay.h"
 #include "simulator/Scenario.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,13 +24,14 @@ namespace simulator {
 class Simulator
 {
 public:
-    Simulator(Options options, Scenario scenario);
+    Simulator(Options options, Scenario scenario, std::optional<RecordedRun> replay);
 
     /// Opens what the options name and listens. Returns an error text, empty on success.
     std::string start();
     /// Serves until a signal, "quit", or the end of standard input where that counts.
     /// signals: a descriptor that becomes readable when the program shall end.
-    void run(int signals);
+    /// Returns an error text if a replay could not go on, empty otherwise.
+    std::string run(int signals);
     /// Carries one control line out and returns the lines that answer it: none for an empty one,
     /// else any number that begin with two spaces, then one that begins with "ok" or "error".
     std::vector<std::string> control(const std::string& line);
@@ -65,6 +68,7 @@ private:
     Scenario m_scenario;
     FaultTable m_faults;
     Journal m_journal;
+    std::optional<Replay> m_replay;
     Card m_card;
     CameraAnswers m_answers;
     CameraState m_cameraState;

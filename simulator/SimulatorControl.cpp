@@ -84,7 +84,7 @@ void Simulator::drop(const std::string& name)
 void Simulator::send(const std::string& module, const std::string& bytes)
 {
     for (const auto& connection : device(module).connections()) {
-        static_cast<ModuleConnection&>(*connection).sendRaw(bytes);
+        connection->sendRaw(bytes);
     }
 }
 
@@ -92,7 +92,10 @@ void Simulator::changeVersions(const Versions& versions)
 {
     m_controlSettings.versions = versions;
     for (const auto& connection : m_control.connections()) {
-        static_cast<ModuleConnection&>(*connection).reportVersions();
+        // A replayed module reports what it reported.
+        if (auto* const module = dynamic_cast<ModuleConnection*>(connection.get())) {
+            module->reportVersions();
+        }
     }
 }
 

@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -74,6 +75,18 @@ int readScenario(const simulator::Options& options, simulator::Scenario& scenari
     return errors.empty() ? 0 : wrongArguments;
 }
 
+/// Prints how much of the recorded run the file does not hold.
+void printFilled(const std::string& path, const simulator::RecordedRun& run)
+{
+    if (run.filledBytes > 0) {
+        std::fprintf(stderr,
+                     "belun-simulator: %s: %llu bytes in %llu runs are not in the file, and zeros "
+                     "take their place\n",
+                     path.c_str(), static_cast<unsigned long long>(run.filledBytes),
+                     static_cast<unsigned long long>(run.filledRuns));
+    }
+}
+
 int run(const simulator::Options& options, simulator::Scenario scenario)
 {
     const std::string problem = simulator::privateNetworkProblem();
@@ -81,14 +94,23 @@ int run(const simulator::Options& options, simulator::Scenario scenario)
         return failed(noPrivateNetwork, problem);
     }
     const simulator::FileDescriptor signals = endingSignals();
-    simulator::Simulator vehicle(options, std::move(scenario));
+    std::optional<simulator::RecordedRun> replay;
+    if (!options.replay.empty()) {
+        replay.emplace();
+        const std::string problemInFile = simulator::readRecordedRun(options.replay, *replay);
+        if (!problemInFile.empty()) {
+            return failed(cannotRun, problemInFile);
+        }
+        printFilled(options.replay, *replay);
+    }
+    simulator::Simulator vehicle(options, std::move(scenario), std::move(replay));
     const std::string error = vehicle.start();
     if (!error.empty()) {
         return failed(cannotRun, error);
     }
     simulator::printLine("belun-simulator ready");
-    vehicle.run(signals.get());
-    return 0;
+    const std::string failure = vehicle.run(signals.get());
+    return failure.empty() ? 0 : failed(cannotRun, options.replay + ": " + failure);
 }
 
 int send(const simulator::Options& options)

@@ -22,7 +22,7 @@ ICONS = "share/icons/hicolor"
 COMPONENT = "localhost.belun.download"
 DOCUMENTS = "share/doc/belun-download"
 PAGES = ("architecture", "camera-protocol", "faults", "http-library", "link-protocol",
-         "performance", "recordings-safe", "testing", "third-party", "translating")
+         "performance", "recordings-safe", "replaying", "testing", "third-party", "translating")
 CHARTS = ("alive", "browse", "download", "exchange", "growth", "idle", "start")
 PROGRAM = {
     "bin/belun-download",

@@ -136,6 +136,12 @@ class SimulatorTest(unittest.TestCase):
         self.reader.start()
         self.assertEqual("belun-simulator ready", self.answers.get(timeout=LIMIT))
 
+    def end(self):
+        """Ends the simulator, so that another one can start; its journal stays."""
+        self.assertEqual("ok quit", self.control("quit"))
+        self.process.wait(LIMIT)
+        self.stop()
+
     def readLines(self):
         for line in self.process.stdout:
             text = line.decode("latin-1").rstrip("\n")

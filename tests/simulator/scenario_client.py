@@ -34,7 +34,7 @@ def talk(address, request):
     except ConnectionRefusedError:
         end = "refused"
     except ConnectionError:
-        end = "reset"
+        return "reset"  # which may overtake the bytes before it
     except TimeoutError:
         end = "silence"
     return f"{len(data)} bytes {zlib.crc32(data):08x} {end}"

@@ -27,9 +27,7 @@ class OccasionTest(SimulatorTest):
             with self.subTest(when=when):
                 self.startTwo("--fault", f"no-reason@{when}")
                 self.assertEqual(acted, self.broken(6))
-                self.assertEqual("ok quit", self.control("quit"))
-                self.process.wait(harness.LIMIT)
-                self.stop()
+                self.end()
 
     def test_number_counts_from_the_start_and_a_value_may_follow(self):
         self.startTwo()
@@ -52,7 +50,7 @@ class OccasionTest(SimulatorTest):
         for run, seed in (("first", "1"), ("again", "1"), ("other", "2")):
             self.startTwo("--seed", seed, "--fault", "no-reason@30%")
             acted[run] = self.broken(60)
-            self.stop()
+            self.end()
         self.assertEqual(acted["first"], acted["again"])
         self.assertNotEqual(acted["first"], acted["other"])
         for numbers in acted.values():

@@ -1,0 +1,289 @@
+// Reads a packet capture with libpcap.
+#include "simulator/RecordedRun.h"
+#include "simulator/TcpStream.h"
+
+#include <array>
+#include <memory>
+#include <tuple>
+
+#include <pcap/pcap.h>
+
+namespace simulator {
+
+namespace {
+
+using Kind = ObservedEvent::Kind;
+
+struct Address
+{
+    const char* device;
+    std::uint32_t host;
+    std::uint16_t port;
+};
+
+constexpr std::array<Address, 3> devices = {{
+    {"control", 0xC0A80195U, 5000}, // 192.168.1.149
+    {"ground", 0xC0A80194U, 5000},  // 192.168.1.148
+    {"camera", 0xC0A80178U, 80},    // 192.168.1.120
+}};
+
+const Address* deviceAt(std::uint32_t host, std::uint16_t port)
+{
+    for (const Address& each : devices) {
+        if (each.host == host && each.port == port) {
+            return &each;
+        }
+    }
+    return nullptr;
+}
+
+/// Bytes of a packet, read from the network's order. What is beyond the end reads as zero.
+class PacketBytes
+{
+public:
+    explicit PacketBytes(std::string_view bytes) : m_bytes(bytes) {}
+
+    std::size_t size() const { return m_bytes.size(); }
+    std::uint8_t byte(std::size_t at) const
+    {
+        return at < m_bytes.size() ? static_cast<std::uint8_t>(m_bytes[at]) : std::uint8_t{0};
+    }
+    std::uint16_t word(std::size_t at) const
+    {
+        return static_cast<std::uint16_t>(byte(at) << 8 | byte(at + 1));
+    }
+    std::uint32_t number(std::size_t at) const
+    {
+        return static_cast<std::uint32_t>(word(at)) << 16 | word(at + 2);
+    }
+    PacketBytes from(std::size_t at) const
+    {
+        return PacketBytes(at < m_bytes.size() ? m_bytes.substr(at) : std::string_view());
+    }
+    std::string_view view() const { return m_bytes; }
+
+private:
+    std::string_view m_bytes;
+};
+
+/// The length of the link layer's header; nothing for a kind that is not understood.
+bool linkHeader(int linkType, std::size_t& length)
+{
+    switch (linkType) {
+    case DLT_EN10MB:
+        length = 14;
+        return true;
+    case DLT_LINUX_SLL:
+        length = 16;
+        return true;
+    case DLT_LINUX_SLL2:
+        length = 20;
+        return true;
+    case DLT_NULL:
+    case DLT_LOOP:
+        length = 4;
+        return true;
+    case DLT_RAW:
+        length = 0;
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// One TCP segment.
+struct Segment
+{
+    std::uint32_t sequence;
+    std::uint32_t acknowledgement;
+    std::uint8_t flags;
+    std::string_view captured;
+    std::uint32_t size; ///< on the wire
+    Microseconds time;
+
+    bool fin() const { return (flags & 1U) != 0; }
+    bool syn() const { return (flags & 2U) != 0; }
+    bool reset() const { return (flags & 4U) != 0; }
+    bool acknowledges() const { return (flags & 16U) != 0; }
+};
+
+/// Follows the connections to the three devices.
+class CaptureFollower
+{
+public:
+    CaptureFollower(std::vector<ObservedEvent>& events, RecordedRun& run)
+        : m_events(&events), m_run(&run)
+    {
+    }
+
+    /// packet: from the IP header on, as far as it was captured.
+    void add(const PacketBytes& packet, Microseconds time)
+    {
+        constexpr std::uint8_t tcp = 6;
+        const bool isFragment = (packet.word(6) & 0x3FFFU) != 0;
+        if (packet.byte(0) >> 4 != 4 || packet.byte(9) != tcp || isFragment) {
+            return;
+        }
+        const std::size_t header = static_cast<std::size_t>(packet.byte(0) & 0x0FU) * 4;
+        const PacketBytes tcpPart = packet.from(header);
+        const std::size_t data = static_cast<std::size_t>(tcpPart.byte(12) >> 4) * 4;
+        // A card that cuts segments itself leaves the length of a long one empty.
+        const std::size_t length = packet.word(2) != 0 ? packet.word(2) : packet.size();
+        const std::size_t size = length > header + data ? length - header - data : 0;
+        const Segment segment{tcpPart.number(4),
+                              tcpPart.number(8),
+                              tcpPart.byte(13),
+                              tcpPart.from(data).view(),
+                              static_cast<std::uint32_t>(size),
+                              time};
+        const std::uint32_t source = packet.number(12);
+        const std::uint32_t target = packet.number(16);
+        if (const Address* to = deviceAt(target, tcpPart.word(2))) {
+            fromClient({to->device, source, tcpPart.word(0)}, segment);
+        } else if (const Address* from = deviceAt(source, tcpPart.word(0))) {
+            fromDevice({from->device, target, tcpPart.word(2)}, segment);
+        }
+    }
+
+    /// Adds what was filled in on the connections that are still open.
+    void finish()
+    {
+        while (!m_connections.empty()) {
+            forget(m_connections.begin()->first);
+        }
+    }
+
+private:
+    using Key = std::tuple<std::string, std::uint32_t, std::uint16_t>;
+    struct Connection
+    {
+        int number = 0;
+        TcpStream received;
+        TcpStream sent;
+    };
+
+    void note(Kind kind, const Key& key, const Connection& connection, Microseconds time,
+              std::string bytes = {})
+    {
+        m_events->push_back({kind, std::get<0>(key), connection.number, time, std::move(bytes)});
+    }
+
+    void noteBytes(Kind kind, const Key& key, const Connection& connection, Microseconds time,
+                   std::string bytes)
+    {
+        if (!bytes.empty()) {
+            note(kind, key, connection, time, std::move(bytes));
+        }
+    }
+
+    void forget(const Key& key)
+    {
+        const auto known = m_connections.find(key);
+        if (known == m_connections.end()) {
+            return;
+        }
+        for (const TcpStream* stream : {&known->second.received, &known->second.sent}) {
+            m_run->filledRuns += stream->filledRuns();
+            m_run->filledBytes += stream->filledBytes();
+        }
+        m_connections.erase(known);
+    }
+
+    /// The connection, also one that was open before the capture began.
+    Connection& open(const Key& key, Microseconds time)
+    {
+        Connection& connection = m_connections[key];
+        if (connection.number == 0) {
+            connection.number = ++m_lastNumber;
+            note(Kind::Open, key, connection, time);
+        }
+        return connection;
+    }
+
+    void fromClient(const Key& key, const Segment& segment)
+    {
+        if (segment.syn()) {
+            forget(key); // the port is used again
+            return;
+        }
+        if (segment.reset() || (segment.size == 0 && m_connections.count(key) == 0)) {
+            forget(key);
+            return;
+        }
+        Connection& connection = open(key, segment.time);
+        if (segment.acknowledges()) {
+            noteBytes(Kind::Sent, key, connection, segment.time,
+                      connection.sent.acknowledged(segment.acknowledgement));
+        }
+        noteBytes(Kind::Received, key, connection, segment.time,
+                  connection.received.add(segment.sequence, segment.captured, segment.size));
+        if (segment.fin()) {
+            connection.received.end(segment.sequence + segment.size);
+        }
+    }
+
+    void fromDevice(const Key& key, const Segment& segment)
+    {
+        if (segment.syn()) {
+            Connection& connection = open(key, segment.time);
+            connection.sent.begin(segment.sequence + 1);
+            connection.received.begin(segment.acknowledgement);
+            return;
+        }
+        if (m_connections.count(key) == 0 && segment.size == 0) {
+            return; // a refusal, or the end of a connection from before the capture
+        }
+        Connection& connection = open(key, segment.time);
+        if (segment.acknowledges() && !segment.reset()) {
+            noteBytes(Kind::Received, key, connection, segment.time,
+                      connection.received.acknowledged(segment.acknowledgement));
+        }
+        noteBytes(Kind::Sent, key, connection, segment.time,
+                  connection.sent.add(segment.sequence, segment.captured, segment.size));
+        if (segment.reset()) {
+            note(Kind::Reset, key, connection, segment.time);
+            forget(key);
+        } else if (segment.fin() && connection.sent.end(segment.sequence + segment.size)) {
+            note(Kind::HalfClose, key, connection, segment.time);
+        }
+    }
+
+    std::vector<ObservedEvent>* m_events;
+    RecordedRun* m_run;
+    std::map<Key, Connection> m_connections;
+    int m_lastNumber = 0;
+};
+
+} // namespace
+
+std::string readCapture(const std::string& path, std::vector<ObservedEvent>& events,
+                        RecordedRun& run)
+{
+    char error[PCAP_ERRBUF_SIZE] = {};
+    const std::unique_ptr<pcap_t, decltype(&::pcap_close)> capture(
+        ::pcap_open_offline_with_tstamp_precision(path.c_str(), PCAP_TSTAMP_PRECISION_MICRO, error),
+        &::pcap_close);
+    if (!capture) {
+        return path + ": neither a journal nor a packet capture (" + error + ")";
+    }
+    std::size_t header = 0;
+    const int linkType = ::pcap_datalink(capture.get());
+    if (!linkHeader(linkType, header)) {
+        const char* const name = ::pcap_datalink_val_to_name(linkType);
+        return path + ": captures of the kind " + (name ? name : std::to_string(linkType)) +
+               " are not understood; Ethernet ones are";
+    }
+    CaptureFollower follower(events, run);
+    pcap_pkthdr* packet = nullptr;
+    const unsigned char* bytes = nullptr;
+    int result = 0;
+    while ((result = ::pcap_next_ex(capture.get(), &packet, &bytes)) == 1) {
+        const PacketBytes whole({reinterpret_cast<const char*>(bytes), packet->caplen});
+        follower.add(whole.from(header),
+                     std::chrono::seconds(packet->ts.tv_sec) + Microseconds(packet->ts.tv_usec));
+    }
+    follower.finish();
+    return result == PCAP_ERROR_BREAK ? std::string() : path + ": " + ::pcap_geterr(capture.get());
+}
+
+} // namespace simulator

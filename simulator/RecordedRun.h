@@ -1,0 +1,69 @@
+// What a vehicle did in a run that was recorded, for playing it again.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace simulator {
+
+using Microseconds = std::chrono::microseconds;
+
+/// Something that happened on one connection, as journals and captures tell it.
+struct ObservedEvent
+{
+    enum class Kind {
+        Open,
+        Received,  ///< by the device
+        Sent,      ///< by the device
+        HalfClose, ///< the device sends no more
+        Close,     ///< by the device
+        Reset      ///< by the device
+    };
+    Kind kind;
+    std::string device; ///< "control", "ground" or "camera"
+    int connection;     ///< its number, different for each connection of the device
+    Microseconds time;
+    std::string bytes{};
+};
+
+/// What the device does at a time, counted from the request or the connection.
+struct RecordedEvent
+{
+    ObservedEvent::Kind kind;
+    Microseconds after;
+    std::string bytes;
+};
+
+/// One request to the camera and all that followed on its connection.
+struct RecordedExchange
+{
+    std::string request; ///< the request line
+    std::vector<RecordedEvent> events{};
+    bool played = false;
+};
+
+/// Devices' actions by request (camera) and by connection (modules).
+struct RecordedRun
+{
+    std::vector<RecordedExchange> exchanges;
+    std::map<std::string, std::vector<std::vector<RecordedEvent>>> connections; ///< by module
+    /// Runs of bytes that the file does not hold, and the number of these bytes; zeros stand for
+    /// them.
+    std::uint64_t filledRuns = 0;
+    std::uint64_t filledBytes = 0;
+};
+
+/// Reads a journal, or a packet capture as libpcap knows them. Returns an error text, empty on
+/// success.
+std::string readRecordedRun(const std::string& path, RecordedRun& run);
+
+// The two readers; each appends the events in the order of time and adds up what it filled in.
+std::string readJournal(const std::string& path, std::vector<ObservedEvent>& events,
+                        RecordedRun& run);
+std::string readCapture(const std::string& path, std::vector<ObservedEvent>& events,
+                        RecordedRun& run);
+
+} // namespace simulator

@@ -1,0 +1,55 @@
+// Plays a recorded run: the devices of --replay.
+#pragma once
+
+#include "simulator/Connection.h"
+#include "simulator/RecordedRun.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace simulator {
+
+/// The recorded run and how far it has been played. Shared by all connections; outlives them.
+class Replay
+{
+public:
+    explicit Replay(RecordedRun run) : m_run(std::move(run)) {}
+
+    /// The first exchange with this request line that has not been played; nullptr, and the failure
+    /// set, if there is none.
+    const RecordedExchange* exchange(const std::string& request);
+    /// What the module did on its next connection; nullptr, and the failure set, if it had no more.
+    const std::vector<RecordedEvent>* connection(const std::string& device);
+    /// Why the run cannot go on; empty: it can.
+    const std::string& failure() const { return m_failure; }
+
+private:
+    RecordedRun m_run;
+    std::map<std::string, std::size_t> m_connectionsPlayed;
+    std::string m_failure;
+};
+
+/// One client of a replayed device.
+class ReplayConnection : public Connection
+{
+public:
+    ReplayConnection(FileDescriptor socket, ConnectionName name, Journal& journal, Replay& replay,
+                     TimePoint now);
+
+protected:
+    void received(std::string_view bytes) override;
+    void work(TimePoint now) override;
+    TimePoint nextWork() const override;
+
+private:
+    void play(const RecordedEvent& event);
+
+    Replay* m_replay;
+    const std::vector<RecordedEvent>* m_events = nullptr; ///< those of its request, or its own
+    std::size_t m_next = 0;
+    TimePoint m_start;
+    std::string m_request; ///< to the camera, as far as it has arrived
+};
+
+} // namespace simulator

@@ -1,0 +1,246 @@
+"""A run that is recorded, in a journal or as packets, and played again."""
+
+import os
+import subprocess
+import sys
+import zlib
+
+import harness
+import packets
+from harness import (CONTROL, COUNT, DELETE, GROUND, GROUND_HEARTBEAT, HEARTBEAT, INFO, LIST,
+                     RECORDING, VERSION, SimulatorTest)
+
+BIG = bytes(range(256)) * 1200
+# Faults that change what is sent, and how the answers end. A reset after bytes could overtake them.
+FAULTS = ("--fault", "split-version", "--fault", "close-mid-body@5=150000", "--fault",
+          "reset-before-head@8", "--fault", "info-reordered")
+REQUESTS = (COUNT, LIST + b"2", INFO + b"A.MP4", RECORDING + b"B.MP4", RECORDING + b"A.MP4",
+            DELETE + b"A.MP4", COUNT, RECORDING + b"A.MP4")
+
+
+class RecordingTest(SimulatorTest):
+    """Records and replays; has no tests itself."""
+
+    def record(self, *arguments):
+        """Records the run in self.journalPath; returns what a client saw."""
+        self.start("--card", self.makeCard(A=BIG, B=b"bravo"), "--heartbeat", "400", *FAULTS,
+                   *arguments)
+        seen = self.visit()
+        self.finish()
+        return seen
+
+    def replay(self, path):
+        self.start("--replay", path)
+        seen = self.visit()
+        self.finish()
+        return seen
+
+    def finish(self):
+        self.end()
+        # The next start writes a journal of its own.
+        kept = os.path.join(self.folder, "recorded")
+        if not os.path.exists(kept):
+            os.rename(self.journalPath, kept)
+
+    def visit(self):
+        """All that a client saw: segments of the modules, answers of the camera and their ends."""
+        modules = []
+        for address, size in ((CONTROL, 26), (GROUND, 12)):
+            peer = self.peer(address)
+            segments = []
+            while sum(map(len, segments)) < size:
+                segments.append(peer.segment())
+            modules.append(segments)
+            peer.close()
+        return modules, [self.request(target).rest() for target in REQUESTS]
+
+
+class JournalTest(RecordingTest):
+    def test_full_journal_gives_the_same_bytes(self):
+        seen = self.record("--journal-full")
+        self.assertEqual([HEARTBEAT, VERSION[:7], VERSION[7:], HEARTBEAT], seen[0][0])
+        self.assertEqual([GROUND_HEARTBEAT] * 2, seen[0][1])
+        self.assertEqual(["closed"] * 7 + ["reset"], [end for _, end in seen[1]])
+        self.assertEqual(BIG[:150000], seen[1][4][0][-150000:])
+        self.assertEqual(seen, self.replay(os.path.join(self.folder, "recorded")))
+
+    def test_replay_of_a_replay_gives_the_same_bytes(self):
+        seen = self.record("--journal-full")
+        first = os.path.join(self.folder, "recorded")
+        again = os.path.join(self.folder, "again")
+        self.start("--replay", first, "--journal-full")
+        self.assertEqual(seen, self.visit())
+        self.end()
+        os.rename(self.journalPath, again)
+        self.assertEqual(seen, self.replay(again))
+
+    def test_ordinary_journal_is_filled_in_and_that_is_said(self):
+        seen = self.record()
+        journal = os.path.join(self.folder, "recorded")
+        result = subprocess.run([harness.program, "--replay", journal, "--exit-with-stdin"],
+                                stdin=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True,
+                                stdout=subprocess.PIPE, check=True, timeout=harness.LIMIT)
+        self.assertEqual(f"belun-simulator: {journal}: 150005 bytes in 2 runs are not in the file, "
+                         "and zeros take their place\n", result.stderr)
+        modules, answers = self.replay(journal)
+        self.assertEqual(seen[0], modules)
+        for (recorded, end), (played, playedEnd) in zip(seen[1], answers):
+            self.assertEqual((len(recorded), end), (len(played), playedEnd))
+        self.assertEqual(seen[1][:3], answers[:3])
+        self.assertEqual(b"\0" * 150000, answers[4][0][-150000:])
+
+    def test_request_that_is_not_in_the_file_ends_the_run(self):
+        self.record("--journal-full")
+        journal = os.path.join(self.folder, "recorded")
+        for asked, times in ((INFO + b"B.MP4", ""), (LIST + b"2", " more than 1 times")):
+            with self.subTest(asked=asked), subprocess.Popen(
+                    [harness.program, "--replay", journal], stdin=subprocess.DEVNULL,
+                    stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+                self.addCleanup(process.kill)
+                self.assertEqual(b"belun-simulator ready\n", process.stdout.readline())
+                self.ask(LIST + b"2")
+                self.request(asked)
+                _, message = process.communicate(timeout=harness.LIMIT)
+                self.assertEqual(1, process.returncode)
+                self.assertEqual(f'belun-simulator: {journal}: "GET {asked.decode()} HTTP/1.1" is '
+                                 f"not in the recorded run{times}\n", message.decode())
+
+    def test_connection_that_is_not_in_the_file_ends_the_run(self):
+        self.record("--journal-full")
+        journal = os.path.join(self.folder, "recorded")
+        with subprocess.Popen([harness.program, "--replay", journal], stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+            self.addCleanup(process.kill)
+            process.stdout.readline()
+            self.peer(GROUND)
+            self.peer(GROUND)
+            _, message = process.communicate(timeout=harness.LIMIT)
+        self.assertEqual(1, process.returncode)
+        self.assertIn(b"the ground module had 1 connections in the recorded run, and here is one "
+                      b"more\n", message)
+
+    def test_what_is_no_recording_is_an_error(self):
+        def file(name, data):
+            path = os.path.join(self.folder, name)
+            with open(path, "wb") as opened:
+                opened.write(data)
+            return path
+
+        line = (b'{"time":"2026-11-21T00:41:07.532442Z","device":"control","connection":1,'
+                b'"event":"open"}\n')
+        for path, reason in (
+                (os.path.join(self.folder, "none"), ": No such file or directory"),
+                (file("text", b"hello\n"), ": neither a journal nor a packet capture"),
+                (file("empty", b""), ": neither a journal nor a packet capture"),
+                (file("other", line + b'{"time":"yesterday"}\n' + line),
+                 ":2: this is no line of a journal"),
+                (file("odd", line.replace(b'"open"', b'"sent","bytes":"abc"')),
+                 ":1: this is no line of a journal"),
+                (file("void", line.replace(b'"open"', b'"x"') + b'{"ti'),
+                 ": there is no connection to a device of the vehicle in it")):
+            with self.subTest(path=path):
+                result = subprocess.run([harness.program, "--replay", path], check=False, text=True,
+                                        stdin=subprocess.DEVNULL, stderr=subprocess.PIPE,
+                                        timeout=harness.LIMIT)
+                self.assertEqual(1, result.returncode)
+                if "this build reads no packet captures" not in result.stderr:
+                    self.assertIn(f"belun-simulator: {path}{reason}", result.stderr)
+
+    def test_options_that_exclude_each_other(self):
+        for arguments, reason in (
+                (["--replay", "x", "--sample"],
+                 "--replay excludes --card, --sample, --fault and --scenario"),
+                (["--replay", "x", "--fault", "stall"],
+                 "--replay excludes --card, --sample, --fault and --scenario"),
+                (["--journal-full"], "--journal-full needs --journal")):
+            result = subprocess.run([harness.program, *arguments], check=False, text=True,
+                                    stderr=subprocess.PIPE, timeout=harness.LIMIT)
+            self.assertEqual(2, result.returncode)
+            self.assertIn(reason, result.stderr)
+
+    def test_control_lines_of_modules_do_no_harm_in_a_replay(self):
+        self.record("--journal-full")
+        self.start("--replay", os.path.join(self.folder, "recorded"))
+        peer = self.peer(CONTROL)
+        peer.exactly(20)
+        self.switch("versions 1,2,3,4,5")
+        self.switch("send control 0102")
+        self.assertIn(b"\x01\x02", peer.exactly(8))
+        self.switch("drop camera")
+
+
+class CaptureTest(RecordingTest):
+    """Needs the right to look at packets, which a network of one's own gives."""
+
+    def capture(self):
+        """Records a run; returns what was seen, and its packets."""
+        packets.write(self.path("none"), [])
+        if "reads no packet captures" in subprocess.run(
+                [harness.program, "--replay", self.path("none")], check=False, text=True,
+                stderr=subprocess.PIPE).stderr:
+            self.skipTest("this build reads no packet captures")
+        try:
+            capture = packets.Capture()
+        except PermissionError:
+            self.skipTest("this system lets the test look at no packets")
+        seen = self.record("--journal-full")
+        return seen, capture.stop()
+
+    def path(self, name="capture"):
+        return os.path.join(self.folder, name)
+
+    def test_capture_of_the_same_run_gives_the_same_bytes(self):
+        seen, captured = self.capture()
+        packets.write(self.path(), captured)
+        self.assertEqual(seen, self.replay(self.path()))
+        # Nothing had to be filled in.
+        result = subprocess.run([harness.program, "--replay", self.path(), "--exit-with-stdin"],
+                                stdin=subprocess.DEVNULL, capture_output=True, check=True)
+        self.assertEqual(b"", result.stderr)
+
+    def test_repeated_and_swapped_packets_do_no_harm(self):
+        seen, captured = self.capture()
+        twice = [packet for packet in captured for _ in range(2)]
+        for i in range(20, len(twice) - 1, 7):
+            twice[i], twice[i + 1] = twice[i + 1], twice[i]
+        packets.write(self.path(), twice)
+        self.assertEqual(seen, self.replay(self.path()))
+
+    def test_packets_that_are_cut_or_lost_are_filled_in(self):
+        seen, captured = self.capture()
+        packets.write(self.path("cut"), captured, snap=1000)
+        del captured[max(range(len(captured)), key=lambda i: len(captured[i][1]))]
+        packets.write(self.path("lost"), captured)
+        for name in ("cut", "lost"):
+            result = subprocess.run([harness.program, "--replay", self.path(name),
+                                     "--exit-with-stdin"], stdin=subprocess.DEVNULL, check=False,
+                                    stderr=subprocess.PIPE, text=True, stdout=subprocess.PIPE)
+            self.assertRegex(result.stderr, r"\d+ bytes in \d+ runs are not in the file, and zeros")
+            _, answers = self.replay(self.path(name))
+            self.assertEqual([len(data) for data, _ in seen[1]], [len(data) for data, _ in answers])
+            self.assertNotEqual(zlib.crc32(seen[1][4][0]), zlib.crc32(answers[4][0]))
+
+    def test_capture_of_another_kind_is_an_error(self):
+        packets.write(self.path(), [], kind=105)
+        result = subprocess.run([harness.program, "--replay", self.path()], check=False, text=True,
+                                stderr=subprocess.PIPE)
+        self.assertEqual(1, result.returncode)
+        self.assertRegex(result.stderr, "captures of the kind IEEE802_11 are not understood|this "
+                                        "build reads no packet captures")
+
+
+def networkWithPackets():
+    """Starts this program again in a network where it may look at packets, if there is one."""
+    addresses = "".join(f"ip addr add 192.168.1.{a}/32 dev lo;" for a in (120, 148, 149))
+    try:
+        packets.Capture().stop()
+    except PermissionError:
+        ways = ["unshare", "--user", "--map-root-user", "--net", "sh", "-c",
+                f'ip link set lo up; {addresses} exec "$@"', "sh"]
+        if subprocess.run([*ways, "true"], stderr=subprocess.DEVNULL, check=False).returncode == 0:
+            os.execvp(ways[0], [*ways, sys.executable, *sys.argv])
+
+
+if __name__ == "__main__":
+    networkWithPackets()
+    harness.main()
