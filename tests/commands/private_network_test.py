@@ -152,6 +152,84 @@ class PrivateNetworkTest(unittest.TestCase):
                     continue
                 self.assertEqual((result.returncode, result.stdout), (77, ""))
                 self.assertIn("no network namespace", result.stderr)
+                self.assertIn("what to do: run it as root or with sudo", result.stderr)
+
+
+class NameTest(unittest.TestCase):
+    """Help and errors name the command as it was called."""
+
+    def said(self, command, *arguments, **options):
+        result = subprocess.run([command, *arguments], capture_output=True, text=True, timeout=30,
+                                check=False, **options)
+        return result.stdout + result.stderr
+
+    def testHelpAndErrorsNameTheCommand(self):
+        with tempfile.TemporaryDirectory() as folder:
+            installed = f"{folder}/belun-private-network"
+            os.symlink(SCRIPT, installed)
+            path = dict(os.environ, PATH=f"{folder}:{os.environ['PATH']}")
+            for command, name, options in (
+                    (SCRIPT, SCRIPT, {}), (installed, installed, {}),
+                    ("tools/private-network", "tools/private-network",
+                     {"cwd": pathlib.Path(SCRIPT).parents[1]}),
+                    ("belun-private-network", "belun-private-network", {"env": path})):
+                with self.subTest(command):
+                    self.assertIn(f"Usage: {name} [OPTION...] COMMAND",
+                                  self.said(command, "--help", **options))
+                    self.assertTrue(self.said(command, "--bogus", **options).startswith(
+                        f"{name}: unknown option --bogus\n"))
+
+
+class NetemTest(unittest.TestCase):
+    def withTc(self, script, *arguments):
+        """Runs it where tc is this shell script."""
+        with tempfile.TemporaryDirectory() as folder:
+            with open(f"{folder}/tc", "w", encoding="ascii") as file:
+                file.write("#!/bin/sh\n" + script)
+            os.chmod(f"{folder}/tc", 0o755)
+            os.chmod(folder, 0o755)
+            return inside(*arguments, env=dict(os.environ, PATH=f"{folder}:{os.environ['PATH']}"))
+
+    def testConnectionIsMadeWorseAsAskedFor(self):
+        result = self.withTc('echo "$@" >&2', "--netem", "delay 80ms  loss 1%", "echo", "$(id)")
+        self.assertEqual((0, "$(id)\n", "qdisc add dev lo root netem delay 80ms loss 1%\n"),
+                         (result.returncode, result.stdout, result.stderr))
+
+    def testTextThatTcDoesNotTakeIsAnError(self):
+        for text in ("delay banana", "frobnicate"):
+            result = inside("--netem", text, "echo", "must not run")
+            self.assertEqual((2, ""), (result.returncode, result.stdout))
+            self.assertTrue(result.stderr.startswith(
+                f"{SCRIPT}: --netem does not take '{text}': "), result.stderr)
+
+    def testTextIsNoShellCommand(self):
+        result = self.withTc('echo "$@" >&2', "--netem", "loss 1%; echo $HOME `id` *", "true")
+        self.assertEqual("qdisc add dev lo root netem loss 1%; echo $HOME `id` *\n", result.stderr)
+
+    def testSystemThatCannotDoItSaysWhatToDo(self):
+        result = self.withTc("echo 'Error: Specified qdisc kind is unknown.' >&2\nexit 2\n",
+                             "--netem", "delay 80ms", "echo", "must not run")
+        self.assertEqual((77, ""), (result.returncode, result.stdout))
+        self.assertIn("cannot make a connection worse: Error: Specified qdisc kind is unknown.\n",
+                      result.stderr)
+        self.assertIn("what to do: load the kernel module sch_netem", result.stderr)
+
+    def testMissingTextIsAnError(self):
+        result = inside("--netem")
+        self.assertEqual(2, result.returncode)
+        self.assertIn("--netem needs a text such as 'delay 80ms loss 1%'", result.stderr)
+
+    def testPacketsAreDelayed(self):
+        ask = ("import socket, time\n"
+               "server = socket.create_server(('192.168.1.120', 80))\n"
+               "start = time.monotonic()\n"
+               "socket.create_connection(('192.168.1.120', 80))\n"
+               "print(time.monotonic() - start)\n")
+        result = inside("--netem", "delay 80ms", "python3", "-c", ask)
+        if result.returncode == 77:
+            self.assertIn("what to do: ", result.stderr)
+            self.skipTest("this system cannot delay packets")
+        self.assertGreater(float(result.stdout), 0.159)
 
 
 if __name__ == "__main__":
