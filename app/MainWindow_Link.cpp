@@ -7,6 +7,7 @@
 #include "ui_MainWindow.h"
 
 #include <QFont>
+#include <QNetworkProxy>
 #include <QTcpSocket>
 
 void MainWindow::on_pushButtonLinkBELUN_clicked()
@@ -33,6 +34,7 @@ void MainWindow::on_pushButtonLinkBELUN_clicked()
 bool MainWindow::IPLive(QString ip, int port, int timeout)
 {
     QTcpSocket probe;
+    probe.setProxy(QNetworkProxy::NoProxy); // the module's answer counts, not a proxy's
     probe.abort();
     probe.connectToHost(ip, static_cast<quint16>(port));
     return probe.waitForConnected(timeout);
