@@ -33,14 +33,13 @@ int failed(int status, const std::string& error)
     return status;
 }
 
-/// Started with a standard stream closed, a socket or file of ours would take its place.
-void keepStandardStreams()
+/// Opens a closed standard stream on the null device: a socket or file of ours would take its
+/// place. The lower ones have to be open.
+void openIfClosed(int descriptor, int mode)
 {
-    int descriptor = 0;
-    do {
-        descriptor = ::open("/dev/null", O_RDWR);
-    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
-    ::close(descriptor);
+    if (::fcntl(descriptor, F_GETFD) == -1) {
+        static_cast<void>(::open("/dev/null", mode));
+    }
 }
 
 /// The signals that end the program, as a descriptor for its loop.
@@ -128,7 +127,9 @@ int send(const simulator::Options& options)
 
 int main(int argc, char* argv[])
 {
-    keepStandardStreams();
+    openIfClosed(STDIN_FILENO, O_RDONLY);
+    openIfClosed(STDOUT_FILENO, O_WRONLY);
+    openIfClosed(STDERR_FILENO, O_WRONLY);
     simulator::Options options;
     const std::string error =
         simulator::parseOptions(std::vector<std::string>(argv + 1, argv + argc), options);

@@ -1,15 +1,23 @@
 // Works the program's own window from inside: linked with the program's main function, it takes
-// one command per line from standard input and confirms each with a line "done".
+// one command per line from standard input and confirms each with a line "done" on standard output.
+// Both go over the socket named by DRIVEN_PROGRAM_SOCKET instead, if that is set.
 //   click NAME    clicks the widget of that object name as soon as it is enabled
 //   choose ROW    clicks a row of the file table
+//   text NAME     writes the text of the line edit of that object name, in a line before "done"
+//   point         writes the decimal point of the process's locale, in a line before "done"
 //   close         closes the window, as its close button does
+#include <clocale>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <QApplication>
 #include <QByteArray>
+#include <QLineEdit>
 #include <QObject>
 #include <QSocketNotifier>
 #include <QString>
@@ -21,6 +29,18 @@
 namespace {
 
 constexpr int enabledLimit = 5000; // milliseconds
+
+int commands = STDIN_FILENO;
+int answers = STDOUT_FILENO;
+
+void answer(const QByteArray& line)
+{
+    const QByteArray bytes = line + '\n';
+    if (::write(answers, bytes.constData(), static_cast<std::size_t>(bytes.size())) !=
+        bytes.size()) {
+        qFatal("cannot answer");
+    }
+}
 
 QWidget* programWindow()
 {
@@ -48,20 +68,23 @@ void obey(const QByteArray& line)
         auto* table = window->findChild<QTableWidget*>();
         QTest::mouseClick(table->viewport(), Qt::LeftButton, Qt::NoModifier,
                           table->visualItemRect(table->item(argument.toInt(), 0)).center());
+    } else if (command == "text") {
+        answer(window->findChild<QLineEdit*>(argument)->text().toUtf8());
+    } else if (command == "point") {
+        answer(std::localeconv()->decimal_point);
     } else if (command == "close") {
         window->close();
     } else {
         qFatal("unknown command: %s", line.constData());
     }
-    std::puts("done");
-    std::fflush(stdout);
+    answer("done");
 }
 
 void readCommands()
 {
     static QByteArray pending;
     char buffer[256];
-    const ssize_t count = ::read(STDIN_FILENO, buffer, sizeof buffer);
+    const ssize_t count = ::read(commands, buffer, sizeof buffer);
     if (count <= 0) {
         std::_Exit(EXIT_FAILURE); // the test has gone
     }
@@ -73,11 +96,26 @@ void readCommands()
     }
 }
 
+void connectToTheTest(const QByteArray& path)
+{
+    commands = answers = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un place{};
+    place.sun_family = AF_UNIX;
+    std::strncpy(place.sun_path, path.constData(), sizeof place.sun_path - 1);
+    if (::connect(commands, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0) {
+        qFatal("cannot connect to %s", path.constData());
+    }
+}
+
 void listenToTheTest()
 {
-    // Behind the window's making, when the event loop runs.
+    // After the window's making, when the event loop runs.
     QTimer::singleShot(0, qApp, [] {
-        auto* input = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, qApp);
+        const QByteArray socket = qgetenv("DRIVEN_PROGRAM_SOCKET");
+        if (!socket.isEmpty()) {
+            connectToTheTest(socket);
+        }
+        auto* input = new QSocketNotifier(commands, QSocketNotifier::Read, qApp);
         QObject::connect(input, &QSocketNotifier::activated, qApp, [] { readCommands(); });
     });
 }

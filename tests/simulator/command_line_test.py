@@ -126,6 +126,32 @@ class CommandLineTest(SimulatorTest):
             process.terminate()
             self.assertEqual(0, process.wait(harness.LIMIT))
 
+    def cameraIsThere(self):
+        try:
+            self.peer(harness.CAMERA).close()
+        except ConnectionRefusedError:
+            return False
+        return True
+
+    def test_closed_standard_streams_are_on_the_null_device(self):
+        for closed, modes in (("<&- 2>&-", {0: os.O_RDONLY, 2: os.O_WRONLY}),
+                              (">&-", {1: os.O_WRONLY})):
+            with self.subTest(closed=closed), subprocess.Popen(
+                    ["sh", "-c", f'exec "$0" {closed}', harness.program],
+                    stdin=subprocess.DEVNULL, stdout=subprocess.PIPE) as process:
+                self.addCleanup(process.kill)
+                self.eventually(self.cameraIsThere, "its camera")
+                self.assertIn(b'count="11"', self.ask(COUNT))
+                for descriptor, mode in modes.items():
+                    self.assertEqual("/dev/null",
+                                     os.readlink(f"/proc/{process.pid}/fd/{descriptor}"))
+                    with open(f"/proc/{process.pid}/fdinfo/{descriptor}",
+                              encoding="ascii") as file:
+                        flags = int(re.search(r"flags:\s+(\d+)", file.read()).group(1), 8)
+                    self.assertEqual(mode, flags & os.O_ACCMODE)
+                process.terminate()
+                self.assertEqual(0, process.wait(harness.LIMIT))
+
     def faults(self):
         return json.loads(self.run_("--list-faults=json").stdout)
 
