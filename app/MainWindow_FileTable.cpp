@@ -1,12 +1,14 @@
 // Table set-up, select all, collecting the selection.
 #include "app/MainWindow.h"
 
+#include "app/CutTextTip.h"
 #include "card/FileTable.h"
 #include "ui_MainWindow.h"
 
 void MainWindow::TableWidgetItemInit()
 {
     m_tableDelegate = card::setUpFileTable(*ui->tableWidgetFileInfo, tableHeaders());
+    new CutTextTip(*ui->tableWidgetFileInfo);
 }
 
 void MainWindow::on_checkBoxSelectAllFiles_stateChanged(int /*arg1*/)

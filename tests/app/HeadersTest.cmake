@@ -33,7 +33,7 @@ check_headers(verify
   verify/Json.h verify/Judgement.h verify/Language.h verify/LocalFolder.h verify/Numbers.h
   verify/Options.h verify/ShownText.h verify/Texts.h)
 check_headers(app
-  app/MainWindow.h app/ProcessSetup.h)
+  app/CutTextTip.h app/MainWindow.h app/ProcessSetup.h)
 # The simulator is one program: its headers need no library.
 check_headers(project_options
   simulator/AnswerBytes.h simulator/CameraAnswers.h simulator/CameraConnection.h

@@ -1,0 +1,90 @@
+#include "app/CutTextTip.h"
+
+#include <QEvent>
+#include <QHelpEvent>
+#include <QModelIndex>
+#include <QRect>
+#include <QString>
+#include <QStyle>
+#include <QStyleOptionViewItem>
+#include <QTableWidget>
+#include <QTextDocument>
+#include <QTextLayout>
+#include <QTextOption>
+#include <QToolTip>
+
+namespace {
+
+/// Where the style paints the text of a cell that has nothing else in it.
+QRect paintedRect(const QTableWidget& table, const QModelIndex& cell, const QString& text)
+{
+    QStyleOptionViewItem option;
+    option.initFrom(&table);
+    option.widget = &table;
+    option.rect = table.visualRect(cell);
+    option.features = QStyleOptionViewItem::HasDisplay | QStyleOptionViewItem::WrapText;
+    option.showDecorationSelected = true;
+    option.font = table.font();
+    option.text = text;
+    const QStyle& style = *table.style();
+    const int margin = style.pixelMetric(QStyle::PM_FocusFrameHMargin, &option, &table) + 1;
+    return style.subElementRect(QStyle::SE_ItemViewItemText, &option, &table)
+        .adjusted(margin, 0, -margin, 0);
+}
+
+/// The text is broken between words, as the style does: it is cut off where a word is wider than
+/// the cell, and where the cell ends before a further line.
+bool isCut(const QTableWidget& table, const QModelIndex& cell, const QString& text)
+{
+    const QRect rect = paintedRect(table, cell, text);
+    QTextOption wrapping;
+    wrapping.setWrapMode(QTextOption::WordWrap);
+    QTextLayout layout(text, table.font());
+    layout.setTextOption(wrapping);
+    layout.beginLayout();
+    qreal height = 0;
+    bool cut = false;
+    for (QTextLine line = layout.createLine(); line.isValid() && !cut; line = layout.createLine()) {
+        line.setLineWidth(rect.width());
+        cut = line.naturalTextWidth() > rect.width() ||
+              (height > 0 && height + line.height() > rect.height());
+        height += line.height();
+    }
+    layout.endLayout();
+    return cut;
+}
+
+/// A tool tip takes what looks like markup for markup.
+QString asPlainText(const QString& text)
+{
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
+}
+
+} // namespace
+
+CutTextTip::CutTextTip(QTableWidget& table) : QObject(&table), m_table(table)
+{
+    table.viewport()->installEventFilter(this);
+}
+
+bool CutTextTip::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip) {
+        return QObject::eventFilter(watched, event);
+    }
+    answer(static_cast<QHelpEvent&>(*event));
+    return true;
+}
+
+void CutTextTip::answer(QHelpEvent& event) const
+{
+    const QModelIndex cell = m_table.indexAt(event.pos());
+    const QString text = cell.data().toString();
+    if (cell.isValid() && isCut(m_table, cell, text)) {
+        QToolTip::showText(event.globalPos(), asPlainText(text), m_table.viewport(),
+                           m_table.visualRect(cell));
+    } else {
+        QToolTip::hideText();
+        event.ignore();
+    }
+}

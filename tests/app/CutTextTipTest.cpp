@@ -1,0 +1,197 @@
+// Tool tips in the file table: the whole text of a cell that cuts it off, and no other.
+#include "app/MainWindow.h"
+#include "card/FileTable.h"
+#include "tests/support/TestMain.h"
+#include "tests/support/WindowProbe.h"
+
+#include <memory>
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QImage>
+#include <QTableWidget>
+#include <QTextDocument>
+#include <QToolTip>
+
+class CutTextTipTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void cutNameIsShownWhole_data();
+    void cutNameIsShownWhole();
+    void textThatFitsHasNone();
+    void cutDetailIsShownWhole();
+    void placeWithoutACellHasNone();
+    void tipGoesAtACellThatFits();
+    void tipIsShownExactlyWhenThePaintedTextIsCut_data();
+    void tipIsShownExactlyWhenThePaintedTextIsCut();
+    void nameOnTwoLinesIsWholeWhereBothFit();
+    void itemsHaveNoTipOfTheirOwn();
+
+private:
+    QTableWidget& table() const
+    {
+        return support::WindowProbe(*m_window).child<QTableWidget>("tableWidgetFileInfo");
+    }
+    /// Rests the mouse there; true if a tip is shown.
+    bool restMouseAt(const QPoint& place) const
+    {
+        QHelpEvent event(QEvent::ToolTip, place, table().viewport()->mapToGlobal(place));
+        QApplication::sendEvent(table().viewport(), &event);
+        return event.isAccepted();
+    }
+    bool restMouseOn(int row, int column) const
+    {
+        return restMouseAt(table().visualItemRect(table().item(row, column)).center());
+    }
+    /// As it reads: a tip takes markup for markup.
+    static QString shownTip()
+    {
+        QTextDocument document;
+        if (Qt::mightBeRichText(QToolTip::text())) {
+            document.setHtml(QToolTip::text());
+        } else {
+            document.setPlainText(QToolTip::text());
+        }
+        return document.toPlainText();
+    }
+    QImage paintedCell(int width) const
+    {
+        table().setColumnWidth(card::NameColumn, width);
+        return table().viewport()->grab(table().visualItemRect(table().item(0, 0))).toImage();
+    }
+
+    std::unique_ptr<MainWindow> m_window;
+};
+
+void CutTextTipTest::init()
+{
+    m_window = std::make_unique<MainWindow>();
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+}
+
+void CutTextTipTest::cleanup()
+{
+    QToolTip::hideText();
+    QTRY_VERIFY(!QToolTip::isVisible());
+    m_window.reset();
+    QApplication::setStyle(QStringLiteral("Fusion"));
+}
+
+void CutTextTipTest::cutNameIsShownWhole_data()
+{
+    QTest::addColumn<QString>("name");
+    const QString end = QString(60, QLatin1Char('x')) + QStringLiteral(".mp4");
+    QTest::newRow("one word") << end;
+    QTest::newRow("words") << "a recording of some length made on the sixth dive.mp4";
+    QTest::newRow("markup") << "<b>bold</b><img src='http://192.168.1.120/'>" + end;
+    QTest::newRow("markup around spaces") << "<i>  two  spaces  </i>" + end;
+    QTest::newRow("entities") << "&lt;b&amp;" + end;
+    QTest::newRow("ampersand") << "this & that" + end;
+    QTest::newRow("Chinese") << QString(40, QChar(0x5f55));
+}
+
+void CutTextTipTest::cutNameIsShownWhole()
+{
+    QFETCH(QString, name);
+    card::addNameRow(table(), 0, name);
+    QVERIFY(restMouseOn(0, card::NameColumn));
+    QVERIFY(QToolTip::isVisible());
+    QCOMPARE(shownTip().replace(QChar::Nbsp, QLatin1Char(' ')), name);
+}
+
+void CutTextTipTest::textThatFitsHasNone()
+{
+    card::addNameRow(table(), 0, QStringLiteral("VID_0001.MP4"));
+    card::setDetail(table(), 0, card::DateColumn, QStringLiteral("2020.01.31 12:45:02"),
+                    Qt::AlignCenter);
+    QVERIFY(!restMouseOn(0, card::NameColumn));
+    QVERIFY(!restMouseOn(0, card::DateColumn));
+    QVERIFY(!QToolTip::isVisible());
+}
+
+void CutTextTipTest::cutDetailIsShownWhole()
+{
+    const QString date = QStringLiteral("2020.01.31 12:45:02");
+    card::addNameRow(table(), 0, QStringLiteral("VID_0001.MP4"));
+    card::setDetail(table(), 0, card::DateColumn, date, Qt::AlignCenter);
+    table().horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    table().setColumnWidth(card::DateColumn, 50);
+    QVERIFY(restMouseOn(0, card::DateColumn));
+    QCOMPARE(QToolTip::text(), date);
+}
+
+void CutTextTipTest::placeWithoutACellHasNone()
+{
+    card::addNameRow(table(), 0, QString(90, QLatin1Char('x')));
+    QVERIFY(!restMouseAt(QPoint(40, table().viewport()->height() - 5)));
+    const QPoint detail(table().columnViewportPosition(card::SizeColumn) + 5, 5);
+    QVERIFY(!restMouseAt(detail));
+}
+
+void CutTextTipTest::tipGoesAtACellThatFits()
+{
+    card::addNameRow(table(), 0, QString(90, QLatin1Char('x')));
+    card::addNameRow(table(), 1, QStringLiteral("y.mp4"));
+    QVERIFY(restMouseOn(0, card::NameColumn));
+    QVERIFY(QToolTip::isVisible());
+    QVERIFY(!restMouseOn(1, card::NameColumn));
+    QTRY_VERIFY(!QToolTip::isVisible());
+}
+
+void CutTextTipTest::tipIsShownExactlyWhenThePaintedTextIsCut_data()
+{
+    QTest::addColumn<QString>("style");
+    QTest::addColumn<QString>("name");
+    for (const char* style : {"Fusion", "Windows"}) {
+        for (const char* name : {"VID_0001_2020_01_31.MP4", "two words.mp4"}) {
+            QTest::addRow("%s, %s", style, name) << style << name;
+        }
+    }
+}
+
+/// A text is whole as long as it is painted as in a wide cell.
+void CutTextTipTest::tipIsShownExactlyWhenThePaintedTextIsCut()
+{
+    QFETCH(QString, style);
+    QFETCH(QString, name);
+    QApplication::setStyle(style);
+    card::addNameRow(table(), 0, name);
+    table().horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    const int enough = table().fontMetrics().boundingRect(name).width() + 20;
+    const QImage whole = paintedCell(enough + 40);
+    int cuts = 0;
+    for (int width = enough - 40; width <= enough; ++width) {
+        const bool isCut = paintedCell(width) != whole.copy(0, 0, width, whole.height());
+        QVERIFY2(restMouseOn(0, card::NameColumn) == isCut, qPrintable(QString::number(width)));
+        cuts += isCut ? 1 : 0;
+    }
+    QVERIFY(cuts > 0 && cuts < 40);
+}
+
+void CutTextTipTest::nameOnTwoLinesIsWholeWhereBothFit()
+{
+    card::addNameRow(table(), 0, QStringLiteral("two words.mp4"));
+    table().horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    const int longerWord = table().fontMetrics().boundingRect(QStringLiteral("words.mp4")).width();
+    table().setColumnWidth(card::NameColumn, longerWord + 12);
+    QVERIFY(restMouseOn(0, card::NameColumn));
+    table().setRowHeight(0, 100);
+    QVERIFY(!restMouseOn(0, card::NameColumn));
+}
+
+void CutTextTipTest::itemsHaveNoTipOfTheirOwn()
+{
+    card::addNameRow(table(), 0, QString(90, QLatin1Char('x')));
+    QVERIFY(table().item(0, card::NameColumn)->data(Qt::ToolTipRole).isNull());
+}
+
+BELUN_TEST(CutTextTipTest)
+
+#include "CutTextTipTest.moc"
