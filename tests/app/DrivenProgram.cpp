@@ -5,6 +5,9 @@
 //   choose ROW    clicks a row of the file table
 //   text NAME     writes the text of the line edit of that object name, in a line before "done"
 //   point         writes the decimal point of the process's locale, in a line before "done"
+//   screen        writes the window's size, the density of its screen in its own pixels, and how
+//   many
+//                 pixels of the screen one of them has across, in a line before "done"
 //   close         closes the window, as its close button does
 #include <clocale>
 #include <cstdio>
@@ -72,6 +75,13 @@ void obey(const QByteArray& line)
         answer(window->findChild<QLineEdit*>(argument)->text().toUtf8());
     } else if (command == "point") {
         answer(std::localeconv()->decimal_point);
+    } else if (command == "screen") {
+        answer(QStringLiteral("%1 x %2, %3 dpi, scale %4")
+                   .arg(window->width())
+                   .arg(window->height())
+                   .arg(window->logicalDpiX())
+                   .arg(window->devicePixelRatioF(), 0, 'g', 12)
+                   .toUtf8());
     } else if (command == "close") {
         window->close();
     } else {
