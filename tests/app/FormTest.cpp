@@ -166,9 +166,9 @@ private slots:
     void widthsHoldWhenTheWindowIsResized();
 
 private:
-    // The name by value: GCC 14 takes the result for a reference into a temporary name.
+    /// To be kept in an `auto&`: GCC 14 takes a `const auto&` for a reference into the name.
     template <class Object>
-    static Object& child(QObject& window, QString name)
+    static Object& child(QObject& window, const QString& name)
     {
         auto* found = window.findChild<Object*>(name);
         if (found == nullptr) {
@@ -375,8 +375,7 @@ void FormTest::layoutsHaveTheirSpacingAndMargins()
 {
     QFETCH(int, margin);
     DesignedForm designed;
-    const auto& box =
-        child<QBoxLayout>(designed.window, QString::fromLatin1(QTest::currentDataTag()));
+    auto& box = child<QBoxLayout>(designed.window, QString::fromLatin1(QTest::currentDataTag()));
     QCOMPARE(box.spacing(), 6);
     QCOMPARE(box.contentsMargins(), QMargins(margin, margin, margin, margin));
 }
@@ -552,8 +551,7 @@ void FormTest::otherPropertiesAreQtsDefaults()
 
     DesignedForm designed;
     QMainWindow elsewhere;
-    const auto& widget =
-        child<QWidget>(designed.window, QString::fromLatin1(QTest::currentDataTag()));
+    auto& widget = child<QWidget>(designed.window, QString::fromLatin1(QTest::currentDataTag()));
     const QMetaObject& type = *widget.metaObject();
     const QWidget& fresh = *make.at(QString::fromLatin1(type.className()))(&elsewhere);
     int compared = 0;
@@ -598,8 +596,7 @@ void FormTest::designTextsAreThoseOfTheForm()
 {
     QFETCH(QString, property);
     DesignedForm designed;
-    const auto& widget =
-        child<QWidget>(designed.window, QString::fromLatin1(QTest::currentDataTag()));
+    auto& widget = child<QWidget>(designed.window, QString::fromLatin1(QTest::currentDataTag()));
     QTEST(widget.property(property.toLatin1().constData()).toString(), "text");
 }
 
@@ -626,7 +623,7 @@ void FormTest::startsInEnglishWithBothLanguagesAndNoProgressBar()
     MainWindow window;
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    const auto& combo = child<QComboBox>(window, QStringLiteral("comboBox"));
+    auto& combo = child<QComboBox>(window, QStringLiteral("comboBox"));
     QCOMPARE(combo.count(), 2);
     QCOMPARE(combo.itemText(0), QStringLiteral("English"));
     QCOMPARE(combo.itemText(1), QStringLiteral("Chinese"));
@@ -758,7 +755,7 @@ void FormTest::widthsHoldWhenTheWindowIsResized()
     MainWindow window;
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    const auto& table = child<QWidget>(window, QStringLiteral("tableWidgetFileInfo"));
+    auto& table = child<QWidget>(window, QStringLiteral("tableWidgetFileInfo"));
     const int before = table.width();
     window.resize(size);
     QVERIFY(QTest::qWaitFor([&window, &size] { return window.width() >= size.width(); }));
