@@ -49,6 +49,7 @@ void AnswerReader::receive(std::string_view bytes)
             takeBody(bytes);
         }
     }
+    m_more = m_more || (m_state == State::Complete && !bytes.empty());
 }
 
 void AnswerReader::closed()

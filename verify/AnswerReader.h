@@ -46,13 +46,15 @@ public:
 
     AnswerReader(std::uint64_t bodyLimit, Handlers handlers);
 
-    /// Takes what has arrived. What follows the end of the answer is ignored.
+    /// Takes what has arrived. Of what follows the end of the answer only hasMore() knows.
     void receive(std::string_view bytes);
     /// The connection has ended.
     void closed();
 
     State state() const { return m_state; }
     bool ended() const { return m_state != State::Head && m_state != State::Body; }
+    /// Whether anything followed the end of the answer.
+    bool hasMore() const { return m_more; }
     /// Status of the last head.
     int status() const { return m_status; }
 
@@ -81,6 +83,7 @@ private:
     std::optional<std::uint64_t> m_announced;
     std::uint64_t m_left = 0; // of the body, or of the chunk
     std::uint64_t m_received = 0;
+    bool m_more = false;
 };
 
 } // namespace verify

@@ -16,6 +16,9 @@ namespace verify {
 namespace {
 
 constexpr qint64 receiveSize = 256 * 1024;
+// Milliseconds in which the camera closes the connection after a recording. One that leaves it open
+// is not waited for any longer.
+constexpr int surplusWait = 200;
 
 CameraError errorOf(const AnswerReader& reader)
 {
@@ -91,7 +94,7 @@ CameraError Camera::connectTo(QTcpSocket& socket) const
     }
 }
 
-CameraError Camera::get(const QByteArray& request, std::uint64_t bodyLimit, bool slowBody,
+CameraError Camera::get(const QByteArray& request, Kind kind, std::uint64_t bodyLimit,
                         const AnswerReader::Handlers& handlers) const
 {
     QTcpSocket socket;
@@ -105,7 +108,7 @@ CameraError Camera::get(const QByteArray& request, std::uint64_t bodyLimit, bool
     AnswerReader reader(bodyLimit, handlers);
     std::vector<char> buffer(receiveSize);
     while (!reader.ended()) {
-        const bool limited = reader.state() == AnswerReader::State::Head || !slowBody;
+        const bool limited = reader.state() == AnswerReader::State::Head || kind == Kind::Command;
         const qint64 left =
             limited ? answerPatience * m_timeout.count() - clock.elapsed() : LLONG_MAX;
         if (left <= 0) {
@@ -124,6 +127,11 @@ CameraError Camera::get(const QByteArray& request, std::uint64_t bodyLimit, bool
         case Arrival::Nothing:
             return {wait < m_timeout.count() ? Trouble::TooSlow : Trouble::Silent};
         }
+    }
+    const bool complete = reader.state() == AnswerReader::State::Complete;
+    if (kind == Kind::Recording && complete &&
+        (reader.hasMore() || waitForBytes(socket, surplusWait) == Arrival::Bytes)) {
+        return {Trouble::Surplus};
     }
     return errorOf(reader);
 }

@@ -21,6 +21,7 @@ enum class Trouble {
     NoConnection, ///< nobody answered within the time-out
     Silent,       ///< connected, and then no byte for the whole time-out
     TooSlow,      ///< the answer to a command, or a head, took four times the time-out
+    Surplus,      ///< a recording has more bytes than its head announces
     Closed,       ///< the connection ended before the answer did
     Status,       ///< the answer's status is not 200
     TooLong,      ///< more than any card's answer has
@@ -49,10 +50,15 @@ class Camera
 public:
     Camera(QString host, quint16 port, std::chrono::seconds timeout);
 
+    enum class Kind {
+        Command,
+        Recording, ///< its body may take any time as long as it keeps coming, and nothing follows
+                   ///< it
+    };
+
     /// Sends the request and hands the answer to the handlers; one that returns false ends the
-    /// exchange without an error. A body longer than `bodyLimit` is refused. With `slowBody` the
-    /// body may take any time as long as it keeps coming.
-    CameraError get(const QByteArray& request, std::uint64_t bodyLimit, bool slowBody,
+    /// exchange without an error. A body longer than `bodyLimit` is refused.
+    CameraError get(const QByteArray& request, Kind kind, std::uint64_t bodyLimit,
                     const AnswerReader::Handlers& handlers) const;
 
 private:

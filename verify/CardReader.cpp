@@ -123,7 +123,7 @@ CardReader::content(const std::string& name, std::uint64_t size,
     const QByteArray request = download::requestText(QByteArray(download::recordingUrlPrefix) +
                                                          QByteArray::fromStdString(name),
                                                      download::cameraHost);
-    reply.error = m_camera.get(request, size, true,
+    reply.error = m_camera.get(request, Camera::Kind::Recording, size,
                                {[&reply, size](std::optional<std::uint64_t> announced) {
                                     if (announced && *announced != size) {
                                         reply.value = announced;
@@ -138,7 +138,7 @@ Reply<std::string> CardReader::ask(const char* command, const std::string& argum
                                    std::uint64_t limit) const
 {
     Reply<std::string> reply;
-    reply.error = m_camera.get(commandRequest(command, argument), limit, false,
+    reply.error = m_camera.get(commandRequest(command, argument), Camera::Kind::Command, limit,
                                {[](std::optional<std::uint64_t>) { return true; },
                                 [&reply](std::string_view bytes) {
                                     reply.value.append(bytes);

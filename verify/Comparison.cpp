@@ -72,20 +72,33 @@ Summary Comparison::run()
     return m_summary;
 }
 
-bool Comparison::readCard()
+bool Comparison::readList(CardCount& count, std::vector<std::string>& names)
 {
     advance(Step::Count);
-    Reply<CardCount> count = m_card.count();
-    if (count.error) {
-        return fail(count.error);
+    Reply<CardCount> counted = m_card.count();
+    if (counted.error) {
+        return fail(counted.error);
     }
-    m_count = std::move(count.value);
     advance(Step::List);
-    Reply<std::vector<std::string>> names = m_card.names(m_count.text);
-    if (names.error) {
-        return fail(names.error);
+    Reply<std::vector<std::string>> listed = m_card.names(counted.value.text);
+    if (listed.error) {
+        return fail(listed.error);
     }
-    m_listed = std::move(names.value);
+    // A list has no more entries than were asked for, so a count that is too small would hide the
+    // others. A camera that does not like to be asked for one more is not blamed.
+    Reply<std::vector<std::string>> oneMore =
+        m_card.names(std::to_string(counted.value.number + 1));
+    const bool hidden = !oneMore.error && oneMore.value.size() > listed.value.size();
+    names = std::move(hidden ? oneMore.value : listed.value);
+    count = std::move(counted.value);
+    return true;
+}
+
+bool Comparison::readCard()
+{
+    if (!readList(m_count, m_listed)) {
+        return false;
+    }
     m_summary.counted = m_count.number;
     m_summary.listed = m_listed.size();
 
@@ -229,17 +242,12 @@ void Comparison::judgeOthers()
 
 bool Comparison::readCardAgain()
 {
-    advance(Step::Count);
-    const Reply<CardCount> count = m_card.count();
-    if (count.error) {
-        return fail(count.error);
+    CardCount count;
+    std::vector<std::string> names;
+    if (!readList(count, names)) {
+        return false;
     }
-    advance(Step::List);
-    const Reply<std::vector<std::string>> names = m_card.names(count.value.text);
-    if (names.error) {
-        return fail(names.error);
-    }
-    m_summary.changed = count.value.text != m_count.text || names.value != m_listed;
+    m_summary.changed = count.text != m_count.text || names != m_listed;
     return true;
 }
 

@@ -39,6 +39,8 @@ private:
     void judgeOthers();
     bool readCardAgain();
 
+    /// Asks for the count and the whole list.
+    bool readList(CardCount& count, std::vector<std::string>& names);
     bool judgeSize(Recording& recording);
     bool judgeContent(Recording& recording);
 

@@ -139,6 +139,8 @@ QString Texts::trouble(const CameraError& error) const
     case Trouble::TooSlow:
         return translate("verify", "the camera's answer took more than %1 s")
             .arg(m_timeout * answerPatience);
+    case Trouble::Surplus:
+        return translate("verify", "the camera sent more than it announced");
     case Trouble::Closed:
         return translate("verify",
                          "the camera closed the connection before its answer was complete");

@@ -333,5 +333,9 @@ it was compared; 1 it is not; 2 it could not be found out; 64 wrong options;
         <source>%1 %2: %3 %, %4 MB/s, %5 left</source>
         <translation>%1 %2：%3 %，%4 MB/s，剩余 %5</translation>
     </message>
+    <message>
+        <source>the camera sent more than it announced</source>
+        <translation>相机发送的数据多于其声明的长度</translation>
+    </message>
 </context>
 </TS>

@@ -59,6 +59,7 @@ private slots:
     void manyChunksAreReadWithoutALimitOfTheirLines();
     void headComesBeforeTheBody();
     void handlerEndsTheReading();
+    void whatFollowsTheAnswerIsSeen();
 };
 
 void AnswerReaderTest::answersAreReadInEveryCut_data()
@@ -223,6 +224,17 @@ void AnswerReaderTest::handlerEndsTheReading()
     }
     QCOMPARE(reader.state(), State::Stopped);
     QCOMPARE(pieces, 2);
+}
+
+void AnswerReaderTest::whatFollowsTheAnswerIsSeen()
+{
+    for (const int more : {0, 1, 9}) {
+        AnswerReader reader(bodyLimit, {[](std::optional<std::uint64_t>) { return true; },
+                                        [](std::string_view) { return true; }});
+        reader.receive((ok + "Content-Length: 2\r\n\r\nok" + QByteArray(more, 'x')).toStdString());
+        QCOMPARE(reader.state(), State::Complete);
+        QCOMPARE(reader.hasMore(), more > 0);
+    }
 }
 
 BELUN_TEST(AnswerReaderTest)

@@ -23,9 +23,10 @@ namespace {
 constexpr auto shortTimeout = std::chrono::seconds(1);
 const QByteArray request = "GET / HTTP/1.1\r\n\r\n";
 
-CameraError exchange(const Camera& camera, std::string* body = nullptr, bool slowBody = false)
+CameraError exchange(const Camera& camera, std::string* body = nullptr,
+                     Camera::Kind kind = Camera::Kind::Command)
 {
-    return camera.get(request, 1000, slowBody,
+    return camera.get(request, kind, 1000,
                       {[](std::optional<std::uint64_t>) { return true; },
                        [body](std::string_view bytes) {
                            if (body != nullptr) {
@@ -69,6 +70,8 @@ private slots:
     void tricklingHeadEndsAfterFourTimeouts();
     void slowBodyMayTrickle();
     void wholeAnswerNeedsNoClose();
+    void recordingEndsWhereItsHeadSays_data();
+    void recordingEndsWhereItsHeadSays();
     void connectionIsClosedAfterTheAnswer();
 };
 
@@ -182,7 +185,7 @@ void CameraTest::slowBodyMayTrickle()
     ScriptedServer server(trickling("HTTP/1.1 200 OK\r\nContent-Length: 16\r\n\r\n", 16));
     const Camera camera(server.address(), server.port(), shortTimeout);
     std::string body;
-    const CameraError error = exchange(camera, &body, true);
+    const CameraError error = exchange(camera, &body, Camera::Kind::Recording);
     QCOMPARE(error.trouble, Trouble::None);
     QCOMPARE(body, std::string(16, 'x'));
 }
@@ -194,6 +197,33 @@ void CameraTest::wholeAnswerNeedsNoClose()
     const CameraError error =
         exchange(Camera(server.address(), server.port(), shortTimeout), &body);
     QCOMPARE(error.trouble, Trouble::None);
+    QCOMPARE(body, std::string("hello"));
+}
+
+void CameraTest::recordingEndsWhereItsHeadSays_data()
+{
+    QTest::addColumn<ScriptedServer::Script>("script");
+    QTest::addColumn<Trouble>("trouble");
+    const QByteArray answer = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello";
+    QTest::newRow("closed") << answering(answer) << Trouble::None;
+    QTest::newRow("left open") << holding(answer) << Trouble::None;
+    QTest::newRow("more at once") << answering(answer + "x") << Trouble::Surplus;
+    QTest::newRow("more after it was read") << ScriptedServer::Script([answer](Peer& peer) {
+        peer.receiveUntil("\r\n\r\n");
+        peer.send(answer);
+        peer.waitUntilRead();
+        peer.send("x");
+        peer.close();
+    }) << Trouble::Surplus;
+}
+
+void CameraTest::recordingEndsWhereItsHeadSays()
+{
+    QFETCH(ScriptedServer::Script, script);
+    ScriptedServer server(script);
+    const Camera camera(server.address(), server.port(), shortTimeout);
+    std::string body;
+    QTEST(exchange(camera, &body, Camera::Kind::Recording).trouble, "trouble");
     QCOMPARE(body, std::string("hello"));
 }
 

@@ -111,6 +111,8 @@ void TextsTest::lineSaysWhatIsKnownOfARecording_data()
     row(unknown(Reason::NoContent, {Trouble::Closed}),
         "A.MP4: cannot be compared: no content: the camera closed the connection before its answer "
         "was complete");
+    row(unknown(Reason::NoContent, {Trouble::Surplus}),
+        "A.MP4: cannot be compared: no content: the camera sent more than it announced");
     row(unknown(Reason::LengthsDiffer),
         "A.MP4: cannot be compared: the camera sends 5 bytes, and its details say 4 bytes");
     row(unknown(Reason::TwoEntries),

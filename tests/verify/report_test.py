@@ -104,8 +104,8 @@ class TwoHundred(VerifyTest):
         events = [(line["event"], line["connection"]) for line in self.journal(device="camera")
                   if line["event"] in ("open", "close")]
         requests = self.journal(device="camera", event="request")
-        # count, list, details; 197 contents, since three need none; count, list
-        self.assertEqual(2 + 200 + 196 + 2, len(requests))
+        # count, list, one more; details; contents of the same size; count, list, one more
+        self.assertEqual(3 + 200 + 196 + 3, len(requests))
         self.assertEqual([(event, number) for number in range(1, len(requests) + 1)
                           for event in ("open", "close")], events)
 
@@ -252,12 +252,12 @@ class ChangingCard(VerifyTest):
         self.assertEqual(0, self.verify("--content").status)
 
     def test_aNewRecordingMeanwhileIsADoubt(self):
-        self.camera([b'="1";', b'="2";'], [b"ZEPNA/A;\r", b"ZEPNA/A;ZEPNA/B;\r"])
+        self.camera([b'="1";', b'="2";'], [b"ZEPNA/A;\r", b"ZEPNA/A;\r", b"ZEPNA/A;ZEPNA/B;\r"])
         self.check(self.verify(), 2, "A: same size (4 bytes)",
                    "Do not delete yet: the card changed meanwhile, so compare again.")
 
     def test_anotherRecordingMeanwhileIsADoubt(self):
-        self.camera([b'="1";'], [b"ZEPNA/A;\r", b"ZEPNA/B;\r"])
+        self.camera([b'="1";'], [b"ZEPNA/A;\r", b"ZEPNA/A;\r", b"ZEPNA/B;\r"])
         self.assertIn("the card changed meanwhile", self.verify().summary)
 
     def test_countAndListThatDisagreeAreADoubt(self):
@@ -269,6 +269,27 @@ class ChangingCard(VerifyTest):
         self.camera([b'="1";'], [b"\r"])
         self.check(self.verify(), 2, "A: not on the card",
                    "Do not delete yet: the camera's count (1) and its list (0) disagree.")
+
+    def test_aCountThatIsTooSmallHidesNothing(self):
+        def answer(target, _):
+            if b"filelist" in target:
+                return ok(b"ZEPNA/A;\r" if target.endswith(b"-end=1") else b"ZEPNA/A;ZEPNA/B;\r")
+            return ok(b'="1";size="4";')
+        self.write("A", b"abcd")
+        ScriptedCamera(self, answer)
+        result = self.verify()
+        self.assertEqual((2, "B: not on this computer (4 bytes)"), (result.status, result.lines[1]))
+        self.assertIn("the camera's count (1) and its list (2) disagree; not known to be safe (1 of "
+                      "2): B.", result.summary)
+
+    def test_aCameraThatGivesNoMoreThanItCountsIsNotBlamed(self):
+        def answer(target, _):
+            if b"filelist" in target:
+                return ok(b"ZEPNA/A;\r") if target.endswith(b"-end=1") else b""
+            return ok(b'="1";size="4";')
+        self.write("A", b"abcd")
+        ScriptedCamera(self, answer)
+        self.assertEqual(0, self.verify().status)
 
     def test_entriesOfOneNameAreNotCompared(self):
         self.camera([b'="2";'], [b"ZEPNA/A;ZEPNA/A;\r"])
