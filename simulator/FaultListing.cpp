@@ -228,6 +228,23 @@ std::string faultListManual()
     return text;
 }
 
+std::string faultListWords()
+{
+    std::string text;
+    for (const FaultDescription& row : faultDescriptions()) {
+        text += row.name + "\n";
+        if (row.value.kind == FaultKind::Words) {
+            std::string words = row.value.name + "|";
+            for (std::size_t end = words.find('|'); end != std::string::npos;
+                 end = words.find('|')) {
+                text += row.name + "=" + words.substr(0, end) + "\n";
+                words.erase(0, end + 1);
+            }
+        }
+    }
+    return text;
+}
+
 } // namespace
 
 std::string faultList(const std::string& form)
@@ -235,6 +252,7 @@ std::string faultList(const std::string& form)
     return form == "json"       ? faultListJson()
            : form == "markdown" ? faultListMarkdown()
            : form == "man"      ? faultListManual()
+           : form == "words"    ? faultListWords()
                                 : faultListText();
 }
 

@@ -50,6 +50,24 @@ std::string optionsText()
     return text;
 }
 
+std::string optionsWords()
+{
+    std::string text;
+    for (const OptionRow& row : optionRows()) {
+        text += spelled(row) + "\n";
+    }
+    return text;
+}
+
+std::string controlWords()
+{
+    std::string text;
+    for (const std::string& line : controlLinesHelp()) {
+        text += line.substr(2, line.find(' ', 2) - 2) + "\n";
+    }
+    return text;
+}
+
 std::string optionsManual()
 {
     std::string text;
@@ -65,6 +83,12 @@ std::string help(const std::string& form)
 {
     if (form == "man") {
         return optionsManual();
+    }
+    if (form == "words") {
+        return optionsWords();
+    }
+    if (form == "lines") {
+        return controlWords();
     }
     std::string lines = controlLines;
     for (const std::string& line : controlLinesHelp()) {

@@ -114,9 +114,9 @@ const std::vector<OptionRow>& optionRows()
              options.faults.push_back(v);
              return true;
          }},
-        {"--list-faults", Takes::OptionalValue, "text|json|markdown|man",
+        {"--list-faults", Takes::OptionalValue, "text|json|markdown|man|words",
          "print the faults and exit; as text unless another form is named",
-         printing(Options::Action::ListFaults, {"text", "json", "markdown", "man"})},
+         printing(Options::Action::ListFaults, {"text", "json", "markdown", "man", "words"})},
         {"--scenario", Takes::Value, "FILE",
          "change faults and more in the course of the run, as the steps in FILE say",
          nonEmpty(&Options::scenario)},
@@ -144,8 +144,9 @@ const std::vector<OptionRow>& optionRows()
          }},
         {"--exit-with-stdin", Takes::Nothing, "", "exit when standard input ends",
          flag(&Options::exitWithStdin)},
-        {"--help", Takes::OptionalValue, "text|man", "print this text and exit; -h is the same",
-         printing(Options::Action::Help, {"text", "man"})},
+        {"--help", Takes::OptionalValue, "text|man|words|lines",
+         "print this text and exit; -h is the same",
+         printing(Options::Action::Help, {"text", "man", "words", "lines"})},
         {"--version", Takes::Nothing, "", "print the version and exit",
          printing(Options::Action::Version, {"text"})},
     };

@@ -66,7 +66,8 @@ bool parseUnsigned(const std::string& text, std::uint64_t& number);
 /// The same for a size, which may end in k (1,024) or M (1,048,576).
 bool parseSize(const std::string& text, std::uint64_t& size);
 
-/// Returns what --help prints. form: "text" or "man" (the options as part of the manual page).
+/// Returns what --help prints. form: "text", "man" (the options as part of the manual page),
+/// "words" (one option a line) or "lines" (the first words of control lines), for completion.
 std::string help(const std::string& form);
 
 } // namespace simulator

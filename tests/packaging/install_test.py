@@ -28,6 +28,7 @@ PROGRAM = {
     "bin/belun-download",
     "bin/belun-verify",
     "share/applications/belun-download.desktop",
+    "share/bash-completion/completions/belun-verify",
     f"{DOCUMENTS}/CONTRIBUTING.md",
     f"{DOCUMENTS}/LICENSE",
     f"{DOCUMENTS}/README.md",
@@ -49,6 +50,8 @@ PROGRAM = {
 SIMULATOR = {
     "bin/belun-private-network",
     "bin/belun-simulator",
+    "share/bash-completion/completions/belun-private-network",
+    "share/bash-completion/completions/belun-simulator",
     "share/doc/belun-simulator/README.md",
     "share/doc/belun-simulator/bad-day.scenario",
     "share/doc/belun-simulator/changelog.gz",

@@ -1,0 +1,85 @@
+# Completion for belun-simulator, belun-private-network and belun-verify, in bash. All that is offered
+# comes from the commands themselves: their options from --help, the faults from --list-faults.
+# shellcheck shell=bash
+
+# Prints each option of a command on a line, as --help spells it: "--card DIR", "--sample[=a|b]".
+_belun_options()
+{
+    if [[ ${1##*/} == belun-simulator ]]; then
+        "$1" --help=words
+    else
+        # "  --netem TEXT    create ...", "  --help, --version"
+        LC_ALL=C "$1" --help |
+            awk -F '   *' '/^ +--/ { n = split($2, names, /, /)
+                                     for (i = 1; i <= n; ++i) print names[i] }'
+    fi 2>/dev/null
+}
+
+# Prints what can stand for a value: "DIR", "boundary|dive", ...
+_belun_values()
+{
+    local command=$1 value=$2 current=$3
+    case $value in
+        DIR) compgen -d -- "$current" ;;
+        FILE | PATH*) compgen -f -- "$current" ;;
+        NAME*) [[ ${command##*/} != belun-simulator ]] ||
+            compgen -W "$("$command" --list-faults=words 2>/dev/null)" -- "$current" ;;
+        *'|'*) compgen -W "${value//|/ }" -- "$current" ;;
+    esac
+}
+
+_belun()
+{
+    local command=$1 line=${COMP_LINE:0:COMP_POINT} words forms form option i
+    local current previous value='' prefix='' others=0 sending=''
+    read -ra words <<<"$line"
+    [[ $line != *[[:space:]] ]] || words+=('')
+    current=${words[-1]} previous=${words[-2]}
+    mapfile -t forms < <(_belun_options "$command")
+
+    # Words that are neither options nor their values: a command, a recording, lines to send.
+    for ((i = 1; i < ${#words[@]} - 1; ++i)); do
+        option=${words[i]}
+        if [[ $option != -* ]]; then
+            ((++others))
+            continue
+        fi
+        [[ $option != --send ]] || sending=1
+        for form in "${forms[@]}"; do
+            [[ $form != "$option "* ]] || ((++i))
+        done
+    done
+
+    for form in "${forms[@]}"; do
+        option=${form%%[ \[]*}
+        if [[ $form == "$previous "* ]]; then
+            value=${form#* }
+        elif [[ $current == "$option="* ]]; then
+            value=${form#"$option"} value=${value# } value=${value#[=} value=${value%]}
+            prefix=$option=
+        fi
+    done
+
+    if [[ $value && $others == 0 ]]; then
+        mapfile -t COMPREPLY < <(_belun_values "$command" "$value" "${current#"$prefix"}")
+        compopt -o filenames 2>/dev/null
+    elif [[ $sending ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$("$command" --help=lines 2>/dev/null)" -- "$current")
+    elif [[ ${command##*/} == *private-network && $current != -* ]]; then
+        if [[ $others == 0 ]]; then
+            mapfile -t COMPREPLY < <(compgen -c -- "$current")
+        else
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        fi
+    elif [[ $others == 0 || ${command##*/} == belun-verify ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "${forms[*]%%[ \[]*}" -- "$current")
+    fi
+
+    # Bash takes what follows an equals sign for a word of its own.
+    if [[ $current == *=* && $COMP_WORDBREAKS == *=* ]]; then
+        prefix=${current#"$prefix"} prefix=${prefix%"${prefix##*=}"}
+        COMPREPLY=("${COMPREPLY[@]#"$prefix"}")
+    fi
+}
+
+complete -F _belun belun-simulator belun-private-network belun-verify
