@@ -116,6 +116,7 @@ std::string noArguments(const std::string& arguments)
 template <ControlAnswer (Simulator::*member)()>
 std::string parseBare(const std::string& arguments, Run& run)
 {
+    // cppcheck-suppress constParameter; the member function changes it
     run = [](Simulator& vehicle) { return (vehicle.*member)(); };
     return noArguments(arguments);
 }

@@ -27,8 +27,8 @@ std::optional<std::string> takeString(std::string_view& text)
             text.remove_prefix(1);
             continue;
         }
-        unsigned code = 0;
         if (text.size() >= 6 && text[1] == 'u') {
+            unsigned code = 0;
             const auto [end, error] = std::from_chars(text.data() + 2, text.data() + 6, code, 16);
             if (error != std::errc() || end != text.data() + 6 || code > 0xFF) {
                 return std::nullopt;
@@ -150,15 +150,9 @@ bool addLine(const std::string& text, std::vector<ObservedEvent>& events, Record
         return false;
     }
     if (const std::string& count = (*fields)["count"]; !count.empty()) {
-        std::uint64_t size = 0;
-        std::from_chars(count.data(), count.data() + count.size(), size);
-        constexpr std::uint64_t most = 4'294'967'296;
-        if (size > most) {
-            return false;
-        }
-        event.bytes.assign(static_cast<std::size_t>(size), '\0');
+        std::from_chars(count.data(), count.data() + count.size(), event.unknown);
         ++run.filledRuns;
-        run.filledBytes += size;
+        run.filledBytes += event.unknown;
     }
     events.push_back(std::move(event));
     return true;

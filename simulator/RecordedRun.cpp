@@ -55,7 +55,7 @@ private:
             }
         } else if (isAction(event) && state.exchange != none) {
             m_run->exchanges[state.exchange].events.push_back(
-                {event.kind, event.time - state.start, event.bytes});
+                {event.kind, event.time - state.start, event.bytes, event.unknown});
         }
     }
 
@@ -69,7 +69,8 @@ private:
         }
         if (isAction(event)) {
             const ModuleState& state = m_modules[key];
-            connections[state.index].push_back({event.kind, event.time - state.start, event.bytes});
+            connections[state.index].push_back(
+                {event.kind, event.time - state.start, event.bytes, event.unknown});
         }
     }
 

@@ -27,6 +27,7 @@ struct ObservedEvent
     int connection;     ///< its number, different for each connection of the device
     Microseconds time;
     std::string bytes{};
+    std::uint64_t unknown = 0; ///< sent, too, but only their number is known
 };
 
 /// What the device does at a time, counted from the request or the connection.
@@ -35,6 +36,7 @@ struct RecordedEvent
     ObservedEvent::Kind kind;
     Microseconds after;
     std::string bytes;
+    std::uint64_t unknown; ///< zeros to send after them
 };
 
 /// One request to the camera and all that followed on its connection.

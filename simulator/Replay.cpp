@@ -63,7 +63,16 @@ void ReplayConnection::play(const RecordedEvent& event)
 {
     switch (event.kind) {
     case ObservedEvent::Kind::Sent:
-        queueBytes(event.bytes);
+        if (!event.bytes.empty()) {
+            queueBytes(event.bytes);
+        }
+        if (event.unknown > 0) {
+            Step zeros{Step::Kind::Send};
+            zeros.part.content =
+                std::make_shared<RepeatedContent>(std::string(1, '\0'), event.unknown);
+            zeros.part.end = event.unknown;
+            queue(std::move(zeros));
+        }
         break;
     case ObservedEvent::Kind::HalfClose:
         queue(Step{Step::Kind::HalfClose});

@@ -7,6 +7,8 @@ namespace simulator {
 namespace {
 
 constexpr std::uint64_t wrap = 1ULL << 32;
+/// More than a window of TCP holds: such a number belongs to another connection.
+constexpr std::uint64_t largestGap = 1ULL << 30;
 
 } // namespace
 
@@ -79,6 +81,9 @@ std::string TcpStream::acknowledged(std::uint32_t sequence)
     std::string bytes;
     // The end of the stream has a number of its own.
     const std::uint64_t end = std::min(unwrapped(sequence), m_end);
+    if (end > m_next && end - m_next > largestGap) {
+        return {};
+    }
     while (m_next < end) {
         const std::uint64_t known = m_early.empty() ? end : std::min(end, m_early.begin()->first);
         fill(known - m_next);

@@ -79,8 +79,8 @@ class ControlTest(SimulatorTest):
                      lambda: os.symlink("nowhere", self.path)):
             make()
             before = os.lstat(self.path)
-            self.assertEqual((1, f"belun-simulator: {self.path} is a file and no socket; it is left "
-                                 "alone\n"), self.refused(self.path))
+            self.assertEqual((1, f"belun-simulator: {self.path} is a file and no socket; it is "
+                                 "left alone\n"), self.refused(self.path))
             self.assertEqual(before.st_ino, os.lstat(self.path).st_ino)
             (os.rmdir if stat.S_ISDIR(before.st_mode) else os.unlink)(self.path)
 

@@ -14,8 +14,8 @@ sys.dont_write_bytecode = True
 import harness  # noqa: E402
 
 PATIENCE = 0.4  # seconds: more than a fault delays an answer
-TARGETS = (harness.COUNT, harness.LIST + b"2", harness.INFO + b"A.MP4", harness.RECORDING + b"A.MP4",
-           harness.DELETE + b"NONE.MP4")
+TARGETS = (harness.COUNT, harness.LIST + b"2", harness.INFO + b"A.MP4",
+           harness.RECORDING + b"A.MP4", harness.DELETE + b"NONE.MP4")
 
 
 def talk(address, request):
