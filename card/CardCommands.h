@@ -1,7 +1,7 @@
 // The commands of the camera's web server and the grammar of their answers. Each command is one
-// GET; one that takes an argument has it joined on as it stands, since the camera decodes nothing.
-// The format command's query does not begin with an ampersand while those of the list, details and
-// delete commands do: the camera takes each command in its own form only.
+// GET; an argument is appended unchanged and never encoded. The format command's query does not
+// start with an ampersand, while those of the list, details and delete commands do; each is sent
+// exactly in this form.
 #pragma once
 
 #include <QString>
@@ -15,7 +15,7 @@ constexpr char valueEnd[] = "\";";
 constexpr char fileCountCommand[] = "http://192.168.1.120/cgi-bin/hi3510/getfilecount.cgi?";
 constexpr char countStart[] = "=\"";
 
-/// Takes the count text. Answer: entries, each with the name after directoryTag and ended by
+/// Argument: the count text. Answer: entries, each with the name after directoryTag and ended by
 /// entryEnd; listEnd where another entry would begin.
 constexpr char fileListCommand[] =
     "http://192.168.1.120/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end=";
@@ -23,25 +23,25 @@ constexpr char directoryTag[] = "ZEPNA/";
 constexpr char entryEnd[] = ";";
 constexpr char listEnd = '\r';
 
-/// Takes a file name. Answer, in any order: the creation time as YYYYMMDDhhmmss, the size in bytes
-/// and the duration in seconds.
+/// Argument: a file name. Answer, in any order: the creation time as YYYYMMDDhhmmss, the size in
+/// bytes and the duration in seconds.
 constexpr char fileInfoCommand[] =
     "http://192.168.1.120/cgi-bin/hi3510/getfileinfo.cgi?&-name=sd/DCIM/100ZEPNA/";
 constexpr char createStart[] = "create=\"";
 constexpr char sizeStart[] = "size=\"";
 constexpr char timeStart[] = "time=\"";
 
-/// Takes a file name. Any answer is a success.
+/// Argument: a file name. Any answer is a success.
 constexpr char deleteFileCommand[] =
     "http://192.168.1.120/cgi-bin/hi3510/deletefile.cgi?&-name=sd/DCIM/100ZEPNA/";
 
-/// Answer: exactly successAnswer; so is that of the next one.
+/// Answer: exactly successAnswer; the same applies to the next command.
 constexpr char formatCardCommand[] =
     "http://192.168.1.120/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
 constexpr char deleteAllFilesCommand[] = "http://192.168.1.120/cgi-bin/hi3510/deleteallfiles.cgi?";
 constexpr char successAnswer[] = "Success\r\n";
 
-/// Returns a command with its argument joined on.
+/// Returns a command with its argument appended.
 QString withArgument(const QString& command, const QString& argument);
 
 } // namespace card

@@ -29,7 +29,7 @@ QString withUnit(const char* field, const char* unit)
     return QStringLiteral("%1%2").arg(QString::fromUtf8(field)).arg(QLatin1String(unit));
 }
 
-/// Replaces the size in `field` by the number that is shown.
+/// Replaces the size in `field` with the number that is shown.
 QString sizeText(char* field)
 {
     constexpr int megabyte = 1048576;

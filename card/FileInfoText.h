@@ -1,4 +1,4 @@
-// A recording's details: an answer in; date, size and duration texts out.
+// Converts a recording's details from an answer to date, size and duration texts.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace card {
 
-/// The details as the table shows them.
+/// The details as shown in the table.
 struct FileInfoText
 {
     QString date;
@@ -15,16 +15,16 @@ struct FileInfoText
     QString duration;
 };
 
-/// Returns the details that an answer to the file information command states.
+/// Returns the details stated by an answer to the file information command.
 ///
-/// The date is the creation time as "2020-01-31  12:45:02": what a shorter text lacks is left out
-/// between the separators, what a longer one has more is dropped. The size is in whole megabytes
-/// from 1,048,576 bytes on, in whole kilobytes below, rounded down: less than one kilobyte is the
-/// bare unit, and less than minus one is shown as received. The duration is the text as received
-/// with an "s".
+/// The date is the creation time as "2020-01-31  12:45:02": the digits missing from a shorter text
+/// are left out between the separators, excess ones of a longer text are dropped. The size is in
+/// whole megabytes from 1,048,576 bytes on and in whole kilobytes below, rounded down: for less
+/// than one kilobyte only the unit is shown, and less than minus one kilobyte is shown as received.
+/// The duration is the text as received, followed by "s".
 ///
-/// All three are read into one scratch text, so that a missing field reads the one before it: a
-/// missing size the creation time, a missing duration the digits of the size.
+/// All three are read into one scratch text, so a missing field shows the text of the one before
+/// it: a missing size the creation time, a missing duration the digits of the size.
 FileInfoText readFileInfo(const char* answer);
 
 /// A recording's exact size.
@@ -33,7 +33,7 @@ struct ExactSize
     enum class Reading {
         Known,
         Missing,    ///< The answer has no size.
-        NotANumber, ///< The size is not written in decimal digits alone.
+        NotANumber, ///< The size contains something other than decimal digits.
         OutOfRange, ///< The size is negative or does not fit into 63 bits.
     };
 
@@ -41,7 +41,7 @@ struct ExactSize
     std::int64_t bytes = 0; ///< 0 unless known.
 };
 
-/// Returns the size that an answer to the file information command states, in bytes.
+/// Returns the size in bytes stated by an answer to the file information command.
 ExactSize exactSize(const char* answer);
 
 } // namespace card

@@ -9,8 +9,8 @@ namespace card {
 
 namespace {
 
-/// Tells assistive programs which column it is in: its description is the header, as that reads
-/// now.
+/// Tells screen readers which column the cell is in: its description is the current text of the
+/// header.
 class Cell : public QTableWidgetItem
 {
 public:

@@ -1,4 +1,4 @@
-// The look of the file table and the making of its cells.
+// The appearance of the file table and creating its cells.
 #pragma once
 
 #include "card/NoFocusDelegate.h"
@@ -14,15 +14,15 @@ namespace card {
 
 enum Column { NameColumn, DateColumn, SizeColumn, DurationColumn, ColumnCount };
 
-/// Gives the table its columns, headers, colours and selection mode. The table paints with the
-/// returned delegate but does not own it: keep it as long as the table.
+/// Sets up the table's columns, headers, colours and selection mode. The table uses the returned
+/// delegate but does not own it: keep it as long as the table.
 std::unique_ptr<NoFocusDelegate> setUpFileTable(QTableWidget& table, const QStringList& headers);
 
-/// Adds a row with a name at its end.
+/// Appends a row with a name.
 void addNameRow(QTableWidget& table, int row, const QString& name);
 
-/// Puts a gray text into a cell. A row that does not exist is passed over: the camera may count
-/// more files than it lists.
+/// Sets the text of a cell, in gray. Ignores a row that does not exist: the camera may count more
+/// files than it lists.
 void setDetail(QTableWidget& table, int row, Column column, const QString& text,
                Qt::Alignment alignment);
 

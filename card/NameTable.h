@@ -7,20 +7,21 @@
 
 namespace card {
 
-/// Fixed slots of 30 bytes in one flat block, each with a name of at most 29 characters and its
-/// terminating zero. A longer name runs on into the following slots, which is deliberate, but never
-/// past the block. Slots keep their text until they are written again.
+/// Fixed slots of 30 bytes in one contiguous block, each with a name of at most 29 characters and
+/// its terminating zero. A longer name runs on into the following slots, which is deliberate, but
+/// never past the block. Slots keep their text until they are overwritten.
 class NameTable
 {
 public:
     static constexpr int capacity = 9999;
     static constexpr std::size_t slotSize = 30;
 
-    /// Stores a name from the start of a slot, cut where the block ends. A slot outside the table
-    /// is not written.
+    /// Stores a name at the start of a slot, truncated at the end of the block. Ignores a slot
+    /// outside the table.
     void store(int slot, std::string_view name);
 
-    /// The text that begins at a slot, up to the first zero; empty for a slot outside the table.
+    /// Returns the text that starts at a slot, up to the first zero; empty for a slot outside the
+    /// table.
     const char* operator[](int slot) const;
 
 private:

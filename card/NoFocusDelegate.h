@@ -3,8 +3,7 @@
 
 #include <QStyledItemDelegate>
 
-/// Paints as the base delegate does, but no cell ever shows a focus frame: rows are what the user
-/// chooses.
+/// Paints like the base delegate, but never a focus frame: users select rows, not cells.
 class NoFocusDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -1,4 +1,4 @@
-// The table rows chosen for a download or a delete.
+// The table rows selected for a download or a delete.
 #pragma once
 
 #include <array>
@@ -7,14 +7,14 @@
 
 namespace card {
 
-/// Row numbers, largest first: rows removed in this order never shift one still to come.
+/// Row numbers, largest first: removing rows in this order never shifts the remaining ones.
 using SelectedRows = std::array<qint32, 9999>;
 
-/// Puts a row in its place among the first `count` entries and counts it. A row that is there
-/// already is put in once more; a full record takes no more.
+/// Inserts a row in order among the first `count` entries and increments `count`. A row that is
+/// already there is inserted again; a full record ignores further rows.
 void insertLargestFirst(SelectedRows& rows, qint32& count, qint32 row);
 
-/// The entry at a position, -1 for a position outside the record.
+/// Returns the entry at a position, -1 for a position outside the record.
 qint32 rowAt(const SelectedRows& rows, qint32 position);
 
 } // namespace card

@@ -32,7 +32,7 @@ void DownloadFileThread::run()
 }
 
 // QThread::exit() marks where the download has failed. There is no event loop that it would end:
-// the download always goes on to its end, so that the next one is started.
+// the download always runs to its end, so that the next one is started.
 void DownloadFileThread::DownloadFile(QString name)
 {
     const QByteArray url = (urlPrefix + name).toLatin1();
@@ -54,7 +54,7 @@ void DownloadFileThread::DownloadFile(QString name)
         QThread::exit(-1);
     }
     if (m_calls.stopRequested()) {
-        return; // the program is closing: no file is begun
+        return; // the program is closing: do not start a file
     }
     const resp_header header = get_resp_header(head.text());
     {

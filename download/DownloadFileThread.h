@@ -10,10 +10,10 @@
 #include <QString>
 #include <QThread>
 
-/// Fetches the recording named in `fileName` into the folder "DCIM" on the user's desktop, over one
-/// connection of its own. Whatever fails, run() ends with downloadFileFinished(). The object
-/// belongs to the thread that made it; run() is the download thread, and the signals come from
-/// there. The destructor stops the download and waits for it.
+/// Downloads the recording `fileName` into the folder "DCIM" on the user's desktop, over a separate
+/// connection. Whatever fails, run() ends with downloadFileFinished(). The object belongs to the
+/// thread that created it; run() is the download thread and emits the signals. The destructor stops
+/// the download and waits for it.
 class DownloadFileThread : public QThread, public sys::Worker
 {
     Q_OBJECT
@@ -23,13 +23,13 @@ public:
     ~DownloadFileThread() override;
 
     void requestStop() noexcept final { m_calls.requestStop(); }
-    /// Ends every download, in run() and in DownloadFile() from whatever thread, and returns when
-    /// run() has finished and the last caller has left, within milliseconds.
+    /// Ends every download, in run() and in DownloadFile() in any thread. Returns within
+    /// milliseconds, when run() has finished and the last caller has left.
     void stopAndWait() final;
 
     QString fileName;       ///< The recording's bare name; set before start().
-    QString urlPrefix;      ///< What precedes the name in the request, scheme included.
-    resp_header respHeader; ///< The head of the last answer; written by DownloadFile().
+    QString urlPrefix;      ///< Precedes the name in the request, scheme included.
+    resp_header respHeader; ///< The head of the last answer, written by DownloadFile().
 
 signals:
     void downloadFileFinished();
@@ -47,6 +47,6 @@ protected:
     void run() override;
 
 private:
-    std::mutex m_headerMutex; // of respHeader while it is written
+    std::mutex m_headerMutex; // guards respHeader while it is written
     sys::StoppableCalls m_calls;
 };

@@ -4,7 +4,7 @@ namespace download {
 
 namespace {
 
-// Everything behind the target, up to the host's name and behind it.
+// The fixed text after the target, up to the host's name and after it.
 constexpr char headBeforeHost[] =
     " HTTP/1.1\r\n"
     "Accept:text/html,application/xhtml+xml,application/xml;q=0.9,image/webp,*/*;q=0.8\r\n"

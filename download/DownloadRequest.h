@@ -1,4 +1,4 @@
-// What is asked of the camera.
+// The request for a recording.
 #pragma once
 
 #include <QByteArray>
@@ -9,11 +9,11 @@ namespace download {
 constexpr char cameraHost[] = "192.168.1.120";
 constexpr unsigned short cameraPort = 80;
 
-/// Comes before a recording's name in its URL.
+/// Precedes a recording's name in its URL.
 constexpr char recordingUrlPrefix[] = "http://192.168.1.120/sd/DCIM/100ZEPNA/";
 
-/// The request for an absolute URL. The camera's server takes the header lines in this form,
-/// without a space behind their colons.
+/// Returns the request for an absolute URL. The header lines are sent in this form, without a space
+/// after the colon.
 QByteArray requestText(const QByteArray& url, const char* host);
 
 } // namespace download

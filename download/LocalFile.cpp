@@ -37,9 +37,9 @@ bool isBareFileName(const QByteArray& name)
            !name.contains('\0');
 }
 
-// A link would lead out of the folder, and a pipe or a device would be waited for: they are refused
-// before they are opened. What was opened is checked again, since another program may have put
-// something else in its place meanwhile.
+// A link could lead out of the folder, and opening a pipe or device could block: they are refused
+// before they are opened. The opened file is checked again, because another program may have
+// replaced it meanwhile.
 int openLocalFile(sys::StoppableCalls::Call& call, const QByteArray& folder, const QByteArray& name)
 {
     if (!isBareFileName(name)) {

@@ -19,7 +19,7 @@ namespace {
 
 constexpr int errorLimit = 16; // receive errors in a row
 
-/// Shown at once, also when standard output is a pipe.
+/// Flushed immediately, so that it also appears when standard output is a pipe.
 void print(const char* line)
 {
     std::fputs(line, stdout);

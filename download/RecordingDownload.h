@@ -1,4 +1,4 @@
-// The steps of fetching one recording: connection, head, local file, body.
+// The steps of downloading one recording: connection, head, local file, body.
 #pragma once
 
 #include "download/ResponseHead.h"
@@ -13,10 +13,10 @@ namespace download {
 /// Bytes received so far and bytes announced, after each receive.
 using ProgressHandler = std::function<void(qint64, qint64)>;
 
-/// One recording on its way from the camera to a local file. By design the socket and the file stay
-/// open when the download is over; they are closed with `calls`, which also stops the download.
-/// Failures are printed on standard output only and stop nothing: every step may follow a failed
-/// one. For one thread.
+/// One recording being downloaded to a local file. By design the socket and the file stay open
+/// after the download; they are closed with `calls`, which also stops the download. Failures are
+/// only printed to standard output and stop nothing: every step may follow a failed one. Use from
+/// one thread only.
 class RecordingDownload
 {
 public:
@@ -25,19 +25,19 @@ public:
     /// Creates the socket. Returns false after printing a message if that fails.
     bool openSocket();
 
-    /// Connects to the camera, waiting as long as the system does. Returns false after printing a
+    /// Connects to the camera, without a time limit of its own. Returns false after printing a
     /// message if that fails.
     bool connectToCamera();
 
     /// Writes the whole request in one call.
     void sendRequest(const QByteArray& request);
 
-    /// Reads the head, byte by byte so that no byte of the body goes with it, up to its end or the
-    /// connection's. Returns false after printing a message if memory runs out.
+    /// Reads the head, byte by byte so that no byte of the body is consumed, until it or the
+    /// connection ends. Returns false after printing a message if memory runs out.
     bool readHead(ResponseHead& head);
 
-    /// Opens the local file; see openLocalFile(). A longer one keeps its old tail. Returns false
-    /// after printing a message if that fails; the body is then read and dropped.
+    /// Opens the local file; see openLocalFile(). A longer existing file keeps its tail. Returns
+    /// false after printing a message if that fails; the body is then read and discarded.
     bool openFile(const QByteArray& folder, const QByteArray& name);
 
     /// Copies the body to the file in pieces of at most 4,096 bytes until the announced length is

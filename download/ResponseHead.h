@@ -1,4 +1,4 @@
-// An answer's head: where it ends, and what it says.
+// The head of an answer: its end and its fields.
 #pragma once
 
 #include "download/resp_header.h"
@@ -7,16 +7,16 @@
 
 namespace download {
 
-/// A head on its way in, byte by byte.
+/// A head that is received byte by byte.
 class ResponseHead
 {
 public:
-    /// Adds a byte and tells whether the head ends with it, that is whether its last four
-    /// characters are carriage returns and line feeds in any mix. Zero bytes are left out: the head
-    /// is a C string. Throws std::bad_alloc when it has outgrown the memory.
+    /// Appends a byte and returns whether the head is complete, that is, whether its last four
+    /// characters are carriage returns and line feeds in any order. Zero bytes are skipped, because
+    /// the head is a C string. Throws std::bad_alloc if memory runs out.
     bool add(char byte);
 
-    /// The head so far. Valid until the next byte.
+    /// Returns the head so far, valid until the next byte.
     char* text() { return m_text.data(); }
 
 private:
@@ -24,9 +24,9 @@ private:
     int m_lineEndRun = 0; // carriage returns and line feeds at the end of the text
 };
 
-/// Status, type and length of a head. Each is searched anywhere in the text, case-sensitively, and
-/// read as the word behind the one that holds the name: "Content-Length: 5" has a length,
-/// "Content-Length:5" has none.
+/// Returns status, type and length of a head. Each is searched for anywhere in the text,
+/// case-sensitively, and read as the word after the one that contains the name: "Content-Length: 5"
+/// has a length, "Content-Length:5" has none.
 resp_header parseHead(const char* text);
 
 } // namespace download

@@ -15,28 +15,30 @@
 #include <string>
 
 /// The operations of the client. It holds no data: everything works on the records and the session
-/// that are handed in. Failures are results, never exceptions and never messages. An answer's
-/// status is no failure; look at HTTPResponse::statusCode. A text to append to may be any text,
-/// also one that the same call reads.
+/// passed in. Failures are reported by return values, never by exceptions or messages. The status
+/// of an answer is not a failure; see HTTPResponse::statusCode. A text to append to may be any
+/// text, including one that the same call reads.
 class HTTPClient
 {
 public:
     // --- whole exchanges ---------------------------------------------------------------------
 
-    /// One GET over a connection of its own. The body is appended to `body`, `response` is filled
-    /// on top of what it held. False for a refused address, a failed connection or sending, or a
-    /// body that did not arrive whole; what did arrive is in `body`.
+    /// Performs one GET over a new connection. Appends the body to `body` and fills `response` on
+    /// top of its previous contents. Returns false for a rejected address, if connecting or sending
+    /// fails, or if the connection ends before the body; what was received is still in `body`. A
+    /// body without a length ends with the first receive; see readBody.
     bool get(HTTPRequest& request, HTTPResponse& response, std::string& body);
 
-    /// One POST of `data` over a connection of its own. "Content-Length" and "Content-Type" are the
-    /// caller's to put into the request's headers. The answer's body is read only when the answer
-    /// announces a length, and is appended to `body`. False when nothing could be sent.
+    /// Performs one POST of `data` over a new connection. The caller sets "Content-Length" and
+    /// "Content-Type" in the request's headers. The answer's body is read only if the answer
+    /// announces a length, and is appended to `body`. Returns false if the request could not be
+    /// sent completely.
     bool post(HTTPRequest& request, HTTPResponse& response, const std::string& data,
               std::string& body);
 
     // --- a GET in steps, on the caller's session: startGet, getData once, stopGet -------------
 
-    /// Sends the request and reads the answer's head. The session stays open, also after a failure.
+    /// Sends the request and reads the answer's head. The session stays open, even after a failure.
     bool startGet(HTTPSession& session, HTTPResponse& response, HTTPRequest& request);
     /// Reads the body until it is complete; see readBody.
     bool getData(HTTPSession& session, HTTPResponse& response, std::string& body);
@@ -45,22 +47,22 @@ public:
 
     // --- a POST in steps: startPost, postData any number of times, stopPost -------------------
 
-    /// Sends the request's head. The session stays open, also after a failure.
+    /// Sends the request's head. The session stays open, even after a failure.
     bool startPost(HTTPSession& session, HTTPRequest& request);
     /// Sends a piece of the body; see sendBody.
     bool postData(HTTPSession& session, const std::string& data);
-    /// Reads the answer, its body only when a length is announced, and closes the session.
+    /// Reads the answer, with its body only if a length is announced, and closes the session.
     void stopPost(HTTPSession& session, HTTPResponse& response, std::string& body);
 
     // --- the steps ----------------------------------------------------------------------------
 
-    /// Splits the request's `url` into `host`, `port` and `path`. What the address does not name
-    /// keeps its value. False, and nothing written, for any scheme but plain http and for an
-    /// address with a colon behind its first slash.
+    /// Splits the request's `url` into `host`, `port` and `path`; parts missing from the address
+    /// keep their values. Returns false and writes nothing for any scheme but plain http and for an
+    /// address with a colon after its first slash.
     bool parseUrl(HTTPRequest& request);
 
-    /// IPv4 address of a host in network byte order: the resolver's first one for a name, 0 when it
-    /// has none; for anything without letters whatever `inet_addr` makes of it.
+    /// Returns the IPv4 address of a host in network byte order: for a name the resolver's first
+    /// one, or 0 if there is none; for anything without letters the result of `inet_addr`.
     unsigned int hostToLong(std::string host);
 
     /// Appends the request's head to `out`: request line, host line (with the port unless it is
@@ -70,22 +72,22 @@ public:
     /// Resolves the request's host, connects the session and sends the head completely.
     bool sendHeader(HTTP_REQ_TYPE& type, HTTPSession& session, HTTPRequest& request);
 
-    /// Sends `data` completely. False when a send fails.
+    /// Sends `data` completely. Returns false if a send fails.
     bool sendBody(HTTPSession& session, const std::string& data);
 
-    /// Reads status line and header lines up to the empty line or the end of the connection into
-    /// `response`. Always true: an answer without a head is an answer.
+    /// Reads the status line and header lines up to the empty line or the end of the connection
+    /// into `response`. Always returns true: an answer without a head is valid.
     bool readHeader(HTTPSession& session, HTTPResponse& response);
 
-    /// Appends the two halves of a head's line to `name` and `value`: a status line is split at its
-    /// first space, any other line at its first ": ". Without that, nothing is appended.
+    /// Appends the two parts of a head's line to `name` and `value`: a status line is split at its
+    /// first space, any other line at its first ": ". If there is none, nothing is appended.
     void parseLine(const std::string& line, std::string& name, std::string& value);
 
     /// Reads a body, plain up to the announced length or chunked, and appends it to `body`. A plain
-    /// body without a length ends with the first bytes received. False when the connection fails or
-    /// ends before the body does.
+    /// body without a length ends with the first receive. Returns false if the connection fails or
+    /// closes before the end of the body.
     bool readBody(HTTPSession& session, HTTPResponse& response, std::string& body);
 
-    /// Appends a multipart body to `out`, its parts in ascending key order.
+    /// Appends a multipart body to `out`, with its parts in ascending key order.
     void makeMultipartBody(HTTPMultipart& multipart, std::string& out);
 };

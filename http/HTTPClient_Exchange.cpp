@@ -1,9 +1,9 @@
-// Whole exchanges, in one call or in steps.
+// Complete exchanges, in one call or in steps.
 #include "http/HTTPClient.h"
 
 namespace {
 
-/// Opens an exchange: address, connection, head. The session stays open after a failure.
+/// Starts an exchange: address, connection, head. The session stays open after a failure.
 bool sendRequest(HTTPClient& client, HTTP_REQ_TYPE type, HTTPSession& session, HTTPRequest& request)
 {
     return client.parseUrl(request) && client.sendHeader(type, session, request);

@@ -3,7 +3,7 @@
 
 void HTTPClient::makeMultipartBody(HTTPMultipart& multipart, std::string& out)
 {
-    std::string body; // built apart: `out` may be one of the record's texts
+    std::string body; // built separately: `out` may be one of the record's texts
     const char* lineEndBefore = "";
     for (const auto& [key, part] : multipart.parts) {
         body.append(lineEndBefore).append("--").append(multipart.boundary).append("\r\n");

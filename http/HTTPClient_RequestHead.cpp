@@ -1,4 +1,4 @@
-// The request's head: its text and its way to the device.
+// The request head: building and sending it.
 #include "http/HTTPClient.h"
 
 #include <algorithm>
@@ -28,7 +28,8 @@ const char* methodWord(HTTP_REQ_TYPE type)
 
 void HTTPClient::makeHeader(HTTP_REQ_TYPE& type, HTTPRequest& request, std::string& out)
 {
-    std::string head = methodWord(type); // built apart: `out` may be one of the request's texts
+    std::string head =
+        methodWord(type); // built separately: `out` may be one of the request's texts
     head.append(" ").append(request.path).append(" ").append(request.version).append("\r\n");
     head.append("Host: ").append(request.host);
     if (request.port != 80) {

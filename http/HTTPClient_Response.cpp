@@ -20,8 +20,8 @@ bool beginsWithStatusWord(std::string_view text)
     return text.substr(0, statusWord.size()) == statusWord;
 }
 
-/// A plain body ends when the received count has reached the length, or with the first bytes when
-/// there is none: the count is the record's, so it may have been reached before.
+/// A plain body ends when the received count reaches the length, or after the first receive if
+/// there is none. The count belongs to the record, so it may have reached the length before.
 bool readPlainBody(HTTPSession& session, HTTPResponse& response, std::string& body)
 {
     std::array<char, plainReceiveLimit> buffer;
@@ -36,8 +36,8 @@ bool readPlainBody(HTTPSession& session, HTTPResponse& response, std::string& bo
     return true;
 }
 
-/// Size in a chunk's first line: hexadecimal digits up to anything else, 0 when there are none.
-/// Negative when the top bit of 32 is set.
+/// Returns the size in a chunk's first line: hexadecimal digits up to anything else, 0 without
+/// digits, negative if bit 31 is set.
 int chunkSize(const std::string& line)
 {
     unsigned int size = 0;
@@ -45,8 +45,8 @@ int chunkSize(const std::string& line)
     return static_cast<int>(size);
 }
 
-/// Each turn reads one line (a size, the line end behind a chunk's data, or the line behind the
-/// last chunk) or what is left of a chunk. Trailers beyond one line stay unread.
+/// Each iteration reads one line (a size, the line ending after a chunk's data, or the line after
+/// the last chunk) or the rest of a chunk. Only one line of trailers is read.
 bool readChunkedBody(HTTPSession& session, HTTPResponse& response, std::string& body)
 {
     std::string text;
@@ -115,7 +115,7 @@ void HTTPClient::parseLine(const std::string& line, std::string& name, std::stri
     const std::string_view separator = beginsWithStatusWord(text) ? " " : ": ";
     const std::size_t split = text.find(separator);
     if (split != std::string_view::npos) {
-        // Copied before anything is appended: the line may be one of the two itself.
+        // Copied before anything is appended: `line` may be one of the two itself.
         const std::string left(text.substr(0, split));
         const std::string right(text.substr(split + separator.size()));
         name += left;

@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view scheme = "http://";
 constexpr std::size_t shortestUrl = scheme.size() + 1;
 
-/// Letters, and with them the six characters between "Z" and "a", make a host text a name.
+/// Letters, and the six characters between "Z" and "a", mark a host text as a name.
 bool isNameByte(char byte)
 {
     return byte >= 0x41 && byte <= 0x7A;
@@ -39,7 +39,7 @@ bool HTTPClient::parseUrl(HTTPRequest& request)
     }
     request.host = rest.substr(0, std::min(slash, colon));
     if (hasPort) {
-        // Digits end at the slash by themselves.
+        // The digits end at the slash.
         request.port = sys::leadingNumber(rest.c_str() + colon + 1);
     }
     if (hasPath) {

@@ -14,28 +14,28 @@ enum HTTP_REQ_TYPE : int {
     HTTP_REQ_DELETE = 4,
 };
 
-/// Header lines, name to value, in byte-wise order of the names. A name stands once.
+/// Header lines, name to value, in byte-wise order of the names. Names are unique.
 using HTTPHeaders = std::map<std::string, std::string>;
 
-/// What to ask for. The caller sets `url` and, if it likes, `headers`; HTTPClient::parseUrl writes
-/// `host`, `port` and `path`, and leaves what the address does not name as it was.
+/// The request. The caller sets `url` and, optionally, `headers`; HTTPClient::parseUrl writes
+/// `host`, `port` and `path`, and leaves unchanged what the address does not contain.
 struct HTTPRequest
 {
     std::string version = "HTTP/1.1"; ///< Protocol word at the end of the request line.
     std::string url;                  ///< Address to fetch, with its scheme.
     std::string host;                 ///< Host name or dotted IPv4 address.
     int port = 80;                    ///< TCP port; its low 16 bits are used.
-    std::string path = "/";           ///< Path with its query, sent as it stands.
+    std::string path = "/";           ///< Path with its query, sent unchanged.
     HTTPHeaders headers = {
         {"Accept", "*/*"},
         {"Accept-Language", "zh-CN"},
         {"User-Agent", "SDK C++ http client"},
         {"Connection", "Keep-Alive"},
-    }; ///< Header lines beside the host line; none is added or left out by the library.
+    }; ///< Header lines other than the host line; the library adds and removes none.
 };
 
-/// What came back. Reused without a reset it carries every field over to the next exchange: the
-/// received count goes on growing, and a body once chunked makes all later ones chunked.
+/// The response. Reused without a reset, it carries every field over to the next exchange: the
+/// received count keeps growing, and after one chunked body all later ones are read as chunked.
 struct HTTPResponse
 {
     int statusCode = 0;              ///< Number of the status line.
@@ -43,7 +43,7 @@ struct HTTPResponse
     bool lastChunkSeen = false;      ///< A chunk of size zero was read.
     std::uint32_t contentLength = 0; ///< Announced length in bytes; 0 when none was announced.
     std::uint32_t received = 0;      ///< Body bytes received so far; wraps at 2^32.
-    int chunkLeft = 0;               ///< Bytes of the current chunk still to be read.
+    int chunkLeft = 0;               ///< Bytes of the current chunk that are not read yet.
     HTTPHeaders headers;             ///< Every header line ever received with this record.
 };
 

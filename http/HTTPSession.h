@@ -3,8 +3,8 @@
 
 #include <string>
 
-/// Owns its socket and closes it when destroyed. It sets no option and no time-out: every call
-/// blocks for as long as the system lets it. One thread at a time.
+/// Owns its socket and closes it when destroyed. Sets no socket options and no timeout: every call
+/// may block as long as the system lets it. Use from one thread at a time.
 class HTTPSession
 {
 public:
@@ -14,26 +14,26 @@ public:
     HTTPSession& operator=(const HTTPSession&) = delete;
 
     /// Connects to an address and port, both in network byte order, creating the socket if none is
-    /// open. False when either fails; the socket then stays open until the session is closed.
+    /// open. Returns false if either fails; the socket then stays open until the session is closed.
     bool connect(unsigned int address, unsigned short port);
 
-    /// Creates the socket unless one is open. False when that failed.
+    /// Creates the socket unless one is open. Returns false if that fails.
     bool initSocket();
 
-    /// One `send` of at most `length` bytes; what the system call returned.
+    /// Calls `send` once with at most `length` bytes and returns its result.
     int send(const char* data, int length);
 
-    /// One `recv` of at most `length` bytes; what the system call returned (0: closed by the peer).
+    /// Calls `recv` once for at most `length` bytes and returns its result (0: closed by the peer).
     int read(char* buffer, int length);
 
-    /// Reads into `line` (emptied first) up to and with the next line feed, or `limit` bytes if
-    /// `limit` is positive. Returns the number of bytes, which is short when the peer closed the
-    /// connection; -1 when the first byte could not be received. Receives byte by byte, so that
-    /// what follows the line stays in the socket.
+    /// Reads into `line` (cleared first) up to and including the next line feed, or `limit` bytes
+    /// if `limit` is positive. Returns the number of bytes, which is smaller if the peer closes the
+    /// connection; -1 if receiving the first byte fails. Receives byte by byte, so that what
+    /// follows the line stays in the socket.
     int readLine(std::string& line, int limit);
 
-    /// Reads exactly `count` bytes into `data` (emptied first), in pieces of at most 1,024. Returns
-    /// the number of bytes, which is short when the peer closed the connection or a receive failed.
+    /// Reads `count` bytes into `data` (cleared first), in pieces of at most 1,024. Returns the
+    /// number of bytes, which is smaller if the peer closes the connection or a receive fails.
     int readLimit(std::string& data, int count);
 
     /// Closes the socket if one is open.

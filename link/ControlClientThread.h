@@ -3,14 +3,14 @@
 
 #include "link/ModuleClientThread.h"
 
-/// Answers the control module's heartbeat, passes its version report on and reports the state of
-/// the link. The signals come from the link thread.
+/// Answers the control module's heartbeat, emits its version report and reports the state of the
+/// link. The signals are emitted in the link thread.
 class ControlClientThread : public ModuleClientThread
 {
     Q_OBJECT
 
 public:
-    bool linkedFlag = false; ///< The module answers the heartbeat. Only for the link thread.
+    bool linkedFlag = false; ///< The module sends heartbeats. Used only by the link thread.
 
     explicit ControlClientThread(QObject* parent);
     ~ControlClientThread() override { finish(); }

@@ -3,8 +3,8 @@
 
 #include "link/ModuleClientThread.h"
 
-/// Answers the ground module's heartbeat. The ground link's state is not shown anywhere, so it
-/// emits nothing and passes no version report on.
+/// Answers the ground module's heartbeat. The state of the ground link is not shown anywhere, so
+/// the thread emits nothing and ignores version reports.
 class GroundClientThread : public ModuleClientThread
 {
     Q_OBJECT

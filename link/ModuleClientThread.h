@@ -1,4 +1,4 @@
-// What the link threads of both modules have in common.
+// The common part of both modules' link threads.
 #pragma once
 
 #include "link/ReceiveLoop.h"
@@ -8,40 +8,40 @@
 
 #include <QThread>
 
-/// Keeps a connection to one module until it is stopped, reconnecting by itself. The object belongs
-/// to the thread that made it, where its one-second timer ticks; run() is the link thread. Derived
-/// classes have the meta-object, so it is their constructors that start the timer, and their
-/// destructors that stop the thread, as long as their handlers exist.
+/// Keeps a connection to one module until it is stopped and reconnects by itself. The object
+/// belongs to the thread that created it, where its one-second timer ticks; run() is the link
+/// thread. The meta-objects are those of the derived classes, so their constructors start the timer
+/// and their destructors stop the thread while their handlers still exist.
 /// clazy:exclude=missing-qobject-macro
 class ModuleClientThread : public QThread, public sys::Worker
 {
 public:
     void requestStop() noexcept final { m_calls.requestStop(); }
-    /// Ends every wait on a socket, in run() and in newTcpSocketClient() from whatever thread, and
-    /// returns when run() has finished and the last caller has left, within milliseconds.
+    /// Ends every wait on a socket, in run() and in newTcpSocketClient() in any thread. Returns
+    /// within milliseconds, when run() has finished and the last caller has left.
     void stopAndWait() final;
 
-    /// Returns a socket connected to a module; retries until it is, or until a stop is requested.
-    /// The descriptor is the caller's; it is negative if the system gave none.
+    /// Returns a socket connected to a module; retries until it succeeds or a stop is requested.
+    /// The caller owns the descriptor; it is negative if the system has none left.
     int newTcpSocketClient(const char* ip, int port);
 
-    /// Writes the local address of a connected socket into `ip`, which holds at least 16
+    /// Writes the local address of a connected socket into `ip`, which has room for at least 16
     /// characters, and returns the length of the text.
     int gethostIP(int sockfd, char* ip);
 
-    /// Sends one frame of a type and one payload byte.
+    /// Sends one frame with a type and one payload byte.
     void sendString(int sockfd, char type, char data);
 
     char serverIP[20] = {}; ///< Address of the module.
     int serverPort = 5000;  ///< TCP port of the module.
 
-    /// Timer ticks since the last heartbeat. The timer's thread counts it up, the link thread
-    /// resets and reads it, without a lock: a tick more or less is harmless to a limit of six
-    /// seconds, and a plain int is never torn on the machines this runs on.
+    /// Timer ticks since the last heartbeat. The timer's thread increments it, the link thread
+    /// resets and reads it, without a lock: being off by one tick is harmless for a limit of six
+    /// seconds, and reads and writes of a plain int are atomic on the supported machines.
     int heartBeatCount = 0;
 
 protected:
-    /// How the log names the thread and the module.
+    /// The names of the thread and the module in the log.
     struct LogNames
     {
         const char* thread;
@@ -63,9 +63,9 @@ protected:
     void answerHeartBeat(int sockfd);
 
 private:
-    /// Handles what one receive returned, in the link thread.
+    /// Handles the bytes of one receive, in the link thread.
     virtual void handleChunk(int sockfd, const vehicle::Chunk& chunk) = 0;
-    /// Handles the end of a connection, in the link thread; not called for a stop.
+    /// Handles the end of a connection, in the link thread; not called after a stop.
     virtual void handleEnd(const vehicle::ConnectionEnd& /*end*/) {}
 
     LogNames m_logNames;

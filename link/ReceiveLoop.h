@@ -1,4 +1,4 @@
-// One connection to a module: receive, hand over, watch the heartbeat.
+// One connection to a module: receiving and watching the heartbeat.
 #pragma once
 
 #include "link/VehicleFrame.h"
@@ -21,13 +21,13 @@ struct ConnectionEnd
     int missedTicks;
 };
 
-/// Sees every chunk that arrives.
+/// Called with the bytes of every receive.
 using ChunkHandler = std::function<void(const Chunk&)>;
 
-/// Receives from the socket and hands each chunk to the handler until the connection ends. The
-/// count of ticks since the last heartbeat is compared after each receive only: while the module is
-/// silent the receive blocks, and the loss shows with the next bytes. When the limit is hit, the
-/// count is set to zero.
+/// Receives from the socket and calls the handler after each receive until the connection ends. The
+/// ticks since the last heartbeat are checked only after a receive: while the module is silent the
+/// receive blocks, and the loss is detected when the next bytes arrive. When the limit is reached,
+/// the count is reset to zero.
 ConnectionEnd receiveUntilEnd(int descriptor, int& heartBeatCount, const ChunkHandler& handler);
 
 } // namespace vehicle

@@ -8,8 +8,8 @@ constexpr std::uint8_t outgoingSecondByte = 0xAF;
 constexpr std::uint8_t versionReportType = 0x00;
 constexpr std::uint8_t checksumBase = 0x5A;
 
-/// Both bytes count as signed, which is deliberate: a byte of 80 or more takes away instead of
-/// adding, so 01 90 is 144 and not 400.
+/// Both bytes are signed, which is deliberate: a byte of 0x80 or more is negative, so 01 90 is 144
+/// and not 400.
 int signedPair(const Chunk& chunk, std::size_t offset)
 {
     const auto high = static_cast<std::int8_t>(chunk[offset]);

@@ -12,8 +12,9 @@
 // Version report: byte 4 is the hardware type, then four big-endian values of two bytes each:
 // hardware, software, protocol, bootloader version.
 //
-// A frame is looked for at the start of a chunk only, that is of what one receive returned. A frame
-// split over two chunks, or a second one in a chunk, is not seen.
+// A frame is recognised only at the start of a receive, that is, of the bytes that one recv call
+// returned. A frame that is split between two receives, or a second frame in the same receive, is
+// not recognised.
 #pragma once
 
 #include <array>
@@ -29,11 +30,11 @@ constexpr char heartbeatType = 0x04;
 constexpr char heartbeatAnswerPayload = 0x01;
 
 constexpr std::size_t chunkSize = 100;
-/// What one receive returned, zero behind its end: reading a frame never leaves the buffer, and the
-/// fields that a short chunk lacks read as zero.
+/// The bytes of one receive, padded with zeros: reading a frame never leaves the buffer, and the
+/// fields that a short receive lacks are zero.
 using Chunk = std::array<std::uint8_t, chunkSize>;
 
-/// A version report as it stands in the frame; versions count hundredths.
+/// A version report as in the frame; versions are in hundredths.
 struct VersionReport
 {
     std::int8_t hardType;
@@ -43,15 +44,15 @@ struct VersionReport
     int bootVer;
 };
 
-/// The report of a chunk that begins with the control module's version frame.
+/// Returns the version report if the bytes begin with one of the control module.
 std::optional<VersionReport> decodeVersionReport(const Chunk& chunk);
 
-/// Whether a chunk begins with a heartbeat of the module with that start byte.
+/// Returns whether the bytes begin with a heartbeat of the module with that start byte.
 bool isHeartbeat(const Chunk& chunk, std::uint8_t startByte);
 
 using OutgoingFrame = std::array<std::uint8_t, 6>;
 
-/// The frame of one type and one payload byte, checksum included.
+/// Returns the frame with a type and one payload byte, including the checksum.
 OutgoingFrame encodeFrame(char type, char data);
 
 } // namespace vehicle

@@ -18,7 +18,7 @@ QString hardwareTypeText(char hardType)
 
 QString versionText(int hundredths)
 {
-    // In single precision; six digits hide what it rounds.
+    // In single precision; the rounding error does not show in six digits.
     return withPrefix(static_cast<double>(static_cast<float>(hundredths) / 100.0F));
 }
 

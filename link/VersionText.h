@@ -5,11 +5,12 @@
 
 namespace vehicle {
 
-/// "v" and the hardware type, a signed number that is not scaled: 7 gives "v7", -1 gives "v-1".
+/// Returns "v" and the hardware type, a signed number that is not scaled: 7 gives "v7", -1 gives
+/// "v-1".
 QString hardwareTypeText(char hardType);
 
-/// "v" and a version counted in hundredths, with at most six significant digits: 300 gives "v3",
-/// 1234 gives "v12.34".
+/// Returns "v" and a version given in hundredths, with at most six significant digits: 300 gives
+/// "v3", 1234 gives "v12.34".
 QString versionText(int hundredths);
 
 } // namespace vehicle

@@ -1,4 +1,4 @@
-// Decimal numbers at the start of a text.
+// Parses decimal numbers at the start of a text.
 #pragma once
 
 #include <cstdlib>
@@ -6,7 +6,7 @@
 namespace sys {
 
 /// Returns the value of the leading decimal digits of `text` with their sign, 0 if there are none.
-/// A number too large for an int keeps its low 32 bits, so that a hostile one is odd but never
+/// A number too large for an int keeps its low 32 bits, so that hostile input never causes
 /// undefined behaviour.
 inline int leadingNumber(const char* text)
 {

@@ -5,8 +5,8 @@
 
 namespace sys {
 
-/// While it lives, writing to a peer that has closed the connection fails in this thread without a
-/// signal, which would end a program that does not ignore it. Leaves errno as it is.
+/// While this object exists, writing to a peer that has closed the connection fails in this thread
+/// without SIGPIPE, which would end a program that does not ignore it. Preserves errno.
 class PipeSignalBlock
 {
 public:

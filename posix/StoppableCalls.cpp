@@ -16,7 +16,7 @@ namespace {
 
 constexpr unsigned long wakeInterval = 5; // milliseconds
 
-/// Lets SIGURG interrupt a system call, and do nothing else.
+/// Lets SIGURG interrupt a system call, and does nothing else.
 void setWakeHandler()
 {
     struct sigaction action = {};

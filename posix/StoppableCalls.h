@@ -11,28 +11,27 @@
 
 namespace sys {
 
-/// The calls into one object, from whatever threads, that wait in the system. They can all be
-/// stopped, once. By design the object's sockets and files stay open when a call is over; those
-/// that were handed to keep() are closed with this object. All members may be called from any
-/// thread.
+/// The calls into one object, from any thread, that wait in the system. All of them can be stopped,
+/// once. By design the object's sockets and files stay open after a call; those passed to keep()
+/// are closed with this object. All members may be called from any thread.
 class StoppableCalls
 {
 public:
-    /// One call into the object, in the thread that made it: stopAndWait() does not return while it
-    /// lives.
+    /// One call into the object, in the thread that created it: stopAndWait() does not return while
+    /// this exists.
     class Call
     {
     public:
         explicit Call(StoppableCalls& calls);
         ~Call();
 
-        /// Names the socket that the call waits on from now on; it stays open as long as the call.
-        /// A negative one is none.
+        /// Sets the socket that the call waits on; it stays open as long as the call. A negative
+        /// value means none.
         void waitOn(int socket) { m_socket = socket; }
 
-        /// open(2). It may wait while another process holds a lease on the file; a stop ends that
-        /// by sending this thread SIGURG, which programs that have not asked for it ignore. Sets an
-        /// empty handler for that signal at the first call.
+        /// Calls open(2). It may block while another process holds a lease on the file; a stop ends
+        /// that by sending this thread SIGURG, which programs ignore by default. Installs an empty
+        /// handler for that signal at the first call.
         int open(const char* path, int flags, mode_t mode);
 
     private:
@@ -46,24 +45,24 @@ public:
 
     ~StoppableCalls();
 
-    /// Takes over a descriptor; it is closed with this object. A negative one is none.
+    /// Takes ownership of a descriptor; it is closed with this object. A negative value means none.
     void keep(int descriptor);
 
-    /// Asks all calls to end. They notice when the system call they wait in returns.
+    /// Asks all calls to end. They notice when the system call they are waiting in returns.
     void requestStop() noexcept { m_stopRequested = true; }
     bool stopRequested() const noexcept { return m_stopRequested; }
 
-    /// Asks all calls to end and ends what they wait for every few milliseconds until `finished`,
-    /// which waits at most that many milliseconds, returns true and no call is left: one shutdown
-    /// ends a pending connect or receive, but the next connect blocks again.
+    /// Asks all calls to end and interrupts what they wait for every few milliseconds, until no
+    /// call is left and `finished`, which waits at most that many milliseconds, returns true: one
+    /// shutdown ends a pending connect or receive, but the next connect blocks again.
     void stopAndWait(const std::function<bool(unsigned long)>& finished);
 
 private:
-    /// Ends what every call waits for at this moment. Returns false if there is no call.
+    /// Interrupts what every call currently waits for. Returns false if there is no call.
     bool wakeAll();
 
     std::atomic<bool> m_stopRequested{false};
-    std::mutex m_mutex; // of what follows
+    std::mutex m_mutex; // guards the members below
     std::vector<const Call*> m_calls;
     std::vector<int> m_kept;
 };

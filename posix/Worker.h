@@ -1,19 +1,19 @@
-// How the window stops what works for it.
+// How the window stops its workers.
 #pragma once
 
 namespace sys {
 
-/// Works in a thread of its own until it is stopped. Asking all workers first and waiting for each
-/// one then lets them end side by side.
+/// Works in a separate thread until it is stopped. Ask all workers to stop before waiting for each,
+/// so that they end in parallel.
 class Worker
 {
 public:
     virtual ~Worker() = default;
 
-    /// Asks the worker to end and returns at once. May be called from any thread.
+    /// Asks the worker to end and returns immediately. May be called from any thread.
     virtual void requestStop() noexcept = 0;
 
-    /// Ends whatever the worker waits for and returns when it has ended, within milliseconds.
+    /// Interrupts whatever the worker waits for and returns within milliseconds, when it has ended.
     virtual void stopAndWait() = 0;
 };
 

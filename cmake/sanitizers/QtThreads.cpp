@@ -1,6 +1,6 @@
-// Tells the thread sanitizer what it cannot see in a Qt that is not instrumented: all that a thread
-// has done comes before the return of the QThread::wait() that waited for it. The linker sends our
-// calls of start() and wait() here (Sanitizers.cmake).
+// Declares to the thread sanitizer what it cannot see in an uninstrumented Qt: everything a thread
+// has done happens before the QThread::wait() that waited for it returns. The linker redirects our
+// calls of start() and wait() to this file (Sanitizers.cmake).
 #include <sanitizer/tsan_interface.h>
 
 #include <QThread>
@@ -31,7 +31,7 @@ bool isOver(QThread* thread, bool waited)
 
 void tellingStart(QThread* thread, QThread::Priority priority)
 {
-    // Emitted by the thread itself, behind run().
+    // Emitted by the thread itself, after run().
     QObject::connect(
         thread, &QThread::finished, thread, [thread] { __tsan_release(thread); },
         Qt::DirectConnection);

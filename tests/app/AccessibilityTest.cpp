@@ -1,4 +1,4 @@
-// What assistive programs are told about the window, in both languages.
+// The window's accessible names and descriptions, in both languages.
 #include "app/MainWindow.h"
 #include "card/FileTable.h"
 #include "tests/support/TestMain.h"
@@ -23,7 +23,7 @@
 
 namespace {
 
-/// The catalogue's text in English and in Chinese.
+/// Returns the catalogue's text in English and in Chinese.
 struct Text
 {
     const char* english;
@@ -41,8 +41,8 @@ QAccessibleInterface& interfaceOf(QObject& object)
     return *found;
 }
 
-/// Qt makes these interfaces anew at each call and leaves them to the caller, who can delete them
-/// only by way of the registry.
+/// Qt creates these interfaces at each call and leaves them to the caller, who can delete them only
+/// through the registry.
 QStringList columnHeadersOf(QAccessibleInterface& cell)
 {
     QStringList names;
@@ -67,7 +67,7 @@ private slots:
     void widgetIsNamedInBothLanguages();
     void fieldIsLabelledByTheLabelBesideIt_data();
     void fieldIsLabelledByTheLabelBesideIt();
-    void nothingThatIsUsedIsWithoutAName();
+    void everyWidgetInUseHasAName();
     void cellIsNamedByItsTextAndDescribedByItsHeader_data();
     void cellIsNamedByItsTextAndDescribedByItsHeader();
     void cellOutsideATableHasNoDescription();
@@ -84,7 +84,7 @@ private:
     {
         return interfaceOf(child<QWidget>(name)).text(QAccessible::Name);
     }
-    /// A row as a browse makes it.
+    /// Adds a row as a browse does.
     void addRow() const
     {
         card::addNameRow(table(), 0, shownName);
@@ -105,7 +105,7 @@ void AccessibilityTest::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
 }
 
-/// The translator outlives its window: leave it with the English texts for the next one.
+/// The translator outlives its window: leaves it with the English texts for the next one.
 void AccessibilityTest::cleanup()
 {
     choose(1);
@@ -167,7 +167,7 @@ void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt_data()
     QTest::newRow("lineEditBootVer") << QStringLiteral("label_5");
 }
 
-/// The combo box needs it: its own name is the chosen language.
+/// The combo box needs a label: its own name is the selected language.
 void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt()
 {
     QFETCH(QString, label);
@@ -178,8 +178,8 @@ void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt()
     }));
 }
 
-/// Whatever takes a key or shows a value has a name, a widget that the list above forgot included.
-void AccessibilityTest::nothingThatIsUsedIsWithoutAName()
+/// Every widget that accepts keys or shows a value has a name, even if the list above forgets it.
+void AccessibilityTest::everyWidgetInUseHasAName()
 {
     for (const int language : {0, 1}) {
         choose(language);
@@ -191,7 +191,7 @@ void AccessibilityTest::nothingThatIsUsedIsWithoutAName()
                                 qobject_cast<QProgressBar*>(child) != nullptr ||
                                 qobject_cast<QGroupBox*>(child) != nullptr ||
                                 qobject_cast<QTableWidget*>(child) != nullptr;
-            // Qt's own parts, such as the corner of the table, have no name of their own.
+            // Qt's internal parts, such as the table's corner button, have no name.
             if (isUsed && !child->objectName().isEmpty() &&
                 !child->objectName().startsWith("qt_")) {
                 QVERIFY2(!accessibleName(child->objectName()).isEmpty(),

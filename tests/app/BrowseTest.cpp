@@ -1,4 +1,4 @@
-// "Browse Files in Card" with a scripted camera on its real address: commands sent, rows shown.
+// "Browse Files in Card" with a scripted camera at the real address: commands sent, rows shown.
 #include "tests/app/FakeVehicle.h"
 #include "tests/app/UserWindow.h"
 #include "tests/support/TestMain.h"
@@ -25,7 +25,7 @@ QByteArray head(const QByteArray& target)
            "\r\n";
 }
 
-/// The targets of the detail requests, without what all of them start with.
+/// Returns the targets of the details requests, without their common prefix.
 Texts namesAskedAbout(const fake::Camera& camera)
 {
     Texts names;
@@ -56,19 +56,19 @@ private slots:
     void init();
     void cleanup();
 
-    void countListAndDetailsAreAskedForInTurnWithTheirLiteralHeads();
+    void countListAndDetailsAreRequestedInOrderWithLiteralHeads();
     void browseNeedsNoLink();
     void rowsShowNameDateSizeAndDuration();
     void detailCellsAreGrayAndAligned();
     void countTextGoesIntoTheListCommandAsFound_data();
     void countTextGoesIntoTheListCommandAsFound();
     void emptyCardAsksForNoDetails();
-    void countAboveTheListAsksForUnlistedSlotsToo();
+    void countAboveTheListQueriesUnlistedSlotsToo();
     void unlistedSlotKeepsTheNameOfAnEarlierBrowse();
     void countBelowTheListLeavesTheOtherRowsWithoutDetails();
     void longListStopsAtRow127ButNotTheDetails_data();
     void longListStopsAtRow127ButNotTheDetails();
-    void detailsAreAskedForUpToACountOf9999();
+    void detailsAreQueriedUpToACountOf9999();
     void nameOf29CharactersFitsItsSlot();
     void longerNameRunsIntoTheNextSlot();
     void nameBeyondTheWholeTableIsCut();
@@ -90,13 +90,13 @@ private slots:
     void failedListLeavesTheTableAlone_data();
     void failedListLeavesTheTableAlone();
     void failedDetailsLeaveTheCellsEmptyAndGoOn();
-    void failedAnswerStaysInFrontOfTheNextCount();
+    void failedAnswerPrecedesTheNextCount();
     void unreachableCameraLeavesTheTableAlone();
     void anyStatusCountsAsAnAnswer();
     void answerShorterThanAllBeforeEndsWithItsFirstReceive();
     void oneChunkedAnswerEndsAllLaterOnesAfterALine();
-    void bytesBehindAZeroAreNotLookedAt();
-    void longTextsDoNoHarm();
+    void bytesAfterAZeroAreIgnored();
+    void longTextsAreHarmless();
     void missingMarkerLeavesTheBufferAlone();
     void textBetweenMarkersIsCopied();
 
@@ -117,7 +117,7 @@ void BrowseTest::cleanup()
     }
 }
 
-void BrowseTest::countListAndDetailsAreAskedForInTurnWithTheirLiteralHeads()
+void BrowseTest::countListAndDetailsAreRequestedInOrderWithLiteralHeads()
 {
     camera->holdFiles({"VID0001.mp4", "VID0002.mp4"});
     const UserWindow user;
@@ -211,7 +211,7 @@ void BrowseTest::emptyCardAsksForNoDetails()
     camera->holdFiles({"a.mp4"});
     user.clickBrowse();
     QCOMPARE(user.table().rowCount(), 1);
-    // Without a marker of its own the last answer leaves the count to this one.
+    // The last answer has no marker, so the text of this one is searched for the count.
     camera->answer(fake::infoTarget, "nothing\r\n");
     user.clickBrowse();
     camera->forgetRequests();
@@ -222,7 +222,7 @@ void BrowseTest::emptyCardAsksForNoDetails()
     QCOMPARE(camera->targets(), (Texts{fake::countTarget, QByteArray(fake::listTarget) + "0"}));
 }
 
-void BrowseTest::countAboveTheListAsksForUnlistedSlotsToo()
+void BrowseTest::countAboveTheListQueriesUnlistedSlotsToo()
 {
     camera->holdFiles({"a.mp4", "b.mp4"});
     camera->answer(fake::countTarget, "=\"3\";");
@@ -291,7 +291,7 @@ void BrowseTest::longListStopsAtRow127ButNotTheDetails()
     QCOMPARE(namesAskedAbout(*camera), asked);
 }
 
-void BrowseTest::detailsAreAskedForUpToACountOf9999()
+void BrowseTest::detailsAreQueriedUpToACountOf9999()
 {
     camera->holdFiles({"a.mp4"});
     camera->answer(fake::countTarget, "=\"9999\";");
@@ -315,7 +315,7 @@ void BrowseTest::nameOf29CharactersFitsItsSlot()
 
 void BrowseTest::longerNameRunsIntoTheNextSlot()
 {
-    // 36 characters: six of them stand in the second slot until its own name comes.
+    // 36 characters: six of them are in the second slot until that slot is written.
     camera->holdFiles({"abcdefghijklmnopqrstuvwxyz012345.mp4", "b.mp4"});
     const UserWindow user;
     user.clickBrowse();
@@ -328,7 +328,7 @@ void BrowseTest::nameBeyondTheWholeTableIsCut()
     camera->holdFiles({QByteArray(400000, 'n')});
     camera->answer(fake::countTarget, "=\"0\";");
     const UserWindow user;
-    user.window().hide(); // nothing to gain from painting it
+    user.window().hide(); // saves the time to paint it
     user.clickBrowse();
     QCOMPARE(user.table().rowCount(), 1);
     QCOMPARE(user.row(0).first().size(), 9999 * 30 - 1);
@@ -585,7 +585,7 @@ void BrowseTest::failedDetailsLeaveTheCellsEmptyAndGoOn()
     QCOMPARE(user.row(2), (QStringList{"c.mp4", "2020-01-31  12:45:02", "1MB", "37s"}));
 }
 
-void BrowseTest::failedAnswerStaysInFrontOfTheNextCount()
+void BrowseTest::failedAnswerPrecedesTheNextCount()
 {
     camera->holdFiles({"a.mp4", "b.mp4"});
     camera->answerRaw(fake::countTarget, "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n=\"1\";");
@@ -628,11 +628,11 @@ void BrowseTest::answerShorterThanAllBeforeEndsWithItsFirstReceive()
 {
     camera->holdFiles({"a.mp4"});
     const UserWindow user;
-    user.clickBrowse(); // more than a hundred bytes in all
+    user.clickBrowse(); // more than a hundred bytes in total
     camera->on(fake::listTarget, [](fake::Connection& connection) {
         connection.send("HTTP/1.1 200 OK\r\nContent-Length: 48\r\n\r\n"
                         "ZEPNA/b.mp4;ZEPNA/c.mp4;");
-        // The client has read enough; were it to go on, it would hang here and fail.
+        // The client has read enough; if it continued, it would block here and fail.
         connection.waitUntilClosedByClient();
     });
     user.clickBrowse();
@@ -648,7 +648,7 @@ void BrowseTest::oneChunkedAnswerEndsAllLaterOnesAfterALine()
     camera->answerRaw(fake::infoTarget, "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
                                         "9\r\ntime=\"5\";\r\n0\r\n\r\n");
     user.clickBrowse();
-    // The first details came; those of the second file ended with the line "9".
+    // The first details arrived; those of the second file ended after the line "9".
     QCOMPARE(user.row(0).last(), QStringLiteral("5s"));
     QCOMPARE(user.row(1).mid(1), (QStringList{"--  ::", "KB", "s"}));
     camera->forgetRequests();
@@ -657,7 +657,7 @@ void BrowseTest::oneChunkedAnswerEndsAllLaterOnesAfterALine()
     QCOMPARE(user.table().rowCount(), 0);
 }
 
-void BrowseTest::bytesBehindAZeroAreNotLookedAt()
+void BrowseTest::bytesAfterAZeroAreIgnored()
 {
     camera->holdFiles({});
     camera->answer(fake::countTarget, QByteArray("=\"1\";\0=\"7\";", 11));
@@ -670,7 +670,7 @@ void BrowseTest::bytesBehindAZeroAreNotLookedAt()
     QVERIFY2(user.row(0).last() != QLatin1String("4s"), qPrintable(user.row(0).last()));
 }
 
-void BrowseTest::longTextsDoNoHarm()
+void BrowseTest::longTextsAreHarmless()
 {
     const QByteArray digits(2000, '9');
     camera->holdFiles({"a.mp4"});

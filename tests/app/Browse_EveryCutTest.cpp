@@ -1,6 +1,6 @@
-// A browse whose answers come in two pieces, cut anywhere, or end anywhere: what the window shows.
-// One response record serves all exchanges of a window and its received count goes on, so a cut
-// near the end of a later answer ends that answer.
+// What the window shows after a browse whose answers arrive in two pieces, split anywhere, or end
+// anywhere. One response record serves all exchanges of a window and its received count is not
+// reset, so a split near the end of a later answer ends that answer.
 #include "tests/app/UserWindow.h"
 #include "tests/support/Cuts.h"
 #include "tests/support/PacedSending.h"
@@ -24,7 +24,7 @@ constexpr quint16 port = 80;
 
 using Pieces = std::vector<std::string>;
 
-/// What the table shows from a position on, up to the next step's.
+/// What the table shows from this position up to the position of the next step.
 struct Step
 {
     std::size_t from;
@@ -40,7 +40,7 @@ QString at(const QVector<Step>& steps, std::size_t position)
     return shown;
 }
 
-/// The camera's three answers, of which one is delivered in pieces.
+/// The camera's three answers, one of which is delivered in pieces.
 struct Answers
 {
     std::string count;
@@ -55,7 +55,7 @@ const std::string& answerTo(const QByteArray& head, const Answers& answers)
                                           : answers.details;
 }
 
-/// What a new window's table shows after a browse: rows in brackets, their cells with bars between.
+/// What the table of a new window shows after a browse: rows in brackets, cells separated by bars.
 QString browsed(const Answers& answers, const char* command, const Pieces& pieces)
 {
     const int window = ::gettid();
@@ -129,7 +129,7 @@ void Browse_EveryCutTest::countAnswerIsWholeOrNone()
     checkEveryCut(answers, "getfilecount", row, {{1, row}}, {{43, row}});
 }
 
-// 39 bytes of head, 25 of body. The count's 5 bytes have been received before: with 20 of the list
+// 39 bytes of head, 25 of body. The count's 5 bytes were received before: with 20 bytes of the list
 // the announced length is reached.
 void Browse_EveryCutTest::listAnswerEndsWithACutNearItsEnd()
 {

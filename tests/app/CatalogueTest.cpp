@@ -1,4 +1,4 @@
-// The two catalogues, source and compiled, against the table of texts.
+// Compares both catalogues, source and compiled, with the table of texts.
 #include "tests/support/TestMain.h"
 
 #include <QByteArray>
@@ -126,8 +126,8 @@ void CatalogueTest::compiledCatalogueHoldsNoOtherText_data()
     addCatalogues();
 }
 
-/// A compiled catalogue: sixteen bytes of magic, then sections of a tag byte, a big-endian length
-/// and that many bytes. Section 0x42 has eight bytes for each text.
+/// A compiled catalogue: a 16-byte magic number, then sections with a tag byte, a big-endian length
+/// and that many bytes. Section 0x42 has eight bytes per text.
 void CatalogueTest::compiledCatalogueHoldsNoOtherText()
 {
     QFETCH(QString, name);

@@ -1,4 +1,4 @@
-// The end of the window whatever its threads are at, in this process and as the whole program.
+// Closing the window in any state of its threads, in this process and in the whole program.
 #include "tests/app/LinkedScene.h"
 #include "tests/support/SilentAddress.h"
 #include "tests/support/TestMain.h"
@@ -28,7 +28,7 @@ using Texts = QList<QByteArray>;
 
 const qint64 closingLimit = 2000 * support::timeFactor(); // milliseconds
 
-/// Takes one connection, a probe, and answers no other attempt.
+/// Accepts one connection, the probe, and answers no further attempt.
 class AddressForAProbe
 {
 public:
@@ -54,7 +54,7 @@ private:
     int m_listener;
 };
 
-/// Sockets and recordings that a process has open.
+/// The sockets and recordings that a process has open.
 int openDescriptors(qint64 process)
 {
     const QDir folder(QStringLiteral("/proc/%1/fd").arg(process));
@@ -69,7 +69,7 @@ int openDescriptors(qint64 process)
     return count;
 }
 
-/// The program with its window worked from inside.
+/// The program, with its window operated from inside.
 class DrivenProgram
 {
 public:
@@ -89,7 +89,7 @@ public:
     DrivenProgram(const DrivenProgram&) = delete;
     DrivenProgram& operator=(const DrivenProgram&) = delete;
 
-    /// Returns when the program has done it.
+    /// Returns after the program has done it.
     void tell(const QByteArray& command)
     {
         m_process.write(command + "\n");
@@ -153,13 +153,13 @@ private slots:
     void programClosedWithItsModulesGone();
     void programClosedWithAStalledDownload();
     void programSurvivesADownloadFromACameraSwitchedOff();
-    void programSurvivesAModuleThatResetsBehindItsHeartbeats();
+    void programSurvivesAModuleThatResetsAfterItsHeartbeats();
     void programKeepsTheDescriptorsOfLinksAndDownloadsOpen();
 
 private:
     /// Destroys the window and checks that it is quick.
     void destroyInTime();
-    /// Has a camera that sends this, then waits; returns when it does.
+    /// Starts a camera that sends this and then waits; returns when it does.
     void startDownload(const QByteArray& bytes);
 
     std::unique_ptr<fake::Gate> gate; // outlives the camera that waits at it
@@ -229,7 +229,7 @@ void ClosingTest::linkedWindow()
     scene->control->link()->send(QByteArray::fromHex("aaaf04010000"));
     QTRY_COMPARE(scene->control->link()->received(), QByteArray::fromHex("aaaf0401015f"));
     destroyInTime();
-    // The modules see their links end.
+    // The modules notice the end of their links.
     QTRY_COMPARE(scene->control->links(), QList<int>());
     QTRY_COMPARE(scene->ground->links(), QList<int>());
 }
@@ -336,9 +336,9 @@ void ClosingTest::downloadInFlight()
     QTRY_VERIFY(scene->user->progressBar().value() > 0);
     destroyInTime();
     goOn = false;
-    // The file that waited is not begun.
+    // The next file is not started.
     QCOMPARE(scene->camera->targets(), Texts{QByteArray(fake::downloadTarget) + "b.mp4"});
-    scene->camera.reset(); // its thread uses what goes here
+    scene->camera.reset(); // its thread uses the objects destroyed here
 }
 
 void ClosingTest::downloadStalledBesideRefusedAndSilentLinks()
@@ -373,7 +373,7 @@ void ClosingTest::descriptorsAreReleasedWithTheWindow()
     scene->camera->answer(fake::downloadTarget, "recording");
     scene->user->clickBrowse();
     scene->user->chooseRows({0});
-    // Link, five lost ones and the ground link, on both sides only for those that stand.
+    // The link, five lost ones and the ground link, with both sides open only for current ones.
     QTRY_COMPARE(openDescriptors(::getpid()), before + 7 + 2);
     for (int download = 1; download <= 3; ++download) {
         QTRY_VERIFY(scene->user->canDownload());
@@ -432,20 +432,20 @@ void ClosingTest::programSurvivesADownloadFromACameraSwitchedOff()
     program.tell("click pushButtonEnterTFcard");
     program.tell("choose 0");
     scene->camera.reset();
-    // The request is written all the same: a signal that would end the program.
+    // The request is still written; a signal would end the program here.
     program.tell("click pushButtonDownloadFile");
-    // Told at once although the output is a pipe.
+    // Printed immediately although the output is a pipe.
     QTRY_VERIFY(program.output().contains("connect failed, return: -1\n"));
     program.tell("click checkBoxSelectAllFiles");
     program.close();
 }
 
-void ClosingTest::programSurvivesAModuleThatResetsBehindItsHeartbeats()
+void ClosingTest::programSurvivesAModuleThatResetsAfterItsHeartbeats()
 {
     DrivenProgram program;
     program.tell("click pushButtonLinkBELUN");
     QTRY_COMPARE(scene->control->links(), QList<int>{1});
-    // Many of them, each as long as one receive, so that answers still go out behind the reset.
+    // Many heartbeats, each filling a receive, so that answers are still sent after the reset.
     const QByteArray heartbeat = QByteArray::fromHex("aaaf04010000") + QByteArray(94, '\0');
     for (int loss = 0; loss < 5; ++loss) {
         scene->control->link()->send(heartbeat.repeated(500));
@@ -473,13 +473,13 @@ void ClosingTest::programKeepsTheDescriptorsOfLinksAndDownloadsOpen()
         QTRY_COMPARE(scene->control->links(), QList<int>{1 + loss});
         QTRY_COMPARE(openDescriptors(program.id()), before + 2 + loss);
     }
-    // The second answer goes out when the window has been told of the first heartbeat.
+    // The second answer is sent after the window was notified of the first heartbeat.
     for (int beat = 1; beat <= 2; ++beat) {
         scene->control->link()->send(QByteArray::fromHex("aaaf04010000"));
         QTRY_COMPARE(scene->control->link()->received(),
                      QByteArray::fromHex("aaaf0401015f").repeated(beat));
     }
-    // A socket and a file each.
+    // One socket and one file each.
     for (int download = 1; download <= 2; ++download) {
         QTRY_COMPARE(scene->camera->heads().size(), download + 2);
         program.tell("click pushButtonDownloadFile");

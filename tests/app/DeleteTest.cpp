@@ -1,4 +1,4 @@
-// Delete, delete all and format, with scripted devices on their real addresses.
+// Delete, delete all and format, with scripted devices at their real addresses.
 #include "tests/app/FakeVehicle.h"
 #include "tests/app/UserWindow.h"
 #include "tests/support/MessageBoxWatcher.h"
@@ -40,8 +40,8 @@ private slots:
 
     void withoutALinkNoButtonSendsAnything();
     void afterALossNoButtonSendsAnything();
-    void deleteWithNothingChosenSendsNothing();
-    void chosenRowsGoFromTheLastToTheFirst();
+    void deleteWithoutASelectionSendsNothing();
+    void selectedRowsGoFromTheLastToTheFirst();
     void deleteSendsItsLiteralHead_data();
     void deleteSendsItsLiteralHead();
     void answerToADeleteIsNotExamined_data();
@@ -52,13 +52,13 @@ private slots:
     void deleteAllIsDisabledWhileADeleteRuns();
     void rowWithoutANameSendsNothing();
     void missingItemSendsNothing();
-    void allChosenByTheCheckBoxAreDeleted();
+    void allRowsSelectedByTheCheckBoxAreDeleted();
     void deleteEmptiesTheOlderAnswer();
     void deleteLeavesTheStoredNamesAlone();
     void emptyingSendsItsLiteralHead_data();
     void emptyingSendsItsLiteralHead();
-    void exactSuccessIsToldInChineseInBothLanguages_data();
-    void exactSuccessIsToldInChineseInBothLanguages();
+    void exactSuccessIsReportedInChineseInBothLanguages_data();
+    void exactSuccessIsReportedInChineseInBothLanguages();
     void tableIsClearedWhenTheBoxHasClosed();
     void otherAnswersClearTheTableWithoutABox_data();
     void otherAnswersClearTheTableWithoutABox();
@@ -91,7 +91,7 @@ void DeleteTest::cleanup()
     ground.reset();
 }
 
-/// Links, lists the files and forgets the requests for that.
+/// Links, lists the files and discards the requests made so far.
 void DeleteTest::linkAndBrowse(const Texts& names)
 {
     user->clickLink();
@@ -132,7 +132,7 @@ void DeleteTest::afterALossNoButtonSendsAnything()
     QCOMPARE(user->table().rowCount(), 5);
 }
 
-void DeleteTest::deleteWithNothingChosenSendsNothing()
+void DeleteTest::deleteWithoutASelectionSendsNothing()
 {
     linkAndBrowse(fiveFiles);
     const int before = camera->connectionCount();
@@ -141,7 +141,7 @@ void DeleteTest::deleteWithNothingChosenSendsNothing()
     QCOMPARE(user->table().rowCount(), 5);
 }
 
-void DeleteTest::chosenRowsGoFromTheLastToTheFirst()
+void DeleteTest::selectedRowsGoFromTheLastToTheFirst()
 {
     linkAndBrowse(fiveFiles);
     camera->answer(fake::deleteTarget, "Success\r\n");
@@ -287,7 +287,7 @@ void DeleteTest::missingItemSendsNothing()
     QCOMPARE(user->table().rowCount(), 1);
 }
 
-void DeleteTest::allChosenByTheCheckBoxAreDeleted()
+void DeleteTest::allRowsSelectedByTheCheckBoxAreDeleted()
 {
     linkAndBrowse({"a.mp4", "b.mp4", "c.mp4"});
     camera->answer(fake::deleteTarget, "Success\r\n");
@@ -307,7 +307,7 @@ void DeleteTest::deleteEmptiesTheOlderAnswer()
     user->chooseRows({1});
     user->clickDelete();
     camera->forgetRequests();
-    // Were the details of the browse still there, their creation time would be the count.
+    // If the details of the browse were still there, their creation time would be the count.
     user->clickBrowse();
     QCOMPARE(camera->targets()[1], QByteArray(fake::listTarget) + "2");
 }
@@ -342,7 +342,7 @@ void DeleteTest::emptyingSendsItsLiteralHead()
     QCOMPARE(camera->heads(), Texts{head(target)});
 }
 
-void DeleteTest::exactSuccessIsToldInChineseInBothLanguages_data()
+void DeleteTest::exactSuccessIsReportedInChineseInBothLanguages_data()
 {
     QTest::addColumn<bool>("format");
     QTest::addColumn<bool>("chinese");
@@ -362,7 +362,7 @@ void DeleteTest::exactSuccessIsToldInChineseInBothLanguages_data()
         << true << false << fake::withLength(QByteArray("Success\r\n\0more", 14)) << formatted;
 }
 
-void DeleteTest::exactSuccessIsToldInChineseInBothLanguages()
+void DeleteTest::exactSuccessIsReportedInChineseInBothLanguages()
 {
     QFETCH(bool, format);
     QFETCH(bool, chinese);

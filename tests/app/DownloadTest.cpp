@@ -1,4 +1,4 @@
-// Downloads from the window, with scripted devices on their real addresses.
+// Downloads from the window, with scripted devices at their real addresses.
 #include "tests/app/LinkedScene.h"
 #include "tests/support/StdoutCapture.h"
 #include "tests/support/TestMain.h"
@@ -40,7 +40,7 @@ QString recordings()
     return QDir::homePath() + QStringLiteral("/Desktop/DCIM");
 }
 
-/// What was downloaded under that name; "no file" when there is none.
+/// Returns the file downloaded under that name, or "no file".
 QByteArray recording(const QString& name)
 {
     QFile file(recordings() + QLatin1Char('/') + name);
@@ -61,7 +61,7 @@ private slots:
 
     void withoutALinkNothingHappens();
     void afterALossNothingHappens();
-    void withNothingChosenNothingHappens();
+    void withoutASelectionNothingHappens();
     void requestIsTheLiteralOne_data();
     void requestIsTheLiteralOne();
     void threeFilesGoOneAfterTheOther();
@@ -74,14 +74,14 @@ private slots:
     void failedFileIsFollowedByTheNext_data();
     void failedFileIsFollowedByTheNext();
     void cameraSwitchedOffEndsEveryFile();
-    void nameThatIsNoFileNameIsAskedForButNotWritten_data();
-    void nameThatIsNoFileNameIsAskedForButNotWritten();
+    void nameThatIsNoFileNameIsRequestedButNotWritten_data();
+    void nameThatIsNoFileNameIsRequestedButNotWritten();
     void rowsGoneAfterABrowseAreSkipped();
     void noRowLeftEndsTheDownload();
     void rowWithoutAnItemIsSkippedAtTheStart();
     void onlyMissingItemsStartNothing();
     void secondDownloadKeepsTheTailOfALongerFile();
-    void countsBeyondAnIntDoNoHarm();
+    void countsBeyondAnIntAreHarmless();
 
 private:
     std::unique_ptr<std::array<fake::Gate, 3>> gates; // outlive the camera that waits at them
@@ -130,7 +130,7 @@ void DownloadTest::afterALossNothingHappens()
     QCOMPARE(scene->camera->connectionCount(), before);
 }
 
-void DownloadTest::withNothingChosenNothingHappens()
+void DownloadTest::withoutASelectionNothingHappens()
 {
     scene->linkAndBrowse(fiveFiles);
     const int before = scene->camera->connectionCount();
@@ -380,7 +380,7 @@ void DownloadTest::cameraSwitchedOffEndsEveryFile()
     QCOMPARE(output.text(), QByteArray("connect failed, return: -1\nconnect failed, return: -1\n"));
 }
 
-void DownloadTest::nameThatIsNoFileNameIsAskedForButNotWritten_data()
+void DownloadTest::nameThatIsNoFileNameIsRequestedButNotWritten_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::newRow("none") << QByteArray();
@@ -391,7 +391,7 @@ void DownloadTest::nameThatIsNoFileNameIsAskedForButNotWritten_data()
     QTest::newRow("an absolute path") << QByteArray("/tmp/stray.mp4");
 }
 
-void DownloadTest::nameThatIsNoFileNameIsAskedForButNotWritten()
+void DownloadTest::nameThatIsNoFileNameIsRequestedButNotWritten()
 {
     QFETCH(QByteArray, name);
     scene->linkAndBrowse({name});
@@ -511,7 +511,7 @@ void DownloadTest::secondDownloadKeepsTheTailOfALongerFile()
     QCOMPARE(recording("a.mp4"), QByteArray("abcd456789"));
 }
 
-void DownloadTest::countsBeyondAnIntDoNoHarm()
+void DownloadTest::countsBeyondAnIntAreHarmless()
 {
     const UserWindow& user = *scene->user;
     user.probe().call("updateDownloadFileProgress", Q_ARG(qint64, 4294967301),

@@ -1,14 +1,13 @@
-// Works the program's own window from inside: linked with the program's main function, it takes
-// one command per line from standard input and confirms each with a line "done" on standard output.
-// Both go over the socket named by DRIVEN_PROGRAM_SOCKET instead, if that is set.
-//   click NAME    clicks the widget of that object name as soon as it is enabled
+// Operates the program's own window from inside: linked with the program's main function, it reads one
+// command per line from standard input and confirms each with a line "done" on standard output, or
+// uses the socket named by DRIVEN_PROGRAM_SOCKET for both if that is set.
+//   click NAME    clicks the widget with that object name as soon as it is enabled
 //   choose ROW    clicks a row of the file table
-//   text NAME     writes the text of the line edit of that object name, in a line before "done"
-//   point         writes the decimal point of the process's locale, in a line before "done"
-//   screen        writes the window's size, the density of its screen in its own pixels, and how
-//   many
-//                 pixels of the screen one of them has across, in a line before "done"
-//   close         closes the window, as its close button does
+//   text NAME     prints the text of the line edit with that object name before "done"
+//   point         prints the decimal point of the process's locale before "done"
+//   screen        prints the window's size, the density of its screen in its own pixels, and the
+//                 number of screen pixels per window pixel before "done"
+//   close         closes the window with its close button
 #include <clocale>
 #include <cstdio>
 #include <cstring>
@@ -96,7 +95,7 @@ void readCommands()
     char buffer[256];
     const ssize_t count = ::read(commands, buffer, sizeof buffer);
     if (count <= 0) {
-        std::_Exit(EXIT_FAILURE); // the test has gone
+        std::_Exit(EXIT_FAILURE); // the test has ended
     }
     pending.append(buffer, static_cast<int>(count));
     for (auto end = pending.indexOf('\n'); end >= 0; end = pending.indexOf('\n')) {
@@ -119,7 +118,7 @@ void connectToTheTest(const QByteArray& path)
 
 void listenToTheTest()
 {
-    // After the window's making, when the event loop runs.
+    // Runs after the window was created, once the event loop runs.
     QTimer::singleShot(0, qApp, [] {
         const QByteArray socket = qgetenv("DRIVEN_PROGRAM_SOCKET");
         if (!socket.isEmpty()) {

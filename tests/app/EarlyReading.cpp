@@ -10,7 +10,7 @@ QByteArray contents(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// Stands in an archive, whose initialisers run behind those of the program's own objects.
+// This is in an archive, whose initialisers run after those of the program's own objects.
 const EarlyReading reading{contents(QStringLiteral(":/Images/appicon.png")),
                            contents(QStringLiteral(":/translation/belun_chinese.qm")),
                            contents(QStringLiteral(":/translation/belun_english.qm"))};

@@ -1,4 +1,4 @@
-// What a static initialiser finds in the resources, before main.
+// The resources as seen by a static initialiser, before main.
 #pragma once
 
 #include <QByteArray>

@@ -25,7 +25,7 @@ namespace {
 constexpr std::chrono::seconds patience(10);
 constexpr int pollInterval = 5; // milliseconds
 constexpr int queueLength = 64;
-constexpr int synSent = 2; // in the table of TCP sockets
+constexpr int synSent = 2; // in the kernel's TCP table
 
 sockaddr_in socketAddress(const char* address, int port)
 {
@@ -57,7 +57,7 @@ quint16 localPort(int descriptor)
     return ntohs(local.sin_port);
 }
 
-/// One line of the kernel's table of TCP sockets.
+/// One line of the kernel's TCP table.
 struct SocketState
 {
     quint32 localAddress;
@@ -138,7 +138,7 @@ void Connection::send(const QByteArray& bytes)
             ::send(m_descriptor, bytes.constData() + sent,
                    static_cast<std::size_t>(bytes.size() - sent), MSG_NOSIGNAL | MSG_DONTWAIT);
         if (count < 0 && errno != EAGAIN) {
-            return; // the client has gone
+            return; // the client has disconnected
         }
         sent += static_cast<int>(std::max<ssize_t>(count, 0));
     }
@@ -294,7 +294,7 @@ int Listener::connectionCount()
                 return connection->clientPort() == port;
             });
         if (accepted) {
-            // Not one of the connections under test: it leaves no trace.
+            // Not one of the connections under test, so it is not counted.
             m_connections.erase(std::find_if(
                 m_connections.begin(), m_connections.end(),
                 [port](const auto& connection) { return connection->clientPort() == port; }));

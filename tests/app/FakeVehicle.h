@@ -1,6 +1,6 @@
-// The vehicle's devices as a test wants them, on their real addresses: two modules whose
-// connections the test works itself, and a camera that answers by the target it is asked for. All
-// run in threads of their own, so that they answer while the window's thread waits.
+// Simulated devices at the vehicle's real addresses: two modules whose connections the test
+// controls, and a camera that answers by request target. All run in separate threads, so that they
+// answer while the window's thread waits.
 #pragma once
 
 #include <atomic>
@@ -23,7 +23,7 @@ constexpr char cameraAddress[] = "192.168.1.120";
 constexpr int modulePort = 5000;
 constexpr int cameraPort = 80;
 
-// What a request's target starts with.
+// Prefixes of request targets.
 constexpr char countTarget[] = "/cgi-bin/hi3510/getfilecount.cgi?";
 constexpr char listTarget[] = "/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end=";
 constexpr char infoTarget[] = "/cgi-bin/hi3510/getfileinfo.cgi?&-name=sd/DCIM/100ZEPNA/";
@@ -32,14 +32,14 @@ constexpr char deleteAllTarget[] = "/cgi-bin/hi3510/deleteallfiles.cgi?";
 constexpr char formatTarget[] = "/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
 constexpr char downloadTarget[] = "http://192.168.1.120/sd/DCIM/100ZEPNA/";
 
-/// The place where a server waits for the test: the server passes it once the test has opened it.
+/// A place where a server waits until the test opens it.
 class Gate
 {
 public:
     void open();
-    /// A server stands here, or has passed.
+    /// A server waits here or has passed.
     bool isReached() const { return m_reached; }
-    /// The server's side; false when the test has not opened the gate within ten seconds.
+    /// The server's side. Returns false if the test has not opened the gate within ten seconds.
     bool pass();
 
 private:
@@ -49,8 +49,8 @@ private:
     bool m_open = false;
 };
 
-/// One accepted connection, served by a thread of its own, which alone closes the descriptor. Every
-/// wait ends after ten seconds, or when the server is destroyed.
+/// One accepted connection, served by a separate thread, which alone closes the descriptor. Every
+/// wait ends after ten seconds or when the server is destroyed.
 class Connection
 {
 public:
@@ -59,22 +59,22 @@ public:
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    // From any thread.
+    // May be called from any thread:
     quint16 clientPort() const { return m_clientPort; }
     void send(const QByteArray& bytes);
-    /// Everything that came, so far.
+    /// Everything received so far.
     QByteArray received() const;
     /// Neither side has closed it.
     bool isOpen() const { return m_open; }
-    /// The client's program has fetched every byte sent so far.
+    /// The client has read every byte sent so far.
     bool isAllReadByClient() const;
-    /// Has the serving thread close the connection.
+    /// Makes the serving thread close the connection.
     void close() { m_closeWanted = true; }
-    /// The same, so that the client's side fails instead of reading an end.
+    /// Same, but with a reset.
     void reset();
 
-    // The serving thread's.
-    /// Waits for the end of a request head; false when it does not come.
+    // Called by the serving thread:
+    /// Waits for the end of a request head; returns false if it times out.
     bool receiveHead();
     bool waitUntilClosedByClient();
     /// Receives until either side closes.
@@ -93,7 +93,7 @@ private:
     std::atomic<bool> m_resetWanted{false};
 };
 
-/// A listening socket that hands over each connection, in the order they came.
+/// A listening socket that hands over each connection, in order of arrival.
 class Listener
 {
 public:
@@ -104,8 +104,8 @@ public:
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
 
-    /// The connections that anyone has made until now; the count is exact, since a connection of
-    /// this call's own has to be accepted behind them.
+    /// Returns the connections made so far. The count is exact, because this call makes its own
+    /// connection, which is accepted after them.
     int connectionCount();
     std::shared_ptr<Connection> connection(int index) const;
     QList<int> openConnections() const;
@@ -120,30 +120,30 @@ private:
     std::atomic<bool> m_stopping{false};
     mutable std::mutex m_mutex;
     std::vector<std::shared_ptr<Connection>> m_connections;
-    int m_serving = 0; // threads at work
+    int m_serving = 0; // active threads
     std::condition_variable m_served;
     std::thread m_acceptor;
 };
 
-/// A module: it accepts whoever comes and says only what the test tells it to.
+/// A module: it accepts every connection and sends only what the test tells it to.
 class Module
 {
 public:
     explicit Module(const char* address);
 
     int connectionCount() { return m_listener.connectionCount(); }
-    /// The connections that stand: the links, without the probes.
+    /// The open connections: the links, without the probes.
     QList<int> links() const { return m_listener.openConnections(); }
     std::shared_ptr<Connection> operator[](int index) const { return m_listener.connection(index); }
-    /// The youngest link; there has to be one.
+    /// The newest link; there must be one.
     std::shared_ptr<Connection> link() const;
 
 private:
     Listener m_listener;
 };
 
-/// A camera: each connection brings one request, and the answer set for the longest matching start
-/// of its target is given. Then the connection is closed.
+/// A camera: each connection carries one request. Sends the answer set for the longest matching
+/// prefix of its target, then closes the connection.
 class Camera
 {
 public:
@@ -151,23 +151,23 @@ public:
 
     Camera();
 
-    /// Bytes given as they are.
+    /// The bytes, unchanged.
     void answerRaw(const QByteArray& targetStart, const QByteArray& bytes);
     /// A body with its length announced.
     void answer(const QByteArray& targetStart, const QByteArray& body);
-    /// The connection closed without an answer.
+    /// Closes the connection without an answer.
     void fail(const QByteArray& targetStart);
     void on(const QByteArray& targetStart, Answer answer);
     /// Answers count, list and details as a card with these files; all have the same details.
     void holdFiles(const QList<QByteArray>& names);
 
     int connectionCount() { return m_listener->connectionCount(); }
-    /// Request heads in the order they came, as received.
+    /// Request heads in order of arrival, as received.
     QList<QByteArray> heads() const;
-    /// What stands between "GET " and " HTTP/1.1".
+    /// The text between "GET " and " HTTP/1.1".
     QList<QByteArray> targets() const;
     void forgetRequests();
-    /// Targets that no answer was set for, and waits that were in vain.
+    /// Targets without an answer, and waits that timed out.
     QList<QByteArray> errors() const;
 
 private:
@@ -177,7 +177,7 @@ private:
     std::vector<std::pair<QByteArray, Answer>> m_answers;
     QList<QByteArray> m_heads;
     QList<QByteArray> m_errors;
-    std::unique_ptr<Listener> m_listener; // last: its threads use all above
+    std::unique_ptr<Listener> m_listener; // last, because its threads use all above
 };
 
 /// An answer with its length announced.
@@ -185,7 +185,7 @@ QByteArray withLength(const QByteArray& body);
 /// The body of a list answer.
 QByteArray fileList(const QList<QByteArray>& names);
 
-/// Someone is waiting for that address to answer a connection attempt.
+/// Returns whether a connection attempt to that address is pending.
 bool isConnectPending(const char* address, int port);
 
 } // namespace fake

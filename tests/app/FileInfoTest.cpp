@@ -1,4 +1,4 @@
-// The details of a recording in the window's table; marker search and number conversion.
+// A recording's details in the window's table; marker search and number conversion.
 #include "app/MainWindow.h"
 #include "tests/support/TestMain.h"
 #include "tests/support/WindowProbe.h"
@@ -23,10 +23,10 @@ private slots:
     void answerFillsDateSizeAndDuration();
     void cellsAreGrayAndAligned();
     void nameCellStaysAsItIs();
-    void rowThatDoesNotExistIsPassedOver_data();
-    void rowThatDoesNotExistIsPassedOver();
+    void rowThatDoesNotExistIsIgnored_data();
+    void rowThatDoesNotExistIsIgnored();
 
-    void markerSearchCopiesTheTextAndTellsItsLength();
+    void markerSearchCopiesTheTextAndReturnsItsLength();
     void markerSearchOfAnEmptyTextTerminatesTheBuffer();
     void answerWithoutMarkersLeavesTheBufferAlone_data();
     void answerWithoutMarkersLeavesTheBufferAlone();
@@ -60,7 +60,7 @@ private:
     std::unique_ptr<MainWindow> m_window;
 };
 
-/// Three rows with names and nothing else.
+/// Three rows with only names.
 void FileInfoTest::init()
 {
     m_window = std::make_unique<MainWindow>();
@@ -101,7 +101,7 @@ void FileInfoTest::nameCellStaysAsItIs()
     QVERIFY(!table().item(2, 0)->data(Qt::TextAlignmentRole).isValid());
 }
 
-void FileInfoTest::rowThatDoesNotExistIsPassedOver_data()
+void FileInfoTest::rowThatDoesNotExistIsIgnored_data()
 {
     QTest::addColumn<int>("row");
 
@@ -110,7 +110,7 @@ void FileInfoTest::rowThatDoesNotExistIsPassedOver_data()
     }
 }
 
-void FileInfoTest::rowThatDoesNotExistIsPassedOver()
+void FileInfoTest::rowThatDoesNotExistIsIgnored()
 {
     QFETCH(int, row);
     parse("create=\"20200131124502\";size=\"2047\";time=\"37\";", row);
@@ -120,7 +120,7 @@ void FileInfoTest::rowThatDoesNotExistIsPassedOver()
     }
 }
 
-void FileInfoTest::markerSearchCopiesTheTextAndTellsItsLength()
+void FileInfoTest::markerSearchCopiesTheTextAndReturnsItsLength()
 {
     QByteArray buffer(32, '#');
     QCOMPARE(search("var a=\"12345\";b=\"6\";", buffer), 5);

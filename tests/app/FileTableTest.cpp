@@ -1,4 +1,4 @@
-// The window's file table: how it is set up, and the check box that selects all of it.
+// The window's file table: its setup and the check box that selects all rows.
 #include "app/MainWindow.h"
 #include "tests/app/SelectedRows.h"
 #include "tests/card/LoudFocusStyle.h"
@@ -204,7 +204,8 @@ void FileTableTest::focusedCellShowsNoFrameButTheSelectionColour()
     addRows(3);
     table().setFocus();
     clickRow(0);
-    QTest::keyClick(&table(), Qt::Key_Down); // the focus came by the keyboard: frames show
+    QTest::keyClick(&table(),
+                    Qt::Key_Down); // the focus came from the keyboard, so frames are drawn
     QVERIFY(table().hasFocus());
     QCOMPARE(table().currentRow(), 1);
 
@@ -223,7 +224,7 @@ void FileTableTest::focusedCellShowsNoFrameButTheSelectionColour()
     QCOMPARE(table().viewport()->grab().toImage().pixelColor(cell.right() - 3, cell.top() + 2),
              QColor(89, 153, 247));
 
-    // The base delegate would show it, so the test above can fail.
+    // The base delegate shows it, so the test above can fail.
     QStyledItemDelegate base;
     QAbstractItemDelegate* own = table().itemDelegate();
     table().setItemDelegate(&base);

@@ -1,5 +1,5 @@
-// Where the keyboard focus goes when a button that has it is disabled: never by itself to a button
-// that deletes.
+// Where the keyboard focus goes when a focused button is disabled: never by itself to a button that
+// deletes.
 #include "tests/app/LinkedScene.h"
 #include "tests/support/TestMain.h"
 
@@ -39,7 +39,7 @@ private slots:
     void deleteLeavesTheFocusElsewhereAlone();
 
 private:
-    /// The window's own, whether it is active or not.
+    /// The window's own focus widget, whether the window is active or not.
     QString focused() const
     {
         const QWidget* widget = scene->user->window().focusWidget();
@@ -54,7 +54,7 @@ private:
     {
         QTest::keyClick(QApplication::focusWidget(), key, modifiers);
     }
-    /// As a screen reader does: the focus stays where it is.
+    /// Presses as a screen reader does: the focus does not move.
     void pressFromOutside(const char* button) const
     {
         QAccessible::queryAccessibleInterface(&scene->user->button(button))
@@ -121,7 +121,7 @@ void FocusTest::focusStaysWhereTheUserPutsIt_data()
 {
     QTest::addColumn<int>("tabs");
     QTest::addColumn<QString>("name");
-    // The disabled button is passed over.
+    // The disabled button is skipped.
     QTest::newRow("link") << 0 << "pushButtonLinkBELUN";
     QTest::newRow("browse") << 2 << "pushButtonEnterTFcard";
     QTest::newRow("delete") << 3 << "pushButtonDeleteFile";

@@ -1,4 +1,4 @@
-// The form: its objects, where they are placed, their properties and their connections by name.
+// The form: its objects, their places, their properties and their connections by name.
 #include "app/MainWindow.h"
 #include "tests/support/TestMain.h"
 #include "tests/support/WindowProbe.h"
@@ -56,7 +56,7 @@
 
 namespace {
 
-/// Has spacings and margins that no form sets.
+/// A style with spacings and margins that no form sets.
 class RoomyStyle : public QProxyStyle
 {
 public:
@@ -80,7 +80,7 @@ public:
     }
 };
 
-/// The form as it is designed, on a window of nobody's.
+/// The form as designed, on a plain window.
 struct DesignedForm
 {
     QMainWindow window;
@@ -99,7 +99,7 @@ const QStringList displayFields{
     "lineEditLinkBELUN",   "lineEditHardType", "lineEditHardVer",       "lineEditSoftVer",
     "lineEditProtocolVer", "lineEditBootVer",  "lineEditDownloadLabel", "lineEditDownloadProgress"};
 
-/// How many connections a signal has; `receivers` is for the object itself only.
+/// Returns how many connections a signal has; `receivers` is only available to the object itself.
 int connectionsOf(const QObject& object, const char* signal)
 {
     struct Access : QObject
@@ -109,7 +109,7 @@ int connectionsOf(const QObject& object, const char* signal)
     return (object.*&Access::receivers)(signal);
 }
 
-/// Equal, and for pictures the same one: not every Qt compares those by itself.
+/// Equal, and for images identical: not every Qt version compares those by itself.
 bool sameValue(const QVariant& one, const QVariant& other)
 {
     if (one.userType() == QMetaType::QIcon && other.userType() == QMetaType::QIcon) {
@@ -132,20 +132,20 @@ private slots:
     void cleanup();
 
     void recordHoldsFortyThreeObjectsInTheirOrder();
-    void objectStandsInItsPlace_data();
-    void objectStandsInItsPlace();
+    void objectIsInItsPlace_data();
+    void objectIsInItsPlace();
     void layoutHoldsNothingElse_data();
     void layoutHoldsNothingElse();
     void formHasNoOtherNamedObject();
     void layoutsHaveTheirSpacingAndMargins_data();
     void layoutsHaveTheirSpacingAndMargins();
     void windowHasItsNameAndSize();
-    void windowKeepsANameOfItsOwn();
+    void windowKeepsItsOwnName();
     void windowIconIsThePlainFileAppicon();
-    void browseButtonIsMadeForAFixedWidth();
-    void downloadLabelIsMadeForAFixedPlace();
-    void percentageFieldIsMadeForAFixedWidth();
-    void progressBarStandsAt24();
+    void browseButtonHasAFixedWidth();
+    void downloadLabelHasAFixedPlace();
+    void percentageFieldHasAFixedWidth();
+    void progressBarIsAt24();
     void barsHaveTheirPlaces();
     void otherPropertiesAreQtsDefaults_data();
     void otherPropertiesAreQtsDefaults();
@@ -235,7 +235,7 @@ void FormTest::recordHoldsFortyThreeObjectsInTheirOrder()
                                "mainToolBar",
                                "statusBar"};
     const DesignedForm designed;
-    // The record is nothing but pointers, each to a class whose first base is QObject.
+    // The structure consists only of pointers, each to a class whose first base is QObject.
     std::array<QObject*, 43> objects{};
     QCOMPARE(sizeof(Ui_MainWindow), sizeof(objects));
     std::memcpy(objects.data(), static_cast<const void*>(&designed.form), sizeof(objects));
@@ -246,7 +246,7 @@ void FormTest::recordHoldsFortyThreeObjectsInTheirOrder()
     QCOMPARE(names, expected);
 }
 
-void FormTest::objectStandsInItsPlace_data()
+void FormTest::objectIsInItsPlace_data()
 {
     QTest::addColumn<QString>("className");
     QTest::addColumn<QString>("place"); // a layout, or the widget whose layout it is
@@ -302,7 +302,7 @@ void FormTest::objectStandsInItsPlace_data()
     row("tableWidgetFileInfo", "QTableWidget", "verticalLayout_2", 4, central);
 }
 
-void FormTest::objectStandsInItsPlace()
+void FormTest::objectIsInItsPlace()
 {
     QFETCH(QString, place);
     QFETCH(int, index);
@@ -392,7 +392,7 @@ void FormTest::windowHasItsNameAndSize()
     QCOMPARE(window.size(), QSize(795, 712));
 }
 
-void FormTest::windowKeepsANameOfItsOwn()
+void FormTest::windowKeepsItsOwnName()
 {
     QMainWindow window;
     window.setObjectName(QStringLiteral("named before"));
@@ -401,7 +401,7 @@ void FormTest::windowKeepsANameOfItsOwn()
     QCOMPARE(window.objectName(), QStringLiteral("named before"));
 }
 
-/// The plain file name is looked for in the working folder.
+/// The plain file name is resolved in the working folder.
 void FormTest::windowIconIsThePlainFileAppicon()
 {
     const QString before = QDir::currentPath();
@@ -418,7 +418,7 @@ void FormTest::windowIconIsThePlainFileAppicon()
     QCOMPARE(icon.pixelColor(8, 8), QColor(12, 200, 99));
 }
 
-void FormTest::browseButtonIsMadeForAFixedWidth()
+void FormTest::browseButtonHasAFixedWidth()
 {
     DesignedForm designed;
     const QPushButton& button = *designed.form.pushButtonEnterTFcard;
@@ -432,7 +432,7 @@ void FormTest::browseButtonIsMadeForAFixedWidth()
     QCOMPARE(button.maximumSize(), QSize(359, 16777215));
 }
 
-void FormTest::downloadLabelIsMadeForAFixedPlace()
+void FormTest::downloadLabelHasAFixedPlace()
 {
     DesignedForm designed;
     const QLineEdit& field = *designed.form.lineEditDownloadLabel;
@@ -442,7 +442,7 @@ void FormTest::downloadLabelIsMadeForAFixedPlace()
     QCOMPARE(field.maximumSize(), QSize(16777215, 16777215));
 }
 
-void FormTest::percentageFieldIsMadeForAFixedWidth()
+void FormTest::percentageFieldHasAFixedWidth()
 {
     DesignedForm designed;
     const QLineEdit& field = *designed.form.lineEditDownloadProgress;
@@ -452,7 +452,7 @@ void FormTest::percentageFieldIsMadeForAFixedWidth()
     QCOMPARE(field.maximumSize(), QSize(80, 16777215));
 }
 
-void FormTest::progressBarStandsAt24()
+void FormTest::progressBarIsAt24()
 {
     DesignedForm designed;
     QCOMPARE(designed.form.progressBarDownLoad->value(), 24);
@@ -508,8 +508,8 @@ void FormTest::otherPropertiesAreQtsDefaults_data()
     rows({"progressBarDownLoad"}, {"value", "text"});
 }
 
-/// Compares every property with that of a new widget of the class, but for those that only say
-/// where a widget lies and those that the form sets.
+/// Compares every property with that of a new widget of the class, except those that only describe
+/// a widget's position and those that the form sets.
 void FormTest::otherPropertiesAreQtsDefaults()
 {
     QFETCH(QStringList, set);
@@ -711,11 +711,11 @@ void FormTest::fieldHasNeitherBorderNorBackground_data()
     fieldOnlyDisplays_data();
 }
 
-/// An empty field cannot be told from the window around it.
+/// An empty field looks the same as the window around it.
 void FormTest::fieldHasNeitherBorderNorBackground()
 {
     MainWindow window;
-    // The boxes draw a shade and frame of their own behind their fields.
+    // Group boxes draw a shade and frame behind their fields.
     for (QGroupBox* box : window.findChildren<QGroupBox*>()) {
         box->setFlat(true);
     }

@@ -1,4 +1,4 @@
-// Jobs of the window that meet: link, browse, download, delete and language at the same time.
+// Concurrent operations of the window: link, browse, download, delete and language.
 #include "tests/app/LinkedScene.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/TestMain.h"
@@ -35,8 +35,8 @@ QByteArray recording(const QString& name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
-/// For a camera that has to see something of the link before it answers, while the window waits
-/// for that answer. False after five seconds.
+/// For a camera that waits for an event on the link before it answers, while the window waits for
+/// that answer. Returns false after five seconds.
 bool waitFor(const std::function<bool()>& condition)
 {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
@@ -60,12 +60,12 @@ private slots:
     void cleanup();
 
     void browseDuringADownloadLeavesItAlone();
-    void deleteDuringADownloadEndsTheRowOfDownloads();
+    void deleteDuringADownloadEndsTheQueue();
     void downloadedFileMayBeDeletedMeanwhile();
-    void deleteOfNothingDuringADownloadEndsTheRowOfDownloads();
-    void emptyingTheCardDuringADownloadEndsTheRowOfDownloads_data();
-    void emptyingTheCardDuringADownloadEndsTheRowOfDownloads();
-    void nextFileStartsBehindTheBoxOfADeleteAll();
+    void deleteOfNothingDuringADownloadEndsTheQueue();
+    void emptyingTheCardDuringADownloadEndsTheQueue_data();
+    void emptyingTheCardDuringADownloadEndsTheQueue();
+    void nextFileStartsWhileTheBoxOfADeleteAllIsOpen();
     void languageSwitchesWhileLinkedAndDownloading();
     void linkLostDuringADownloadDoesNotStopIt();
     void linkLostBetweenClickAndAnswerShowsAfterTheAnswer();
@@ -129,7 +129,7 @@ void InterplayTest::browseDuringADownloadLeavesItAlone()
     QVERIFY(user.progressBar().isVisible());
     QVERIFY(!user.canDownload());
 
-    // The row that was chosen holds another file now.
+    // The selected row holds another file now.
     (*gates)[0].open();
     QTRY_VERIFY((*gates)[1].isReached());
     QCOMPARE(user.downloadCount(), QStringLiteral("2/2"));
@@ -139,7 +139,7 @@ void InterplayTest::browseDuringADownloadLeavesItAlone()
     QCOMPARE(recording("y.mp4"), QByteArray("from y.mp4"));
 }
 
-void InterplayTest::deleteDuringADownloadEndsTheRowOfDownloads()
+void InterplayTest::deleteDuringADownloadEndsTheQueue()
 {
     scene->linkAndBrowse(fiveFiles);
     const UserWindow& user = *scene->user;
@@ -149,7 +149,7 @@ void InterplayTest::deleteDuringADownloadEndsTheRowOfDownloads()
     user.clickDownload();
     QTRY_COMPARE(user.progressBar().value(), 5);
 
-    // Both work through the one record of chosen rows, and the delete uses it up.
+    // Both use the same selection record, and the delete consumes it.
     user.chooseRows({0, 1});
     user.clickDelete();
     QCOMPARE(user.names(), (QStringList{"c.mp4", "d.mp4", "e.mp4"}));
@@ -177,7 +177,7 @@ void InterplayTest::downloadedFileMayBeDeletedMeanwhile()
     (*gates)[0].open();
     QTRY_VERIFY(user.isIdle());
     QCOMPARE(recording("b.mp4"), QByteArray("from b.mp4"));
-    // The next download is not disturbed.
+    // The next download works normally.
     scene->camera->answer(target("a.mp4"), "a");
     user.chooseRows({0});
     user.clickDownload();
@@ -185,7 +185,7 @@ void InterplayTest::downloadedFileMayBeDeletedMeanwhile()
     QTRY_VERIFY(user.isIdle());
 }
 
-void InterplayTest::deleteOfNothingDuringADownloadEndsTheRowOfDownloads()
+void InterplayTest::deleteOfNothingDuringADownloadEndsTheQueue()
 {
     scene->linkAndBrowse(fiveFiles);
     const UserWindow& user = *scene->user;
@@ -194,7 +194,7 @@ void InterplayTest::deleteOfNothingDuringADownloadEndsTheRowOfDownloads()
     user.clickDownload();
     QTRY_COMPARE(user.progressBar().value(), 5);
 
-    // The delete empties the record of chosen rows before it sees that none is chosen.
+    // The delete clears the selection record before it finds that nothing is selected.
     user.table().clearSelection();
     user.clickDelete();
     QCOMPARE(user.table().rowCount(), 5);
@@ -204,14 +204,14 @@ void InterplayTest::deleteOfNothingDuringADownloadEndsTheRowOfDownloads()
     QCOMPARE(scene->camera->targets(), Texts{target("e.mp4")});
 }
 
-void InterplayTest::emptyingTheCardDuringADownloadEndsTheRowOfDownloads_data()
+void InterplayTest::emptyingTheCardDuringADownloadEndsTheQueue_data()
 {
     QTest::addColumn<QByteArray>("command");
     QTest::newRow("delete all") << QByteArray(fake::deleteAllTarget);
     QTest::newRow("format") << QByteArray(fake::formatTarget);
 }
 
-void InterplayTest::emptyingTheCardDuringADownloadEndsTheRowOfDownloads()
+void InterplayTest::emptyingTheCardDuringADownloadEndsTheQueue()
 {
     QFETCH(QByteArray, command);
     scene->linkAndBrowse(fiveFiles);
@@ -238,9 +238,8 @@ void InterplayTest::emptyingTheCardDuringADownloadEndsTheRowOfDownloads()
     QCOMPARE(scene->camera->targets(), (Texts{target("e.mp4"), command}));
 }
 
-// The box waits in an event loop of its own, in which the download goes on; the rows are there
-// until it closes.
-void InterplayTest::nextFileStartsBehindTheBoxOfADeleteAll()
+// The box runs its own event loop, in which the download continues; the rows stay until it closes.
+void InterplayTest::nextFileStartsWhileTheBoxOfADeleteAllIsOpen()
 {
     scene->linkAndBrowse(fiveFiles);
     const UserWindow& user = *scene->user;
@@ -317,7 +316,7 @@ void InterplayTest::linkLostDuringADownloadDoesNotStopIt()
     (*gates)[0].open();
     QTRY_VERIFY(user.isIdle());
     QCOMPARE(recording("a.mp4"), QByteArray("a"));
-    // But no other one begins.
+    // But no further one starts.
     user.clickDownload();
     QVERIFY(user.isIdle());
     QCOMPARE(scene->camera->targets().size(), 2);
@@ -329,7 +328,7 @@ void InterplayTest::linkLostBetweenClickAndAnswerShowsAfterTheAnswer()
     const UserWindow& user = *scene->user;
     scene->camera->on(fake::deleteAllTarget, [this](fake::Connection& connection) {
         scene->control->link()->close();
-        // The link thread has noticed when it is back.
+        // The link thread has noticed once it reconnects.
         if (waitFor([this] { return scene->control->links() == QList<int>{2}; })) {
             connection.send(fake::withLength("Success\r\n"));
         }
@@ -377,7 +376,7 @@ void InterplayTest::linkLostDuringABrowseShowsAfterTheLastDetails()
     user.clickBrowse();
     QCOMPARE(user.names(), (QStringList{"a.mp4", "b.mp4"}));
     QCOMPARE(user.row(1).last(), QStringLiteral("37s"));
-    QVERIFY(user.showsLinkSuccess()); // the loss waits in the window's queue
+    QVERIFY(user.showsLinkSuccess()); // the loss is still queued for the window
     QTRY_VERIFY(user.showsLinkFail());
 }
 

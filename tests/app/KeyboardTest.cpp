@@ -1,4 +1,4 @@
-// The window without a mouse: where the Tab key leads, and the way into and out of the table.
+// The window without a mouse: the tab order, and entering and leaving the table.
 #include "app/MainWindow.h"
 #include "card/FileTable.h"
 #include "tests/app/SelectedRows.h"
@@ -29,7 +29,7 @@ private slots:
     void shiftTabGoesBack();
     void spacePressesTheButtonInFocus_data();
     void spacePressesTheButtonInFocus();
-    void arrowsChooseRowsInTheTable();
+    void arrowsSelectRowsInTheTable();
     void tabStaysInATableWithRows();
     void ctrlTabLeavesTheTableAndKeepsTheSelection_data();
     void ctrlTabLeavesTheTableAndKeepsTheSelection();
@@ -39,7 +39,7 @@ private:
     {
         return support::WindowProbe(*m_window).child<QTableWidget>("tableWidgetFileInfo");
     }
-    /// Into the table, as it stands after a browse.
+    /// Fills the table as a browse does.
     void enterTableOfFive() const;
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
     {
@@ -116,14 +116,14 @@ void KeyboardTest::spacePressesTheButtonInFocus()
     auto* button = qobject_cast<QAbstractButton*>(QApplication::focusWidget());
     QVERIFY(button != nullptr);
     QCOMPARE(button->objectName(), QString::fromLatin1(QTest::currentDataTag()));
-    // Only the key is of interest here: what the buttons do is tested with a vehicle.
+    // Only the key matters here; what the buttons do is tested with a vehicle.
     QVERIFY(button->disconnect(m_window.get()));
     const QSignalSpy clicks(button, SIGNAL(clicked()));
     press(Qt::Key_Space);
     QCOMPARE(clicks.count(), 1);
 }
 
-void KeyboardTest::arrowsChooseRowsInTheTable()
+void KeyboardTest::arrowsSelectRowsInTheTable()
 {
     enterTableOfFive();
     press(Qt::Key_Down);
@@ -138,7 +138,7 @@ void KeyboardTest::arrowsChooseRowsInTheTable()
     QCOMPARE(selectedRows(), (QList<int>{0, 1, 2, 3, 4}));
 }
 
-/// Which is why another key has to lead out.
+/// That is why another key must leave the table.
 void KeyboardTest::tabStaysInATableWithRows()
 {
     enterTableOfFive();

@@ -1,4 +1,4 @@
-// English and Chinese, switched while the window stands.
+// Switching between English and Chinese while the window is open.
 #include "app/MainWindow.h"
 #include "tests/support/TestMain.h"
 #include "tests/support/WindowProbe.h"
@@ -44,13 +44,13 @@ private slots:
     void everySwitchReloadsTheOneTranslator();
     void titleStaysAsTheProgramSetIt();
     void linkStatusOnScreenChangesLanguageWhenItIsNextSet();
-    void linkFailureIsShownInTheChosenLanguage();
+    void linkFailureIsShownInTheSelectedLanguage();
     void missingCatalogueShowsTheEnglishTexts();
 
 private:
     using Texts = QMap<QString, QString>;
 
-    /// Every text of the window that has a translation, by object name; headers as header0 to 3.
+    /// Every translated text of the window, by object name; headers as header0 to header3.
     Texts shown() const
     {
         Texts texts;
@@ -139,7 +139,7 @@ void LanguageTest::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
 }
 
-/// The translator outlives its window: leave it with the English texts for the next one.
+/// The translator outlives its window: leaves it with the English texts for the next one.
 void LanguageTest::cleanup()
 {
     choose(1);
@@ -233,7 +233,7 @@ void LanguageTest::linkStatusOnScreenChangesLanguageWhenItIsNextSet()
     QCOMPARE(status(), QStringLiteral("Link Success!"));
 }
 
-void LanguageTest::linkFailureIsShownInTheChosenLanguage()
+void LanguageTest::linkFailureIsShownInTheSelectedLanguage()
 {
     report(false);
     QCOMPARE(status(), QStringLiteral("Link Fail!"));

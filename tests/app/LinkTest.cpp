@@ -1,4 +1,4 @@
-// "Link Device" with scripted modules on the real addresses: probes, status, versions.
+// "Link Device" with scripted modules at the real addresses: probes, status, versions.
 #include "link/ControlClientThread.h"
 #include "link/GroundClientThread.h"
 #include "tests/app/FakeVehicle.h"
@@ -49,8 +49,8 @@ private slots:
     void silentModuleFailsAfterASecond();
     void bothReachableShowSuccessAndStartTwoThreads();
     void probeSendsNothingAndIsClosed();
-    void failureAndSuccessHaveTheirExactLook_data();
-    void failureAndSuccessHaveTheirExactLook();
+    void failureAndSuccessLookExactlyAsDesigned_data();
+    void failureAndSuccessLookExactlyAsDesigned();
     void secondClickWhileLinkedDoesNothing();
     void clickAfterAFailureProbesAgain();
     void heartbeatIsAnsweredOnBothLinks();
@@ -64,9 +64,9 @@ private slots:
     void versionsAreWrittenInHundredths_data();
     void versionsAreWrittenInHundredths();
     void statusKeepsItsLanguageUntilItIsSetAgain();
-    void failureIsToldInTheChosenLanguage();
-    void probeTellsWhetherAnAddressAnswers();
-    void probeWaitsASecondUnlessTold();
+    void failureIsShownInTheSelectedLanguage();
+    void probeReturnsWhetherAnAddressAnswers();
+    void probeWaitsASecondByDefault();
 };
 
 void LinkTest::statusIsEmptyBeforeTheFirstClick()
@@ -152,7 +152,7 @@ void LinkTest::bothReachableShowSuccessAndStartTwoThreads()
     QCOMPARE(groundThreads(user), 1);
     QVERIFY(user.window().findChild<ControlClientThread*>()->isRunning());
     QVERIFY(user.window().findChild<GroundClientThread*>()->isRunning());
-    // A probe and a link each.
+    // One probe and one link each.
     QTRY_COMPARE(control.links(), QList<int>{1});
     QTRY_COMPARE(ground.links(), QList<int>{1});
     QCOMPARE(ground.connectionCount(), 2);
@@ -172,7 +172,7 @@ void LinkTest::probeSendsNothingAndIsClosed()
     }
 }
 
-void LinkTest::failureAndSuccessHaveTheirExactLook_data()
+void LinkTest::failureAndSuccessLookExactlyAsDesigned_data()
 {
     QTest::addColumn<bool>("reachable");
     QTest::addColumn<QString>("text");
@@ -181,7 +181,7 @@ void LinkTest::failureAndSuccessHaveTheirExactLook_data()
     QTest::newRow("failure") << false << "Link Fail!" << notLinkedStyle;
 }
 
-void LinkTest::failureAndSuccessHaveTheirExactLook()
+void LinkTest::failureAndSuccessLookExactlyAsDesigned()
 {
     QFETCH(bool, reachable);
     QFETCH(QString, text);
@@ -208,7 +208,7 @@ void LinkTest::failureAndSuccessHaveTheirExactLook()
     if (QTest::currentTestFailed()) {
         return;
     }
-    // The other state, then the state again as the link thread tells it.
+    // The opposite state, then the state as the link thread signals it.
     user.probe().call("updateLinkedFlag", Q_ARG(bool, !reachable));
     QVERIFY(user.statusField().styleSheet() != styleSheet);
     user.statusField().setFont(QFont());
@@ -271,7 +271,7 @@ void LinkTest::lostLinkTurnsRedAndTheNextHeartbeatGreen()
     control.link()->close();
     QTRY_COMPARE(user.status(), QStringLiteral("Link Fail!"));
     QCOMPARE(user.statusField().styleSheet(), QString(notLinkedStyle));
-    // The thread has come back by itself; connecting alone is no link.
+    // The thread has reconnected by itself; a connection alone is not a link.
     QTRY_COMPARE(control.links(), QList<int>{2});
     QCOMPARE(user.status(), QStringLiteral("Link Fail!"));
     control.link()->send(heartbeat);
@@ -290,7 +290,7 @@ void LinkTest::lostGroundLinkIsShownNowhere()
     QTRY_COMPARE(control.links(), QList<int>{1});
     ground.link()->close();
     QTRY_COMPARE(ground.links(), QList<int>{2});
-    // Whatever the window was told of it, it is told before this answer.
+    // The window gets every signal before this answer is sent.
     control.link()->send(heartbeat);
     QTRY_COMPARE(control.link()->received(), heartbeatAnswer);
     QCoreApplication::processEvents();
@@ -336,7 +336,7 @@ void LinkTest::clickAfterALossStartsASecondPairBesideTheFirst()
     for (const auto* thread : user.window().findChildren<ControlClientThread*>()) {
         QVERIFY(thread->isRunning());
     }
-    // The first pair's links, and behind another probe the second pair's.
+    // The links of the first pair and, after another probe, those of the second pair.
     QTRY_COMPARE(control.links(), (QList<int>{2, 4}));
     QTRY_COMPARE(ground.links(), (QList<int>{1, 3}));
     for (const int link : {2, 4}) {
@@ -355,7 +355,7 @@ void LinkTest::versionReportFillsTheFiveFields()
     control.link()->send(versionReport);
     QTRY_COMPARE(user.versions(), (QStringList{"v7", "v3", "v6", "v1", "v0.1"}));
     QTRY_VERIFY(control.link()->isAllReadByClient());
-    // Low bytes from 80 on lower the value: 256 - 112.
+    // Low bytes of 0x80 or more lower the value: 256 - 112.
     control.link()->send(QByteArray::fromHex("aaaf0009ff0190012c0000ffff00"));
     QTRY_COMPARE(user.versions(), (QStringList{"v-1", "v1.44", "v3", "v0", "v-2.57"}));
 }
@@ -387,7 +387,7 @@ void LinkTest::versionReportAfterALossChangesNothing()
     QTRY_COMPARE(control.links(), QList<int>{2});
     control.link()->send(QByteArray::fromHex("aaaf000909000100020003000400"));
     QTRY_VERIFY(control.link()->isAllReadByClient());
-    // What the report did is done when the heartbeat behind it shows.
+    // The report has been processed when the heartbeat after it shows.
     control.link()->send(heartbeat);
     QTRY_COMPARE(user.status(), QStringLiteral("Link Success!"));
     QCOMPARE(user.versions(), (QStringList{"v7", "v3", "v6", "v1", "v0.1"}));
@@ -455,7 +455,7 @@ void LinkTest::statusKeepsItsLanguageUntilItIsSetAgain()
     QTRY_COMPARE(user.status(), QStringLiteral("Link Success!"));
 }
 
-void LinkTest::failureIsToldInTheChosenLanguage()
+void LinkTest::failureIsShownInTheSelectedLanguage()
 {
     const UserWindow user;
     user.chooseChinese();
@@ -467,7 +467,7 @@ void LinkTest::failureIsToldInTheChosenLanguage()
     QCOMPARE(user.status(), QStringLiteral("Link Fail!"));
 }
 
-void LinkTest::probeTellsWhetherAnAddressAnswers()
+void LinkTest::probeReturnsWhetherAnAddressAnswers()
 {
     const UserWindow user;
     bool answers = true;
@@ -483,7 +483,7 @@ void LinkTest::probeTellsWhetherAnAddressAnswers()
     QCOMPARE(answers, false);
 }
 
-void LinkTest::probeWaitsASecondUnlessTold()
+void LinkTest::probeWaitsASecondByDefault()
 {
     const support::SilentAddress silent(fake::groundAddress, 5000);
     const UserWindow user;

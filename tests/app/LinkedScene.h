@@ -1,4 +1,4 @@
-// The whole of it: both modules, the camera, and the window linked to them.
+// The complete scene: both modules, the camera, and the window linked to them.
 #pragma once
 
 #include "tests/app/FakeVehicle.h"
@@ -10,7 +10,7 @@
 #include <QList>
 #include <QTest>
 
-/// Made anew for each test function. The window goes first.
+/// Created for each test function. The window is destroyed first.
 struct LinkedScene
 {
     LinkedScene()
@@ -28,7 +28,7 @@ struct LinkedScene
         QTRY_COMPARE(ground->links(), QList<int>{1});
     }
 
-    /// Links, lists the files and forgets the requests for that.
+    /// Links, lists the files and discards the requests made so far.
     void linkAndBrowse(const QList<QByteArray>& names)
     {
         link();
@@ -38,7 +38,7 @@ struct LinkedScene
         camera->forgetRequests();
     }
 
-    // Each may be taken away to play a device that is switched off.
+    // Each may be removed to simulate a device that is switched off.
     std::optional<fake::Module> ground;
     std::optional<fake::Module> control;
     std::optional<fake::Camera> camera;

@@ -1,4 +1,4 @@
-// What the window offers by name, entry by entry.
+// The window's signals and slots, entry by entry.
 #include "app/MainWindow.h"
 #include "tests/support/TestMain.h"
 
@@ -18,16 +18,16 @@ class MetaObjectTest : public QObject
     Q_OBJECT
 
 private slots:
-    void classIsMainWindowUponQMainWindow();
+    void classIsMainWindowDerivedFromQMainWindow();
     void hasOneSignalAndTwentyFourSlotsAndNothingElse();
-    void entriesStandAsListed_data();
-    void entriesStandAsListed();
+    void entriesAreInTheirOrder_data();
+    void entriesAreInTheirOrder();
     void progressIsFoundByItsDeclaredTypes();
     void fieldOfLineEditInitIsAKnownType();
     void nothingEmitsTheReservedSignal();
 };
 
-void MetaObjectTest::classIsMainWindowUponQMainWindow()
+void MetaObjectTest::classIsMainWindowDerivedFromQMainWindow()
 {
     QCOMPARE(MainWindow::staticMetaObject.className(), "MainWindow");
     QCOMPARE(MainWindow::staticMetaObject.superClass(), &QMainWindow::staticMetaObject);
@@ -43,7 +43,7 @@ void MetaObjectTest::hasOneSignalAndTwentyFourSlotsAndNothingElse()
     QCOMPARE(window.constructorCount(), 0);
 }
 
-void MetaObjectTest::entriesStandAsListed_data()
+void MetaObjectTest::entriesAreInTheirOrder_data()
 {
     QTest::addColumn<int>("index");
     QTest::addColumn<int>("kind");
@@ -98,7 +98,7 @@ void MetaObjectTest::entriesStandAsListed_data()
     slot("void", "updateLinkedFlag(bool)", "flag");
 }
 
-void MetaObjectTest::entriesStandAsListed()
+void MetaObjectTest::entriesAreInTheirOrder()
 {
     QFETCH(int, index);
     const QMetaMethod method =

@@ -1,4 +1,4 @@
-// What the process is given before anything else.
+// The process setup before anything else runs.
 #include "app/ProcessSetup.h"
 
 #include "tests/support/TestMain.h"
@@ -17,7 +17,7 @@ class ProcessSetupTest : public QObject
     Q_OBJECT
 
 private slots:
-    void writingToAClosedPipeIsAnErrorAndNoMore();
+    void writingToAClosedPipeIsOnlyAnError();
     void softLimitOfDescriptorsIsRaisedToTheHardOne();
     void settingUpTwiceChangesNothing();
 
@@ -36,11 +36,11 @@ private:
     }
 };
 
-void ProcessSetupTest::writingToAClosedPipeIsAnErrorAndNoMore()
+void ProcessSetupTest::writingToAClosedPipeIsOnlyAnError()
 {
     std::signal(SIGPIPE, SIG_DFL);
     app::setUpProcess();
-    QVERIFY(pipeSignalHandler() == SIG_IGN); // else the write below ends the test
+    QVERIFY(pipeSignalHandler() == SIG_IGN); // otherwise the write below ends the test
 
     int ends[2] = {-1, -1};
     QCOMPARE(::pipe(ends), 0);

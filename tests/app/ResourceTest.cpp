@@ -21,7 +21,7 @@ class ResourceTest : public QObject
 private slots:
     void pathsAreValidBeforeMain();
     void collectionHoldsThreeFiles();
-    void iconIsASquarePictureOf512();
+    void iconIsASquareImageOf512Pixels();
     void cataloguesOfFixedSizeLoadByTheirFileName_data();
     void cataloguesOfFixedSizeLoadByTheirFileName();
 };
@@ -49,7 +49,7 @@ void ResourceTest::collectionHoldsThreeFiles()
                                  ":/translation/belun_english.qm"}));
 }
 
-void ResourceTest::iconIsASquarePictureOf512()
+void ResourceTest::iconIsASquareImageOf512Pixels()
 {
     const QImage icon(QStringLiteral(":/Images/appicon.png"), "PNG");
     QCOMPARE(icon.size(), QSize(512, 512));

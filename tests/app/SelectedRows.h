@@ -1,4 +1,4 @@
-// The rows of a table that are chosen, for tests.
+// The selected rows of a table.
 #pragma once
 
 #include <algorithm>

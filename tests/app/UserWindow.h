@@ -1,4 +1,4 @@
-// The program's window in the hands of a user.
+// The program's window, operated as by a user.
 #pragma once
 
 #include "app/MainWindow.h"
@@ -12,7 +12,7 @@
 #include <QStringList>
 #include <QTableWidget>
 
-/// Shows the window, works its widgets with mouse and keyboard and tells what it says.
+/// Shows the window, operates its widgets with mouse and keyboard, and reads what it shows.
 class UserWindow
 {
 public:
@@ -21,8 +21,8 @@ public:
     UserWindow(const UserWindow&) = delete;
     UserWindow& operator=(const UserWindow&) = delete;
 
-    /// Destroys the window, as the end of the program does, with English chosen: its translator
-    /// stays installed and would speak for the next window too.
+    /// Destroys the window, as the end of the program does, with English selected: its translator
+    /// stays installed and would translate the next window too.
     void destroy();
 
     MainWindow& window() const { return *m_window; }
@@ -34,7 +34,7 @@ public:
     void clickDelete() const { probe().click(QStringLiteral("pushButtonDeleteFile")); }
     void clickDeleteAll() const { probe().click(QStringLiteral("pushButtonDeleteAllFiles")); }
     void clickFormat() const { probe().click(QStringLiteral("pushButtonFormatCard")); }
-    /// Clicks the first row and the others with Ctrl held.
+    /// Clicks the first row, and the others while holding Ctrl.
     void chooseRows(const QList<int>& rows) const;
     void chooseEnglish() const;
     void chooseChinese() const;
@@ -49,7 +49,7 @@ public:
     QTableWidget& table() const;
     /// Texts of the name column.
     QStringList names() const;
-    /// The row's four texts; an empty one where there is no item.
+    /// The row's four texts; empty where there is no item.
     QStringList row(int number) const;
 
     QPushButton& button(const char* name) const;
@@ -59,7 +59,7 @@ public:
     QProgressBar& progressBar() const;
     bool canDownload() const { return button("pushButtonDownloadFile").isEnabled(); }
     bool canDeleteAll() const { return button("pushButtonDeleteAllFiles").isEnabled(); }
-    /// No download: the button waits for a click, bar and texts are gone.
+    /// No download: the button is enabled, and bar and texts are hidden.
     bool isIdle() const;
 
 private:

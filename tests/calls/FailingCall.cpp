@@ -14,7 +14,7 @@
 #include <sys/types.h>
 #include <unistd.h>
 
-// What the linker makes of --wrap: calls of X in our objects go to __wrap_X, and __real_X is X.
+// The linker option --wrap redirects calls of X in our objects to __wrap_X; __real_X is X.
 int realSocket(int domain, int type, int protocol) asm("__real_socket");
 int realBind(int descriptor, const sockaddr* address, socklen_t size) asm("__real_bind");
 int realConnect(int descriptor, const sockaddr* address, socklen_t size) asm("__real_connect");
@@ -63,7 +63,7 @@ struct Error
 {
     int number;
     Comes comes;
-    bool endsConnection; // the socket is of no more use behind it
+    bool endsConnection; // the socket is unusable afterwards
 };
 
 const std::map<std::string, Error> knownErrors = {
@@ -87,7 +87,7 @@ const std::map<std::string, Error> knownErrors = {
     {"ETIMEDOUT", {ETIMEDOUT, Comes::Anywhere, true}},
 };
 
-// Set before any thread begins.
+// Set before any thread starts.
 std::size_t failingCall = names.size();
 int failingNumber = 0;
 Error failure{};
@@ -108,7 +108,8 @@ bool canComeFrom(int descriptor)
     return S_ISSOCK(properties.st_mode) == (failure.comes == Comes::FromSockets);
 }
 
-/// As the real error leaves it: nothing comes any more, not even what had arrived.
+/// Leaves the socket as the real error would: nothing more is received, not even data that had
+/// arrived.
 void endConnection(int descriptor)
 {
     ::shutdown(descriptor, SHUT_RDWR);
@@ -117,7 +118,7 @@ void endConnection(int descriptor)
     }
 }
 
-/// Counts a call; true, with errno set, when it is the one that fails.
+/// Counts a call. Returns true and sets errno if this is the call to fail.
 bool fails(Call call, int descriptor)
 {
     if (++made[call] != failingNumber || call != failingCall || !canComeFrom(descriptor)) {
@@ -190,7 +191,7 @@ int wrappedConnect(int descriptor, const sockaddr* address, socklen_t size)
         return realConnect(descriptor, address, size);
     }
     if (failure.number == EINTR) {
-        // Interrupted is the wait, not the connecting: the next call finds it done.
+        // The wait is interrupted, not the connection attempt: the next call finds it completed.
         realConnect(descriptor, address, size);
         errno = EINTR;
     }

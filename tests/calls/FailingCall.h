@@ -1,5 +1,5 @@
-// One call into the system that fails, in a program linked for it: CMakeLists.txt has the linker
-// send the calls below that stand in our own objects here first. Qt's own calls are not touched.
+// Fault injection for a program linked for it: the linker redirects the calls below, where our own
+// objects make them, to this code (CMakeLists.txt). Qt's own calls are not affected.
 #pragma once
 
 #include <array>
@@ -12,18 +12,18 @@ namespace calls {
 constexpr std::array<const char*, 10> names = {
     "socket", "bind", "connect", "send", "recv", "read", "write", "open", "mkdir", "getsockname"};
 
-/// From now on the `number`-th call of that name, counted from 1, fails with `error`. Each of its
-/// errors has a kind of descriptor that it can come from; on another one the call is left alone.
-/// False when there is no such call, or no such error known.
+/// Makes the `number`-th call of that name, counted from 1, fail with `error`. Each error applies
+/// to one kind of descriptor; calls on other kinds are left alone. Returns false for an unknown
+/// call or error.
 bool failFromNowOn(const std::string& name, int number, const std::string& error);
 
-/// Whether that call has come and failed.
+/// Returns whether that call was made and failed.
 bool hasFailed();
 
-/// How often each call was made so far.
+/// Returns how often each call was made so far.
 std::array<int, names.size()> counts();
 
-/// The paths that open or mkdir were given so far.
+/// Returns the paths passed to open or mkdir so far.
 std::vector<std::string> paths();
 
 } // namespace calls

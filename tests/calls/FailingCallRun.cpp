@@ -1,8 +1,8 @@
-// One user's run of the window on a simulated vehicle in which one call into the system fails:
+// Runs one user session of the window with a simulated vehicle and one injected failure:
 //   failing_call_run [CALL NUMBER ERROR]
-// Each step is taken again when it did not succeed, as a user would: one call that failed may spoil
-// one attempt, never the next. Tells how often each call was made and what is wrong; status 0 when
-// nothing is, 2 when it was called wrongly. A run that hangs is ended by SIGALRM.
+// Each failed step is retried, as a user would: one failed call may fail one attempt, never the
+// next. Prints how often each call was made and what went wrong. The exit status is 0 if nothing
+// did and 2 for wrong arguments. A run that hangs is ended by SIGALRM.
 #include "app/ProcessSetup.h"
 #include "tests/app/UserWindow.h"
 #include "tests/calls/FailingCall.h"
@@ -29,7 +29,7 @@
 namespace {
 
 constexpr unsigned int runLimit = 60; // seconds
-constexpr int stepLimit = 10'000;     // milliseconds, as the next two
+constexpr int stepLimit = 10'000;     // milliseconds, like the next two
 constexpr int versionsLimit = 1'000;
 constexpr int closingLimit = 2'000;
 constexpr int attempts = 3;
@@ -58,7 +58,7 @@ bool eventually(const std::function<bool()>& condition, int limit = stepLimit)
     return support::WindowProbe::waitUntil(condition, limit);
 }
 
-/// Closes the message boxes that come and counts those of a success.
+/// Closes message boxes and counts those that report success.
 class BoxCloser : public QObject
 {
 public:
@@ -103,7 +103,7 @@ public:
     }
 
 private:
-    /// Takes the step, and again, until it has succeeded.
+    /// Repeats the step until it succeeds.
     void step(const char* name, const std::function<void()>& take,
               const std::function<bool()>& succeeded)
     {
@@ -123,7 +123,8 @@ private:
     void link()
     {
         m_user.clickLink();
-        // A link thread without a socket connects for ever: no versions, but no failure either.
+        // A link thread without a socket tries to connect forever: no versions, but no failure
+        // either.
         const QStringList none = {QString(), QString(), QString(), QString(), QString()};
         eventually([&] { return m_user.versions() != none; }, versionsLimit);
     }
@@ -170,7 +171,7 @@ private:
     BoxCloser m_boxes;
 };
 
-/// Every file and folder that is not one of the two recordings where they belong.
+/// Every file and folder other than the two expected recordings.
 void checkFolders()
 {
     const QString folder = desktop() + "/DCIM";

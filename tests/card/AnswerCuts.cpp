@@ -19,7 +19,7 @@ std::string outcome(std::size_t announced, const Delivery& delivery, const Answe
 {
     support::SocketPair pair;
     HTTPSession session;
-    session.socketDescriptor = std::exchange(pair.product, -1); // which the session closes
+    session.socketDescriptor = std::exchange(pair.product, -1); // closed by the session
     support::PieceSender sender(pair.test, session.socketDescriptor, delivery);
     HTTPClient client;
     HTTPResponse response;

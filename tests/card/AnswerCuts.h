@@ -1,4 +1,4 @@
-// The body of a camera's answer, delivered in every way a connection may deliver it.
+// The body of a camera answer, split and closed at every byte.
 #pragma once
 
 #include "tests/support/Cuts.h"
@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-/// What is made of an answer that has been received, as a text.
+/// Describes a received answer as a text.
 using AnswerReader = std::function<std::string(const std::string& answer)>;
 
-/// Fails the test unless the answer reads as its last piece says, however it is cut, when its
-/// length is announced, and is no answer when the connection is closed before its end. An answer
-/// without a length ends with the first receive: it reads as far as the first cut, or the end, as
-/// the pieces say.
+/// Fails the test unless the answer, with its length announced, reads as its last piece says
+/// however it is split, and is rejected if the connection closes before its end. Without a length
+/// an answer ends with the first receive: it reads up to the first split, or the end, as the pieces
+/// say.
 void checkEveryCut(const std::vector<support::Piece>& pieces, const AnswerReader& read);

@@ -1,4 +1,4 @@
-// Marker search, count, list walk. The lists are recorded answers, one case per file.
+// Marker search, count and list walk. The lists are recorded answers, one case per file.
 #include "card/CardAnswers.h"
 
 #include "tests/support/TestMain.h"
@@ -22,16 +22,16 @@ class CardAnswersTest : public QObject
     Q_OBJECT
 
 private slots:
-    void textStandsBetweenTheFirstMarkers_data();
-    void textStandsBetweenTheFirstMarkers();
+    void textIsBetweenTheFirstMarkers_data();
+    void textIsBetweenTheFirstMarkers();
     void missingMarkerGivesNoText_data();
     void missingMarkerGivesNoText();
 
     void scratchHoldsTheAnswerAndStartsZeroed_data();
     void scratchHoldsTheAnswerAndStartsZeroed();
 
-    void countTextSaysForHowManyFilesToAsk_data();
-    void countTextSaysForHowManyFilesToAsk();
+    void countTextGivesTheNumberOfFilesToQuery_data();
+    void countTextGivesTheNumberOfFilesToQuery();
 
     void listAnswerBecomesEntries_data();
     void listAnswerBecomesEntries();
@@ -41,7 +41,7 @@ private slots:
     void answerCutAnywhereIsReadToItsEnd();
 
 private:
-    /// The names in the order of the entries, "none" for an entry without one.
+    /// The names in entry order, "none" for an entry without a name.
     static QStringList namesIn(const char* answer)
     {
         QStringList names;
@@ -53,7 +53,7 @@ private:
     }
 };
 
-void CardAnswersTest::textStandsBetweenTheFirstMarkers_data()
+void CardAnswersTest::textIsBetweenTheFirstMarkers_data()
 {
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<QByteArray>("left");
@@ -80,7 +80,7 @@ void CardAnswersTest::textStandsBetweenTheFirstMarkers_data()
         "0123456789012345678901234567890123456789");
 }
 
-void CardAnswersTest::textStandsBetweenTheFirstMarkers()
+void CardAnswersTest::textIsBetweenTheFirstMarkers()
 {
     QFETCH(QByteArray, answer);
     QFETCH(QByteArray, left);
@@ -132,7 +132,7 @@ void CardAnswersTest::scratchHoldsTheAnswerAndStartsZeroed()
             static_cast<std::ptrdiff_t>(scratch.size()));
 }
 
-void CardAnswersTest::countTextSaysForHowManyFilesToAsk_data()
+void CardAnswersTest::countTextGivesTheNumberOfFilesToQuery_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<int>("listed");
@@ -168,7 +168,7 @@ void CardAnswersTest::countTextSaysForHowManyFilesToAsk_data()
     row("forty zeros and a 4", QByteArray(40, '0') + '4', 3, 4);
 }
 
-void CardAnswersTest::countTextSaysForHowManyFilesToAsk()
+void CardAnswersTest::countTextGivesTheNumberOfFilesToQuery()
 {
     QFETCH(QByteArray, text);
     QFETCH(int, listed);
@@ -191,7 +191,7 @@ void CardAnswersTest::listAnswerBecomesEntries_data()
     row("no-end", {first, second});
     row("last-entry-cut-in-name", {first, "none"});
     row("last-entry-cut-in-folder", {first, "none"});
-    // The search for the folder does not stop at the semicolon.
+    // The search for the folder continues past the semicolon.
     row("entry-without-folder", {first, third, third});
     row("last-entry-without-folder", {first, "none"});
     row("semicolons-only", {"none", "none", "none"});
@@ -260,7 +260,7 @@ void CardAnswersTest::answerCutAnywhereIsReadToItsEnd()
 {
     const QByteArray whole = "ZEPNA/BELUN_0001.mp4;ZEPNA/BELUN_0002.mp4;\r\n";
     for (int length = 0; length <= whole.size(); ++length) {
-        // A block of its own size, so that a memory checker sees a read past its end.
+        // An exact-size block, so that a memory checker detects reads past its end.
         const std::unique_ptr<char[]> cut(new char[static_cast<std::size_t>(length) + 1]());
         std::memcpy(cut.get(), whole.constData(), static_cast<std::size_t>(length));
         QStringList expected;

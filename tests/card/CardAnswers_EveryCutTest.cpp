@@ -1,4 +1,4 @@
-// List and count answers, good and bad, delivered in every way a connection may deliver them.
+// Valid and invalid list and count answers, split and closed at every byte.
 #include "card/CardAnswers.h"
 
 #include "card/CardCommands.h"
@@ -41,13 +41,13 @@ class CardAnswers_EveryCutTest : public QObject
     Q_OBJECT
 
 private slots:
-    void listIsReadAsFarAsItCame_data();
-    void listIsReadAsFarAsItCame();
-    void countIsReadAsFarAsItCame_data();
-    void countIsReadAsFarAsItCame();
+    void listIsReadAsFarAsReceived_data();
+    void listIsReadAsFarAsReceived();
+    void countIsReadAsFarAsReceived_data();
+    void countIsReadAsFarAsReceived();
 };
 
-void CardAnswers_EveryCutTest::listIsReadAsFarAsItCame_data()
+void CardAnswers_EveryCutTest::listIsReadAsFarAsReceived_data()
 {
     QTest::addColumn<Pieces>("pieces");
     const auto row = [](const char* name, const Pieces& pieces) { QTest::newRow(name) << pieces; };
@@ -81,13 +81,13 @@ void CardAnswers_EveryCutTest::listIsReadAsFarAsItCame_data()
     row("no list at all", {{"404 Not Found\r\n", "-"}});
 }
 
-void CardAnswers_EveryCutTest::listIsReadAsFarAsItCame()
+void CardAnswers_EveryCutTest::listIsReadAsFarAsReceived()
 {
     QFETCH(Pieces, pieces);
     checkEveryCut(pieces, namesIn);
 }
 
-void CardAnswers_EveryCutTest::countIsReadAsFarAsItCame_data()
+void CardAnswers_EveryCutTest::countIsReadAsFarAsReceived_data()
 {
     QTest::addColumn<Pieces>("pieces");
     const auto row = [](const char* name, const Pieces& pieces) { QTest::newRow(name) << pieces; };
@@ -100,7 +100,7 @@ void CardAnswers_EveryCutTest::countIsReadAsFarAsItCame_data()
     row("zero byte before the end", {{std::string("=\"12\0\";", 7), "none"}});
 }
 
-void CardAnswers_EveryCutTest::countIsReadAsFarAsItCame()
+void CardAnswers_EveryCutTest::countIsReadAsFarAsReceived()
 {
     QFETCH(Pieces, pieces);
     checkEveryCut(pieces, countOf);

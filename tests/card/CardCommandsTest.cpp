@@ -1,4 +1,4 @@
-// The addresses that the camera understands, letter for letter.
+// The exact addresses of the camera commands.
 #include "card/CardCommands.h"
 
 #include "tests/support/TestMain.h"
@@ -13,14 +13,14 @@ class CardCommandsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void addressesAreThoseTheCameraTakes_data();
-    void addressesAreThoseTheCameraTakes();
-    void argumentIsJoinedOnAsItStands_data();
-    void argumentIsJoinedOnAsItStands();
+    void commandAddressesAreExact_data();
+    void commandAddressesAreExact();
+    void argumentIsAppendedUnchanged_data();
+    void argumentIsAppendedUnchanged();
     void successIsTheWordWithItsLineEnd();
 };
 
-void CardCommandsTest::addressesAreThoseTheCameraTakes_data()
+void CardCommandsTest::commandAddressesAreExact_data()
 {
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("address");
@@ -43,13 +43,13 @@ void CardCommandsTest::addressesAreThoseTheCameraTakes_data()
         << "http://192.168.1.120/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
 }
 
-void CardCommandsTest::addressesAreThoseTheCameraTakes()
+void CardCommandsTest::commandAddressesAreExact()
 {
     QFETCH(QString, command);
     QTEST(command, "address");
 }
 
-void CardCommandsTest::argumentIsJoinedOnAsItStands_data()
+void CardCommandsTest::argumentIsAppendedUnchanged_data()
 {
     QTest::addColumn<QString>("argument");
     QTest::addColumn<QString>("address");
@@ -64,7 +64,7 @@ void CardCommandsTest::argumentIsJoinedOnAsItStands_data()
                                   << QStringLiteral("camera?&-name=sd/DCIM/100ZEPNA/深海.mp4");
 }
 
-void CardCommandsTest::argumentIsJoinedOnAsItStands()
+void CardCommandsTest::argumentIsAppendedUnchanged()
 {
     QFETCH(QString, argument);
     const QString joined =

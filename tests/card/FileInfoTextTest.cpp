@@ -1,4 +1,4 @@
-// Date, size and duration as the table shows them. The answers are recorded, one case per file.
+// Date, size and duration as shown in the table. The answers are recorded, one case per file.
 #include "card/FileInfoText.h"
 
 #include "tests/support/TestMain.h"
@@ -28,8 +28,8 @@ private slots:
     void durationIsShownAsReceived();
     void exactSizeIsChecked_data();
     void exactSizeIsChecked();
-    void answerWithoutASizeHasNoExactOne_data();
-    void answerWithoutASizeHasNoExactOne();
+    void answerWithoutASizeHasNoExactSize_data();
+    void answerWithoutASizeHasNoExactSize();
 };
 
 void FileInfoTextTest::answerBecomesDateSizeAndDuration_data()
@@ -51,8 +51,8 @@ void FileInfoTextTest::answerBecomesDateSizeAndDuration_data()
     row("short-create", "2020--  ::", "1KB", "5s");
     row("empty-values", "--  ::", "KB", "s");
     row("time-no-number", date, "KB", "a whiles");
-    // A field that is missing shows the one before it: the size then is the creation time's low 32
-    // bits, the duration the size's digits.
+    // A missing field shows the text of the one before it: the size is then the low 32 bits of the
+    // creation time, the duration the digits of the size.
     row("empty", "--  ::", "KB", "s");
     row("no-create", "--  ::", "1MB", "37s");
     row("no-size", date, "858MB", "37s");
@@ -60,7 +60,7 @@ void FileInfoTextTest::answerBecomesDateSizeAndDuration_data()
     row("only-create", date, "858MB", "858s");
     row("size-without-end", date, "858MB", "37s");
     row("zero-byte-ends", date, "858MB", "858s");
-    // Longer than any recording's.
+    // Longer than that of any recording.
     row("forty-digits", "2222-22-22  22:22:22", "KB",
         QString(40, QLatin1Char('4')) + QLatin1Char('s'));
     row("four-thousand-digits", "2222-22-22  22:22:22", "KB",
@@ -199,7 +199,7 @@ void FileInfoTextTest::exactSizeIsChecked()
     QTEST(qint64{exact.bytes}, "bytes");
 }
 
-void FileInfoTextTest::answerWithoutASizeHasNoExactOne_data()
+void FileInfoTextTest::answerWithoutASizeHasNoExactSize_data()
 {
     QTest::addColumn<QByteArray>("answer");
 
@@ -209,7 +209,7 @@ void FileInfoTextTest::answerWithoutASizeHasNoExactOne_data()
     QTest::newRow("after a zero byte") << QByteArray("time=\"37\";\0size=\"5\";", 21);
 }
 
-void FileInfoTextTest::answerWithoutASizeHasNoExactOne()
+void FileInfoTextTest::answerWithoutASizeHasNoExactSize()
 {
     QFETCH(QByteArray, answer);
     const card::ExactSize exact = card::exactSize(answer.constData());

@@ -1,4 +1,4 @@
-// The details of a recording, good and bad, delivered in every way a connection may deliver them.
+// Valid and invalid details of a recording, split and closed at every byte.
 #include "card/FileInfoText.h"
 
 #include "tests/card/AnswerCuts.h"
@@ -17,7 +17,7 @@ Q_DECLARE_METATYPE(Pieces)
 
 namespace {
 
-/// Date, size and duration with bars between.
+/// Date, size and duration, separated by bars.
 std::string shown(const std::string& answer)
 {
     const card::FileInfoText texts = card::readFileInfo(answer.c_str());
@@ -31,15 +31,15 @@ class FileInfoText_EveryCutTest : public QObject
     Q_OBJECT
 
 private slots:
-    void detailsAreShownAsFarAsTheyCame_data();
-    void detailsAreShownAsFarAsTheyCame();
+    void detailsAreShownAsFarAsReceived_data();
+    void detailsAreShownAsFarAsReceived();
 };
 
-void FileInfoText_EveryCutTest::detailsAreShownAsFarAsTheyCame_data()
+void FileInfoText_EveryCutTest::detailsAreShownAsFarAsReceived_data()
 {
     QTest::addColumn<Pieces>("pieces");
     const auto row = [](const char* name, const Pieces& pieces) { QTest::newRow(name) << pieces; };
-    // A field that has not come shows the text of the one before it.
+    // A field that was not received shows the text of the one before it.
     row("recording", {{"create=\"20200131124502\"", "--  ::|KB|s"},
                       {";size=\"1572864\"", "2020-01-31  12:45:02|858MB|858s"},
                       {";time=\"37\"", "2020-01-31  12:45:02|1MB|1s"},
@@ -66,7 +66,7 @@ void FileInfoText_EveryCutTest::detailsAreShownAsFarAsTheyCame_data()
     row("no such file", {{"no such file\r\n", "--  ::|KB|s"}});
 }
 
-void FileInfoText_EveryCutTest::detailsAreShownAsFarAsTheyCame()
+void FileInfoText_EveryCutTest::detailsAreShownAsFarAsReceived()
 {
     QFETCH(Pieces, pieces);
     checkEveryCut(pieces, shown);

@@ -1,4 +1,4 @@
-// The making of the table's cells. How the window's table is set up is tested with the window.
+// Creating the table's cells. The setup of the window's table is tested with the window.
 #include "card/FileTable.h"
 
 #include "tests/support/TestMain.h"
@@ -25,14 +25,14 @@ private slots:
 
     void columnsAreNameDateSizeDuration();
     void headersAreTheGivenTexts();
-    void delegateIsHandedOverAndUsed();
+    void delegateIsInstalledAndUsed();
     void nameRowHasATextAndNothingElse();
-    void nameRowsAreInsertedWhereToldTo();
-    void detailIsGrayAndAlignedAsTold_data();
-    void detailIsGrayAndAlignedAsTold();
+    void nameRowsAreInsertedAtTheGivenRow();
+    void detailIsGrayAndAlignedAsGiven_data();
+    void detailIsGrayAndAlignedAsGiven();
     void detailReplacesAnOlderOne();
-    void detailOfAMissingRowIsPassedOver_data();
-    void detailOfAMissingRowIsPassedOver();
+    void detailOfAMissingRowIsIgnored_data();
+    void detailOfAMissingRowIsIgnored();
 
 private:
     std::unique_ptr<NoFocusDelegate> m_delegate; // outlives the table
@@ -64,7 +64,7 @@ void FileTableTest::headersAreTheGivenTexts()
     QCOMPARE(shown, (QStringList{"one", "two", "three", "four"}));
 }
 
-void FileTableTest::delegateIsHandedOverAndUsed()
+void FileTableTest::delegateIsInstalledAndUsed()
 {
     QVERIFY(m_delegate != nullptr);
     QCOMPARE(m_table->itemDelegate(), static_cast<QAbstractItemDelegate*>(m_delegate.get()));
@@ -85,7 +85,7 @@ void FileTableTest::nameRowHasATextAndNothingElse()
     }
 }
 
-void FileTableTest::nameRowsAreInsertedWhereToldTo()
+void FileTableTest::nameRowsAreInsertedAtTheGivenRow()
 {
     card::addNameRow(*m_table, 0, QStringLiteral("a.mp4"));
     card::addNameRow(*m_table, 1, QStringLiteral("b.mp4"));
@@ -95,7 +95,7 @@ void FileTableTest::nameRowsAreInsertedWhereToldTo()
     QCOMPARE(m_table->item(2, 0)->text(), QStringLiteral("b.mp4"));
 }
 
-void FileTableTest::detailIsGrayAndAlignedAsTold_data()
+void FileTableTest::detailIsGrayAndAlignedAsGiven_data()
 {
     QTest::addColumn<int>("column");
     QTest::addColumn<int>("alignment");
@@ -105,7 +105,7 @@ void FileTableTest::detailIsGrayAndAlignedAsTold_data()
     QTest::newRow("last column") << 3 << 0x0084;
 }
 
-void FileTableTest::detailIsGrayAndAlignedAsTold()
+void FileTableTest::detailIsGrayAndAlignedAsGiven()
 {
     QFETCH(int, column);
     QFETCH(int, alignment);
@@ -127,7 +127,7 @@ void FileTableTest::detailReplacesAnOlderOne()
     QCOMPARE(m_table->item(0, 2)->text(), QStringLiteral("2MB"));
 }
 
-void FileTableTest::detailOfAMissingRowIsPassedOver_data()
+void FileTableTest::detailOfAMissingRowIsIgnored_data()
 {
     QTest::addColumn<int>("row");
 
@@ -136,7 +136,7 @@ void FileTableTest::detailOfAMissingRowIsPassedOver_data()
     }
 }
 
-void FileTableTest::detailOfAMissingRowIsPassedOver()
+void FileTableTest::detailOfAMissingRowIsIgnored()
 {
     QFETCH(int, row);
     card::addNameRow(*m_table, 0, QStringLiteral("a.mp4"));

@@ -1,10 +1,10 @@
-// A style whose focus frame cannot be missed.
+// A style with a very visible focus frame.
 #pragma once
 
 #include <QPainter>
 #include <QProxyStyle>
 
-/// Fills the place of every focus frame with pure red.
+/// Fills the area of every focus frame with pure red.
 class LoudFocusStyle : public QProxyStyle
 {
 public:

@@ -1,4 +1,5 @@
-// The fixed slots of the file names: what fits, what runs on, what is never written.
+// The fixed slots of the file names: names that fit, names that run on, slots that are never
+// written.
 #include "card/NameTable.h"
 
 #include "tests/support/TestMain.h"
@@ -26,7 +27,7 @@ private slots:
     void nameOf29CharactersFitsItsSlot();
     void nameOf30CharactersRunsIntoTheNextSlot();
     void nameOfSeveralSlotsIsReadFromEachOfThem();
-    void nextNameIsReadBehindTheFirst30CharactersOfALongOne();
+    void nextNameIsReadAfterTheFirst30CharactersOfALongOne();
     void shorterNameReplacesALongerOne();
     void slotsNotWrittenKeepTheirText();
     void nameInTheLastSlotIsCutWhereTheBlockEnds();
@@ -105,7 +106,7 @@ void NameTableTest::nameOfSeveralSlotsIsReadFromEachOfThem()
     QCOMPARE(name(8), QByteArray());
 }
 
-void NameTableTest::nextNameIsReadBehindTheFirst30CharactersOfALongOne()
+void NameTableTest::nextNameIsReadAfterTheFirst30CharactersOfALongOne()
 {
     store(0, "abcdefghijklmnopqrstuvwxyz0123.mp4");
     store(1, "next.mp4");

@@ -82,7 +82,7 @@ void NoFocusDelegateTest::focusedCellLooksLikeAnUnfocusedOne()
 {
     QFETCH(int, state);
     const auto unfocused = static_cast<QStyle::State>(state);
-    // Of use only where the base delegate shows the focus.
+    // Meaningful only if the base delegate shows the focus.
     QVERIFY(painted(m_base, unfocused | focus) != painted(m_base, unfocused));
 
     QCOMPARE(painted(m_noFocus, unfocused | focus), painted(m_base, unfocused));

@@ -20,8 +20,8 @@ private slots:
     void zeroIsTheEmptyText();
     void negativeValueAndOtherBasesLeaveTheBufferAsItWas_data();
     void negativeValueAndOtherBasesLeaveTheBufferAsItWas();
-    void nothingIsWrittenBehindTheTerminator_data();
-    void nothingIsWrittenBehindTheTerminator();
+    void nothingIsWrittenAfterTheTerminator_data();
+    void nothingIsWrittenAfterTheTerminator();
 
 private:
     /// 64 bytes of '#' after the call.
@@ -102,7 +102,7 @@ void NumberTextTest::negativeValueAndOtherBasesLeaveTheBufferAsItWas()
     QCOMPARE(written(value, radix), QByteArray(64, '#'));
 }
 
-void NumberTextTest::nothingIsWrittenBehindTheTerminator_data()
+void NumberTextTest::nothingIsWrittenAfterTheTerminator_data()
 {
     QTest::addColumn<int>("value");
     QTest::addColumn<int>("radix");
@@ -113,7 +113,7 @@ void NumberTextTest::nothingIsWrittenBehindTheTerminator_data()
     QTest::newRow("31 digits, the longest") << INT_MAX << 2 << 31;
 }
 
-void NumberTextTest::nothingIsWrittenBehindTheTerminator()
+void NumberTextTest::nothingIsWrittenAfterTheTerminator()
 {
     QFETCH(int, value);
     QFETCH(int, radix);

@@ -1,4 +1,4 @@
-// The chosen rows: their order, and what a full record does.
+// The selected rows: their order, and a full record.
 #include "card/SelectionRecord.h"
 
 #include "tests/support/TestMain.h"
@@ -18,8 +18,8 @@ class SelectionRecordTest : public QObject
 private slots:
     void init();
 
-    void rowsStandLargestFirst_data();
-    void rowsStandLargestFirst();
+    void rowsAreLargestFirst_data();
+    void rowsAreLargestFirst();
     void holds9999RowsAndTakesNoMore();
     void fullRecordKeepsItsRows();
     void countBelowZeroTakesNoRow();
@@ -55,7 +55,7 @@ void SelectionRecordTest::init()
     m_count = 0;
 }
 
-void SelectionRecordTest::rowsStandLargestFirst_data()
+void SelectionRecordTest::rowsAreLargestFirst_data()
 {
     QTest::addColumn<QVector<int>>("inserted");
     QTest::addColumn<QVector<int>>("expected");
@@ -75,7 +75,7 @@ void SelectionRecordTest::rowsStandLargestFirst_data()
     QTest::newRow("row 0 twice") << Rows{0, 0} << Rows{0, 0};
 }
 
-void SelectionRecordTest::rowsStandLargestFirst()
+void SelectionRecordTest::rowsAreLargestFirst()
 {
     QFETCH(QVector<int>, inserted);
     QFETCH(QVector<int>, expected);

@@ -32,7 +32,7 @@ constexpr quint16 port = 80;
 const int stopLimit = 500 * support::timeFactor(); // milliseconds
 const QByteArray requestEnd = "Connection:close\r\n\r\n";
 
-/// Bytes that tell where a piece is lost or doubled.
+/// Bytes that show where a piece is lost or duplicated.
 QByteArray pattern(int size)
 {
     QByteArray bytes;
@@ -81,17 +81,17 @@ private slots:
     void headThatEndsInLfLfCrLfIsRead();
     void bodyThatBeginsWithLineEndsKeepsThem();
     void zeroBytesInAHeadAreLeftOut();
-    void headCutByTheCameraIsReadAsFarAsItCame();
+    void headCutByTheCameraIsReadAsFarAsReceived();
     void statusIsNotExamined();
     void bodyIsReadIn4096BytesWithOneSignalEach();
     void everyReceiveGivesOneSignal();
     void bodyLongerThanAnnouncedIsDroppedFromTheNextReceiveOn();
     void bodyShorterThanAnnouncedLeavesAShorterFile();
-    void answerWithoutALengthBringsNoBody();
+    void answerWithoutALengthSavesNoBody();
     void refusedConnectionStillFinishes();
     void downloadWithoutADescriptorStillFinishes();
     void resetInTheHeadStillFinishes();
-    void resetInTheBodyKeepsWhatCame();
+    void resetInTheBodyKeepsWhatWasReceived();
     void failureIsPrintedWhileTheDownloadGoesOn();
     void socketAndFileStayOpenUntilTheObjectEnds();
     void downloadFileWorksInTheCallingThread();
@@ -186,7 +186,8 @@ void DownloadFileThreadTest::requestOver2048BytesIsSentWhole()
                                " HTTP/1.1\r\nAccept:"));
     QVERIFY(request.endsWith("\r\nHost:192.168.1.120\r\nConnection:close\r\n\r\n"));
     QCOMPARE(download.recorder.received, QList<qint64>({3}));
-    QCOMPARE(download.output.text(), QByteArray("Create file failed\n")); // no such long names
+    QCOMPARE(download.output.text(),
+             QByteArray("Create file failed\n")); // such a long name is not allowed
 }
 
 void DownloadFileThreadTest::recordingArrivesByteForByte()
@@ -247,7 +248,7 @@ void DownloadFileThreadTest::zeroBytesInAHeadAreLeftOut()
     QCOMPARE(contentOf("a.mp4"), QByteArray("abcd"));
 }
 
-void DownloadFileThreadTest::headCutByTheCameraIsReadAsFarAsItCame()
+void DownloadFileThreadTest::headCutByTheCameraIsReadAsFarAsReceived()
 {
     ScriptedServer server(
         answerWith("HTTP/1.1 200 OK\r\nContent-Type: video/mp4\r\nContent-Length: 5\r\n"), address,
@@ -326,7 +327,7 @@ void DownloadFileThreadTest::bodyShorterThanAnnouncedLeavesAShorterFile()
     QCOMPARE(download.recorder.finished, 1);
 }
 
-void DownloadFileThreadTest::answerWithoutALengthBringsNoBody()
+void DownloadFileThreadTest::answerWithoutALengthSavesNoBody()
 {
     ScriptedServer server(answerWith("HTTP/1.1 200 OK\r\nContent-Length:4\r\n\r\nabcd"), address,
                           port);
@@ -339,7 +340,7 @@ void DownloadFileThreadTest::answerWithoutALengthBringsNoBody()
 
 void DownloadFileThreadTest::refusedConnectionStillFinishes()
 {
-    const support::DeadlyPipeSignal deadly; // the request is written all the same
+    const support::DeadlyPipeSignal deadly; // the request is still written
     Download download("a.mp4");
     QVERIFY(download.run());
     QCOMPARE(download.output.text(), QByteArray("connect failed, return: -1\n"));
@@ -381,7 +382,7 @@ void DownloadFileThreadTest::resetInTheHeadStillFinishes()
     QCOMPARE(download.recorder.finished, 1);
 }
 
-void DownloadFileThreadTest::resetInTheBodyKeepsWhatCame()
+void DownloadFileThreadTest::resetInTheBodyKeepsWhatWasReceived()
 {
     const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n";
     ScriptedServer server(Script([&](Peer& peer) {

@@ -1,4 +1,4 @@
-// A download thread and what it tells the window, seen by a test.
+// Records the signals of a download thread.
 #pragma once
 
 #include "download/DownloadFileThread.h"
@@ -10,7 +10,7 @@
 #include <QTest>
 #include <QThread>
 
-/// Takes the thread's signals as the window does, queued.
+/// Receives the thread's signals through queued connections, as the window does.
 class DownloadRecorder : public QObject
 {
     Q_OBJECT
@@ -31,7 +31,7 @@ public slots:
     void downloadFileFinished() { ++finished; }
 };
 
-/// One download, its standard output and log captured.
+/// One download with its captured standard output and log.
 struct Download
 {
     explicit Download(const QString& name)
@@ -44,7 +44,7 @@ struct Download
     }
     void start() { thread.start(QThread::InheritPriority); }
 
-    /// Starts and waits until the download has told its end and its thread is over.
+    /// Starts the download and waits until it has reported its end and its thread has finished.
     bool run()
     {
         start();

@@ -1,4 +1,4 @@
-// Where a download goes on the local disk, and where it never goes.
+// Where a download is saved on the local disk, and where it never is.
 #include "download/LocalFile.h"
 
 #include "tests/download/DownloadRecorder.h"
@@ -33,7 +33,7 @@ constexpr char address[] = "192.168.1.120";
 constexpr quint16 port = 80;
 const int stopLimit = 500 * support::timeFactor(); // milliseconds
 
-/// Everything below the home folder: paths from there, by their bytes, folders with a slash.
+/// Everything below the home folder: relative paths as bytes, folders with a trailing slash.
 QList<QByteArray> homeContent(const QByteArray& below = QByteArray())
 {
     QList<QByteArray> paths;
@@ -102,7 +102,7 @@ bool bindLocalSocket(const QByteArray& path)
     return bound;
 }
 
-/// The camera, with "new content" under every name.
+/// A camera that serves "new content" under every name.
 class Camera
 {
 public:
@@ -113,7 +113,7 @@ public:
                           address, port};
 };
 
-/// The file mode mask of the process, while it lives.
+/// Sets the file mode mask of the process while this object exists.
 class ModeMask
 {
 public:
@@ -126,7 +126,7 @@ private:
     mode_t m_before;
 };
 
-/// A folder that is made and removed by its bytes, whatever their encoding.
+/// A folder created and removed by its byte name, whatever the encoding.
 class Folder
 {
 public:
@@ -152,33 +152,33 @@ class LocalFileTest : public QObject
 
 private slots:
     void init();
-    void existingLatin1DesktopIsTaken();
-    void desktopUnderItsNativeNameOnlyIsTaken_data();
-    void desktopUnderItsNativeNameOnlyIsTaken();
-    void latin1DesktopGoesBeforeTheNativeOne();
-    void desktopThatIsNowhereIsNamedInLatin1();
-    void bareFileNamesAreTold_data();
-    void bareFileNamesAreTold();
-    void missingFolderIsMade();
-    void modesAreOpenButForTheMask_data();
-    void modesAreOpenButForTheMask();
+    void existingLatin1DesktopIsUsed();
+    void desktopUnderItsNativeNameOnlyIsUsed_data();
+    void desktopUnderItsNativeNameOnlyIsUsed();
+    void latin1DesktopIsPreferredToTheNativeOne();
+    void missingDesktopIsNamedInLatin1();
+    void bareFileNamesAreRecognised_data();
+    void bareFileNamesAreRecognised();
+    void missingFolderIsCreated();
+    void modesAreOpenExceptForTheMask_data();
+    void modesAreOpenExceptForTheMask();
     void longerFileKeepsItsTail();
     void shorterFileIsReplaced();
     void existingFileKeepsItsMode();
     void failedDownloadLeavesAnExistingFileAlone();
     void folderMayBeALink();
-    void linkToNowhereIsAFailure();
+    void danglingLinkIsAFailure();
     void fileInPlaceOfTheFolderIsAFailure();
     void folderUnderTheRecordingsNameIsAFailure();
     void linkUnderTheRecordingsNameIsAFailure();
     void pipeUnderTheRecordingsNameIsAFailure();
     void deviceUnderTheRecordingsNameIsAFailure();
-    void fileUnderALeaseIsWaitedFor();
+    void openingAFileUnderALeaseWaits();
     void stopEndsTheWaitForALease();
-    void missingDesktopIsAFailureAndMakesNothing();
+    void missingDesktopIsAFailureAndCreatesNothing();
     void desktopWithAnotherNameIsFound_data();
     void desktopWithAnotherNameIsFound();
-    void desktopInLatin1GoesBeforeTheNativeOne();
+    void desktopInLatin1IsPreferredToTheNativeOne();
     void localNameIsLatin1_data();
     void localNameIsLatin1();
     void hostileNameIsFetchedButNotWritten_data();
@@ -201,7 +201,7 @@ void LocalFileTest::init()
             QFile::remove(entry.filePath());
         }
     }
-    // Names that are no UTF-8 are beyond Qt.
+    // Qt cannot handle names that are not UTF-8.
     const QByteArray latin1Desktop = inHome("\xC1rea");
     ::unlink(latin1Desktop + "/DCIM/a.mp4");
     ::rmdir(latin1Desktop + "/DCIM");
@@ -215,20 +215,20 @@ void LocalFileTest::setDesktop(const QByteArray& name)
     write(".config/user-dirs.dirs", "XDG_DESKTOP_DIR=\"$HOME/" + name + "\"\n");
 }
 
-void LocalFileTest::existingLatin1DesktopIsTaken()
+void LocalFileTest::existingLatin1DesktopIsUsed()
 {
     const QTemporaryDir base;
     QCOMPARE(download::recordingsFolder(base.path()), base.path().toLatin1() + "/DCIM/");
 }
 
-void LocalFileTest::desktopUnderItsNativeNameOnlyIsTaken_data()
+void LocalFileTest::desktopUnderItsNativeNameOnlyIsUsed_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("Latin letters with an accent") << QString::fromUtf8("Área de Trabalho");
     QTest::newRow("Chinese") << QString::fromUtf8("桌面");
 }
 
-void LocalFileTest::desktopUnderItsNativeNameOnlyIsTaken()
+void LocalFileTest::desktopUnderItsNativeNameOnlyIsUsed()
 {
     QFETCH(QString, name);
     const QTemporaryDir base;
@@ -238,7 +238,7 @@ void LocalFileTest::desktopUnderItsNativeNameOnlyIsTaken()
     QCOMPARE(download::recordingsFolder(desktop), desktop.toUtf8() + "/DCIM/");
 }
 
-void LocalFileTest::latin1DesktopGoesBeforeTheNativeOne()
+void LocalFileTest::latin1DesktopIsPreferredToTheNativeOne()
 {
     const QTemporaryDir base;
     const QString desktop = base.path() + QString::fromUtf8("/Área");
@@ -250,14 +250,14 @@ void LocalFileTest::latin1DesktopGoesBeforeTheNativeOne()
     QCOMPARE(download::recordingsFolder(desktop), latin1Path + "/DCIM/");
 }
 
-void LocalFileTest::desktopThatIsNowhereIsNamedInLatin1()
+void LocalFileTest::missingDesktopIsNamedInLatin1()
 {
     const QTemporaryDir base;
     QCOMPARE(download::recordingsFolder(base.path() + QString::fromUtf8("/Área")),
              base.path().toLatin1() + "/\xC1rea/DCIM/");
 }
 
-void LocalFileTest::bareFileNamesAreTold_data()
+void LocalFileTest::bareFileNamesAreRecognised_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<bool>("bare");
@@ -277,14 +277,14 @@ void LocalFileTest::bareFileNamesAreTold_data()
     QTest::newRow("zero byte behind") << QByteArray("..\0", 3) << false;
 }
 
-void LocalFileTest::bareFileNamesAreTold()
+void LocalFileTest::bareFileNamesAreRecognised()
 {
     QFETCH(QByteArray, name);
     QFETCH(bool, bare);
     QCOMPARE(download::isBareFileName(name), bare);
 }
 
-void LocalFileTest::missingFolderIsMade()
+void LocalFileTest::missingFolderIsCreated()
 {
     const Camera camera;
     Download download("a.mp4");
@@ -293,7 +293,7 @@ void LocalFileTest::missingFolderIsMade()
     QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("new content"));
 }
 
-void LocalFileTest::modesAreOpenButForTheMask_data()
+void LocalFileTest::modesAreOpenExceptForTheMask_data()
 {
     QTest::addColumn<unsigned>("mask");
     QTest::addColumn<unsigned>("mode");
@@ -301,7 +301,7 @@ void LocalFileTest::modesAreOpenButForTheMask_data()
     QTest::newRow("usual mask") << 0022U << 0755U;
 }
 
-void LocalFileTest::modesAreOpenButForTheMask()
+void LocalFileTest::modesAreOpenExceptForTheMask()
 {
     QFETCH(unsigned, mask);
     QFETCH(unsigned, mode);
@@ -367,7 +367,7 @@ void LocalFileTest::folderMayBeALink()
     QCOMPARE(contentOf("elsewhere/a.mp4"), QByteArray("new content"));
 }
 
-void LocalFileTest::linkToNowhereIsAFailure()
+void LocalFileTest::danglingLinkIsAFailure()
 {
     QCOMPARE(::symlink("../nowhere", inHome("Desktop/DCIM")), 0);
     const Camera camera;
@@ -423,7 +423,7 @@ void LocalFileTest::pipeUnderTheRecordingsNameIsAFailure()
     QCOMPARE(download.recorder.received, QList<qint64>({11}));
 }
 
-// A socket stands for all devices, which only root can make.
+// A socket represents all device files, which only root can create.
 void LocalFileTest::deviceUnderTheRecordingsNameIsAFailure()
 {
     QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
@@ -435,7 +435,7 @@ void LocalFileTest::deviceUnderTheRecordingsNameIsAFailure()
     QCOMPARE(download.recorder.received, QList<qint64>({11}));
 }
 
-void LocalFileTest::fileUnderALeaseIsWaitedFor()
+void LocalFileTest::openingAFileUnderALeaseWaits()
 {
     QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
     write("Desktop/DCIM/a.mp4", "old");
@@ -475,7 +475,7 @@ void LocalFileTest::stopEndsTheWaitForALease()
     QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("old"));
 }
 
-void LocalFileTest::missingDesktopIsAFailureAndMakesNothing()
+void LocalFileTest::missingDesktopIsAFailureAndCreatesNothing()
 {
     QVERIFY(QDir::home().rmdir("Desktop"));
     const Camera camera;
@@ -507,7 +507,7 @@ void LocalFileTest::desktopWithAnotherNameIsFound()
     QVERIFY(!QDir::home().exists("Desktop/DCIM"));
 }
 
-void LocalFileTest::desktopInLatin1GoesBeforeTheNativeOne()
+void LocalFileTest::desktopInLatin1IsPreferredToTheNativeOne()
 {
     setDesktop("Área");
     QCOMPARE(::mkdir(inHome("Área"), 0700), 0);

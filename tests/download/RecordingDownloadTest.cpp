@@ -28,17 +28,17 @@ class RecordingDownloadTest : public QObject
     Q_OBJECT
 
 private slots:
-    void missingSocketIsReportedAtOnce();
-    void refusedConnectionIsToldAtOnce();
+    void missingSocketIsReportedImmediately();
+    void refusedConnectionIsReportedImmediately();
     void headOfAConnectionThatFailedIsEmpty();
     void sixteenReceiveErrorsInARowEndTheBody();
     void errorCountsAsOneByteLess();
-    void fileThatCannotBeOpenedIsToldAtOnce();
+    void fileThatCannotBeOpenedIsReportedImmediately();
     void socketAndFileStayOpenUntilTheObjectEnds();
     void countOfMoreThan2GiBWraps();
 };
 
-void RecordingDownloadTest::missingSocketIsReportedAtOnce()
+void RecordingDownloadTest::missingSocketIsReportedImmediately()
 {
     QByteArray printed;
     bool opened = true;
@@ -56,7 +56,7 @@ void RecordingDownloadTest::missingSocketIsReportedAtOnce()
     QCOMPARE(printed, QByteArray("invalid socket descriptor: -1\n"));
 }
 
-void RecordingDownloadTest::refusedConnectionIsToldAtOnce()
+void RecordingDownloadTest::refusedConnectionIsReportedImmediately()
 {
     QByteArray printed;
     bool connected = true;
@@ -121,7 +121,7 @@ void RecordingDownloadTest::errorCountsAsOneByteLess()
     QCOMPARE(file.readAll(), QByteArray("abc"));
 }
 
-void RecordingDownloadTest::fileThatCannotBeOpenedIsToldAtOnce()
+void RecordingDownloadTest::fileThatCannotBeOpenedIsReportedImmediately()
 {
     QByteArray printed;
     bool opened = true;

@@ -7,11 +7,11 @@ namespace {
 struct Read
 {
     bool complete;
-    int taken; // bytes up to the end of the head
+    int taken; // the number of bytes up to the end of the head
     QByteArray text;
 };
 
-/// Gives the bytes to a head one by one until it is complete.
+/// Passes the bytes to a head one by one until it is complete.
 Read readHead(const QByteArray& bytes)
 {
     download::ResponseHead head;
@@ -37,12 +37,12 @@ private slots:
     void emptyHeadIsAnEmptyText();
     void zeroBytesAreLeftOut();
     void longHeadIsKeptWhole();
-    void statusIsTheWordBehindTheProtocol_data();
-    void statusIsTheWordBehindTheProtocol();
+    void statusIsTheWordAfterTheProtocol_data();
+    void statusIsTheWordAfterTheProtocol();
     void typeIsOneWordOfAtMost127Characters_data();
     void typeIsOneWordOfAtMost127Characters();
-    void lengthIsTheWordBehindItsName_data();
-    void lengthIsTheWordBehindItsName();
+    void lengthIsTheWordAfterItsName_data();
+    void lengthIsTheWordAfterItsName();
     void fieldsThatAreMissingStayZero();
     void wholeHeadIsRead();
 };
@@ -107,7 +107,7 @@ void ResponseHeadTest::longHeadIsKeptWhole()
     QVERIFY(read.text == text);
 }
 
-void ResponseHeadTest::statusIsTheWordBehindTheProtocol_data()
+void ResponseHeadTest::statusIsTheWordAfterTheProtocol_data()
 {
     QTest::addColumn<QByteArray>("head");
     QTest::addColumn<int>("status");
@@ -122,7 +122,7 @@ void ResponseHeadTest::statusIsTheWordBehindTheProtocol_data()
     QTest::newRow("cut behind the protocol") << QByteArray("HTTP/1.1") << 0;
 }
 
-void ResponseHeadTest::statusIsTheWordBehindTheProtocol()
+void ResponseHeadTest::statusIsTheWordAfterTheProtocol()
 {
     QFETCH(QByteArray, head);
     QFETCH(int, status);
@@ -162,7 +162,7 @@ void ResponseHeadTest::typeIsOneWordOfAtMost127Characters()
     QCOMPARE(QByteArray(header.file_name), QByteArray(""));
 }
 
-void ResponseHeadTest::lengthIsTheWordBehindItsName_data()
+void ResponseHeadTest::lengthIsTheWordAfterItsName_data()
 {
     QTest::addColumn<QByteArray>("head");
     QTest::addColumn<qint64>("length");
@@ -182,7 +182,7 @@ void ResponseHeadTest::lengthIsTheWordBehindItsName_data()
     QTest::newRow("cut behind its name") << QByteArray("Content-Length: ") << qint64{0};
 }
 
-void ResponseHeadTest::lengthIsTheWordBehindItsName()
+void ResponseHeadTest::lengthIsTheWordAfterItsName()
 {
     QFETCH(QByteArray, head);
     QFETCH(qint64, length);

@@ -1,5 +1,5 @@
-// Answers to a download, good and bad, delivered in every way a connection may deliver them: what
-// is read of the head, and what the local file then holds.
+// Valid and invalid answers to a download, split and closed at every byte: the parsed head and the
+// resulting local file.
 #include "tests/download/DownloadRecorder.h"
 #include "tests/support/Cuts.h"
 #include "tests/support/PacedSending.h"
@@ -37,18 +37,18 @@ QString localPath()
     return QDir::homePath() + QStringLiteral("/Desktop/DCIM/") + QLatin1String(name);
 }
 
-/// What came of one download.
+/// The outcome of one download.
 struct Outcome
 {
     std::string text;       ///< Status, type in brackets, length, and the local file in quotes.
     QList<qint64> received; ///< First values of the progress signals.
 };
 
-/// A camera that answers each request with the pieces it was given last.
+/// A camera that answers each request with the pieces set last.
 class Camera
 {
 public:
-    /// Downloads, in the thread this is called from.
+    /// Downloads in the calling thread.
     Outcome deliver(const Delivery& pieces)
     {
         setPieces(pieces);
@@ -106,7 +106,7 @@ void compare(Camera& camera, const Delivery& pieces, const std::string& expected
 
 const std::string nothing = "0 [] 0 \"\"";
 
-/// From "HTTP/1.1 200 OK" and its line end on, up to the end of the head.
+/// From the line ending of "HTTP/1.1 200 OK" to the end of the head.
 Pieces headOfFive(const std::string& end)
 {
     return {{"HTTP/1.1 ", nothing},
@@ -132,10 +132,10 @@ private slots:
     void closedAnywhere_data() { addAnswers(); }
     void closedAnywhere();
 
-    void bodyBeyondItsLengthIsKeptAsFarAsItCameInOneReceive_data();
-    void bodyBeyondItsLengthIsKeptAsFarAsItCameInOneReceive();
-    void progressIsToldForEachReceive_data();
-    void progressIsToldForEachReceive();
+    void bytesBeyondTheLengthAreKeptIfInTheSameReceive_data();
+    void bytesBeyondTheLengthAreKeptIfInTheSameReceive();
+    void progressIsReportedForEachReceive_data();
+    void progressIsReportedForEachReceive();
 
 private:
     static void addAnswers();
@@ -228,7 +228,7 @@ void ResponseHead_EveryCutTest::closedAnywhere()
 
 // --- where a cut changes the result --------------------------------------------------------------
 
-void ResponseHead_EveryCutTest::bodyBeyondItsLengthIsKeptAsFarAsItCameInOneReceive_data()
+void ResponseHead_EveryCutTest::bytesBeyondTheLengthAreKeptIfInTheSameReceive_data()
 {
     QTest::addColumn<Delivery>("pieces");
     QTest::addColumn<std::string>("file");
@@ -245,7 +245,7 @@ void ResponseHead_EveryCutTest::bodyBeyondItsLengthIsKeptAsFarAsItCameInOneRecei
     row("byte by byte", support::singleBytes(head + "hello12"), "hello");
 }
 
-void ResponseHead_EveryCutTest::bodyBeyondItsLengthIsKeptAsFarAsItCameInOneReceive()
+void ResponseHead_EveryCutTest::bytesBeyondTheLengthAreKeptIfInTheSameReceive()
 {
     QFETCH(Delivery, pieces);
     QFETCH(std::string, file);
@@ -253,7 +253,7 @@ void ResponseHead_EveryCutTest::bodyBeyondItsLengthIsKeptAsFarAsItCameInOneRecei
              QString::fromStdString("0 [] 5 \"" + file + '"'));
 }
 
-void ResponseHead_EveryCutTest::progressIsToldForEachReceive_data()
+void ResponseHead_EveryCutTest::progressIsReportedForEachReceive_data()
 {
     QTest::addColumn<Delivery>("pieces");
     QTest::addColumn<QList<qint64>>("received");
@@ -272,7 +272,7 @@ void ResponseHead_EveryCutTest::progressIsToldForEachReceive_data()
     row("nothing but the head", {head}, {});
 }
 
-void ResponseHead_EveryCutTest::progressIsToldForEachReceive()
+void ResponseHead_EveryCutTest::progressIsReportedForEachReceive()
 {
     QFETCH(Delivery, pieces);
     QFETCH(QList<qint64>, received);

@@ -1,6 +1,6 @@
 // Reading an answer's head.
 //
-// Input: what the camera sends. Ends with the connection, once closed and once failed.
+// Input: the bytes from the camera. The connection ends once by closing and once by failing.
 #include "http/HTTPClient.h"
 #include "tests/fuzz/Decimal.h"
 #include "tests/fuzz/MemoryPeer.h"
@@ -16,7 +16,7 @@ auto fields(const HTTPResponse& response)
                     response.headers);
 }
 
-/// Reads the head into the record and returns how many bytes that took.
+/// Reads the head into the record and returns the number of bytes consumed.
 std::size_t readHead(const std::string& text, fuzz::End end, HTTPResponse& response)
 {
     fuzz::TextPeer peer(text, text.size(), end);
@@ -25,7 +25,7 @@ std::size_t readHead(const std::string& text, fuzz::End end, HTTPResponse& respo
     return peer.received();
 }
 
-/// Where the head ends: behind the first line of nothing but its end.
+/// Returns the end of the head: after the first empty line.
 std::size_t endOfHead(const std::string& text)
 {
     if (text.compare(0, 2, "\r\n") == 0) {

@@ -1,7 +1,7 @@
 // Reading a chunked body.
 //
-// Input: what the camera sends behind the head. It is delivered whole, byte by byte and in pieces
-// of seven, and the connection is closed or fails behind it: that must make no difference.
+// Input: the bytes after the head. They are delivered whole, byte by byte and in pieces of seven,
+// and then the connection closes or fails. The result must always be the same.
 #include "http/HTTPClient.h"
 #include "tests/fuzz/MemoryPeer.h"
 
@@ -25,7 +25,7 @@ struct Outcome
     }
 };
 
-/// The same body read with a position in a text.
+/// Parses the same body by position in a text.
 Outcome expectedOutcome(const std::string& text)
 {
     Outcome outcome;

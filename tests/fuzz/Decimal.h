@@ -1,4 +1,4 @@
-// Numbers as a target reads them by itself, to compare with what the product reads.
+// Parses numbers independently, to compare with the product's result.
 #pragma once
 
 #include <optional>
@@ -6,8 +6,8 @@
 
 namespace fuzz {
 
-/// Value of the leading decimal digits: 0 without digits, nothing for texts that begin with a space
-/// or a sign, or with more than nine digits, which the product may read in its own way.
+/// Returns the value of the leading decimal digits: 0 without digits; nothing for texts that start
+/// with a space or sign or have more than nine digits, which the product may parse differently.
 inline std::optional<int> shortDecimal(std::string_view text)
 {
     constexpr std::string_view digits = "0123456789";

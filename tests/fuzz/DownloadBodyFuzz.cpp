@@ -1,7 +1,7 @@
 // Copying a recording from the connection to the file.
 //
-// Input: a line of two decimal numbers (the length announced, the size of the pieces in which the
-// recording arrives), then the recording.
+// Input: a line with two decimal numbers (the announced length and the size of the pieces), then
+// the recording.
 #include "download/RecordingDownload.h"
 #include "tests/fuzz/MemoryPeer.h"
 
@@ -35,7 +35,7 @@ Plan planOf(const std::string& input)
 
 void judge(const Plan& plan, fuzz::End end)
 {
-    // Pieces are written as long as the length is not reached; it is compared behind each receive.
+    // Pieces are written until the length is reached; it is checked after each receive.
     std::size_t expected = 0;
     std::size_t pieces = 0;
     while (expected < plan.recording.size() && static_cast<qint64>(expected) < plan.announced) {

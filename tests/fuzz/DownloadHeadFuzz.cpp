@@ -1,6 +1,6 @@
-// Reading the head of an answer to a download, and what it says.
+// Parsing the head of an answer to a download.
 //
-// Input: what the camera sends.
+// Input: the bytes from the camera.
 #include "download/RecordingDownload.h"
 #include "tests/fuzz/MemoryPeer.h"
 
@@ -12,8 +12,8 @@ namespace {
 
 constexpr std::string_view spaces = " \t\n\v\f\r";
 
-/// Where the head ends: behind the fourth carriage return or line feed in a row, zero bytes left
-/// out.
+/// Returns the end of the head: after the fourth carriage return or line feed in a row, ignoring
+/// zero bytes.
 std::size_t endOfHead(std::string_view text)
 {
     int run = 0;
@@ -29,7 +29,7 @@ std::size_t endOfHead(std::string_view text)
     return text.size();
 }
 
-/// What stands behind the word that begins with the marker, up to the end of the text.
+/// Returns the text after the word that begins with the marker, up to the end.
 std::string behindWord(const std::string& text, const char* marker)
 {
     const std::size_t word = text.find(marker);

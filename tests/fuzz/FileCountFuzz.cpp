@@ -1,7 +1,7 @@
-// Finding the number of the card's files.
+// Extracting the number of files on the card.
 //
-// Input: all that was received since the last emptying. The count is what stands between the first
-// =" and the next ";
+// Input: everything received since the text was last cleared. The count is the text between the
+// first =" and the next ";
 #include "card/CardAnswers.h"
 #include "card/CardCommands.h"
 #include "card/NameTable.h"
@@ -31,7 +31,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         *std::copy(found->begin(), found->end(), countText.begin()) = '\0';
     }
 
-    constexpr int listed = 12345; // a number that no count can be
+    constexpr int listed = 12345; // a number that cannot be a count
     const int files = card::filesToAskAbout(countText.data(), listed);
     fuzz::require(files == listed || (files >= 0 && files <= card::NameTable::capacity),
                   "no more files are asked about than the table holds");

@@ -1,4 +1,4 @@
-// A recording's details: from the camera's answer to the texts of the table.
+// Converting the camera's answer to a recording's details for the table.
 //
 // Input: the answer.
 #include "card/FileInfoText.h"
@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Takes over the value of a key. False if it is missing: the value of the one before is left.
+/// Stores the value of a key. Returns false if it is missing, leaving the previous value.
 bool take(std::string_view answer, std::string_view key, std::string& value)
 {
     const std::size_t start = answer.find(key);
@@ -71,7 +71,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                   "the date is the creation time with separators");
     judgeExactSize(answer.get(), text);
 
-    // A percent sign with a digit behind it may stand for the unit: such texts are not judged.
+    // Texts with a percent sign followed by a digit are not checked, because it may replace the
+    // unit.
     if (text.find('%') != std::string_view::npos) {
         return 0;
     }
@@ -88,7 +89,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                       "a size is cut to whole units, and none of them is no digit");
     }
 
-    // Without a duration the number of the size is shown, which is known here only if it was short.
+    // Without a duration the digits of the size are shown; they are known here only if they are
+    // short.
     if (take(text, "time=\"", value) || bytes) {
         fuzz::require(shown.duration == QString::fromStdString(value + "s"),
                       "the duration is the text as it was received");

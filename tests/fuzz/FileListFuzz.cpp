@@ -1,6 +1,6 @@
-// Walking the list of the card's files, and storing their names.
+// Walking the file list and storing the names.
 //
-// Input: the list as the camera sends it.
+// Input: the list.
 #include "card/CardAnswers.h"
 #include "card/NameTable.h"
 #include "tests/fuzz/Require.h"
@@ -16,13 +16,13 @@ namespace {
 using card::NameTable;
 using Names = std::vector<std::optional<std::string_view>>;
 
-// The last slot that the names of an input can reach: as many entries as bytes, the last name
+// The last slot that the names of an input can reach: as many entries as bytes, with the last name
 // running on.
 constexpr int lastReached = fuzz::longestInput + fuzz::longestInput / NameTable::slotSize + 1;
 constexpr std::size_t reach = (lastReached + 1) * NameTable::slotSize;
 constexpr int lastSlots = 20; // at the end of the table
 
-/// The same walk over a text.
+/// Walks a text in the same way.
 Names expectedNames(std::string_view list)
 {
     Names names;
@@ -49,8 +49,8 @@ Names walkedNames(const char* list)
     return names;
 }
 
-/// A table that reads as a new one. Making one anew for every input would take most of the time;
-/// the slots that an input can reach are emptied instead.
+/// A table equal to a new one. Creating one for every input would take most of the time, so only
+/// the slots that an input can reach are cleared.
 NameTable& emptyTable()
 {
     static NameTable names;

@@ -8,12 +8,12 @@ namespace {
 
 fuzz::MemoryPeer* current = nullptr;
 
-/// The most that a reader may ask of a connection that has ended.
+/// The most receives that a parser may attempt after the connection has ended.
 constexpr int patience = 64;
 
 } // namespace
 
-// The names are the linker's.
+// The linker prescribes these names.
 extern "C" {
 ssize_t __real_recv(int descriptor, void* buffer, std::size_t limit, int flags)
     __attribute__((weak));

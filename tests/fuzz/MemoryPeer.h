@@ -1,6 +1,6 @@
-// A peer in memory. A target is linked with --wrap for `recv`, `read` or `write`, so that the
-// product's call on descriptor -1, the one it has while no socket is open, ends up here. Every
-// other descriptor goes to the system.
+// A simulated peer in memory. A target is linked with --wrap for `recv`, `read` or `write`, so that
+// the product's calls on descriptor -1, which it uses while no socket is open, end up here. Other
+// descriptors go to the system.
 #pragma once
 
 #include "tests/fuzz/Require.h"
@@ -12,7 +12,7 @@
 
 namespace fuzz {
 
-/// Answers the receives on descriptor -1 while it lives; one at a time.
+/// Answers receives on descriptor -1 while this object exists; only one at a time.
 class MemoryPeer
 {
 public:
@@ -21,16 +21,17 @@ public:
     MemoryPeer(const MemoryPeer&) = delete;
     MemoryPeer& operator=(const MemoryPeer&) = delete;
 
-    /// As the system call: what it wrote into the buffer, 0 when closed, -1 with errno.
+    /// Like the system call: returns the number of bytes written to the buffer, 0 when closed, or
+    /// -1 with errno.
     virtual ssize_t receive(char* buffer, std::size_t limit) = 0;
-    /// Takes what is written to descriptor -1.
+    /// Receives what is written to descriptor -1.
     virtual void take(std::string_view /*bytes*/) {}
 };
 
 enum class End { Closed, Failed };
 
-/// Delivers a text in pieces of one size, then its end, as often as it is asked. A reader that goes
-/// on asking without end is a finding.
+/// Delivers a text in pieces of one size, then its end as often as requested. A parser that keeps
+/// asking is a finding.
 class TextPeer : public MemoryPeer
 {
 public:
@@ -42,7 +43,7 @@ public:
     ssize_t receive(char* buffer, std::size_t limit) override;
     void take(std::string_view bytes) override { m_written += bytes; }
 
-    /// How much of the text was received.
+    /// Returns how much of the text was received.
     std::size_t received() const { return m_received; }
     const std::string& written() const { return m_written; }
 

@@ -1,7 +1,7 @@
 // Reading a plain body.
 //
-// Input: a line of three decimal numbers (the length announced, the bytes received before, the size
-// of the pieces in which the body arrives), then the body.
+// Input: a line with three decimal numbers (the announced length, the bytes received before, the
+// size of the pieces), then the body.
 #include "http/HTTPClient.h"
 #include "tests/fuzz/MemoryPeer.h"
 
@@ -37,7 +37,7 @@ Plan planOf(const std::string& input)
 
 void judge(const Plan& plan, fuzz::End end)
 {
-    // The body is over with the first piece that brings the count up to the length.
+    // The body ends with the first piece that brings the count up to the length.
     std::size_t expected = 0;
     bool complete = false;
     while (!complete && expected < plan.body.size()) {

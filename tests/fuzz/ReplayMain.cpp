@@ -1,4 +1,5 @@
-// The ordinary build's main function of a fuzz target: feeds every file of a folder to it.
+// The main function of a fuzz target in an ordinary build: runs the target on every file of a
+// folder.
 #include "tests/fuzz/Require.h"
 
 #include <algorithm>
@@ -34,7 +35,8 @@ int main(int argc, char* argv[])
     std::sort(seeds.begin(), seeds.end());
     fuzz::require(seeds.size() >= fewestSeeds, "a target has at least thirty seeds");
     for (const std::filesystem::path& seed : seeds) {
-        std::cout << seed.filename().string() << std::endl; // before it is run: it may end us
+        std::cout << seed.filename().string()
+                  << std::endl; // printed before the run, which may end the process
         const std::vector<std::uint8_t> content = contentOf(seed);
         fuzz::require(content.size() <= fuzz::longestInput, "a seed has at most 512 bytes");
         LLVMFuzzerTestOneInput(content.data(), content.size());

@@ -1,4 +1,4 @@
-// What every fuzz target shares: its input and its judgement.
+// Shared by all fuzz targets: input and checks.
 #pragma once
 
 #include <cstddef>
@@ -12,11 +12,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace fuzz {
 
-/// Seeds are at most this long. The inputs that are invented are shorter for most targets, as
-/// tests/fuzz/run tells: short inputs run fast, and the readers' limits lie below or far beyond.
+/// Maximum length of a seed. Fuzzed inputs are shorter for most targets (see tests/fuzz/run): short
+/// inputs run fast, and the parsers' limits are below that length or far above.
 constexpr std::size_t longestInput = 512;
 
-/// Ends the process when a property does not hold; the fuzzer then keeps the input.
+/// Aborts if a property does not hold; the fuzzer then keeps the input.
 inline void require(bool holds, const char* property)
 {
     if (!holds) {
@@ -30,7 +30,7 @@ inline std::string textOf(const std::uint8_t* data, std::size_t size)
     return {reinterpret_cast<const char*>(data), size};
 }
 
-/// A C string in a block of exactly its size: a reader that leaves it is noticed at the first byte.
+/// A C string in a block of exactly its size, so that any access outside it is detected.
 class ExactCString
 {
 public:

@@ -1,7 +1,7 @@
 // Receiving from a module of the vehicle.
 //
-// Input: steps, each of which begins with a byte: 0 is a tick without a heartbeat, FF a receive
-// that a signal interrupts, any other number so many bytes that the module sends at once.
+// Input: steps, each starting with a byte: 0 is a tick without a heartbeat, FF a receive
+// interrupted by a signal, any other number the count of bytes that the module sends at once.
 #include "link/ReceiveLoop.h"
 #include "tests/fuzz/MemoryPeer.h"
 
@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t longestReceive = 100;
 constexpr int tickLimit = 6;
 
-/// Plays the steps. What it delivered last is what the handler has to be given.
+/// Plays the steps. The handler must be given what was delivered last.
 class Module : public fuzz::MemoryPeer
 {
 public:
@@ -67,7 +67,7 @@ private:
     bool m_ended = false;
 };
 
-/// A byte of what was delivered as an unsigned number, 0 behind its end.
+/// Returns a delivered byte as an unsigned number, 0 after the end.
 int byteAt(const std::string& delivered, std::size_t index)
 {
     return index < delivered.size() ? static_cast<std::uint8_t>(delivered[index]) : 0;

@@ -1,4 +1,5 @@
-// What devices may send, good and bad, with what becomes of it wherever the connection ends.
+// Valid and invalid input from devices, with the outcome for each point at which the connection may
+// end.
 #pragma once
 
 #include "tests/http/WireOutcome.h"
@@ -9,17 +10,17 @@
 
 using support::Piece;
 
-/// One answer, or a part of one. The outcome when all of it arrives is that of its last piece. How
-/// it is cut on its way makes no difference to any of these.
+/// One answer or a part of one. The outcome of the last piece is that of the complete answer.
+/// Splitting does not change any of these outcomes.
 struct Conversation
 {
     const char* name;
     Reader reader;
-    HTTPResponse before;       ///< The response record when reading begins.
-    bool endsByItself;         ///< The reader returns while the connection stays open.
-    std::string closedAtStart; ///< Outcome when the connection is closed without a byte.
+    HTTPResponse before;       ///< The response record before reading.
+    bool endsByItself;         ///< The parser returns although the connection is still open.
+    std::string closedAtStart; ///< Outcome if the connection is closed without a byte.
     std::vector<Piece> pieces;
-    std::string unread; ///< What the reader leaves when all has arrived.
+    std::string unread; ///< Unread bytes after everything was delivered.
 };
 
 std::vector<Conversation> headConversations();

@@ -10,12 +10,12 @@ public:
     {
     }
 
-    /// A body that the reader finds the end of.
+    /// A body whose end the parser detects.
     void complete(const char* name, std::vector<Piece> pieces, const std::string& unread = "")
     {
         all.push_back({name, m_reader, m_before, true, m_closedAtStart, std::move(pieces), unread});
     }
-    /// A body that only the end of the connection ends.
+    /// A body that ends only with the connection.
     void open(const char* name, std::vector<Piece> pieces)
     {
         all.push_back({name, m_reader, m_before, false, m_closedAtStart, std::move(pieces), ""});
@@ -29,7 +29,7 @@ private:
     std::string m_closedAtStart;
 };
 
-/// The end of a chunked body of five bytes "hello", behind the line end of its chunk.
+/// The end of a chunked body of five bytes "hello", after the line ending of its chunk.
 std::vector<Piece> withEnd(std::vector<Piece> pieces)
 {
     pieces.push_back({"h", "false chunked received=1 left=4 \"h\""});
@@ -37,7 +37,7 @@ std::vector<Piece> withEnd(std::vector<Piece> pieces)
     pieces.push_back({"l", "false chunked received=3 left=2 \"hel\""});
     pieces.push_back({"l", "false chunked received=4 left=1 \"hell\""});
     pieces.push_back({"o", "false chunked received=5 \"hello\""});
-    // A carriage return alone is a size line without digits: the last chunk.
+    // A lone carriage return is a size line without digits, that is, the last chunk.
     pieces.push_back({"\r", "false chunked last received=5 \"hello\""});
     pieces.push_back({"\n", "false chunked received=5 \"hello\""});
     pieces.push_back({"0\r\n", "false chunked last received=5 \"hello\""});
@@ -184,7 +184,7 @@ std::vector<Conversation> oddChunkConversations()
     const std::string last = "false chunked last";
     const std::string five = "false chunked left=5";
 
-    // Forms of the number 5. A beginning without digits is a last chunk while it is all there is.
+    // Different spellings of 5. A partial line without digits counts as the last chunk.
     body.complete("size with leading zeros", withEnd({{"0000000", last}, {"5\r\n", five}}));
     body.complete("size with an extension", withEnd({{"5;name=value; 7\r\n", five}}));
     body.complete("size with a space behind it", withEnd({{"5 \r\n", five}}));
@@ -237,7 +237,7 @@ std::vector<Conversation> oddChunkConversations()
                                         {"f\r\n", "false chunked left=2147483647"},
                                         {"a", "false chunked received=1 left=2147483646 \"a\""}});
 
-    // With the top bit set a size line is passed over as if it were not there.
+    // A size line with the top bit set is ignored.
     body.complete("size with the top bit set is passed over",
                   withEnd({{"8", "false chunked left=8"},
                            {"0", "false chunked left=128"},
@@ -260,7 +260,7 @@ std::vector<Conversation> oddChunkConversations()
     body.complete("negative size is passed over",
                   withEnd({{"-", last}, {"1\r\n", none}, {"5\r\n", five}}));
 
-    // Chunks whose data are not as long as announced.
+    // Chunks whose data does not match the announced length.
     body.complete("data longer than announced, the rest no digits",
                   {{"1\r\n", "false chunked left=1"},
                    {"h", "false chunked received=1 \"h\""},

@@ -1,7 +1,7 @@
 #include "tests/http/Conversations.h"
 
-// An unfinished last line is read like a finished one. Without a ": " it is kept under the empty
-// name: "{: }".
+// An unfinished last line is parsed like a finished one. A line without ": " is stored under the
+// empty name: "{: }".
 std::vector<Conversation> headConversations()
 {
     std::vector<Conversation> all;

@@ -1,4 +1,4 @@
-// Heads and bodies, good and bad, delivered in every way a connection may deliver them.
+// Valid and invalid heads and bodies, split and closed at every byte.
 #include "tests/http/Conversations.h"
 #include "tests/http/WireOutcome.h"
 #include "tests/support/TestMain.h"
@@ -35,7 +35,7 @@ QByteArray text(const std::string& bytes)
     return QByteArray::fromStdString(bytes);
 }
 
-/// Compares the outcome of a delivery of everything.
+/// Compares the outcome after all pieces were delivered.
 void checkWhole(const Conversation& conversation, std::vector<std::string> pieces)
 {
     const support::Delivery delivery{std::move(pieces), !conversation.endsByItself};
@@ -62,10 +62,10 @@ private slots:
 
     void bodyWithoutLengthEndsWithTheFirstPiece_data();
     void bodyWithoutLengthEndsWithTheFirstPiece();
-    void bodyBeyondItsLengthIsKeptAsFarAsItCameInOnePiece_data();
-    void bodyBeyondItsLengthIsKeptAsFarAsItCameInOnePiece();
-    void bodyBehindAnOlderLargerCountEndsWithTheFirstPiece_data();
-    void bodyBehindAnOlderLargerCountEndsWithTheFirstPiece();
+    void bytesBeyondTheLengthAreKeptIfInTheSamePiece_data();
+    void bytesBeyondTheLengthAreKeptIfInTheSamePiece();
+    void bodyAfterAnOlderLargerCountEndsWithTheFirstPiece_data();
+    void bodyAfterAnOlderLargerCountEndsWithTheFirstPiece();
 };
 
 void HTTPClient_EveryCutTest::deliveredWhole()
@@ -121,7 +121,7 @@ static void addCutRows(const HTTPResponse& before,
     }
 }
 
-/// A row is: its name, the outcome, what stays unread, the pieces.
+/// Each row has a name, the outcome, the unread bytes and the pieces.
 static void checkCutRow()
 {
     QFETCH(std::vector<std::string>, row);
@@ -151,7 +151,7 @@ void HTTPClient_EveryCutTest::bodyWithoutLengthEndsWithTheFirstPiece()
     checkCutRow();
 }
 
-void HTTPClient_EveryCutTest::bodyBeyondItsLengthIsKeptAsFarAsItCameInOnePiece_data()
+void HTTPClient_EveryCutTest::bytesBeyondTheLengthAreKeptIfInTheSamePiece_data()
 {
     HTTPResponse length2;
     length2.contentLength = 2;
@@ -166,12 +166,12 @@ void HTTPClient_EveryCutTest::bodyBeyondItsLengthIsKeptAsFarAsItCameInOnePiece_d
                         });
 }
 
-void HTTPClient_EveryCutTest::bodyBeyondItsLengthIsKeptAsFarAsItCameInOnePiece()
+void HTTPClient_EveryCutTest::bytesBeyondTheLengthAreKeptIfInTheSamePiece()
 {
     checkCutRow();
 }
 
-void HTTPClient_EveryCutTest::bodyBehindAnOlderLargerCountEndsWithTheFirstPiece_data()
+void HTTPClient_EveryCutTest::bodyAfterAnOlderLargerCountEndsWithTheFirstPiece_data()
 {
     HTTPResponse countReached;
     countReached.contentLength = 5;
@@ -188,7 +188,7 @@ void HTTPClient_EveryCutTest::bodyBehindAnOlderLargerCountEndsWithTheFirstPiece_
         });
 }
 
-void HTTPClient_EveryCutTest::bodyBehindAnOlderLargerCountEndsWithTheFirstPiece()
+void HTTPClient_EveryCutTest::bodyAfterAnOlderLargerCountEndsWithTheFirstPiece()
 {
     checkCutRow();
 }

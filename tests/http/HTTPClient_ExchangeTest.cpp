@@ -1,4 +1,4 @@
-// Whole GET exchanges over a connection: sendHeader, get, startGet, getData, stopGet.
+// Complete GET exchanges over a connection: sendHeader, get, startGet, getData, stopGet.
 #include "http/HTTPClient.h"
 
 #include "tests/http/SendPlan.h"
@@ -46,7 +46,7 @@ bool isOpen(int descriptor)
     return ::fcntl(descriptor, F_GETFD) != -1;
 }
 
-/// A port that nothing listens on.
+/// A port without a listener.
 int refusingPort()
 {
     return ScriptedServer([](Peer&) {}).port();
@@ -62,10 +62,10 @@ private slots:
     void headReachesTheServerByteForByte();
     void headOfAnUnknownMethodBeginsWithASpace();
     void lowSixteenBitsOfThePortAreUsed();
-    void hostWithoutAddressIsConnectedToAllTheSame();
-    void invalidDottedHostIsConnectedToAllTheSame();
+    void hostWithoutAddressIsStillConnectedTo();
+    void invalidDottedHostIsStillConnectedTo();
     void refusedConnectionFailsAndLeavesTheSocketOpen();
-    void failingSendFailsAndLeavesTheSocketOpen();
+    void failedSendLeavesTheSocketOpen();
     void headIsSentInAsManySendsAsItTakes();
     void headOfAMegabyteIsSentWhole();
 
@@ -92,7 +92,7 @@ private slots:
     void bodyEndsWithItsFirstReceiveOnceTheCountHasReachedItsLength();
     void chunkedStaysForLaterAnswers();
     void afterOneChunkedAnswerALaterBodyEndsWithOneLine();
-    void brokenChunkIsGoneOnWithInTheNextAnswer();
+    void unfinishedChunkContinuesInTheNextAnswer();
     void statusWithoutReasonKeepsTheOlderStatus();
     void headersOfEarlierAnswersStay();
     void lengthOfAnEarlierAnswerStays();
@@ -103,7 +103,7 @@ private slots:
     void startGetOfARefusedConnectionLeavesTheSessionOpen();
     void startGetOnAConnectedSessionFails();
     void getDataReadsTheBodyAndStopGetCloses();
-    void getDataOfAClosedPeerIsFalse();
+    void getDataOfAClosedPeerReturnsFalse();
     void stopGetOfAnUnusedSessionDoesNothing();
 };
 
@@ -161,7 +161,7 @@ void HTTPClient_ExchangeTest::lowSixteenBitsOfThePortAreUsed()
         "Host: 127.0.0.1:" + QByteArray::number(server.port() + 0x30000) + "\r\n"));
 }
 
-void HTTPClient_ExchangeTest::hostWithoutAddressIsConnectedToAllTheSame()
+void HTTPClient_ExchangeTest::hostWithoutAddressIsStillConnectedTo()
 {
     // The address 0 is this computer.
     ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"));
@@ -175,9 +175,9 @@ void HTTPClient_ExchangeTest::hostWithoutAddressIsConnectedToAllTheSame()
     QVERIFY(server.received(0).contains("\r\nHost: my_host:"));
 }
 
-void HTTPClient_ExchangeTest::invalidDottedHostIsConnectedToAllTheSame()
+void HTTPClient_ExchangeTest::invalidDottedHostIsStillConnectedTo()
 {
-    // The address of all ones takes no connection.
+    // The broadcast address accepts no connections.
     HTTPRequest request;
     request.host = "1.2.3.4.5";
     HTTP_REQ_TYPE type = HTTP_REQ_GET;
@@ -197,7 +197,7 @@ void HTTPClient_ExchangeTest::refusedConnectionFailsAndLeavesTheSocketOpen()
     QVERIFY(isOpen(session.socketDescriptor));
 }
 
-void HTTPClient_ExchangeTest::failingSendFailsAndLeavesTheSocketOpen()
+void HTTPClient_ExchangeTest::failedSendLeavesTheSocketOpen()
 {
     ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
     HTTPRequest request;
@@ -529,7 +529,7 @@ void HTTPClient_ExchangeTest::bodyEndsWithItsFirstReceiveOnceTheCountHasReachedI
 {
     const auto second = [](Peer& peer) {
         peer.receiveUntil("\r\n\r\n");
-        // Cut behind the head and behind the third byte of the body.
+        // Split after the head and after the third byte of the body.
         peer.sendInPieces(
             "HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n" + QByteArray(20000, 'b'), {42, 45});
         peer.waitUntilClosedByClient();
@@ -567,7 +567,7 @@ void HTTPClient_ExchangeTest::chunkedStaysForLaterAnswers()
     HTTPResponse response;
     std::string body;
     QVERIFY(HTTPClient().get(request, response, body));
-    // Were the record told that no chunk has been the last one, "A" would be the size of a chunk.
+    // If lastChunkSeen were false, "A" would be parsed as a chunk size.
     response.lastChunkSeen = false;
     QVERIFY(!HTTPClient().get(request, response, body));
     QVERIFY(response.chunked);
@@ -594,7 +594,7 @@ void HTTPClient_ExchangeTest::afterOneChunkedAnswerALaterBodyEndsWithOneLine()
     QCOMPARE(response.contentLength, 12u);
 }
 
-void HTTPClient_ExchangeTest::brokenChunkIsGoneOnWithInTheNextAnswer()
+void HTTPClient_ExchangeTest::unfinishedChunkContinuesInTheNextAnswer()
 {
     ScriptedServer server(
         {[](Peer& peer) {
@@ -742,7 +742,7 @@ void HTTPClient_ExchangeTest::getDataReadsTheBodyAndStopGetCloses()
     QVERIFY(server.waitForScripts(1));
 }
 
-void HTTPClient_ExchangeTest::getDataOfAClosedPeerIsFalse()
+void HTTPClient_ExchangeTest::getDataOfAClosedPeerReturnsFalse()
 {
     ScriptedServer server([](Peer& peer) {
         peer.receiveUntil("\r\n\r\n");

@@ -1,4 +1,4 @@
-// hostToLong. Names are looked up where no name server can be reached: unknown ones fail at once.
+// hostToLong. No name server can be reached here, so unknown names fail immediately.
 #include "http/HTTPClient.h"
 
 #include "tests/support/TestMain.h"
@@ -24,7 +24,7 @@ private slots:
     void knownNameGivesItsAddressInNetworkByteOrder();
 };
 
-/// The address as it lies in memory.
+/// The bytes of the address in memory.
 static QByteArray bytesOf(unsigned int address)
 {
     char bytes[4];
@@ -67,7 +67,7 @@ void HTTPClient_HostTest::unknownNameGivesZero_data()
     QTest::addColumn<QByteArray>("host");
     const auto row = [](const char* name, const QByteArray& host) { QTest::newRow(name) << host; };
 
-    // Read as a dotted address each of these would be all ones.
+    // As a dotted address, each of these would be all ones.
     row("underscore", "my_host");
     row("first of the letters", "A!");
     row("last of the letters", "z!");
@@ -92,7 +92,7 @@ void HTTPClient_HostTest::knownNameGivesItsAddressInNetworkByteOrder()
     const QRegularExpression line("^127\\.0\\.0\\.1\\s+localhost\\b",
                                   QRegularExpression::MultilineOption);
     if (!hosts.open(QIODevice::ReadOnly) || !line.match(hosts.readAll()).hasMatch()) {
-        // QSKIP with a reason and nothing more is not C++17 to Clang's mind.
+        // Clang rejects QSKIP with only a reason in C++17.
         QTest::qSkip("this system's /etc/hosts does not name 127.0.0.1 localhost", __FILE__,
                      __LINE__);
         return;

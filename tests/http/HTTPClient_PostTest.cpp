@@ -37,7 +37,7 @@ HTTPRequest requestTo(const ScriptedServer& server, const std::string& path)
     return request;
 }
 
-/// The head of a request without header lines of its own.
+/// The head of a request without headers of its own.
 QByteArray bareHead(const QByteArray& path, const ScriptedServer& server)
 {
     return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) +
@@ -64,7 +64,7 @@ class HTTPClient_PostTest : public QObject
 
 private slots:
     void bodyIsSentInAsManySendsAsItTakes();
-    void bodyWhoseSendFailsIsFalse();
+    void failedSendOfTheBodyReturnsFalse();
     void emptyBodySendsNothing();
     void bodyIsLeftAsItWas();
 
@@ -79,8 +79,8 @@ private slots:
     void postLeavesAChunkedBodyWithoutLengthUnread();
     void postReadsAChunkedBodyWithALength();
     void postReadsTheBodyWhenAnEarlierAnswerAnnouncedALength();
-    void postIsTrueThoughTheBodyIsCutShort();
-    void postIsTrueThoughThereIsNoAnswer();
+    void postReturnsTrueAlthoughTheBodyIsCutShort();
+    void postReturnsTrueAlthoughThereIsNoAnswer();
     void postClosesItsConnection();
     void postOfAnotherSchemeOpensNoSocket();
     void postOfARefusedConnectionFails();
@@ -91,7 +91,7 @@ private slots:
     void startPostOfARefusedAddressOpensNoSocket();
     void startPostOfARefusedConnectionLeavesTheSessionOpen();
     void postDataIsSentPieceByPiece();
-    void postDataToAClosedPeerIsFalse();
+    void postDataToAClosedPeerReturnsFalse();
     void stopPostReadsTheAnswerAndCloses();
     void stopPostLeavesABodyWithoutLengthUnread();
     void stopPostOfAClosedPeerCloses();
@@ -113,7 +113,7 @@ void HTTPClient_PostTest::bodyIsSentInAsManySendsAsItTakes()
     QCOMPARE(pair.arrived(), QByteArray("abcdefghij"));
 }
 
-void HTTPClient_PostTest::bodyWhoseSendFailsIsFalse()
+void HTTPClient_PostTest::failedSendOfTheBodyReturnsFalse()
 {
     SocketPair pair;
     HTTPSession session;
@@ -292,7 +292,7 @@ void HTTPClient_PostTest::postReadsTheBodyWhenAnEarlierAnswerAnnouncedALength()
     QCOMPARE(body.substr(0, 4), std::string("okun"));
 }
 
-void HTTPClient_PostTest::postIsTrueThoughTheBodyIsCutShort()
+void HTTPClient_PostTest::postReturnsTrueAlthoughTheBodyIsCutShort()
 {
     ScriptedServer server([](Peer& peer) {
         peer.receiveUntil("data");
@@ -306,7 +306,7 @@ void HTTPClient_PostTest::postIsTrueThoughTheBodyIsCutShort()
     QCOMPARE(body, std::string("hel"));
 }
 
-void HTTPClient_PostTest::postIsTrueThoughThereIsNoAnswer()
+void HTTPClient_PostTest::postReturnsTrueAlthoughThereIsNoAnswer()
 {
     ScriptedServer server([](Peer& peer) {
         peer.receiveUntil("data");
@@ -381,7 +381,7 @@ void HTTPClient_PostTest::postWhoseBodyCannotBeSentFailsWithoutReadingTheAnswer(
     QVERIFY(plan.used());
     QCOMPARE(response.statusCode, 0);
     QVERIFY(server.waitForScripts(1));
-    // Closing while the answer is unread resets the connection, and may drop what was on its way.
+    // Closing with an unread answer resets the connection and may drop data in transit.
     QVERIFY2((bareHead("/p", server) + "da").startsWith(server.received(0)), server.received(0));
 }
 
@@ -437,7 +437,7 @@ void HTTPClient_PostTest::postDataIsSentPieceByPiece()
              bareHead("/upload", server) + "first" + QByteArray("\0\r\n", 3) + "third");
 }
 
-void HTTPClient_PostTest::postDataToAClosedPeerIsFalse()
+void HTTPClient_PostTest::postDataToAClosedPeerReturnsFalse()
 {
     SocketPair pair;
     HTTPSession session;

@@ -1,4 +1,4 @@
-// makeHeader; how a head travels is in HTTPClient_ExchangeTest.
+// makeHeader. Sending the head is tested in HTTPClient_ExchangeTest.
 #include "http/HTTPClient.h"
 
 #include "tests/support/TestMain.h"
@@ -19,7 +19,7 @@ private slots:
     void hostLineNamesThePortUnlessItIs80();
     void headerLinesComeInByteOrderAndNoneIsAdded();
     void hostInTheMapIsWrittenASecondTime();
-    void versionAndPathAreWrittenAsTheyStand();
+    void versionAndPathAreWrittenUnchanged();
     void headsAreAppended();
     void requestIsLeftAsItWas();
     void headMayBeAppendedToATextOfTheRequest();
@@ -32,7 +32,7 @@ static std::string headOf(HTTPRequest request, HTTP_REQ_TYPE type = HTTP_REQ_GET
     return head;
 }
 
-/// A request whose head is its first two lines and the empty one.
+/// A request whose head consists of its first two lines and the empty line.
 static HTTPRequest bareRequest()
 {
     HTTPRequest request;
@@ -116,7 +116,7 @@ void HTTPClient_RequestHeadTest::hostInTheMapIsWrittenASecondTime()
     QCOMPARE(headOf(request), std::string("GET / HTTP/1.1\r\nHost: host\r\nHost: other\r\n\r\n"));
 }
 
-void HTTPClient_RequestHeadTest::versionAndPathAreWrittenAsTheyStand()
+void HTTPClient_RequestHeadTest::versionAndPathAreWrittenUnchanged()
 {
     HTTPRequest request = bareRequest();
     request.version = "HTTP/1.0";

@@ -1,5 +1,5 @@
-// Splitting a line, and what reading an answer does beyond HTTPClient_EveryCutTest: limits, sizes,
-// failing receives and what is kept in the record.
+// parseLine, and what HTTPClient_EveryCutTest does not cover: limits, sizes, failing receives and
+// the state kept in the record.
 #include "http/HTTPClient.h"
 
 #include "tests/support/SocketPair.h"
@@ -33,7 +33,7 @@ public:
         QVERIFY(m_pair.send(QByteArray::fromStdString(bytes)));
     }
     void close() { m_pair.closeTest(); }
-    /// From now on a receive that would have to wait fails.
+    /// Makes every receive that would block fail.
     void failInsteadOfWaiting() { ::fcntl(session.socketDescriptor, F_SETFL, O_NONBLOCK); }
     std::string unread()
     {
@@ -77,7 +77,7 @@ private slots:
     void halvesMayBeAppendedToTheLineItself();
     void headBeforeTheEmptyLineOnlyIsTaken();
     void headLineEndsAt102400Bytes();
-    void headOfAFailingConnectionIsAHead();
+    void failingConnectionEndsTheHeadWithoutAnError();
     void headersOfTwoAnswersAreKeptTogether();
     void laterHeadWithoutLengthKeepsTheOlderLength();
 
@@ -86,7 +86,7 @@ private slots:
     void plainBodyIsAppended();
     void plainBodyOfAClosedPeerEndsAtOnceWithWhatArrived();
     void plainBodyOfAFailingConnectionEndsWithWhatArrived();
-    void plainBodyWithoutLengthOfAClosedPeerIsFalse();
+    void plainBodyWithoutLengthOfAClosedPeerReturnsFalse();
     void hugeAnnouncedLengthReservesNoMemory();
 
     void chunksAreAppended();
@@ -216,7 +216,7 @@ void HTTPClient_ResponseTest::headLineEndsAt102400Bytes()
     QCOMPARE(response.headers.at("B"), std::string("y"));
 }
 
-void HTTPClient_ResponseTest::headOfAFailingConnectionIsAHead()
+void HTTPClient_ResponseTest::failingConnectionEndsTheHeadWithoutAnError()
 {
     Incoming incoming;
     incoming.deliver("HTTP/1.1 200 OK\r\nContent-Length: 5");
@@ -257,7 +257,7 @@ void HTTPClient_ResponseTest::laterHeadWithoutLengthKeepsTheOlderLength()
 
 void HTTPClient_ResponseTest::plainBodyIsReceivedInPiecesOfAtMost10240Bytes()
 {
-    // Of a packet a receive takes what it asks for, and the rest of the packet is gone.
+    // A receive takes the requested bytes of a packet; the rest of the packet is lost.
     int ends[2] = {-1, -1};
     QCOMPARE(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
     for (const char filler : {'a', 'b', 'c'}) {
@@ -317,11 +317,11 @@ void HTTPClient_ResponseTest::plainBodyOfAFailingConnectionEndsWithWhatArrived()
     std::string body;
     QVERIFY(!HTTPClient().readBody(incoming.session, response, body));
     QCOMPARE(body, std::string("hel"));
-    // A negative count is not counted.
+    // A negative result is not added to the count.
     QCOMPARE(response.received, 3u);
 }
 
-void HTTPClient_ResponseTest::plainBodyWithoutLengthOfAClosedPeerIsFalse()
+void HTTPClient_ResponseTest::plainBodyWithoutLengthOfAClosedPeerReturnsFalse()
 {
     Incoming incoming;
     incoming.close();
@@ -442,7 +442,7 @@ void HTTPClient_ResponseTest::sizeLineBeyond1024BytesRunsIntoTheData()
     HTTPResponse response = chunked();
     std::string body;
     QVERIFY(HTTPClient().readBody(incoming.session, response, body));
-    // The line's last byte counts as data; what is left, "o", is a size line without digits.
+    // The last byte of the line counts as data; the remaining "o" is a size line without digits.
     QCOMPARE(body, std::string("\nhell"));
     QCOMPARE(incoming.unread(), std::string("\r\n"));
 }

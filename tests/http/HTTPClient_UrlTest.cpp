@@ -15,11 +15,11 @@ private slots:
     void addressIsSplit();
     void addressIsRefusedAndNothingIsWritten_data();
     void addressIsRefusedAndNothingIsWritten();
-    void nothingIsPutBackToItsDefaultBetweenAddresses();
+    void nothingIsResetToItsDefaultBetweenAddresses();
     void addressItselfAndHeadersStayAsTheyWere();
 };
 
-/// A request that holds other values than a new one, so that a test sees what is written.
+/// A request with values other than the defaults, so that a test sees what is written.
 static HTTPRequest usedRequest(const QByteArray& url)
 {
     HTTPRequest request;
@@ -41,7 +41,7 @@ void HTTPClient_UrlTest::addressIsSplit_data()
         QTest::newRow(name) << url << host << port << path;
     };
 
-    // Neither port nor path: 1234 and "/before" are what the request held.
+    // Neither port nor path: 1234 and "/before" are the old values.
     row("eight characters are enough", "http://a", "a", 1234, "/before");
     row("host alone", "http://camera", "camera", 1234, "/before");
     row("prefix again behind itself", "http://http", "http", 1234, "/before");
@@ -122,7 +122,7 @@ void HTTPClient_UrlTest::addressIsRefusedAndNothingIsWritten()
     QCOMPARE(request.path, std::string("/before"));
 }
 
-void HTTPClient_UrlTest::nothingIsPutBackToItsDefaultBetweenAddresses()
+void HTTPClient_UrlTest::nothingIsResetToItsDefaultBetweenAddresses()
 {
     HTTPClient client;
     HTTPRequest request;

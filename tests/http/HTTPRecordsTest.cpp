@@ -16,7 +16,7 @@ private slots:
     void methodsCountFromOneInThirtyTwoBits();
     void clientHoldsNoData();
     void newRequestFetchesTheRootOverPort80();
-    void requestFieldsStandInTheirOrder();
+    void requestFieldsAreInOrder();
     void newRequestCarriesFourHeadersInByteOrder();
     void headerNamesAreOrderedByPlainByteValue();
     void newResponseIsEmpty();
@@ -51,7 +51,7 @@ void HTTPRecordsTest::newRequestFetchesTheRootOverPort80()
     QCOMPARE(request.path, std::string("/"));
 }
 
-void HTTPRecordsTest::requestFieldsStandInTheirOrder()
+void HTTPRecordsTest::requestFieldsAreInOrder()
 {
     const HTTPRequest request{"version", "url", "host", 1234, "path", {{"name", "value"}}};
     const auto& [version, url, host, port, path, headers] = request;

@@ -26,7 +26,7 @@ using support::ScriptedServer;
 
 namespace {
 
-/// A session on one end of a socket pair, and the other end.
+/// A session on one end of a socket pair, with the other end.
 class PairedSession
 {
 public:
@@ -54,9 +54,9 @@ public:
             m_peer = -1;
         }
     }
-    /// From now on a receive that would have to wait fails.
+    /// Makes every receive that would block fail.
     void failInsteadOfWaiting() { ::fcntl(session.socketDescriptor, F_SETFL, O_NONBLOCK); }
-    /// What arrived at the peer, at most 4,096 bytes.
+    /// Returns what the peer received, at most 4,096 bytes.
     std::string arrived() const
     {
         std::string bytes(4096, '\0');
@@ -76,7 +76,7 @@ bool isOpen(int descriptor)
     return ::fcntl(descriptor, F_GETFD) != -1;
 }
 
-/// Reads what is left without waiting.
+/// Reads the remaining bytes without waiting.
 std::string rest(HTTPSession& session)
 {
     ::fcntl(session.socketDescriptor, F_SETFL, O_NONBLOCK);
@@ -121,7 +121,7 @@ private slots:
     void lineOfAClosedPeerWithoutAByteIsZero();
     void lineAfterAnErrorWithoutAByteIsMinusOne();
     void lineAfterAnErrorWithThreeBytesIsThree();
-    void lineWithoutSocketIsMinusOne();
+    void readLineWithoutSocketReturnsMinusOne();
 
     void blockIsReadExactly_data();
     void blockIsReadExactly();
@@ -129,7 +129,7 @@ private slots:
     void blockOf3000BytesArrivesWhole();
     void blockOfAClosedPeerIsShort();
     void blockAfterAnErrorIsShort();
-    void blockWithoutSocketIsZero();
+    void readLimitWithoutSocketReturnsZero();
     void hugeBlockReservesNoMemory();
 };
 
@@ -469,7 +469,7 @@ void HTTPSessionTest::lineAfterAnErrorWithThreeBytesIsThree()
     QCOMPARE(line, std::string("abc"));
 }
 
-void HTTPSessionTest::lineWithoutSocketIsMinusOne()
+void HTTPSessionTest::readLineWithoutSocketReturnsMinusOne()
 {
     HTTPSession session;
     std::string line;
@@ -550,7 +550,7 @@ void HTTPSessionTest::blockAfterAnErrorIsShort()
     QCOMPARE(data, std::string());
 }
 
-void HTTPSessionTest::blockWithoutSocketIsZero()
+void HTTPSessionTest::readLimitWithoutSocketReturnsZero()
 {
     HTTPSession session;
     std::string data = "old";

@@ -1,5 +1,5 @@
-// The examples of docs/http-library.md, taken out of the page by the build, against a device that
-// expects what they promise.
+// Runs the examples of docs/http-library.md, which the build extracts from the page, with a device
+// that expects the documented behaviour.
 #include "http/HTTPClient.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/TestMain.h"
@@ -70,7 +70,7 @@ void LibraryPageTest::everyExampleOfThePageIsRunHere()
     }
     QCOMPARE(names.join(' '),
              QString("get again get-steps post post-steps multipart texts put session"));
-    // No block of code stands outside an example.
+    // Every code block belongs to an example.
     QCOMPARE(page.count("```"), 2 * names.size());
 }
 

@@ -1,11 +1,12 @@
-// Sends that take less than they are offered, nothing at all, or fail: what a kernel may do and no
-// test can make it do. The test program's own `send` stands in for the system's.
+// Simulates sends that take fewer bytes than offered, none, or fail, as a kernel may do. The test
+// program's own `send` replaces the system's.
 #pragma once
 
 #include <deque>
 
-/// While it lives, each send of this thread goes by the next result of the plan: a positive number
-/// sends that many bytes at most, 0 sends none, -1 fails. Behind its last result sends go as usual.
+/// While this object exists, each send of this thread follows the next result of the plan: a
+/// positive number sends at most that many bytes, 0 sends none, -1 fails. After the last result
+/// sends work normally.
 class SendPlan
 {
 public:
@@ -14,5 +15,5 @@ public:
     SendPlan(const SendPlan&) = delete;
     SendPlan& operator=(const SendPlan&) = delete;
 
-    bool used() const; ///< Every result was given.
+    bool used() const; ///< Whether every result was used.
 };

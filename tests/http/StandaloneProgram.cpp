@@ -1,5 +1,5 @@
-// A program of the library and nothing else: uses every operation once over a pair of sockets and
-// fails when it finds Qt in itself.
+// A program that links only this library: uses every operation once over a socket pair, and fails
+// if it contains Qt.
 #include "http/HTTPClient.h"
 
 #include <cstdio>
@@ -30,7 +30,7 @@ void deliver(HTTPSession& session, const std::string& bytes)
     ::shutdown(ends[1], SHUT_WR);
     session.closeSession();
     session.socketDescriptor = ends[0];
-    // The other end stays open until the process ends, so that sending to it succeeds.
+    // The other end stays open until the process ends, so that sending succeeds.
 }
 
 bool programHoldsQt()

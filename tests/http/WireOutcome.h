@@ -1,5 +1,5 @@
-// Reading from a connection whose other end delivers given bytes in given pieces, and telling in
-// one line what became of it.
+// Reads from a connection that delivers given bytes in given pieces, and describes the outcome in
+// one line.
 #pragma once
 
 #include "http/HTTPRecords.h"
@@ -7,18 +7,18 @@
 
 #include <string>
 
-/// What a reader is asked to read.
+/// What to read.
 enum class Reader { Head, Body, Answer };
 
-/// What came of reading, as a text: the result, then every field of the response that is not as in
-/// a new one, the header map in braces, the body in quotes, and what stayed unread. Line ends and
-/// bytes beyond ASCII are written as escapes.
+/// Returns the outcome of reading as a text: the result, every field of the response that differs
+/// from a new one, the header map in braces, the body in quotes, and the unread bytes. Line endings
+/// and non-ASCII bytes are escaped.
 struct Outcome
 {
     std::string text;
     std::string unread;
 };
 
-/// Reads over a socket pair with the response as given. A reader that does not return within five
-/// seconds is stopped, and the text says so.
+/// Reads over a socket pair into the given response. If the parser does not return within five
+/// seconds it is stopped, and the text says so.
 Outcome readFrom(Reader reader, const HTTPResponse& before, const support::Delivery& delivery);

@@ -41,7 +41,7 @@ const QByteArray answer = QByteArray::fromHex("aaaf0401015f");
 const QByteArray versionReport = QByteArray::fromHex("aaaf000907012c02580064000a00");
 const QByteArray unknownFrame = QByteArray::fromHex("aaaf7701000000");
 
-/// The thread, its timer stopped so that a test ticks by itself, and what it tells.
+/// The thread with its timer stopped, so that the test controls the ticks, and a recorder.
 struct Link
 {
     Link()
@@ -71,25 +71,25 @@ private slots:
     void metaObjectHasTwoSignalsAndOneSlot();
     void newThreadKnowsTheModule();
     void constructionAndDestructionAreLogged();
-    void timerTicksEachSecondBeforeTheThreadIsStarted();
+    void timerTicksEachSecondEvenBeforeTheThreadStarts();
     void connectionIsLoggedInOrder();
     void versionReportIsPassedOn();
     void versionReportWithALowByteOf80OrMore();
     void everyHeartbeatIsAnsweredAndReported();
     void heartbeatIsAnsweredExactlyWhateverItsOtherBytes_data();
     void heartbeatIsAnsweredExactlyWhateverItsOtherBytes();
-    void chunkStartingWithBBIsIgnored();
+    void receiveStartingWithBBIsIgnored();
     void otherTypesAreIgnored();
-    void frameSplitOverTwoChunksIsNotSeen();
-    void secondFrameInAChunkIsNotSeen();
-    void longChunkIsReadInPiecesOfAHundred();
-    void closedConnectionIsReportedAndMadeAnewAtOnce();
-    void resetConnectionIsReportedWithoutALine();
-    void sixTicksAndAnotherChunkEndTheConnection();
-    void fiveTicksAndAnotherChunkKeepIt();
+    void frameSplitBetweenTwoReceivesIsNotRecognised();
+    void secondFrameInAReceiveIsNotRecognised();
+    void longSegmentIsReadInPiecesOfAHundred();
+    void closedConnectionIsReportedAndReopenedImmediately();
+    void resetConnectionIsReportedWithoutALogLine();
+    void sixTicksAndAnotherReceiveEndTheConnection();
+    void fiveTicksAndAnotherReceiveKeepIt();
     void sixTicksAndAHeartbeatKeepIt();
-    void sixTicksWithoutAChunkKeepIt();
-    void countStartsAnewWithEachConnection();
+    void sixTicksWithoutAReceiveKeepIt();
+    void countRestartsWithEachConnection();
     void oldSocketsStayOpenUntilTheObjectEnds();
     void moduleThatComesUpLaterIsFound();
     void stopEndsTheThread_data();
@@ -133,7 +133,7 @@ void ControlClientThreadTest::constructionAndDestructionAreLogged()
     QCOMPARE(log.lines(), QStringList({"ControlClientThread build", "ControlClientThread ~"}));
 }
 
-void ControlClientThreadTest::timerTicksEachSecondBeforeTheThreadIsStarted()
+void ControlClientThreadTest::timerTicksEachSecondEvenBeforeTheThreadStarts()
 {
     const support::LogCapture log;
     ControlClientThread thread(nullptr);
@@ -229,7 +229,7 @@ void ControlClientThreadTest::heartbeatIsAnsweredExactlyWhateverItsOtherBytes()
     QCOMPARE(server.received(0).toHex(), answer.toHex());
 }
 
-void ControlClientThreadTest::chunkStartingWithBBIsIgnored()
+void ControlClientThreadTest::receiveStartingWithBBIsIgnored()
 {
     ScriptedServer server(Script([](Peer& peer) {
                               peer.sendInPieces(QByteArray::fromHex("bbaf0401005e") +
@@ -265,8 +265,8 @@ void ControlClientThreadTest::otherTypesAreIgnored()
     QCOMPARE(server.received(0), QByteArray());
 }
 
-// The first piece is a chunk that ends before its type: the zero there is a version report's.
-void ControlClientThreadTest::frameSplitOverTwoChunksIsNotSeen()
+// The first piece ends before its type; the zero in its place means a version report.
+void ControlClientThreadTest::frameSplitBetweenTwoReceivesIsNotRecognised()
 {
     ScriptedServer server(Script([](Peer& peer) {
                               peer.sendInPieces(heartbeat + versionReport, {2, 6});
@@ -280,7 +280,7 @@ void ControlClientThreadTest::frameSplitOverTwoChunksIsNotSeen()
     QCOMPARE(server.received(0), QByteArray());
 }
 
-void ControlClientThreadTest::secondFrameInAChunkIsNotSeen()
+void ControlClientThreadTest::secondFrameInAReceiveIsNotRecognised()
 {
     ScriptedServer server(Script([](Peer& peer) {
                               peer.sendInPieces(versionReport + heartbeat + heartbeat +
@@ -298,7 +298,7 @@ void ControlClientThreadTest::secondFrameInAChunkIsNotSeen()
     QCOMPARE(server.received(0).toHex(), answer.toHex());
 }
 
-void ControlClientThreadTest::longChunkIsReadInPiecesOfAHundred()
+void ControlClientThreadTest::longSegmentIsReadInPiecesOfAHundred()
 {
     const QByteArray filler = QByteArray(94, 'x');
     ScriptedServer server(sendAndHold(heartbeat + filler + heartbeat + filler + versionReport),
@@ -309,7 +309,7 @@ void ControlClientThreadTest::longChunkIsReadInPiecesOfAHundred()
     QCOMPARE(link.recorder.events, QStringList({"linked", "linked", "version 7 300 600 100 10"}));
 }
 
-void ControlClientThreadTest::closedConnectionIsReportedAndMadeAnewAtOnce()
+void ControlClientThreadTest::closedConnectionIsReportedAndReopenedImmediately()
 {
     std::atomic<bool> close{false};
     QElapsedTimer sinceClose;
@@ -332,7 +332,7 @@ void ControlClientThreadTest::closedConnectionIsReportedAndMadeAnewAtOnce()
     QCOMPARE(link.log.count("control nRead = 0"), 1);
 }
 
-void ControlClientThreadTest::resetConnectionIsReportedWithoutALine()
+void ControlClientThreadTest::resetConnectionIsReportedWithoutALogLine()
 {
     ScriptedServer server(Scripts{[](Peer& peer) {
                                       peer.send(heartbeat);
@@ -350,7 +350,7 @@ void ControlClientThreadTest::resetConnectionIsReportedWithoutALine()
              QString("ControlClientThread run exit"));
 }
 
-void ControlClientThreadTest::sixTicksAndAnotherChunkEndTheConnection()
+void ControlClientThreadTest::sixTicksAndAnotherReceiveEndTheConnection()
 {
     std::atomic<bool> ticked{false};
     ScriptedServer server(Scripts{[&](Peer& peer) {
@@ -379,7 +379,7 @@ void ControlClientThreadTest::sixTicksAndAnotherChunkEndTheConnection()
     QTRY_COMPARE(heartBeatsOf(link.thread), 0);
 }
 
-void ControlClientThreadTest::fiveTicksAndAnotherChunkKeepIt()
+void ControlClientThreadTest::fiveTicksAndAnotherReceiveKeepIt()
 {
     std::atomic<bool> ticked{false};
     ScriptedServer server(Scripts{[&](Peer& peer) {
@@ -423,7 +423,7 @@ void ControlClientThreadTest::sixTicksAndAHeartbeatKeepIt()
     QCOMPARE(heartBeatsOf(link.thread), 0);
 }
 
-void ControlClientThreadTest::sixTicksWithoutAChunkKeepIt()
+void ControlClientThreadTest::sixTicksWithoutAReceiveKeepIt()
 {
     std::atomic<bool> close{false};
     ScriptedServer server(Scripts{[&](Peer& peer) {
@@ -442,10 +442,10 @@ void ControlClientThreadTest::sixTicksWithoutAChunkKeepIt()
     QCOMPARE(link.recorder.events, QStringList("linked"));
     close = true;
     QVERIFY(link.recorder.waitFor(2));
-    QCOMPARE(link.log.count("control nRead = 0"), 1); // and not the limit
+    QCOMPARE(link.log.count("control nRead = 0"), 1); // not the heartbeat limit
 }
 
-void ControlClientThreadTest::countStartsAnewWithEachConnection()
+void ControlClientThreadTest::countRestartsWithEachConnection()
 {
     Link link;
     link.tick(10);
@@ -554,7 +554,7 @@ void ControlClientThreadTest::threadThatWasNeverStartedCanBeDestroyed()
     QVERIFY2(time.elapsed() < stopLimit, qPrintable(QString::number(time.elapsed()) + " ms"));
 }
 
-// run() waits for the module to speak, two other threads for an address that does not answer.
+// run() waits for the module, and two other threads connect to an address that does not answer.
 void ControlClientThreadTest::destructionEndsEveryCallerOfNewTcpSocketClient()
 {
     ScriptedServer server(Script(hold), address, port);

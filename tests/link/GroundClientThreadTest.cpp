@@ -40,7 +40,7 @@ const QByteArray answer = QByteArray::fromHex("aaaf0401015f");
 const QByteArray unknownFrame = QByteArray::fromHex("bbaf7701000000");
 const QString hostLine = QStringLiteral("Ground host IP: 192.168.1.148 length: 13");
 
-/// The thread, its timer stopped so that a test ticks by itself.
+/// The thread with its timer stopped, so that the test controls the ticks.
 struct Link
 {
     Link() { thread.findChild<QTimer*>()->stop(); }
@@ -62,17 +62,17 @@ private slots:
     void metaObjectHasTwoSlotsAndNoSignal();
     void newThreadKnowsTheModule();
     void constructionAndDestructionAreLogged();
-    void timerTicksEachSecondBeforeTheThreadIsStarted();
+    void timerTicksEachSecondEvenBeforeTheThreadStarts();
     void connectionIsLoggedInOrderAndItsEndSilently();
     void everyHeartbeatIsAnsweredWithTheControlStartByte();
     void heartbeatOfTheControlModuleIsNotAnswered();
     void versionReportIsIgnored();
-    void frameSplitOverTwoChunksIsNotSeen();
-    void resetConnectionIsMadeAnew();
-    void sixTicksAndAnotherChunkReconnectSilently();
-    void fiveTicksAndAnotherChunkKeepTheConnection();
+    void frameSplitBetweenTwoReceivesIsNotRecognised();
+    void resetConnectionIsReopened();
+    void sixTicksAndAnotherReceiveReconnectSilently();
+    void fiveTicksAndAnotherReceiveKeepTheConnection();
     void sixTicksAndAHeartbeatKeepTheConnection();
-    void countStartsAnewWithEachConnection();
+    void countRestartsWithEachConnection();
     void oldSocketsStayOpenUntilTheObjectEnds();
     void moduleThatComesUpLaterIsFound();
     void stopEndsTheThread_data();
@@ -112,7 +112,7 @@ void GroundClientThreadTest::constructionAndDestructionAreLogged()
     QCOMPARE(log.lines(), QStringList({"GroundClientThread build", "GroundClientThread ~"}));
 }
 
-void GroundClientThreadTest::timerTicksEachSecondBeforeTheThreadIsStarted()
+void GroundClientThreadTest::timerTicksEachSecondEvenBeforeTheThreadStarts()
 {
     const support::LogCapture log;
     GroundClientThread thread(nullptr);
@@ -194,7 +194,7 @@ void GroundClientThreadTest::versionReportIsIgnored()
     QCOMPARE(link.log.lines().last(), hostLine);
 }
 
-void GroundClientThreadTest::frameSplitOverTwoChunksIsNotSeen()
+void GroundClientThreadTest::frameSplitBetweenTwoReceivesIsNotRecognised()
 {
     ScriptedServer server(Script([](Peer& peer) {
                               peer.sendInPieces(heartbeat + unknownFrame + heartbeat, {2, 6});
@@ -208,7 +208,7 @@ void GroundClientThreadTest::frameSplitOverTwoChunksIsNotSeen()
     QCOMPARE(server.received(0).toHex(), answer.toHex());
 }
 
-void GroundClientThreadTest::resetConnectionIsMadeAnew()
+void GroundClientThreadTest::resetConnectionIsReopened()
 {
     ScriptedServer server(Scripts{[](Peer& peer) {
                                       peer.send(heartbeat);
@@ -222,7 +222,7 @@ void GroundClientThreadTest::resetConnectionIsMadeAnew()
     QVERIFY(server.waitForReceived(1, answer));
 }
 
-void GroundClientThreadTest::sixTicksAndAnotherChunkReconnectSilently()
+void GroundClientThreadTest::sixTicksAndAnotherReceiveReconnectSilently()
 {
     std::atomic<bool> ticked{false};
     ScriptedServer server(Scripts{[&](Peer& peer) {
@@ -246,7 +246,7 @@ void GroundClientThreadTest::sixTicksAndAnotherChunkReconnectSilently()
     QTRY_COMPARE(heartBeatsOf(link.thread), 0);
 }
 
-void GroundClientThreadTest::fiveTicksAndAnotherChunkKeepTheConnection()
+void GroundClientThreadTest::fiveTicksAndAnotherReceiveKeepTheConnection()
 {
     std::atomic<bool> ticked{false};
     ScriptedServer server(Scripts{[&](Peer& peer) {
@@ -289,7 +289,7 @@ void GroundClientThreadTest::sixTicksAndAHeartbeatKeepTheConnection()
     QCOMPARE(heartBeatsOf(link.thread), 0);
 }
 
-void GroundClientThreadTest::countStartsAnewWithEachConnection()
+void GroundClientThreadTest::countRestartsWithEachConnection()
 {
     Link link;
     link.tick(10);

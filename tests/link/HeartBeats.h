@@ -4,15 +4,15 @@
 #include <QMetaObject>
 #include <QObject>
 
-/// Ticks since the last heartbeat. Read beside the link thread, as the window's timer does; by this
-/// name the race checks know that it may be.
+/// Returns the ticks since the last heartbeat. Races with the link thread, as the window's timer
+/// does; the thread sanitizer's suppression matches this function's name.
 template <class LinkThread>
 [[gnu::noinline]] int heartBeatsOf(const LinkThread& thread)
 {
     return thread.heartBeatCount;
 }
 
-/// As if so many seconds had passed.
+/// Simulates that this many seconds have passed.
 inline void tickHeartBeats(QObject& thread, int times)
 {
     for (int number = 0; number < times; ++number) {

@@ -1,4 +1,4 @@
-// What a link thread tells the window, seen by a test.
+// Records the signals of a link thread.
 #pragma once
 
 #include <QObject>
@@ -6,8 +6,8 @@
 #include <QStringList>
 #include <QTest>
 
-/// Takes the control thread's signals as the window does, queued, and keeps them as texts in
-/// their order: "linked", "lost", "version 7 300 600 100 10".
+/// Receives the control thread's signals through queued connections, as the window does, and keeps
+/// them as texts in order: "linked", "lost", "version 7 300 600 100 10".
 class LinkRecorder : public QObject
 {
     Q_OBJECT
@@ -15,7 +15,7 @@ class LinkRecorder : public QObject
 public:
     QStringList events;
 
-    /// Waits until that many events have come; false after five seconds.
+    /// Waits until that many events have arrived. Returns false after five seconds.
     bool waitFor(int count) const
     {
         return QTest::qWaitFor([&] { return events.size() >= count; });

@@ -1,4 +1,4 @@
-// What a scripted module does that has nothing to say, or nothing more.
+// Scripts for modules that send nothing, or nothing more.
 #pragma once
 
 #include "tests/support/ScriptedServer.h"

@@ -42,7 +42,7 @@ sockaddr_in place(quint16 port)
     return result;
 }
 
-/// The one TCP socket of this process that neither listens nor is connected.
+/// The only TCP socket of this process that neither listens nor is connected.
 int unconnectedSocket()
 {
     constexpr int highest = 1000;
@@ -63,11 +63,11 @@ int unconnectedSocket()
     return -1;
 }
 
-/// How many connections were refused in this test's own network.
+/// The number of connections refused in this test's own network.
 int refusedConnections()
 {
     QFile counters(QStringLiteral("/proc/thread-self/net/snmp"));
-    QList<QByteArray> names; // the first line of a kind names what the second one counts
+    QList<QByteArray> names; // the first line of each kind names the counters in the second
     if (counters.open(QIODevice::ReadOnly)) {
         for (const QByteArray& line : counters.readAll().split('\n')) {
             const QList<QByteArray> words = line.split(' ');
@@ -82,7 +82,7 @@ int refusedConnections()
     qFatal("this system does not count refused connections");
 }
 
-/// A connectToModule() in a thread of its own.
+/// Runs connectToModule() in a separate thread.
 class Connecting
 {
 public:
@@ -128,9 +128,9 @@ private slots:
     void stopEndsAConnect();
     void stopBeforeConnectingTriesOnceOnly();
     void localAddressIsWrittenWithItsLength();
-    void unknownLocalAddressIsToldAndReadsAsZeros();
+    void unknownLocalAddressIsReportedAndReadsAsZeros();
     void frameIsSentInOnePiece();
-    void failedSendIsNotLookedAt();
+    void failedSendIsIgnored();
 };
 
 void ModuleSocketTest::connectionIsMadeAndLogged()
@@ -172,7 +172,7 @@ void ModuleSocketTest::connectingUsesOneSocketOnly()
     QCOMPARE(connecting.descriptor.load(), -2);
 }
 
-// The thread finds the socket connected behind its back, as it may after an interrupted call.
+// The thread's socket is already connected, as it may be after an interrupted call.
 void ModuleSocketTest::socketThatIsConnectedAlreadyCountsAsSuccess()
 {
     ScriptedServer server(ScriptedServer::Script([](Peer& peer) { peer.holdOpen(); }));
@@ -238,7 +238,7 @@ void ModuleSocketTest::localAddressIsWrittenWithItsLength()
     QCOMPARE(QByteArray(text.data(), 16), QByteArray("127.0.0.1\0xxxxxx", 16));
 }
 
-void ModuleSocketTest::unknownLocalAddressIsToldAndReadsAsZeros()
+void ModuleSocketTest::unknownLocalAddressIsReportedAndReadsAsZeros()
 {
     std::array<char, 16> text{};
     QByteArray printed;
@@ -262,7 +262,7 @@ void ModuleSocketTest::frameIsSentInOnePiece()
     QCOMPARE(pair.arrived().toHex(), QByteArray("aaaf90017f69"));
 }
 
-void ModuleSocketTest::failedSendIsNotLookedAt()
+void ModuleSocketTest::failedSendIsIgnored()
 {
     support::SocketPair pair;
     pair.closeTest();

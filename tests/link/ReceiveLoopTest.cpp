@@ -22,13 +22,13 @@ QByteArray bytesOf(const vehicle::Chunk& chunk)
     return QByteArray(reinterpret_cast<const char*>(chunk.data()), static_cast<int>(chunk.size()));
 }
 
-/// The bytes and zeros behind them, a hundred in all.
+/// The bytes, padded with zeros to a hundred.
 QByteArray filledUp(const QByteArray& bytes)
 {
     return bytes + QByteArray(100 - bytes.size(), '\0');
 }
 
-/// While it lives SIGUSR1 interrupts system calls instead of ending the process.
+/// While this object exists, SIGUSR1 interrupts system calls instead of ending the process.
 class InterruptingSignal
 {
 public:
@@ -53,8 +53,8 @@ class ReceiveLoopTest : public QObject
     Q_OBJECT
 
 private slots:
-    void everyReceiveIsHandedOverByItself();
-    void chunkIsZeroBehindItsEnd();
+    void everyReceiveIsHandledSeparately();
+    void bufferIsZeroAfterTheReceivedBytes();
     void longTextComesInPiecesOfAHundred();
     void closedConnectionEndsTheLoop();
     void receiveErrorEndsTheLoop();
@@ -63,10 +63,10 @@ private slots:
     void handlerThatSetsTheCountBackKeepsTheConnection();
     void silentModuleIsNotLost();
     void interruptedReceiveGoesOn();
-    void interruptedReceiveLooksAtTheLimit();
+    void interruptedReceiveChecksTheLimit();
 };
 
-void ReceiveLoopTest::everyReceiveIsHandedOverByItself()
+void ReceiveLoopTest::everyReceiveIsHandledSeparately()
 {
     SocketPair pair;
     QList<QByteArray> next{"second", "third"};
@@ -86,7 +86,7 @@ void ReceiveLoopTest::everyReceiveIsHandedOverByItself()
     QVERIFY(end.reason == EndReason::ClosedByModule);
 }
 
-void ReceiveLoopTest::chunkIsZeroBehindItsEnd()
+void ReceiveLoopTest::bufferIsZeroAfterTheReceivedBytes()
 {
     SocketPair pair;
     QList<QByteArray> seen;
@@ -132,7 +132,7 @@ void ReceiveLoopTest::receiveErrorEndsTheLoop()
 {
     SocketPair pair;
     QCOMPARE(::send(pair.product, "x", 1, MSG_NOSIGNAL), ssize_t{1});
-    pair.closeTest(); // with a byte unread: a reset
+    pair.closeTest(); // an unread byte makes this a reset
     int count = 0;
     int handled = 0;
     const auto end =
@@ -204,7 +204,7 @@ void ReceiveLoopTest::interruptedReceiveGoesOn()
     });
     pair.send("x");
     const bool begun = QTest::qWaitFor([&] { return handled == 1; });
-    // One of these finds the thread waiting for certain: nothing else is left for it to do.
+    // At least one of these interrupts the waiting thread, because it has nothing else left to do.
     for (int number = 0; number < 50; ++number) {
         ::pthread_kill(loop.native_handle(), SIGUSR1);
         std::this_thread::sleep_for(std::chrono::microseconds(500));
@@ -218,7 +218,7 @@ void ReceiveLoopTest::interruptedReceiveGoesOn()
     QVERIFY(end.reason == EndReason::ClosedByModule);
 }
 
-void ReceiveLoopTest::interruptedReceiveLooksAtTheLimit()
+void ReceiveLoopTest::interruptedReceiveChecksTheLimit()
 {
     const InterruptingSignal signal;
     SocketPair pair;

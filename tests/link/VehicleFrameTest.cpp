@@ -8,7 +8,7 @@
 
 namespace {
 
-/// What one receive of those bytes leaves in the buffer.
+/// The buffer after one receive of these bytes.
 vehicle::Chunk chunkOf(const QByteArray& bytes)
 {
     vehicle::Chunk chunk{};
@@ -33,11 +33,11 @@ private slots:
     void bothBytesOfAVersionAreSigned();
     void hardwareTypeIsSigned();
     void secondByteAndLengthOfAReportAreNotExamined();
-    void fieldsBehindTheEndOfAChunkReadAsZero();
-    void otherChunksAreNoReport_data();
-    void otherChunksAreNoReport();
-    void heartbeatIsToldByStartByteAndTypeAlone_data();
-    void heartbeatIsToldByStartByteAndTypeAlone();
+    void fieldsAfterTheEndOfAReceiveAreZero();
+    void otherBytesAreNotAReport_data();
+    void otherBytesAreNotAReport();
+    void heartbeatIsRecognisedByStartByteAndTypeAlone_data();
+    void heartbeatIsRecognisedByStartByteAndTypeAlone();
     void outgoingFrameIsExact_data();
     void outgoingFrameIsExact();
 };
@@ -104,7 +104,7 @@ void VehicleFrameTest::secondByteAndLengthOfAReportAreNotExamined()
     QCOMPARE(report->bootVer, 4);
 }
 
-void VehicleFrameTest::fieldsBehindTheEndOfAChunkReadAsZero()
+void VehicleFrameTest::fieldsAfterTheEndOfAReceiveAreZero()
 {
     const auto report = vehicle::decodeVersionReport(chunkOf(QByteArray::fromHex("aa")));
     QVERIFY(report.has_value());
@@ -115,7 +115,7 @@ void VehicleFrameTest::fieldsBehindTheEndOfAChunkReadAsZero()
     QCOMPARE(report->bootVer, 0);
 }
 
-void VehicleFrameTest::otherChunksAreNoReport_data()
+void VehicleFrameTest::otherBytesAreNotAReport_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("ground module") << QByteArray::fromHex("bbaf000907012c02580064000a");
@@ -125,13 +125,13 @@ void VehicleFrameTest::otherChunksAreNoReport_data()
     QTest::newRow("nothing but zeros") << QByteArray::fromHex("000000");
 }
 
-void VehicleFrameTest::otherChunksAreNoReport()
+void VehicleFrameTest::otherBytesAreNotAReport()
 {
     QFETCH(QByteArray, bytes);
     QVERIFY(!vehicle::decodeVersionReport(chunkOf(bytes)).has_value());
 }
 
-void VehicleFrameTest::heartbeatIsToldByStartByteAndTypeAlone_data()
+void VehicleFrameTest::heartbeatIsRecognisedByStartByteAndTypeAlone_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<bool>("ofControl");
@@ -147,7 +147,7 @@ void VehicleFrameTest::heartbeatIsToldByStartByteAndTypeAlone_data()
     QTest::newRow("second frame") << QByteArray::fromHex("ccaf0401015faaaf04") << false << false;
 }
 
-void VehicleFrameTest::heartbeatIsToldByStartByteAndTypeAlone()
+void VehicleFrameTest::heartbeatIsRecognisedByStartByteAndTypeAlone()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(bool, ofControl);

@@ -1,5 +1,5 @@
-// Frames, good and bad, delivered to the link threads in every way a connection may deliver them. A
-// frame is seen at the start of a chunk only, so a cut decides what is seen.
+// Valid and invalid frames, split and closed at every byte. A frame is recognised only at the start
+// of a receive, so the position of a split decides the result.
 #include "link/ControlClientThread.h"
 #include "link/GroundClientThread.h"
 #include "tests/link/LinkRecorder.h"
@@ -24,22 +24,22 @@ namespace {
 
 using Pieces = std::vector<std::string>;
 
-/// What is seen from a position on, up to the next step's.
+/// The result from this position up to the position of the next step.
 struct Step
 {
     int from;
     QString seen;
 };
 
-/// Bytes, and what a link thread makes of them.
+/// Bytes and how a link thread interprets them.
 struct Frames
 {
     const char* name;
     QByteArray bytes;
     QString whole;
     QString byteByByte;
-    QVector<Step> cutBehind;    ///< By the length of the first of two pieces.
-    QVector<Step> closedBehind; ///< By the number of bytes that come before the end.
+    QVector<Step> cutBehind;    ///< Indexed by the length of the first of two pieces.
+    QVector<Step> closedBehind; ///< Indexed by the number of bytes before the end.
 };
 
 QString at(const QVector<Step>& steps, int position)
@@ -52,14 +52,14 @@ QString at(const QVector<Step>& steps, int position)
 }
 
 const QByteArray answer = QByteArray::fromHex("aaaf0401015f");
-const QByteArray filler(94, 'x'); // fills up a hundred bytes, what one receive takes at most
+const QByteArray filler(94, 'x'); // fills up a hundred bytes, the most that one receive returns
 
-// What the control module's thread tells.
+// The signals of the control module's thread.
 const QString linked = QStringLiteral("linked");
-const QString zeros = QStringLiteral("version 0 0 0 0 0"); // a chunk that ends before its type
+const QString zeros = QStringLiteral("version 0 0 0 0 0"); // a receive that ends before its type
 const QString report = QStringLiteral("version 7 300 600 100 10");
 
-// What the ground module's thread answers.
+// The answers of the ground module's thread.
 const QString once = QStringLiteral("aaaf0401015f");
 const QString twice = QStringLiteral("aaaf0401015faaaf0401015f");
 
@@ -169,7 +169,7 @@ QVector<Frames> groundFrames()
     };
 }
 
-/// One link thread, which takes delivery after delivery, each on a connection of its own.
+/// One link thread, which receives one delivery after the other, each on its own connection.
 template <class Thread>
 class Receiver
 {
@@ -181,7 +181,7 @@ public:
         thread.serverPort = m_server.port();
     }
 
-    /// What was sent back, one text per delivery.
+    /// The answers, one text per delivery.
     QStringList answers()
     {
         thread.start(QThread::InheritPriority);
@@ -209,7 +209,7 @@ private:
         support::sendPaced(peer, m_deliveries[static_cast<std::size_t>(peer.number())],
                            m_server.port(), [this] { return m_watch.isAsleep(); });
         peer.halfClose();
-        // All answers were sent before the next connection is made.
+        // All answers are sent before the next connection is made.
         peer.waitUntil([this, &peer] { return m_connections > peer.number() + 1; });
         peer.close();
     }
@@ -220,7 +220,7 @@ private:
     ScriptedServer m_server;
 };
 
-/// What the control module's thread tells of each delivery, up to the loss of the link at its end.
+/// The control thread's signals for each delivery, up to the loss of the link at its end.
 QStringList toldBy(Receiver<ControlClientThread>& receiver)
 {
     LinkRecorder recorder;

@@ -28,7 +28,7 @@ bool atOnce(unsigned long /*milliseconds*/)
     return true;
 }
 
-/// A call that receives on a socket of its own until it is stopped.
+/// A call that receives on its own socket until it is stopped.
 class Receiving
 {
 public:
@@ -45,7 +45,7 @@ public:
     }
     ~Receiving()
     {
-        m_sockets.send("x"); // also if nothing has stopped it
+        m_sockets.send("x"); // ends the call even if nothing has stopped it
         m_thread.join();
     }
     Receiving(const Receiving&) = delete;
@@ -57,7 +57,7 @@ public:
 
 private:
     support::SocketPair m_sockets;
-    std::thread m_thread; // last: it uses the others
+    std::thread m_thread; // last, because it uses the others
 };
 
 } // namespace
@@ -71,8 +71,8 @@ private slots:
     void requestAloneInterruptsNothing();
     void stopEndsEveryCallThatWaits();
     void stopEndsAConnect();
-    void stopWaitsForACallThatWaitsOnNothing();
-    void stopGoesOnUntilTheOwnerHasFinished();
+    void stopWaitsForACallThatIsNotBlocked();
+    void stopContinuesUntilTheOwnerHasFinished();
 };
 
 void StoppableCallsTest::keptDescriptorsAreClosedWithTheObject()
@@ -147,7 +147,7 @@ void StoppableCallsTest::stopEndsAConnect()
     QVERIFY2(elapsed < stopLimit, qPrintable(QString::number(elapsed) + " ms"));
 }
 
-void StoppableCallsTest::stopWaitsForACallThatWaitsOnNothing()
+void StoppableCallsTest::stopWaitsForACallThatIsNotBlocked()
 {
     sys::StoppableCalls calls;
     std::atomic<bool> entered{false};
@@ -158,7 +158,7 @@ void StoppableCallsTest::stopWaitsForACallThatWaitsOnNothing()
         while (!calls.stopRequested()) {
             std::this_thread::yield();
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // the stop is waiting by then
+        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // by then the stop is waiting
         leaving = true;
     });
     while (!entered) {
@@ -170,7 +170,7 @@ void StoppableCallsTest::stopWaitsForACallThatWaitsOnNothing()
     QVERIFY(left);
 }
 
-void StoppableCallsTest::stopGoesOnUntilTheOwnerHasFinished()
+void StoppableCallsTest::stopContinuesUntilTheOwnerHasFinished()
 {
     sys::StoppableCalls calls;
     std::vector<unsigned long> limits;

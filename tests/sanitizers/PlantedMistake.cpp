@@ -1,4 +1,4 @@
-// Makes the mistake that its argument names, so that a test can see whether it is reported.
+// Makes the error named by its argument, so that a test can check that it is reported.
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -9,8 +9,8 @@
 
 namespace {
 
-/// Shares a plain number with the thread that made it, as the link threads share their heartbeat
-/// count; this one is nowhere declared harmless.
+/// Shares a plain number with the creating thread, as the link threads share their heartbeat count,
+/// but without a suppression.
 class CountingThread : public QThread
 {
 public:

@@ -1,5 +1,5 @@
-// A long day at sea: hundreds of lost links, hundreds of downloads, hours of heartbeats, in one
-// window. What grows is what is designed to grow, and the window always answers.
+// Soak test: hundreds of lost links and downloads and thousands of heartbeats in one window. Only
+// what is designed to grow may grow, and the window must always respond.
 #include "link/ControlClientThread.h"
 #include "tests/app/UserWindow.h"
 #include "tests/soak/StallWatch.h"
@@ -30,14 +30,14 @@
 
 namespace {
 
-constexpr int limit = 30'000;                // milliseconds for anything that is to happen
+constexpr int limit = 30'000;                // milliseconds for any expected event
 constexpr qint64 answersWithin = 100;        // milliseconds
-constexpr qint64 answersWhileRefused = 200;  // milliseconds; two link threads are busy then
+constexpr qint64 answersWhileRefused = 200;  // milliseconds; two link threads are busy at that time
 constexpr qint64 growthPerDownload = 20'480; // bytes
 constexpr char controlAddress[] = "192.168.1.149";
 constexpr char groundAddress[] = "192.168.1.148";
 
-/// Of a figure for a whole run; a shorter run is a share of it.
+/// Scales a figure for a full run down to this run's share.
 int share(int whole)
 {
     const double part = qEnvironmentVariable("BELUN_SOAK_SHARE", "1").toDouble();
@@ -50,7 +50,7 @@ void tell(const QString& line)
     std::fflush(stdout);
 }
 
-/// Bytes of this process that are in memory.
+/// Returns the resident memory of this process in bytes.
 qint64 residentBytes()
 {
     QFile file("/proc/self/statm");
@@ -148,7 +148,7 @@ void SoakTest::waitForNextConnection(const char* device, const char* address)
     QVERIFY2(m_simulator->control(QByteArray("drop ") + device), qPrintable(m_simulator->error()));
     QVERIFY2(eventually([&] { return connectionsTo(address) == before + 1; }),
              qPrintable(QStringLiteral("%1: no connection after %2").arg(device).arg(before)));
-    // It may be there at once: the window has to have its turn all the same.
+    // Process events even if the condition already holds.
     QCoreApplication::processEvents();
 }
 
@@ -230,7 +230,7 @@ void SoakTest::downloads()
     link();
     m_user->clickBrowse();
     QCOMPARE(m_user->table().rowCount(), filesOnCard);
-    // What is set up once, such as fonts and the first thread's memory, is no growth.
+    // One-time allocations, such as fonts and the first thread's memory, do not count as growth.
     downloadAll(filesOnCard);
     const int rounds = share(300 / filesOnCard - 1);
     const int descriptors = support::openDescriptors();

@@ -1,4 +1,4 @@
-// How long a thread's event loop keeps a user waiting.
+// Measures how long a thread's event loop does not respond.
 #pragma once
 
 #include <algorithm>
@@ -7,8 +7,8 @@
 #include <QObject>
 #include <QTimer>
 
-/// Ticks every five milliseconds in the thread that made it and keeps the longest wait between two
-/// ticks: what a click at the worst moment would have waited.
+/// Ticks every five milliseconds in the thread that created it and records the longest interval
+/// between two ticks: the worst delay of a click.
 class StallWatch
 {
 public:
@@ -23,7 +23,7 @@ public:
         m_sinceTick.start();
     }
 
-    /// In milliseconds, the wait that lasts until now included.
+    /// In milliseconds, including the interval up to now.
     qint64 longest() const { return std::max(m_longest, m_sinceTick.elapsed()); }
     int ticks() const { return m_ticks; }
 

@@ -1,4 +1,4 @@
-// Bytes that arrive in pieces, wherever the cuts are, and connections that end anywhere in them.
+// Input that arrives in pieces, split anywhere, and connections that end anywhere in it.
 #pragma once
 
 #include <cstddef>
@@ -7,26 +7,25 @@
 
 namespace support {
 
-/// Bytes, and the outcome's text when the connection is closed behind any one of them: behind the
-/// first, behind the last, or between.
+/// Bytes, and the expected outcome if the connection closes after any of them.
 struct Piece
 {
     std::string bytes;
     std::string closed;
 };
 
-/// The bytes of all pieces.
+/// Returns the bytes of all pieces.
 std::string allBytes(const std::vector<Piece>& pieces);
 
-/// The outcome expected when the connection is closed behind the first `count` bytes.
+/// Returns the expected outcome if the connection closes after the first `count` bytes.
 std::string closedBehind(const std::vector<Piece>& pieces, const std::string& closedAtStart,
                          std::size_t count);
 
-/// The bytes cut before the given positions, which ascend.
+/// Splits the bytes before the given positions, which are in ascending order.
 std::vector<std::string> cut(const std::string& bytes, const std::vector<std::size_t>& positions);
 std::vector<std::string> singleBytes(const std::string& bytes);
 
-/// Line ends and bytes beyond ASCII written as escapes.
+/// Escapes line endings and non-ASCII bytes.
 std::string printable(const std::string& bytes);
 
 } // namespace support

@@ -1,4 +1,4 @@
-// A file that another program holds a lease on, as a file server does for its clients.
+// A file on which another program holds a lease, as a file server does for its clients.
 #pragma once
 
 #include <sys/types.h>
@@ -7,8 +7,8 @@
 
 namespace support {
 
-/// A child process with a read lease on a file: opening the file for writing waits until the child
-/// gives the lease up, at most as long as the system grants it. It does so when this object ends.
+/// A child process with a read lease on a file: opening the file for writing blocks until the child
+/// gives up the lease, or until the system's limit. The lease ends with this object.
 class Lease
 {
 public:
@@ -27,7 +27,7 @@ public:
 
 private:
     pid_t m_child;
-    int m_news;    // what the child reports
+    int m_news;    // reports from the child
     int m_control; // closed to end it
     bool m_taken;
 };

@@ -1,4 +1,4 @@
-// The debug log, seen by a test.
+// Captures the debug log.
 #pragma once
 
 #include <mutex>
@@ -9,8 +9,8 @@
 
 namespace support {
 
-/// Collects the lines of qDebug and qInfo, of every thread and in their order, from its
-/// construction to its end; they are then not printed. Needs a main function of TestMain.h.
+/// Collects the qDebug and qInfo lines of all threads, in order, while this object exists; they are
+/// not printed. Requires a main function from TestMain.h.
 class LogCapture
 {
 public:
@@ -23,8 +23,8 @@ public:
     int count(const QString& line) const;
     void clear();
 
-    /// Waits until the line has come at least `times` times; events are processed meanwhile.
-    /// False after the limit in milliseconds.
+    /// Waits, processing events, until the line has been logged at least `times` times. Returns
+    /// false after the limit in milliseconds.
     bool waitFor(const QString& line, int times = 1, int limit = 5000) const;
 
 private:
@@ -35,8 +35,8 @@ private:
     QStringList m_lines;
 };
 
-/// Expects a warning (or critical message) that holds `part` at least once before its own end, and
-/// lets it pass. Without it, or when none comes, the test fails.
+/// Expects a warning or critical message that contains `part` at least once while this object
+/// exists, and lets it pass. The test fails if none arrives.
 class ExpectedWarning
 {
 public:
@@ -50,7 +50,7 @@ private:
     bool take(const QString& text);
 
     QString m_part;
-    bool m_seen = false; // guarded by the log's mutex until it is removed there
+    bool m_seen = false; // guarded by the log's mutex while registered there
 };
 
 } // namespace support

@@ -1,4 +1,4 @@
-// Message boxes, answered by a test.
+// Answers message boxes in a test.
 #pragma once
 
 #include <QList>
@@ -9,20 +9,20 @@
 
 namespace support {
 
-/// What a message box said.
+/// The contents of a message box.
 struct SeenBox
 {
     QString title;
     QString text;
-    QStringList buttons; ///< Their texts without the ampersands, in the box's order.
+    QStringList buttons; ///< Button texts without ampersands, in the order of the box.
     QMessageBox::StandardButtons standardButtons;
     QMessageBox::Icon icon;
     QMessageBox::StandardButton defaultButton;
 };
 
-/// Answers each message box that opens while it lives, in the order told. A box that no answer
-/// waits for is closed as by the Escape key and fails the test, and so does an answer that no box
-/// came for.
+/// Answers each message box that opens while this object exists, in the order requested. A message
+/// box without a requested answer is closed with the Escape key and fails the test; so does an
+/// answer without a message box.
 class MessageBoxWatcher : public QObject
 {
     Q_OBJECT
@@ -31,9 +31,9 @@ public:
     MessageBoxWatcher();
     ~MessageBoxWatcher() override;
 
-    /// The next box is answered by a click on that button.
+    /// Answers the next box by clicking this button.
     void answerNext(QMessageBox::StandardButton button);
-    /// The next box is closed by the Escape key.
+    /// Closes the next box with the Escape key.
     void dismissNext();
 
     const QList<SeenBox>& boxes() const { return m_boxes; }

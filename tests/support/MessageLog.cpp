@@ -15,8 +15,8 @@ namespace support {
 
 namespace {
 
-/// The platform without a screen says this of every window of a fixed size, and of every tool tip.
-/// It is about itself.
+/// The offscreen platform prints this for every fixed-size window and every tool tip. It concerns only
+/// the platform.
 const QString offscreenRemark = QStringLiteral("This plugin does not support ");
 
 } // namespace

@@ -1,4 +1,4 @@
-// Where every message of Qt's passes while tests run.
+// Receives every Qt message while tests run.
 #pragma once
 
 #include <mutex>
@@ -12,14 +12,14 @@ namespace support {
 class ExpectedWarning;
 class LogCapture;
 
-/// The message handler above the one of Qt Test. Used by TestMain, LogCapture and ExpectedWarning.
+/// A message handler in front of Qt Test's. Used by TestMain, LogCapture and ExpectedWarning.
 class MessageLog
 {
 public:
     static MessageLog& instance();
 
     void install();
-    /// Gives the handler back and returns the unexpected messages of other threads.
+    /// Restores the previous handler and returns the unexpected messages of other threads.
     QStringList uninstall();
 
     void add(LogCapture* capture);

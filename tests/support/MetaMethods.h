@@ -1,4 +1,4 @@
-// A class's meta-object as text.
+// Describes a class's meta-object as text.
 #pragma once
 
 #include <QMetaMethod>
@@ -7,9 +7,9 @@
 
 namespace support {
 
-/// The methods that the class itself declares, in their order, one line each: kind, return type,
-/// name, and the parameters with their names where they have any, as in
-/// "signal void linked(bool flag)". The meta-object knows qint64 as qlonglong.
+/// Returns the methods declared by the class itself, in order, one line each: kind, return type,
+/// name, and parameters with their names, as in "signal void linked(bool flag)". The meta-object
+/// reports qint64 as qlonglong.
 inline QStringList declaredMethods(const QMetaObject& metaObject)
 {
     QStringList lines;

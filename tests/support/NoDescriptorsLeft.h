@@ -1,11 +1,11 @@
-// A process that may open nothing more.
+// Prevents a process from opening descriptors.
 #pragma once
 
 #include <sys/resource.h>
 
 namespace support {
 
-/// Forbids new descriptors while it lives.
+/// Prevents new descriptors while this object exists.
 class NoDescriptorsLeft
 {
 public:

@@ -14,13 +14,13 @@ namespace {
 
 const std::filesystem::path descriptors = "/proc/self/fd";
 
-/// Counts the descriptors for whose target `matches` is true.
+/// Counts the descriptors whose target satisfies `matches`.
 template <class Predicate>
 int countTargets(Predicate matches)
 {
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(descriptors)) {
-        std::error_code gone; // the descriptor of this very listing, for one
+        std::error_code gone; // for example the descriptor of this listing
         const std::filesystem::path target = std::filesystem::read_symlink(entry.path(), gone);
         if (!gone && matches(target.string())) {
             ++count;
@@ -31,7 +31,8 @@ int countTargets(Predicate matches)
 
 } // namespace
 
-// Without looking at the targets: the soak test asks thousands of times, of thousands.
+// Does not read the targets: the soak test calls this thousands of times with thousands of
+// descriptors.
 int socketsConnectedTo(const QByteArray& address, quint16 port)
 {
     const in_addr_t wanted = inet_addr(address.constData());

@@ -1,4 +1,4 @@
-// What this process holds open.
+// Counts the open descriptors of this process.
 #pragma once
 
 #include <QByteArray>
@@ -6,18 +6,18 @@
 
 namespace support {
 
-/// Sockets of this process that are connected to the address and port, whether the other side has
-/// closed or not. Sockets of a server on that port are not among them.
+/// Sockets of this process connected to the address and port, whether or not the peer has closed.
+/// Excludes sockets of a server on that port.
 int socketsConnectedTo(const QByteArray& address, quint16 port);
 
-/// Descriptors of this process on the file.
+/// Descriptors of this process that refer to the file.
 int descriptorsOn(const QByteArray& path);
 
 /// All sockets of this process.
 int openSockets();
 
-/// All descriptors of this process but those for events: none of our code makes one, while Qt makes
-/// one for each thread, and the threads of its own pools outlive a window.
+/// All descriptors of this process except event descriptors: our code creates none, while Qt
+/// creates one per thread, and the threads of its own pools outlive a window.
 int openDescriptors();
 
 } // namespace support

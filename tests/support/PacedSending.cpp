@@ -11,10 +11,10 @@ namespace support {
 
 namespace {
 
-constexpr int highestDescriptor = 4096; // among those that are looked at
+constexpr int highestDescriptor = 4096; // the highest one that is checked
 constexpr int established = 1;          // state of a connection that neither side has closed
 
-/// A connection by its descriptor, and by its own port: the descriptor may be used again.
+/// A connection, identified by its descriptor and its own port, because descriptors are reused.
 struct Connection
 {
     int descriptor;

@@ -1,4 +1,4 @@
-// Sending to a reader in this process so that it sees each piece by itself.
+// Sends to a reader in this process so that it receives each piece separately.
 #pragma once
 
 #include "tests/support/ScriptedServer.h"
@@ -9,11 +9,11 @@
 
 namespace support {
 
-/// Sends each piece when the reader has received the one before and sleeps again, so that no
-/// receive of its returns parts of two; returns when it has received the last one, or has closed.
-/// The reader is the one connection of this process to the port that neither side has closed.
-/// Unlike Peer::waitUntilRead() this does not wait for the acknowledgement, which a connection that
-/// sends too delays by forty milliseconds.
+/// Sends each piece after the reader has received the previous one and sleeps again, so that no
+/// receive returns parts of two pieces. Returns when the reader has received the last piece or
+/// closed. The reader is the only connection of this process to the port that neither side has
+/// closed. Unlike Peer::waitUntilRead(), this does not wait for the acknowledgement, which a
+/// connection that also sends delays by forty milliseconds.
 void sendPaced(Peer& peer, const std::vector<std::string>& pieces, quint16 port,
                const std::function<bool()>& readerSleeps);
 

@@ -76,8 +76,8 @@ bool PieceSender::readerWaitsForMore() const
            threadIsAsleep(m_readersThread);
 }
 
-// Puts something into the reader's descriptor that nothing can be received from, so that a
-// reader which tries for ever sees an error, and wakes one that waits.
+// Replaces the reader's descriptor with one that cannot be received from, so that a reader that
+// retries forever gets an error and a waiting one wakes up.
 void PieceSender::stopReader()
 {
     m_readerHadToBeStopped = true;

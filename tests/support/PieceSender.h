@@ -1,4 +1,4 @@
-// The other end of a local connection, which delivers given bytes in given pieces.
+// The remote end of a local connection, which delivers given bytes in given pieces.
 #pragma once
 
 #include <atomic>
@@ -8,24 +8,24 @@
 
 namespace support {
 
-/// How the other end delivers.
+/// How the remote end delivers the bytes.
 struct Delivery
 {
-    std::vector<std::string> pieces; ///< Each is sent when the one before has been received.
+    std::vector<std::string> pieces; ///< Each is sent after the previous one was received.
     bool closeAtTheEnd = false;
 };
 
-/// Sends from a thread of its own, a piece only once the reader has taken the one before out of its
-/// socket and waits for more: then no receive can see across the cut, and none waits longer than it
-/// must. An empty socket alone would not do, since the receive that emptied it looks once more
-/// before it returns. A reader that does not return within five seconds is stopped.
+/// Sends from a separate thread, each piece only after the reader has emptied its socket and waits
+/// for more, so that no receive spans a split and none waits longer than necessary. An empty socket
+/// alone is not enough, because the receive that emptied it checks once more before it returns. A
+/// reader that does not return within five seconds is stopped.
 class PieceSender
 {
 public:
-    /// To be made by the thread that reads. All three outlive the object.
+    /// Must be created by the reading thread. All three arguments outlive the object.
     PieceSender(int descriptor, int readersDescriptor, const Delivery& delivery);
 
-    /// To be called when the reader has returned. What the sender had not sent yet.
+    /// Call this after the reader has returned. Returns what was not sent.
     std::string finish();
     bool readerHadToBeStopped() const { return m_readerHadToBeStopped; }
 

@@ -1,4 +1,4 @@
-// Programs that do not ignore SIGPIPE, and threads that are safe from it.
+// Simulates programs that do not ignore SIGPIPE, and counts threads that block it.
 #pragma once
 
 #include <csignal>
@@ -9,7 +9,7 @@
 
 namespace support {
 
-/// While it lives, SIGPIPE ends the process, as in any program that does nothing about it.
+/// While this object exists, SIGPIPE ends the process, which is the default.
 class DeadlyPipeSignal
 {
 public:
@@ -22,8 +22,8 @@ private:
     void (*m_before)(int);
 };
 
-/// How many threads of this process block SIGPIPE. One that is just being made may count for a
-/// moment, and a sanitizer's own thread does all the time.
+/// Returns how many threads of this process block SIGPIPE. A thread that is being created may count
+/// briefly; a sanitizer's own thread always counts.
 inline int threadsWithoutPipeSignal()
 {
     int count = 0;
@@ -31,7 +31,7 @@ inline int threadsWithoutPipeSignal()
     for (const QString& task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         QFile status(tasks.filePath(task + QStringLiteral("/status")));
         if (!status.open(QIODevice::ReadOnly)) {
-            continue; // it has ended
+            continue; // the thread has ended
         }
         for (const QByteArray& line : status.readAll().split('\n')) {
             if (line.startsWith("SigBlk:")) {

@@ -1,5 +1,5 @@
-// What nearly every test includes, compiled once for each test program. Kept small: it is read for
-// every file.
+// Headers that nearly every test includes, compiled once per test program. Kept small, because
+// every file reads it.
 #pragma once
 
 #include <functional>

@@ -1,17 +1,17 @@
-// How a script ends early. Used by the scripted server itself only.
+// Exceptions that end a script early. Used only by the scripted server.
 #pragma once
 
 #include <QString>
 
 namespace support {
 
-/// What the script waited for did not come.
+/// The script timed out waiting.
 struct ScriptFailed
 {
     QString reason;
 };
 
-/// The server ends.
+/// The server is stopping.
 struct ScriptStopped
 {
 };

@@ -23,9 +23,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds patience{5};
-constexpr int step = 20; // milliseconds between looks at the stop flag
+constexpr int step = 20; // milliseconds between checks of the stop flag
 
-/// An end of a connection as /proc/net/tcp writes it.
+/// An endpoint in the format of /proc/net/tcp.
 std::string procText(const sockaddr_in& end)
 {
     char text[32];
@@ -242,7 +242,7 @@ void Peer::close()
     if (m_descriptor < 0) {
         return;
     }
-    // Closing with bytes unread would be a reset.
+    // Closing with unread bytes would send a reset.
     halfClose();
     const int flags = ::fcntl(m_descriptor, F_GETFL);
     ::fcntl(m_descriptor, F_SETFL, flags | O_NONBLOCK);

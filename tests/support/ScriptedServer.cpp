@@ -22,7 +22,7 @@ namespace support {
 namespace {
 
 constexpr int queueLength = 64;
-constexpr int step = 5; // milliseconds between looks at the stop flag
+constexpr int step = 5; // milliseconds between checks of the stop flag
 
 } // namespace
 
@@ -121,7 +121,7 @@ void ScriptedServer::runScript(Connection& connection, const Script& script)
 
 void ScriptedServer::stop()
 {
-    // In this order: a client that makes its connection anew at once is refused already.
+    // In this order, so that a client that reconnects immediately is already refused.
     m_listening = false;
     if (m_thread.joinable()) {
         m_thread.join();

@@ -1,4 +1,4 @@
-// A device played by a test.
+// A device simulated by a test.
 #pragma once
 
 #include <atomic>
@@ -15,39 +15,39 @@
 
 namespace support {
 
-/// The server's side of one connection, in the hands of a script. Every call that waits does so
-/// for five seconds at most; when what it waits for does not come, the script ends there and the
-/// test fails. When the server itself ends, a waiting script ends silently.
+/// The server's side of one connection, controlled by a script. Every waiting call times out after
+/// five seconds; then the script ends and the test fails. When the server stops, a waiting script
+/// ends silently.
 class Peer
 {
 public:
-    /// Bytes up to and with the marker; what arrived behind it is kept for the next call.
+    /// Receives up to and including the marker; bytes after it are kept for the next call.
     QByteArray receiveUntil(const QByteArray& marker);
     QByteArray receiveExactly(int count);
-    /// Everything up to the client's close.
+    /// Receives everything until the client closes.
     QByteArray receiveUntilClosed();
 
     void send(const QByteArray& bytes);
-    /// Sends the bytes cut behind each of the given offsets. Each piece goes when the client has
-    /// read all before it, so no receive of the client's returns parts of two.
+    /// Sends the bytes split after each of the given offsets. Each piece is sent after the client
+    /// has read everything before it, so that no receive of the client returns parts of two pieces.
     void sendInPieces(const QByteArray& bytes, const std::vector<int>& cuts);
-    /// Each byte by itself, as above.
+    /// Sends each byte separately, as above.
     void sendBytewise(const QByteArray& bytes);
-    /// Waits until the client has taken everything sent so far out of its socket.
+    /// Waits until the client has read everything sent so far.
     void waitUntilRead();
 
-    void close();     ///< Closes in the ordinary way; what has arrived until then is recorded.
+    void close();     ///< Closes normally; everything received until then is recorded.
     void reset();     ///< Closes with a reset.
-    void halfClose(); ///< Sends the end; still receives.
+    void halfClose(); ///< Closes the sending side; still receives.
 
-    /// Waits for the client's close or reset; what arrives meanwhile is recorded only.
+    /// Waits until the client closes or resets; received bytes are only recorded.
     void waitUntilClosedByClient();
-    /// Waits until the condition holds, for example until the test lets the script go on.
+    /// Waits until the condition holds, for example until the test lets the script continue.
     void waitUntil(const std::function<bool()>& condition);
-    /// Keeps the connection open until the server ends; what arrives meanwhile is recorded only.
+    /// Keeps the connection open until the server stops; received bytes are only recorded.
     void holdOpen();
 
-    /// Number of this connection, from 0.
+    /// The number of this connection, starting at 0.
     int number() const { return m_number; }
 
     ~Peer();
@@ -58,7 +58,7 @@ private:
     friend class ScriptedServer;
     Peer(int descriptor, int number, const std::atomic<bool>& stopping);
 
-    /// Receives once more; false at the client's close or reset.
+    /// Receives once more; returns false if the client closed or reset.
     bool receiveMore(std::chrono::steady_clock::time_point deadline, const char* waitedFor);
     bool takeArrived();
     void waitUntilReadable(std::chrono::steady_clock::time_point deadline, const char* waitedFor);
@@ -70,22 +70,23 @@ private:
     const int m_number;
     const std::atomic<bool>& m_stopping;
     QByteArray m_pending;
-    mutable std::mutex m_mutex; // of m_received: the script's thread adds, the test's thread reads
+    mutable std::mutex
+        m_mutex; // for m_received: written by the script's thread, read by the test's thread
     QByteArray m_received;
 };
 
-/// Listens on an address, ready when constructed, and runs a script in a thread of its own for
-/// each connection. All that it received is kept per connection. When it ends in the test's
-/// thread, errors that the test has not asked for fail the test.
+/// Listens on an address from construction on and runs a script in a separate thread for each
+/// connection. Records everything received per connection. When it is destroyed in the test's
+/// thread, errors that the test has not queried fail the test.
 class ScriptedServer
 {
 public:
     using Script = std::function<void(Peer&)>;
 
-    /// One script for every connection.
+    /// Uses one script for every connection.
     explicit ScriptedServer(Script script, const QByteArray& address = "127.0.0.1",
                             quint16 port = 0);
-    /// One script per connection in their order; a connection too many is an error.
+    /// Uses one script per connection, in order; an extra connection is an error.
     explicit ScriptedServer(std::vector<Script> scripts, const QByteArray& address = "127.0.0.1",
                             quint16 port = 0);
     ~ScriptedServer();
@@ -93,22 +94,21 @@ public:
     ScriptedServer& operator=(const ScriptedServer&) = delete;
 
     QByteArray address() const { return m_address; }
-    quint16 port() const { return m_port; } ///< The port chosen, where 0 was asked for.
+    quint16 port() const { return m_port; } ///< The chosen port, if 0 was requested.
 
     int connectionCount() const;
-    /// Everything received on a connection so far; empty for one that has not come.
+    /// Returns everything received on a connection so far; empty for one that does not exist yet.
     QByteArray received(int connection) const;
-    /// Scripts that failed, and connections without a script, one text each.
+    /// Failed scripts and connections without a script, one text each.
     QStringList errors() const;
 
-    /// These wait, processing events, and tell whether it happened within the limit.
+    /// These wait, processing events, and return whether it happened within the limit.
     bool waitForConnections(int count, int limit = 5000) const;
     bool waitForReceived(int connection, const QByteArray& bytes, int limit = 5000) const;
-    /// All connections have come and their scripts have ended.
+    /// All connections were made and their scripts have ended.
     bool waitForScripts(int count, int limit = 5000) const;
 
-    /// Stops listening, ends the scripts and closes every connection, from here on refusing new
-    /// ones.
+    /// Stops listening, ends the scripts, closes every connection and refuses new ones.
     void stop();
 
 private:
@@ -125,8 +125,8 @@ private:
     const bool m_oneForAll;
     int m_listener = -1;
     std::atomic<bool> m_listening{true};
-    std::atomic<bool> m_stopping{false}; // of the scripts
-    mutable std::mutex m_mutex;          // of the following two
+    std::atomic<bool> m_stopping{false}; // tells the scripts to stop
+    mutable std::mutex m_mutex;          // guards the next two members
     std::vector<std::unique_ptr<Connection>> m_connections;
     QStringList m_errors;
     mutable std::atomic<bool> m_errorsSeen{false};

@@ -12,8 +12,8 @@ namespace support {
 
 namespace {
 
-constexpr int connectLimit = 100; // milliseconds; a connect on this machine takes none
-constexpr int most = 16;          // connections until the queue must be full
+constexpr int connectLimit = 100; // milliseconds; a local connect takes almost no time
+constexpr int most = 16;          // connections after which the queue must be full
 
 sockaddr_in socketAddress(const QByteArray& address, quint16 port)
 {

@@ -1,4 +1,4 @@
-// A device that is there but does not answer.
+// A device that does not answer.
 #pragma once
 
 #include <vector>
@@ -8,12 +8,12 @@
 
 namespace support {
 
-/// An address and port where a connect neither succeeds nor fails: the queue of the socket that
-/// listens there is full and nobody accepts. Lasts until this object ends.
+/// An address and port where connecting neither succeeds nor fails while this object exists: the
+/// queue of the listening socket is full and nobody accepts.
 class SilentAddress
 {
 public:
-    /// Port 0 stands for any free one.
+    /// Port 0 means any free port.
     SilentAddress(const QByteArray& address, quint16 port);
     ~SilentAddress();
     SilentAddress(const SilentAddress&) = delete;

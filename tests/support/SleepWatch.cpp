@@ -13,7 +13,7 @@ namespace support {
 
 namespace {
 
-constexpr int looks = 5; // in a row: a mutex makes a thread sleep too, but briefly
+constexpr int looks = 5; // consecutive checks, because a thread also sleeps briefly on a mutex
 
 } // namespace
 

@@ -1,4 +1,4 @@
-// Whether a thread waits.
+// Detects whether a thread is waiting.
 #pragma once
 
 #include <atomic>
@@ -7,11 +7,11 @@
 
 namespace support {
 
-/// Whether the thread of this number waits in the system, for data or for a lock. From any thread.
+/// Returns whether the thread with this number waits in the kernel, for data or for a lock. May be
+/// called from any thread.
 bool threadIsAsleep(int id);
 
-/// Watches a thread from before its start, so that a test knows when it has come to rest in a
-/// call that blocks.
+/// Watches a thread from before its start, so that a test knows when it blocks in a call.
 class SleepWatch
 {
 public:
@@ -20,10 +20,10 @@ public:
     SleepWatch(const SleepWatch&) = delete;
     SleepWatch& operator=(const SleepWatch&) = delete;
 
-    /// Waits, processing events, until the thread was seen asleep several times in a row; false
-    /// after five seconds.
+    /// Waits, processing events, until the thread was seen asleep several times in a row. Returns
+    /// false after five seconds.
     bool waitUntilAsleep() const;
-    /// Whether it sleeps now, be it for a lock. From any thread.
+    /// Returns whether the thread sleeps now, including on a lock. May be called from any thread.
     bool isAsleep() const { return threadIsAsleep(m_id); }
 
 private:

@@ -9,9 +9,8 @@
 
 namespace support {
 
-/// Two ends of one local stream: the product gets one, the test plays the other. Each is closed
-/// with this object unless it was before. An end that is closed while bytes for it are unread
-/// gives the other one a reset.
+/// The two ends of a local stream: the product uses one, the test the other. Both are closed with
+/// this object if they are still open. Closing an end with unread bytes resets the other end.
 class SocketPair
 {
 public:
@@ -35,14 +34,14 @@ public:
     void closeProduct() { closeEnd(product); }
     void closeTest() { closeEnd(test); }
 
-    /// Sends from the test's end; false unless all went.
+    /// Sends from the test's end. Returns false unless everything was sent.
     bool send(const QByteArray& bytes) const
     {
         return ::send(test, bytes.constData(), static_cast<std::size_t>(bytes.size()),
                       MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
     }
 
-    /// What has arrived at the test's end, without waiting.
+    /// Returns what has arrived at the test's end, without waiting.
     QByteArray arrived() const
     {
         QByteArray all;

@@ -1,4 +1,4 @@
-// Standard output, seen by a test.
+// Captures standard output.
 #pragma once
 
 #include "tests/support/LogCapture.h"
@@ -7,9 +7,9 @@
 
 namespace support {
 
-/// Collects what reaches descriptor 1 from its construction to its end, whoever writes it; what
-/// the C library still buffers is not there yet. The debug log is kept out of it. At its end
-/// everything collected goes on to the real standard output, so that no failure message is lost.
+/// Collects everything written to descriptor 1 while this object exists, except what the C library
+/// still buffers. The debug log is excluded. On destruction everything collected is written to the
+/// real standard output, so that no failure message is lost.
 class StdoutCapture
 {
 public:
@@ -20,16 +20,16 @@ public:
 
     QByteArray text() const;
 
-    /// Waits until the text holds `part`; events are processed meanwhile. False after the limit in
+    /// Waits, processing events, until the text contains `part`. Returns false after the limit in
     /// milliseconds.
     bool waitFor(const QByteArray& part, int limit = 5000) const;
 
-    /// The debug log of the same time.
+    /// The debug log during the same time.
     const LogCapture& log() const { return m_log; }
 
 private:
     LogCapture m_log;
-    int m_collected; // a file without a name
+    int m_collected; // an unnamed file
     int m_real;
 };
 

@@ -1,4 +1,4 @@
-// The tools of the tests, tested.
+// Tests of the shared test code.
 #include "tests/support/LogCapture.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ScriptedServer.h"

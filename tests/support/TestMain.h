@@ -1,4 +1,4 @@
-// What every test class runs in. A test program holds all classes of one folder.
+// The environment of every test class. A test program contains all classes of one folder.
 #pragma once
 
 #include <QCoreApplication>
@@ -12,10 +12,9 @@
 
 namespace support {
 
-/// Makes every run the same: windows offscreen, UTC, the C locale with UTF-8, SIGPIPE ignored,
-/// standard output fully buffered as on a pipe, and a home folder of the test's own, with an empty
-/// folder Desktop, in HOME. Caches are kept in another folder: what is in the home, the program made.
-/// Nothing of the user's is touched.
+/// Makes all runs equal: offscreen windows, UTC, the C locale with UTF-8, SIGPIPE ignored, standard
+/// output fully buffered as on a pipe, and a temporary home folder in HOME with an empty folder
+/// Desktop. Does not use the user's files.
 class TestEnvironment
 {
 public:
@@ -29,9 +28,9 @@ private:
     QTemporaryDir m_caches;
 };
 
-/// Runs the test object's functions. A warning of Qt's, or anything worse, that no ExpectedWarning
-/// waits for fails the function it comes in; QTest::ignoreMessage does not help. With
-/// `needsNetwork` nothing runs unless this is the private network.
+/// Runs the test object's functions. A Qt warning, or worse, that no ExpectedWarning expects fails
+/// the function in which it occurs; QTest::ignoreMessage has no effect. With `needsNetwork` nothing
+/// runs outside a private network.
 int runTest(QObject& test, int argc, char** argv, bool needsNetwork);
 
 #ifdef QT_WIDGETS_LIB
@@ -40,7 +39,7 @@ using TestApplication = QApplication;
 using TestApplication = QCoreApplication;
 #endif
 
-/// Runs one test class with the arguments of a program; the first is the program's name.
+/// Runs one test class with a program's arguments; the first is the program's name.
 using TestRun = int (*)(int argc, char** argv);
 
 template <class Test, bool NeedsNetwork>
@@ -52,7 +51,7 @@ int runTestClass(int argc, char** argv)
     return runTest(test, argc, argv, NeedsNetwork);
 }
 
-/// Makes a class known to the test program that its file is part of.
+/// Registers a class with the test program that its file belongs to.
 class TestRegistration
 {
 public:
@@ -61,13 +60,13 @@ public:
 
 } // namespace support
 
-/// Adds a test class to its program: with a QApplication where Widgets are linked, else with a
+/// Adds a test class to its program, with a QApplication if Widgets are linked, otherwise with a
 /// QCoreApplication.
 #define BELUN_TEST(Class)                                                                          \
     static const support::TestRegistration registration##Class(                                    \
         #Class, support::runTestClass<Class, false>);
 
-/// The same for a test that uses the devices' addresses: it refuses to start outside the private
+/// Same, for a test that uses the devices' addresses: it refuses to start outside a private
 /// network.
 #define BELUN_NETWORK_TEST(Class)                                                                  \
     static const support::TestRegistration registration##Class(                                    \

@@ -9,8 +9,8 @@ namespace support {
 
 namespace {
 
-/// By name, such as "VehicleFrame" for VehicleFrameTest. A function, since the classes register
-/// before main() and in no fixed order.
+/// Indexed by name, such as "VehicleFrame" for VehicleFrameTest. A function, because the classes
+/// register before main() in unspecified order.
 std::map<std::string, TestRun>& testClasses()
 {
     static std::map<std::string, TestRun> classes;
@@ -31,7 +31,8 @@ TestRegistration::TestRegistration(const char* className, TestRun run)
 
 } // namespace support
 
-/// Runs one test class of the folder: the first argument names it, the others are Qt Test's.
+/// Runs one test class of the folder: the first argument is its name, the others are passed to Qt
+/// Test.
 int main(int argc, char** argv)
 {
     const auto& classes = support::testClasses();

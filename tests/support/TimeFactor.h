@@ -1,12 +1,11 @@
-// How much longer things may take here than in an ordinary build.
+// How much slower this build is than an ordinary one.
 #pragma once
 
 #include <QtGlobal>
 
 namespace support {
 
-/// 1, or what the build says where its instrumentation makes programs slower. Every limit that a
-/// test holds the program to is multiplied by it.
+/// Returns 1, or the factor set by an instrumented build. Tests multiply every time limit by it.
 inline int timeFactor()
 {
     bool given = false;

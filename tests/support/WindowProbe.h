@@ -1,4 +1,4 @@
-// A window, as a test reaches it.
+// Gives a test access to a window.
 #pragma once
 
 #include <functional>
@@ -10,14 +10,14 @@
 
 namespace support {
 
-/// Finds a window's widgets by their object names and calls its private slots. The window outlives
-/// it. A widget that is not there ends the test program: nothing that follows would make sense.
+/// Finds a window's widgets by object name and calls its private slots. The window outlives it. A
+/// missing widget ends the test program, because nothing after it would make sense.
 class WindowProbe
 {
 public:
     explicit WindowProbe(QWidget& window) : m_window(window) {}
 
-    /// The child widget of that name and type.
+    /// Returns the child widget of that name and type.
     template <class Widget>
     Widget& child(const QString& name) const
     {
@@ -28,13 +28,13 @@ public:
         return *found;
     }
 
-    /// Whether there is such a child, of whatever type.
+    /// Returns whether there is a child of that name, of any type.
     bool has(const QString& name) const;
 
     /// Clicks in the middle of a child widget with the left button.
     void click(const QString& name) const;
 
-    /// Calls a slot, private or not, in this thread. A slot that is not there fails the test.
+    /// Calls a slot, private or not, in this thread. A missing slot fails the test.
     template <class... Arguments>
     void call(const char* slot, Arguments... arguments) const
     {
@@ -42,7 +42,7 @@ public:
                     slot);
     }
 
-    /// Processes events until the condition holds; false after the limit in milliseconds.
+    /// Processes events until the condition holds. Returns false after the limit in milliseconds.
     static bool waitUntil(const std::function<bool()>& condition, int limit = 5000);
 
     QWidget& window() const { return m_window; }

@@ -1,4 +1,4 @@
-// Exchanges of the HTTP client that end in any case.
+// Exchanges of the HTTP client with a time limit.
 #pragma once
 
 #include "RealServer.h"
@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-/// What an exchange of the library gave.
+/// The result of an exchange.
 struct Outcome
 {
     bool result = false;
@@ -18,6 +18,6 @@ struct Outcome
     QByteArray bytes() const { return QByteArray::fromStdString(body); }
 };
 
-/// Runs an exchange in a thread of its own. The client knows no time-out: an exchange that lasts
-/// ten seconds is ended by ending its server, and fails the test.
+/// Runs an exchange in a separate thread. The client has no timeout: an exchange that takes ten
+/// seconds is ended by stopping its server and fails the test.
 Outcome bounded(RealServer& server, const std::function<Outcome()>& exchange);

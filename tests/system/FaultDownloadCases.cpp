@@ -16,14 +16,14 @@ const QList<FaultCase>& downloadFaultCases()
         {{"odd-head-end"}, A::Download, "whole"},
         {{"split-head"}, A::Download, "whole"},
         {{"byte-by-byte=0"}, A::DownloadSmall, "whole"},
-        // What follows the announced length is not taken.
+        // Bytes after the announced length are not saved.
         {{"growing-recording"}, A::Download, "whole"},
         {{"no-card"}, A::Download, "41 other bytes"},
         {{"swapped-card"}, A::Download, "4000 other bytes"},
         {{"length-offset=10"}, A::Download, "whole"},
         {{"length-offset=-39900"}, A::Download, "first 4096 bytes"},
         {{"length-text=4294967296"}, A::Download, "whole"},
-        // Without a length that can be read nothing of the body is taken.
+        // Without a readable length nothing of the body is saved.
         {{"length-text=-1"}, A::Download, "empty"},
         {{"no-length"}, A::Download, "empty"},
         {{"lower-case-names"}, A::Download, "empty"},
@@ -57,11 +57,11 @@ const QList<FaultCase>& downloadFaultCases()
         {{"name-slash"}, A::Download, "no file, Create file failed"},
         {{"name-outside"}, A::Download, "no file, Create file failed"},
         {{"name-parent"}, A::Download, "no file, Create file failed"},
-        // The name reaches the camera otherwise than it is there: an error page is what comes.
+        // The camera receives a different name, so it answers with an error page.
         {{"name-line-end"}, A::Download, "43 other bytes"},
         {{"name-utf8"}, A::Download, "41 other bytes"},
 
-        // Each of these is closed while the download waits.
+        // Each of these is closed during the download.
         {{"stall=95"}, A::Stalled, "Download Progress: 1/1, bar 38000 of 40000, button disabled"},
         {{"silent=camera"}, A::Stalled, "Download Progress: 1/1, bar 0 of 100, button disabled"},
         {{"never-accept=camera"},
@@ -71,7 +71,7 @@ const QList<FaultCase>& downloadFaultCases()
         {{"byte-by-byte=1000"},
          A::Stalled,
          "Download Progress: 1/1, bar 0 of 100, button disabled"},
-        // The download goes on where it was.
+        // The download continues where it stopped.
         {{"stall=95", "clear stall"}, A::Download, "whole"},
     };
     return cases;

@@ -43,10 +43,10 @@ const QList<FaultCase>& linkFaultCases()
         {{"unknown-type"}, A::Link, linked},
         {{"early-version"}, A::Link, linked},
         {{"no-version"}, A::Link, unheard},
-        // Halves are frames too when they have a start byte and a type.
+        // Half a frame counts as a frame if it has a start byte and a type.
         {{"split-frames"}, A::Link, "Link Success! / v7 v3 v0 v0 v0"},
         {{"split-version"}, A::Link, "Link Success! / v7 v3 v0 v0 v0"},
-        // What is not first in its segment is not looked at.
+        // Only the start of a segment is examined.
         {{"two-frames=heartbeat"}, A::Link, unheard},
         {{"two-frames=version"}, A::Link, linked},
         {{"long-segment=106"}, A::Link, linked},
@@ -63,15 +63,15 @@ const QList<FaultCase>& linkFaultCases()
     return cases;
 }
 
-// These take their time: the limit of six seconds is that of a real clock. An executable for each
-// list, so that they wait side by side.
+// These are slow, because the limit of six seconds uses the real clock. Each list has its own test
+// class, so that they wait in parallel.
 const QList<FaultCase>& heartbeatKeptFaultCases()
 {
     static const QList<FaultCase> cases = {
         {{"heartbeat-pause=5", "unknown-type"}, FaultAction::Link, linked, 6500},
-        // The sixth second is over only when the heartbeat is about to come.
+        // The sixth second ends only when the heartbeat is about to arrive.
         {{"heartbeat-pause=6", "unknown-type"}, FaultAction::Link, linked, 7500},
-        // Nothing else arrives, so nothing tells that heartbeats are missing.
+        // Nothing else arrives, so the missing heartbeats are not noticed.
         {{"heartbeat-stops=1"}, FaultAction::Link, linked, 7500},
     };
     return cases;

@@ -13,13 +13,13 @@ QString named(const QString& name)
     return name + "|2020-01-31  12:45:02|39KB|1s\n" + second;
 }
 
-/// The camera does not know the name that is asked for.
+/// The camera does not know the requested name.
 QString unknown(const QString& name)
 {
     return name + noDetails + '\n' + second;
 }
 
-/// The made-up card; the last row is the one of that number.
+/// The generated card; the last row has this number.
 QString uniform(const QString& last)
 {
     const QString details = "|2020-01-31  12:45:02|3KB|4s";
@@ -54,8 +54,8 @@ const QList<FaultCase>& listFaultCases()
         {{"no-card"}, A::Browse, none},
         {{"no-card"}, A::BrowseAgain, none},
         {{"write-protected"}, A::Browse, healthy},
-        // Count and the first details come from one camera, list and the second details from the
-        // other: the same names.
+        // Count and the first details come from one card, list and the second details from the
+        // other, with the same names.
         {{"swapped-cameras"}, A::Browse, first + "\nREC00002.MP4|2020-01-31  12:45:02|3KB|4s"},
         {{"no-list-end"}, A::Browse, healthy},
         {{"infinite-list", "close-mid-body=1000000", "only=list"}, A::BrowseAgain, healthy},
@@ -75,7 +75,7 @@ const QList<FaultCase>& listFaultCases()
         {{"name-slash"}, A::Browse, named("SUB/REC.MP4")},
         {{"name-outside"}, A::Browse, named("../../REC.MP4")},
         {{"name-parent"}, A::Browse, named("..")},
-        // A colon behind a slash is no address for the client: it asks nothing.
+        // The client rejects an address with a colon after a slash and sends nothing.
         {{"name-line-end"}, A::Browse, "REC\\r\\nX-Injected: 1|||\n" + second},
         {{"name-line-end=REC\\r\\nB.MP4"}, A::Browse, unknown("REC\\r\\nB.MP4")},
         {{"name-markup"}, A::Browse, named("<b>REC</b>.MP4")},
@@ -85,7 +85,7 @@ const QList<FaultCase>& listFaultCases()
         {{"info-missing=create"},
          A::Browse,
          "REC00001.MP4|--  ::|39KB|1s\nREC00002.MP4|--  ::|KB|1s"},
-        // The dates as numbers of 32 bits: 899,931,414 bytes, and a negative number.
+        // The dates as 32-bit numbers: 899,931,414 bytes, and a negative number.
         {{"info-missing=size"},
          A::Browse,
          "REC00001.MP4|2020-01-31  12:45:02|858MB|1s\n"
@@ -124,7 +124,7 @@ const QList<FaultCase>& listFaultCases()
          detailed("2020-01-31  12:45:02|1KB|-1s")},
         {{"info-long=31"}, A::Browse, detailed("1111-11-11  11:11:11|KB|1{31}s")},
         {{"info-long=32"}, A::Browse, detailed("1111-11-11  11:11:11|KB|1{32}s")},
-        // As many bytes have been received before: the second answer ends with its first 10,240.
+        // As many bytes were received before, so the second answer ends after its first 10,240.
         {{"info-long=4000"},
          A::Browse,
          "REC00001.MP4|1111-11-11  11:11:11|KB|1{4000}s\n"
@@ -137,8 +137,8 @@ const QList<FaultCase>& listFaultCases()
 const QList<FaultCase>& answerFaultCases()
 {
     using A = FaultAction;
-    // Lists the names; the details are the second answers in chunks, or behind one, and come
-    // without a body.
+    // Lists the names; the details are the second or later chunked answers and arrive without a
+    // body.
     const QString namesOnly = "REC00001.MP4" + noDetails + "\nREC00002.MP4" + noDetails;
     static const QList<FaultCase> cases = {
         {{"refuse=camera"}, A::Browse, none},
@@ -189,8 +189,8 @@ const QList<FaultCase>& answerFaultCases()
         {{"reset-mid-body=8"}, A::Browse, none},
         {{"split-head"}, A::Browse, healthy},
         {{"byte-by-byte=1", "only=count"}, A::Browse, healthy},
-        // The count of received bytes goes on from answer to answer: the list ends 16 bytes early,
-        // and the details behind their first. Fast bytes would arrive together on a busy machine.
+        // The received count is not reset: the list ends 16 bytes early, and the details after
+        // their first receive. Bytes sent faster could arrive together on a busy machine.
         {{"byte-by-byte=20", "only=list"}, A::Browse, first + '\n' + noDetails},
         {{"byte-by-byte=10", "only=info"}, A::Browse, namesOnly},
         {{"garbage"}, A::BrowseAgain, healthy},

@@ -23,7 +23,7 @@ namespace {
 constexpr int limit = 20'000;         // milliseconds, for a busy machine
 constexpr qint64 closingLimit = 2000; // milliseconds
 constexpr int steadyTime = 450;       // milliseconds
-constexpr int reportInterval = 2000;  // milliseconds, far more than a report takes
+constexpr int reportInterval = 2000;  // milliseconds, much longer than a report takes
 constexpr int largeSize = 40'000;
 constexpr int smallSize = 500;
 
@@ -41,7 +41,7 @@ bool writeRecording(const QString& path, int size, const char* changed)
                             QFileDevice::FileModificationTime);
 }
 
-/// Control characters as escapes; long runs of a character by their length.
+/// Escapes control characters; shortens long runs of one character to their length.
 QString shown(const QString& text)
 {
     QString result;
@@ -59,7 +59,7 @@ QString shown(const QString& text)
     return result;
 }
 
-/// All rows alike but for the first and the last.
+/// All rows are equal except the first and the last.
 constexpr int shownRows = 4;
 
 } // namespace
@@ -85,7 +85,7 @@ QList<QByteArray> FaultCase::faultNames() const
 
 FaultRun::FaultRun()
 {
-    // What a former case has left must not be taken for this one's.
+    // Results of an earlier case must not be mistaken for this one's.
     QDir(QDir::homePath()).removeRecursively();
     QDir().mkpath(QDir::homePath() + "/Desktop");
 }
@@ -253,7 +253,7 @@ void FaultRun::playDownload(const FaultCase& faultCase, int row)
     QCOMPARE(seenFile(downloadPath(name), row == 0 ? largeSize : smallSize) +
                  (printed.isEmpty() ? QString() : ", " + printed),
              faultCase.expected);
-    // Nothing is written anywhere else.
+    // Nothing else is written.
     const auto all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
     QCOMPARE(QDir(QDir::homePath()).entryList(all), QStringList{"Desktop"});
     QCOMPARE(QDir(QDir::homePath() + "/Desktop").entryList(all), QStringList{"DCIM"});

@@ -1,4 +1,4 @@
-// One fault in one user's hands.
+// Runs one fault case as a user would.
 #pragma once
 
 #include "tests/app/UserWindow.h"
@@ -17,15 +17,15 @@ namespace support {
 class StdoutCapture;
 }
 
-/// The real window against the built simulator, whose card holds REC00001.MP4 (40,000 bytes) and
-/// REC00002.MP4 (500 bytes). Made anew for each case, with an empty home folder; a step that goes
-/// wrong fails the test function that it is called from.
+/// The real window with the built simulator, whose card holds REC00001.MP4 (40,000 bytes) and
+/// REC00002.MP4 (500 bytes). Created for each case, with an empty home folder; a failed step fails
+/// the calling test function.
 class FaultRun
 {
 public:
     FaultRun();
 
-    /// Does what the case says and compares what is seen; then closes the window.
+    /// Performs the case, compares what is seen, then closes the window.
     void play(const FaultCase& faultCase);
 
     void startSimulator(const QStringList& arguments = {});
@@ -34,27 +34,27 @@ public:
     /// Switches faults on (see FaultCase).
     void set(const QList<QByteArray>& faults);
     void control(const QByteArray& line);
-    /// Selects the row and downloads it. Returns when the window is idle again; what is printed
-    /// meanwhile is printed().
+    /// Selects the row and downloads it. Returns when the window is idle again; the output
+    /// meanwhile is in printed().
     void download(int row);
-    /// Destroys the window, which has to take less than two seconds, and ends the simulator.
+    /// Destroys the window, which must take less than two seconds, and stops the simulator.
     void close();
 
     UserWindow& user() { return *m_user; }
     const QByteArray& printed() const { return m_printed; }
     QString seenTable() const;
-    /// What has become of a recording: "whole", "empty", "first 100 bytes", "41 other bytes", "no
+    /// Returns the state of a recording: "whole", "empty", "first 100 bytes", "41 other bytes", "no
     /// file".
     static QString seenFile(const QString& path, int size);
     static QByteArray content(int size);
     static QString downloadPath(const QString& name);
 
 private:
-    /// Waits for the expected text of a link case, which then has to stay for a while; with "..."
-    /// at its end more may follow.
+    /// Waits for the expected text of a link case, which must then stay for a while; more text may
+    /// follow if it ends with "...".
     void compareLink(const FaultCase& faultCase);
-    /// Waits for something that takes a version report. The window looks at a report only when it
-    /// comes in a segment of its own, and a busy machine joins segments: it is sent again.
+    /// Waits for something that needs a version report. The program only recognises a report in its
+    /// own segment, and a busy machine joins segments, so the report is sent repeatedly.
     bool eventuallyReported(const std::function<bool()>& condition);
     QString seenLink() const;
     void playDownload(const FaultCase& faultCase, int row);
@@ -68,6 +68,6 @@ private:
     QByteArray m_printed;
 };
 
-/// The two functions that each executable's test class is made of.
+/// The two functions of each test class.
 void addFaultRows(const QList<FaultCase>& cases);
 void playFaultRow(const QList<FaultCase>& cases);

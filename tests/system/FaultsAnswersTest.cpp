@@ -6,8 +6,8 @@ class FaultsAnswersTest : public QObject
     Q_OBJECT
 
 private slots:
-    void faultIsSeenAsStated_data() { addFaultRows(answerFaultCases()); }
-    void faultIsSeenAsStated() { playFaultRow(answerFaultCases()); }
+    void faultHasTheStatedEffect_data() { addFaultRows(answerFaultCases()); }
+    void faultHasTheStatedEffect() { playFaultRow(answerFaultCases()); }
 };
 
 BELUN_NETWORK_TEST(FaultsAnswersTest)

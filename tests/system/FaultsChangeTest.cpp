@@ -6,8 +6,8 @@ class FaultsChangeTest : public QObject
     Q_OBJECT
 
 private slots:
-    void faultIsSeenAsStated_data() { addFaultRows(changeFaultCases()); }
-    void faultIsSeenAsStated() { playFaultRow(changeFaultCases()); }
+    void faultHasTheStatedEffect_data() { addFaultRows(changeFaultCases()); }
+    void faultHasTheStatedEffect() { playFaultRow(changeFaultCases()); }
 };
 
 BELUN_NETWORK_TEST(FaultsChangeTest)

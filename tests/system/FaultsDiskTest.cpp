@@ -1,4 +1,4 @@
-// Downloads onto a local disk that is not as they expect it.
+// Downloads to unusual local disks.
 #include "tests/support/TestMain.h"
 #include "tests/system/FaultRun.h"
 
@@ -52,7 +52,7 @@ QByteArray native(const QString& path)
     return QFile::encodeName(path);
 }
 
-/// A user who may write only where everybody may; the caller, unless that is root.
+/// A user who may write only world-writable folders; the caller, unless that is root.
 class OrdinaryUser
 {
 public:
@@ -73,7 +73,7 @@ private:
     bool m_changed;
 };
 
-/// No file of this process gets longer; writing on is an error and no signal.
+/// Limits the file size of this process; writing more is an error and not a signal.
 class FileSizeLimit
 {
 public:
@@ -93,7 +93,7 @@ private:
     rlimit m_former{};
 };
 
-/// A disk of that size in place of the folder. Seen by this thread and those it starts.
+/// Mounts a disk of that size over the folder, for this thread and those it starts.
 class SmallDisk
 {
 public:
@@ -130,28 +130,28 @@ private slots:
     void init();
     void cleanup();
 
-    void missingFolderIsMade();
-    void folderThatMayNotBeWrittenStaysEmpty();
-    void folderThatEverybodyMayWriteTakesTheRecording();
+    void missingFolderIsCreated();
+    void unwritableFolderStaysEmpty();
+    void worldWritableFolderReceivesTheRecording();
     void fileInPlaceOfTheFolderStaysAsItIs();
     void linkInPlaceOfTheFolderIsFollowed();
-    void linkToNowhereInPlaceOfTheFolderLeadsNowhere();
+    void danglingLinkInPlaceOfTheFolderIsNotFollowed();
     void fullDiskKeepsWhatFits();
     void fileOfTheGreatestSizeKeepsWhatFits();
-    void missingDesktopIsNotMade();
-    void desktopWithANameOfItsOwnTakesTheRecording_data();
-    void desktopWithANameOfItsOwnTakesTheRecording();
+    void missingDesktopIsNotCreated();
+    void customDesktopFolderReceivesTheRecording_data();
+    void customDesktopFolderReceivesTheRecording();
     void longerFileKeepsItsEnd();
     void readOnlyRecordingStaysAsItIs();
     void folderInPlaceOfTheRecordingStays();
     void linkInPlaceOfTheRecordingIsNotFollowed();
-    void linkToNowhereInPlaceOfTheRecordingMakesNothing();
+    void danglingLinkInPlaceOfTheRecordingCreatesNothing();
     void pipeInPlaceOfTheRecordingIsNotWaitedFor();
     void pipeWithAReaderGetsNothing();
 
 private:
     QString dcim(const QString& name = {}) const { return FaultRun::downloadPath(name); }
-    /// Downloads the row with that printed, sees that the window is idle again and alive.
+    /// Downloads the row, expects that output, and checks that the window is idle and responsive.
     void download(int row, const QByteArray& printed);
 
     std::optional<FaultRun> run;
@@ -183,7 +183,7 @@ void FaultsDiskTest::download(int row, const QByteArray& printed)
     QCOMPARE(run->user().status(), QStringLiteral("Link Success!"));
 }
 
-void FaultsDiskTest::missingFolderIsMade()
+void FaultsDiskTest::missingFolderIsCreated()
 {
     QVERIFY(!QFile::exists(dcim()));
     download(0, "");
@@ -191,7 +191,7 @@ void FaultsDiskTest::missingFolderIsMade()
     QCOMPARE(entryCount(dcim()), 1);
 }
 
-void FaultsDiskTest::folderThatMayNotBeWrittenStaysEmpty()
+void FaultsDiskTest::unwritableFolderStaysEmpty()
 {
     QVERIFY(::mkdir(native(dcim()).constData(), 0755) == 0);
     QVERIFY(::chmod(native(dcim()).constData(), 0555) == 0);
@@ -204,7 +204,7 @@ void FaultsDiskTest::folderThatMayNotBeWrittenStaysEmpty()
     QVERIFY(::chmod(native(dcim()).constData(), 0755) == 0);
 }
 
-void FaultsDiskTest::folderThatEverybodyMayWriteTakesTheRecording()
+void FaultsDiskTest::worldWritableFolderReceivesTheRecording()
 {
     QVERIFY(::mkdir(native(dcim()).constData(), 0755) == 0);
     QVERIFY(::chmod(native(dcim()).constData(), 0777) == 0);
@@ -234,7 +234,7 @@ void FaultsDiskTest::linkInPlaceOfTheFolderIsFollowed()
              QStringLiteral("whole"));
 }
 
-void FaultsDiskTest::linkToNowhereInPlaceOfTheFolderLeadsNowhere()
+void FaultsDiskTest::danglingLinkInPlaceOfTheFolderIsNotFollowed()
 {
     QVERIFY(QFile::link(homePath("Gone"), homePath("Desktop/DCIM")));
     download(0, refused);
@@ -253,7 +253,7 @@ void FaultsDiskTest::fullDiskKeepsWhatFits()
     download(0, "");
     QCOMPARE(FaultRun::seenFile(dcim("REC00001.MP4"), largeSize),
              QStringLiteral("first 16384 bytes"));
-    // The next one finds no room at all.
+    // There is no space left for the next one.
     download(1, "");
     QCOMPARE(FaultRun::seenFile(dcim("REC00002.MP4"), smallSize), QStringLiteral("empty"));
 }
@@ -270,21 +270,21 @@ void FaultsDiskTest::fileOfTheGreatestSizeKeepsWhatFits()
     QCOMPARE(FaultRun::seenFile(dcim("REC00002.MP4"), smallSize), QStringLiteral("whole"));
 }
 
-void FaultsDiskTest::missingDesktopIsNotMade()
+void FaultsDiskTest::missingDesktopIsNotCreated()
 {
     QVERIFY(QDir(homePath("Desktop")).removeRecursively());
     download(0, refused);
     QCOMPARE(entryCount(QDir::homePath()), 0);
 }
 
-void FaultsDiskTest::desktopWithANameOfItsOwnTakesTheRecording_data()
+void FaultsDiskTest::customDesktopFolderReceivesTheRecording_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("Chinese") << QStringLiteral("桌面");
     QTest::newRow("Portuguese") << QStringLiteral("Área de Trabalho");
 }
 
-void FaultsDiskTest::desktopWithANameOfItsOwnTakesTheRecording()
+void FaultsDiskTest::customDesktopFolderReceivesTheRecording()
 {
     QFETCH(QString, name);
     QVERIFY(QDir().mkpath(homePath(name)));
@@ -335,7 +335,7 @@ void FaultsDiskTest::linkInPlaceOfTheRecordingIsNotFollowed()
     QCOMPARE(QFile::symLinkTarget(dcim("REC00001.MP4")), homePath("letter.txt"));
 }
 
-void FaultsDiskTest::linkToNowhereInPlaceOfTheRecordingMakesNothing()
+void FaultsDiskTest::danglingLinkInPlaceOfTheRecordingCreatesNothing()
 {
     QVERIFY(QDir().mkpath(dcim()));
     QVERIFY(QFile::link(homePath("letter.txt"), dcim("REC00001.MP4")));

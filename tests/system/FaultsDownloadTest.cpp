@@ -6,8 +6,8 @@ class FaultsDownloadTest : public QObject
     Q_OBJECT
 
 private slots:
-    void faultIsSeenAsStated_data() { addFaultRows(downloadFaultCases()); }
-    void faultIsSeenAsStated() { playFaultRow(downloadFaultCases()); }
+    void faultHasTheStatedEffect_data() { addFaultRows(downloadFaultCases()); }
+    void faultHasTheStatedEffect() { playFaultRow(downloadFaultCases()); }
 };
 
 BELUN_NETWORK_TEST(FaultsDownloadTest)

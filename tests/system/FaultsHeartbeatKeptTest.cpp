@@ -6,8 +6,8 @@ class FaultsHeartbeatKeptTest : public QObject
     Q_OBJECT
 
 private slots:
-    void faultIsSeenAsStated_data() { addFaultRows(heartbeatKeptFaultCases()); }
-    void faultIsSeenAsStated() { playFaultRow(heartbeatKeptFaultCases()); }
+    void faultHasTheStatedEffect_data() { addFaultRows(heartbeatKeptFaultCases()); }
+    void faultHasTheStatedEffect() { playFaultRow(heartbeatKeptFaultCases()); }
 };
 
 BELUN_NETWORK_TEST(FaultsHeartbeatKeptTest)

@@ -6,8 +6,8 @@ class FaultsHeartbeatLostTest : public QObject
     Q_OBJECT
 
 private slots:
-    void faultIsSeenAsStated_data() { addFaultRows(heartbeatLostFaultCases()); }
-    void faultIsSeenAsStated() { playFaultRow(heartbeatLostFaultCases()); }
+    void faultHasTheStatedEffect_data() { addFaultRows(heartbeatLostFaultCases()); }
+    void faultHasTheStatedEffect() { playFaultRow(heartbeatLostFaultCases()); }
 };
 
 BELUN_NETWORK_TEST(FaultsHeartbeatLostTest)

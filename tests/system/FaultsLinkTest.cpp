@@ -6,8 +6,8 @@ class FaultsLinkTest : public QObject
     Q_OBJECT
 
 private slots:
-    void faultIsSeenAsStated_data() { addFaultRows(linkFaultCases()); }
-    void faultIsSeenAsStated() { playFaultRow(linkFaultCases()); }
+    void faultHasTheStatedEffect_data() { addFaultRows(linkFaultCases()); }
+    void faultHasTheStatedEffect() { playFaultRow(linkFaultCases()); }
 };
 
 BELUN_NETWORK_TEST(FaultsLinkTest)

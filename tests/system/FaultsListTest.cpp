@@ -6,8 +6,8 @@ class FaultsListTest : public QObject
     Q_OBJECT
 
 private slots:
-    void faultIsSeenAsStated_data() { addFaultRows(listFaultCases()); }
-    void faultIsSeenAsStated() { playFaultRow(listFaultCases()); }
+    void faultHasTheStatedEffect_data() { addFaultRows(listFaultCases()); }
+    void faultHasTheStatedEffect() { playFaultRow(listFaultCases()); }
 };
 
 BELUN_NETWORK_TEST(FaultsListTest)

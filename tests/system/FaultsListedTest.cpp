@@ -1,4 +1,4 @@
-// No fault without a case, and no case without a fault.
+// Every fault has a case, and every case is a fault.
 #include "tests/support/TestMain.h"
 #include "tests/system/FaultCase.h"
 
@@ -14,7 +14,7 @@ class FaultsListedTest : public QObject
 
 private slots:
     void everyFaultHasACase();
-    void everyFaultHasALineOfItsOwn();
+    void everyFaultHasItsOwnLine();
 
 private:
     static QStringList listed();
@@ -52,7 +52,7 @@ void FaultsListedTest::everyFaultHasACase()
     QCOMPARE(seen.join('\n'), names.join('\n'));
 }
 
-void FaultsListedTest::everyFaultHasALineOfItsOwn()
+void FaultsListedTest::everyFaultHasItsOwnLine()
 {
     const QStringList names = listed();
     QVERIFY2(names.size() >= 50, qPrintable(QString::number(names.size())));

@@ -6,8 +6,8 @@ class FaultsRebootTest : public QObject
     Q_OBJECT
 
 private slots:
-    void faultIsSeenAsStated_data() { addFaultRows(rebootFaultCases()); }
-    void faultIsSeenAsStated() { playFaultRow(rebootFaultCases()); }
+    void faultHasTheStatedEffect_data() { addFaultRows(rebootFaultCases()); }
+    void faultHasTheStatedEffect() { playFaultRow(rebootFaultCases()); }
 };
 
 BELUN_NETWORK_TEST(FaultsRebootTest)

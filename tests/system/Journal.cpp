@@ -26,8 +26,8 @@ QString heartbeatOf(const QString& device)
     return device == "ground" ? QStringLiteral("bbaf0401005e") : QStringLiteral("aaaf0401005e");
 }
 
-/// Bytes as text, a line for each of theirs, with everything that is no ordinary character
-/// escaped. Each begins with the mark.
+/// Formats bytes as text, one output line per line, with special characters escaped. Each output
+/// line begins with the mark.
 QStringList shownText(const QString& mark, const QByteArray& bytes)
 {
     QStringList lines;
@@ -67,7 +67,7 @@ QString shownOpen(const QJsonObject& line)
 QStringList cameraLines(const QList<QJsonObject>& connection)
 {
     QStringList lines;
-    QByteArray received; // one text, however many receives it took
+    QByteArray received; // one text for all receives
     for (const QJsonObject& line : connection) {
         const QString event = value(line, "event");
         const QByteArray bytes = QByteArray::fromHex(value(line, "bytes").toLatin1());
@@ -98,7 +98,7 @@ QStringList cameraLines(const QList<QJsonObject>& connection)
     return lines + shownText("> ", received);
 }
 
-/// Both directions of a module's connection, each by itself.
+/// Formats both directions of a module's connection separately.
 class ModuleTalk
 {
 public:
@@ -115,7 +115,7 @@ public:
             m_received += value(line, "bytes");
         } else if (event == "close") {
             m_end = shownClose(line);
-        } else if (event != "complaint") { // those follow from the bytes, or tell of slowness
+        } else if (event != "complaint") { // complaints follow from the bytes or report slowness
             m_sent.append(event);
         }
     }
@@ -141,7 +141,7 @@ public:
                 lines += "> answers " + frames[i];
             }
         }
-        // The last heartbeat may have come when the client was leaving.
+        // The last heartbeat may have arrived while the client was disconnecting.
         const int heartbeats = static_cast<int>(m_sent.count(m_heartbeat));
         const int answers = static_cast<int>(frames.count(heartbeatAnswer));
         if (answers > heartbeats || answers < heartbeats - 1) {
@@ -186,11 +186,11 @@ Journal::Journal(const QString& path)
     }
     const QList<QByteArray> lines = file.readAll().split('\n');
     QSet<QPair<QString, int>> closed;
-    // What follows the last line end is empty, or being written.
+    // The part after the last line ending is empty or still being written.
     for (int i = 0; i + 1 < lines.size(); ++i) {
         const QJsonObject line = QJsonDocument::fromJson(lines[i]).object();
         if (value(line, "event") == "close") {
-            // A client that leaves bytes unread resets a connection that the device has closed.
+            // A client that leaves unread bytes resets a connection that the device has closed.
             const auto connection =
                 qMakePair(value(line, "device"), line.value("connection").toInt());
             if (closed.contains(connection)) {

@@ -1,28 +1,27 @@
-// What the simulator has noted of a run.
+// The simulator's journal of a run.
 #pragma once
 
 #include <QJsonObject>
 #include <QList>
 #include <QString>
 
-/// The lines of a simulator's journal, as far as they are written.
+/// Returns the lines of a simulator's journal, as far as they are complete.
 class Journal
 {
 public:
     explicit Journal(const QString& path);
 
-    /// The client has answered a heartbeat on that connection.
+    /// Returns whether the client has answered a heartbeat on that connection.
     bool isHeartbeatAnswered(const QString& device, int connection) const;
-    /// The control module has reported its versions on that connection.
+    /// Returns whether the control module has reported its versions on that connection.
     bool isVersionReported(int connection) const;
     bool isEveryConnectionClosed() const;
 
-    /// All bytes of every connection in their order, by device and connection, in a form that a
-    /// person can read. What only depends on time is left out: times, ports, the number of
-    /// heartbeats and of their answers (but not whether each has one), how bytes of the two
-    /// directions of a module's connection follow each other, and what a module says on a
-    /// connection that its client drops without a word. Of a client's close it is also left open
-    /// whether it came as an end or, with bytes unread, as a reset.
+    /// Returns all bytes of every connection in order, by device and connection, in readable form.
+    /// Timing-dependent details are left out: times, ports, the number of heartbeats and answers
+    /// (but not whether each has one), how the two directions of a module's connection interleave,
+    /// and what a module sends on a connection that its client drops without sending anything.
+    /// Whether a client closed with an end or, with unread bytes, with a reset is also left out.
     QString text() const;
 
 private:

@@ -1,5 +1,4 @@
-// The protocol pages under docs/: their blocks are played to the program, so a page that no longer
-// tells the truth fails here.
+// Plays the blocks of the protocol pages in docs/ to the program, so that a wrong page fails.
 #include "app/MainWindow.h"
 #include "card/CardAnswers.h"
 #include "card/CardCommands.h"
@@ -32,7 +31,7 @@ namespace {
 constexpr quint16 modulePort = 5000;
 constexpr quint16 cameraPort = 80;
 
-/// The lines of each fenced block with that tag.
+/// Returns the lines of each fenced block with that tag.
 QList<QStringList> blocks(const QString& page, const QString& tag)
 {
     QList<QStringList> found;
@@ -50,7 +49,7 @@ QList<QStringList> blocks(const QString& page, const QString& tag)
     return found;
 }
 
-/// The words of a line: columns are two or more spaces apart.
+/// Returns the columns of a line, which are separated by two or more spaces.
 QStringList columns(const QString& line)
 {
     return line.split(QRegularExpression(" {2,}"), Qt::SkipEmptyParts);
@@ -73,7 +72,7 @@ vehicle::Chunk chunk(const QByteArray& bytes)
     return chunk;
 }
 
-/// What a link makes of a chunk, in the page's words.
+/// Returns how a link interprets a receive, in the page's words.
 QString meaning(const vehicle::Chunk& chunk, std::uint8_t startByte, bool readsReports)
 {
     if (vehicle::isHeartbeat(chunk, startByte)) {
@@ -82,15 +81,15 @@ QString meaning(const vehicle::Chunk& chunk, std::uint8_t startByte, bool readsR
     return readsReports && vehicle::decodeVersionReport(chunk) ? "report" : "nothing";
 }
 
-/// A module's side of the conversations on a page.
+/// Plays the module's side of the conversations on a page.
 struct Conversation
 {
     std::vector<ScriptedServer::Script> connections;
     QStringList programBytes; // per connection
     QStringList signalTexts;
 
-    /// Plays the connections in their order. One that the page does not have is held open: a link
-    /// whose connection was closed would come again and again.
+    /// Plays the connections in order. A connection that is not on the page is held open, because a
+    /// link would reconnect repeatedly if it were closed.
     void operator()(Peer& peer) const
     {
         const auto number = static_cast<std::size_t>(peer.number());
@@ -102,8 +101,8 @@ struct Conversation
     }
 };
 
-/// Sends a connection's module lines and waits for its program lines, in their order. Every module
-/// line is a chunk of its own.
+/// Sends a connection's module lines and waits for its program lines, in order. Every module line
+/// is a separate receive.
 ScriptedServer::Script script(const QList<QStringList>& lines, bool closes)
 {
     return [lines, closes](Peer& peer) {
@@ -118,7 +117,7 @@ ScriptedServer::Script script(const QList<QStringList>& lines, bool closes)
         if (closes) {
             peer.halfClose();
         }
-        // An answer that the page does not have is seen too.
+        // This also detects an answer that is not on the page.
         peer.waitUntilClosedByClient();
     };
 }
@@ -150,7 +149,7 @@ Conversation conversation(const QStringList& block)
     return result;
 }
 
-/// What the program has sent on each connection of a conversation.
+/// Returns what the program sent on each connection of a conversation.
 QStringList sentBytes(const ScriptedServer& server)
 {
     QStringList sent;
@@ -217,16 +216,16 @@ class ProtocolPagesTest : public QObject
 private slots:
     void initTestCase();
 
-    void theVersionsOfTheLinkPageAreCountedAndShownSo();
-    void theChunksOfTheLinkPageMeanWhatItSays();
-    void theControlConversationHappensAsItStands();
-    void theGroundConversationHappensAsItStands();
+    void linkPageVersionsAreDecodedAndShownAsStated();
+    void linkPageReceivesAreInterpretedAsStated();
+    void controlConversationHappensAsWritten();
+    void groundConversationHappensAsWritten();
 
-    void theCommandsOfTheCameraPageAreTheProgramsOwn();
-    void theAnswersOfTheCameraPageAreReadSo_data();
-    void theAnswersOfTheCameraPageAreReadSo();
-    void theLengthsOfTheCameraPageAreTheBodies();
-    void theCameraConversationHappensAsItStands();
+    void cameraPageCommandsMatchTheProgram();
+    void cameraPageAnswersAreParsedAsStated_data();
+    void cameraPageAnswersAreParsedAsStated();
+    void cameraPageLengthsMatchTheBodies();
+    void cameraConversationHappensAsWritten();
 
 private:
     QString m_linkPage;
@@ -246,7 +245,7 @@ void ProtocolPagesTest::initTestCase()
 // --- the link page
 // ----------------------------------------------------------------------------------
 
-void ProtocolPagesTest::theVersionsOfTheLinkPageAreCountedAndShownSo()
+void ProtocolPagesTest::linkPageVersionsAreDecodedAndShownAsStated()
 {
     const QStringList lines = blocks(m_linkPage, "versions").value(0);
     QVERIFY(lines.size() > 5);
@@ -265,7 +264,7 @@ void ProtocolPagesTest::theVersionsOfTheLinkPageAreCountedAndShownSo()
     }
 }
 
-void ProtocolPagesTest::theChunksOfTheLinkPageMeanWhatItSays()
+void ProtocolPagesTest::linkPageReceivesAreInterpretedAsStated()
 {
     const QStringList lines = blocks(m_linkPage, "chunks").value(0);
     QVERIFY(lines.size() > 5);
@@ -279,7 +278,7 @@ void ProtocolPagesTest::theChunksOfTheLinkPageMeanWhatItSays()
     }
 }
 
-void ProtocolPagesTest::theControlConversationHappensAsItStands()
+void ProtocolPagesTest::controlConversationHappensAsWritten()
 {
     const QList<QStringList> found = blocks(m_linkPage, "control-conversation");
     QCOMPARE(found.size(), 1);
@@ -288,7 +287,7 @@ void ProtocolPagesTest::theControlConversationHappensAsItStands()
 
     ScriptedServer module(ScriptedServer::Script(expected), "192.168.1.149", modulePort);
     QStringList signalTexts;
-    QObject listener; // nothing is delivered any more when it has gone
+    QObject listener; // no signal is delivered after its destruction
     auto thread = std::make_unique<ControlClientThread>(nullptr);
     connect(thread.get(), &ControlClientThread::updateLinkedFlag, &listener, [&](bool flag) {
         signalTexts.append(QString("updateLinkedFlag(%1)").arg(flag ? "true" : "false"));
@@ -313,7 +312,7 @@ void ProtocolPagesTest::theControlConversationHappensAsItStands()
     QCOMPARE(sentBytes(module), expected.programBytes);
 }
 
-void ProtocolPagesTest::theGroundConversationHappensAsItStands()
+void ProtocolPagesTest::groundConversationHappensAsWritten()
 {
     const QList<QStringList> found = blocks(m_linkPage, "ground-conversation");
     QCOMPARE(found.size(), 1);
@@ -333,7 +332,7 @@ void ProtocolPagesTest::theGroundConversationHappensAsItStands()
 // --- the camera page
 // --------------------------------------------------------------------------------
 
-void ProtocolPagesTest::theCommandsOfTheCameraPageAreTheProgramsOwn()
+void ProtocolPagesTest::cameraPageCommandsMatchTheProgram()
 {
     const QRegularExpression row("^\\| [a-z ]+\\| `(/cgi-bin[^`]*)` *\\|",
                                  QRegularExpression::MultilineOption);
@@ -346,7 +345,7 @@ void ProtocolPagesTest::theCommandsOfTheCameraPageAreTheProgramsOwn()
                                   card::deleteAllFilesCommand, card::formatCardCommand}));
 }
 
-void ProtocolPagesTest::theAnswersOfTheCameraPageAreReadSo_data()
+void ProtocolPagesTest::cameraPageAnswersAreParsedAsStated_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("answer");
@@ -362,7 +361,7 @@ void ProtocolPagesTest::theAnswersOfTheCameraPageAreReadSo_data()
     }
 }
 
-void ProtocolPagesTest::theAnswersOfTheCameraPageAreReadSo()
+void ProtocolPagesTest::cameraPageAnswersAreParsedAsStated()
 {
     QFETCH(QString, kind);
     QFETCH(QString, answer);
@@ -390,7 +389,7 @@ void ProtocolPagesTest::theAnswersOfTheCameraPageAreReadSo()
     }
 }
 
-void ProtocolPagesTest::theLengthsOfTheCameraPageAreTheBodies()
+void ProtocolPagesTest::cameraPageLengthsMatchTheBodies()
 {
     for (const Exchange& exchange : exchanges(m_cameraPage)) {
         const QByteArray length =
@@ -399,7 +398,7 @@ void ProtocolPagesTest::theLengthsOfTheCameraPageAreTheBodies()
     }
 }
 
-void ProtocolPagesTest::theCameraConversationHappensAsItStands()
+void ProtocolPagesTest::cameraConversationHappensAsWritten()
 {
     const QList<Exchange> expected = exchanges(m_cameraPage);
     QCOMPARE(expected.size(), 8);

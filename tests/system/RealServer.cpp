@@ -17,14 +17,14 @@ constexpr int startLimit = 5000; // milliseconds
 constexpr int endLimit = 3000;
 constexpr int probeInterval = 5;
 
-/// Servers are found also where the search path of an ordinary user does not lead.
+/// Also finds servers outside the search path of an ordinary user.
 QString programPath(const QString& name)
 {
     const QString found = QStandardPaths::findExecutable(name);
     return found.isEmpty() ? QStandardPaths::findExecutable(name, {"/usr/sbin", "/sbin"}) : found;
 }
 
-/// A package that was unpacked and not installed has its modules beside it, not where it looks.
+/// The modules of an unpacked, not installed package are beside it, not in the default folder.
 QStringList moduleFolderOption(const QString& program)
 {
     const QDir folder(QFileInfo(program).absolutePath() + "/../lib/lighttpd");
@@ -123,8 +123,8 @@ bool RealServer::write(const QString& file, const QByteArray& content)
            output.write(content) == content.size();
 }
 
-// One process without a master: it ends with its own number, and a server started by root gives
-// nobody's rights to nothing. Server-side includes change no file here but make the length unknown.
+// One process without a master: it can be ended by its own process id, and a server started by root
+// keeps root's access. Server-side includes change no file here, but make the length unknown.
 QByteArray RealServer::nginxConfiguration() const
 {
     return QString(R"(
@@ -159,7 +159,7 @@ http {
         .toUtf8();
 }
 
-// Without "stream" the server collects a program's answer and announces its length.
+// Without "stream" the server buffers a CGI answer and announces its length.
 QByteArray RealServer::lighttpdConfiguration() const
 {
     return QString(R"(

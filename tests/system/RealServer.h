@@ -1,4 +1,4 @@
-// A web server out of a Debian package, run by a test for itself.
+// A web server from a Debian package, run by a test.
 #pragma once
 
 #include <QByteArray>
@@ -6,15 +6,15 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// Runs nginx, lighttpd or busybox httpd in the foreground, with the rights of the test and with
-/// everything it reads and writes in a temporary folder: the system's own service and its files are
-/// not touched. Ended, by its own process number, with this object. One thread.
+/// Runs nginx, lighttpd or busybox httpd in the foreground, with the test's privileges and all
+/// files in a temporary folder; the system's own service and its files are not touched. Ended with
+/// this object, by its own process id. Use from one thread only.
 class RealServer
 {
 public:
     enum Kind { Nginx, Lighttpd, Busybox };
 
-    /// For how long the servers keep a connection open that nobody uses, in milliseconds.
+    /// How long the servers keep an idle connection open, in milliseconds.
     static constexpr int keepAliveTime = 1000;
 
     RealServer(Kind kind, const QString& address, int port);
@@ -22,25 +22,25 @@ public:
     RealServer(const RealServer&) = delete;
     RealServer& operator=(const RealServer&) = delete;
 
-    /// Starts the server and returns when it accepts connections. False, with error() telling why,
-    /// when it does not within five seconds.
+    /// Starts the server and returns when it accepts connections. Returns false, with the reason in
+    /// error(), if it does not within five seconds.
     bool start();
     void stop();
     QString error() const { return m_error; }
 
-    /// Puts a file below the document root; "path" has no leading slash.
+    /// Creates a file below the document root; "path" has no leading slash.
     bool publish(const QString& path, const QByteArray& content);
 
-    /// Puts a CGI program below the document root. nginx runs none.
+    /// Creates a CGI program below the document root. nginx runs none.
     bool publishProgram(const QString& path, const QByteArray& script);
 
-    /// The address of a path, scheme and port included.
+    /// Returns the address of a path, including scheme and port.
     std::string url(const QString& path) const;
 
-    // What the servers add to a path. nginx only: the file, its length not announced.
+    // Path prefixes. nginx only: the file without an announced length.
     static QString chunkedPath(const QString& path) { return "chunked/" + path; }
     static QString closingPath(const QString& path) { return "closing/" + path; }
-    // lighttpd only: the CGI program, its answer passed on as it comes.
+    // lighttpd only: the CGI program, its answer streamed.
     static QString streamedPath(const QString& path) { return "streamed/" + path; }
 
 private:

@@ -1,4 +1,4 @@
-// Downloads from web servers that were written by others and stand on the camera's address.
+// Downloads from third-party web servers at the camera's address.
 #include "RealServer.h"
 #include "TestBodies.h"
 #include "download/DownloadFileThread.h"
@@ -26,8 +26,8 @@ private slots:
     void aRecordingArrivesWhole_data();
     void aRecordingArrivesWhole();
     void aRefusedRequestLeavesAnEmptyRecording();
-    void theErrorPageOfAMissingRecordingIsKeptAsItsContent_data();
-    void theErrorPageOfAMissingRecordingIsKeptAsItsContent();
+    void errorPageOfAMissingRecordingIsSavedAsItsContent_data();
+    void errorPageOfAMissingRecordingIsSavedAsItsContent();
     void aRecordingWithoutALengthStaysEmpty_data();
     void aRecordingWithoutALengthStaysEmpty();
     void aShorterRecordingLeavesTheOldTailInPlace_data();
@@ -101,7 +101,8 @@ void RealServersDownloadTest::aRecordingArrivesWhole()
     COMPARE_BODIES(recording("BELUN_0001.bin"), body(size));
 }
 
-// busybox takes no request with scheme and host in its target, and its pages have no length.
+// busybox does not accept a request with scheme and host in its target, and its pages have no
+// length.
 void RealServersDownloadTest::aRefusedRequestLeavesAnEmptyRecording()
 {
     QVERIFY(startCamera(RealServer::Busybox));
@@ -113,12 +114,12 @@ void RealServersDownloadTest::aRefusedRequestLeavesAnEmptyRecording()
     QCOMPARE(recording("BELUN_0001.bin"), QByteArray());
 }
 
-void RealServersDownloadTest::theErrorPageOfAMissingRecordingIsKeptAsItsContent_data()
+void RealServersDownloadTest::errorPageOfAMissingRecordingIsSavedAsItsContent_data()
 {
     addServers({RealServer::Nginx, RealServer::Lighttpd});
 }
 
-void RealServersDownloadTest::theErrorPageOfAMissingRecordingIsKeptAsItsContent()
+void RealServersDownloadTest::errorPageOfAMissingRecordingIsSavedAsItsContent()
 {
     QFETCH(RealServer::Kind, kind);
     QVERIFY(startCamera(kind));

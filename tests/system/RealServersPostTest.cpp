@@ -1,5 +1,4 @@
-// POST exchanges of the HTTP client, read back by programs behind web servers that were written by
-// others.
+// POST exchanges of the HTTP client, checked by CGI programs of third-party web servers.
 #include "BoundedExchange.h"
 #include "RealServer.h"
 #include "TestBodies.h"
@@ -13,8 +12,9 @@
 
 namespace {
 
-/// A program that tells what it was sent: method, type, length, digest. Asked for no length it adds
-/// a megabyte, so that a server cannot have the whole answer when it passes the head on.
+/// A CGI program that reports what it received: method, type, length, digest. If requested without
+/// a length it adds a megabyte, so that a server cannot buffer the whole answer before sending the
+/// head.
 constexpr char receivingProgram[] = R"(#!/usr/bin/python3
 import hashlib, os, sys
 body = sys.stdin.buffer.read(int(os.environ.get("CONTENT_LENGTH") or 0))
@@ -27,8 +27,8 @@ if os.environ["QUERY_STRING"] == "no-length":
 sys.stdout.write("Content-Type: text/plain\r\n" + length + "\r\n" + text)
 )";
 
-/// A program that takes a multipart body apart with the parser of Python's mail package and tells
-/// of each part its headers, length and digest.
+/// A CGI program that parses a multipart body with Python's mail package and reports the headers,
+/// length and digest of each part.
 constexpr char takingApartProgram[] = R"(#!/usr/bin/python3
 import email, email.policy, hashlib, os, sys
 body = sys.stdin.buffer.read(int(os.environ.get("CONTENT_LENGTH") or 0))
@@ -60,11 +60,11 @@ private slots:
     void aPostedBodyIsReadBackByAnotherProgram_data();
     void aPostedBodyIsReadBackByAnotherProgram();
     void aBodyPostedInStepsIsReadBackByAnotherProgram();
-    void aMultipartBodyIsTakenApartByAnotherParser_data();
-    void aMultipartBodyIsTakenApartByAnotherParser();
+    void aMultipartBodyIsReadByAnotherParser_data();
+    void aMultipartBodyIsReadByAnotherParser();
     void aPostsAnswerWithoutALengthStaysUnread_data();
     void aPostsAnswerWithoutALengthStaysUnread();
-    void aPostToAFileIsAnsweredWithItsRefusal();
+    void aPostToAFileIsRefused();
 
 private:
     RealServer& server(RealServer::Kind kind) { return *m_servers[kind]; }
@@ -148,12 +148,12 @@ void RealServersPostTest::aBodyPostedInStepsIsReadBackByAnotherProgram()
     QCOMPARE(outcome.bytes(), "POST text/plain 25000 " + digest(body(25000)) + "\n");
 }
 
-void RealServersPostTest::aMultipartBodyIsTakenApartByAnotherParser_data()
+void RealServersPostTest::aMultipartBodyIsReadByAnotherParser_data()
 {
     addServers({RealServer::Lighttpd, RealServer::Busybox});
 }
 
-void RealServersPostTest::aMultipartBodyIsTakenApartByAnotherParser()
+void RealServersPostTest::aMultipartBodyIsReadByAnotherParser()
 {
     QFETCH(RealServer::Kind, kind);
     HTTPMultipart multipart;
@@ -208,7 +208,7 @@ void RealServersPostTest::aPostsAnswerWithoutALengthStaysUnread()
     QCOMPARE(outcome.bytes(), QByteArray());
 }
 
-void RealServersPostTest::aPostToAFileIsAnsweredWithItsRefusal()
+void RealServersPostTest::aPostToAFileIsRefused()
 {
     const Outcome outcome = post(server(RealServer::Nginx), fileName(5), body(25000), "text/plain");
     QVERIFY(outcome.result);

@@ -1,4 +1,4 @@
-// GET exchanges of the HTTP client with web servers that were written by others.
+// GET exchanges of the HTTP client with third-party web servers.
 #include "BoundedExchange.h"
 #include "RealServer.h"
 #include "TestBodies.h"
@@ -17,7 +17,7 @@ namespace {
 
 constexpr int waitLimit = 10000; // milliseconds
 
-/// A program that sends the file beside it that its query names behind "&", and announces its
+/// A CGI program that sends the file beside it named by its query after "&", and announces its
 /// length if the query begins with "with-length".
 constexpr char sendingProgram[] = R"(#!/usr/bin/python3
 import os, sys
@@ -43,19 +43,19 @@ private slots:
     void aBodyOfAnnouncedLengthArrivesWhole();
     void aChunkedBodyArrivesWhole_data();
     void aChunkedBodyArrivesWhole();
-    void aProgramsAnswerWithItsLengthArrivesWhole_data();
-    void aProgramsAnswerWithItsLengthArrivesWhole();
-    void aProgramsAnswerGetsItsLengthFromACollectingServer();
-    void aProgramsAnswerPassedOnAsItComesIsChunkedAndArrivesWhole();
+    void aCgiAnswerWithALengthArrivesWhole_data();
+    void aCgiAnswerWithALengthArrivesWhole();
+    void aBufferedCgiAnswerGetsItsLengthFromTheServer();
+    void aStreamedCgiAnswerIsChunkedAndArrivesWhole();
     void aBodyWithoutALengthEndsWithTheFirstReceive_data();
     void aBodyWithoutALengthEndsWithTheFirstReceive();
-    void anEmptyBodyLastsUntilTheServerCloses_data();
-    void anEmptyBodyLastsUntilTheServerCloses();
+    void anEmptyBodyWaitsUntilTheServerCloses_data();
+    void anEmptyBodyWaitsUntilTheServerCloses();
     void aMissingFileIsAnAnswerWithItsStatusAndPage_data();
     void aMissingFileIsAnAnswerWithItsStatusAndPage();
     void aRedirectionIsNotFollowed();
     void aSecondBodyOnTheSameResponseEndsWithItsFirstReceive();
-    void aPlainBodyBehindAChunkedOneOnTheSameResponseIsLost();
+    void aPlainBodyAfterAChunkedOneOnTheSameResponseIsLost();
     void aGetInStepsIsOneConnection();
 
 private:
@@ -100,8 +100,8 @@ Outcome RealServersTest::get(RealServer& server, const QString& path)
     return getOn(server, path, {});
 }
 
-/// A get that reads the body when so many of its bytes have arrived: what one receive returns is
-/// certain then.
+/// A GET that reads the body after a given number of bytes have arrived, so that the size of the
+/// first receive is known.
 Outcome RealServersTest::getWhenThereAre(int bytes, RealServer& server, const QString& path,
                                          HTTPResponse response)
 {
@@ -163,12 +163,12 @@ void RealServersTest::aChunkedBodyArrivesWhole()
     COMPARE_BODIES(outcome.bytes(), body(size));
 }
 
-void RealServersTest::aProgramsAnswerWithItsLengthArrivesWhole_data()
+void RealServersTest::aCgiAnswerWithALengthArrivesWhole_data()
 {
     addServers({RealServer::Lighttpd, RealServer::Busybox});
 }
 
-void RealServersTest::aProgramsAnswerWithItsLengthArrivesWhole()
+void RealServersTest::aCgiAnswerWithALengthArrivesWhole()
 {
     QFETCH(RealServer::Kind, kind);
     for (const int size : {5, 25000, megabyte}) {
@@ -180,7 +180,7 @@ void RealServersTest::aProgramsAnswerWithItsLengthArrivesWhole()
     }
 }
 
-void RealServersTest::aProgramsAnswerGetsItsLengthFromACollectingServer()
+void RealServersTest::aBufferedCgiAnswerGetsItsLengthFromTheServer()
 {
     const Outcome outcome =
         get(server(RealServer::Lighttpd), "cgi-bin/send.cgi?without-length&" + fileName(25000));
@@ -189,7 +189,7 @@ void RealServersTest::aProgramsAnswerGetsItsLengthFromACollectingServer()
     COMPARE_BODIES(outcome.bytes(), body(25000));
 }
 
-void RealServersTest::aProgramsAnswerPassedOnAsItComesIsChunkedAndArrivesWhole()
+void RealServersTest::aStreamedCgiAnswerIsChunkedAndArrivesWhole()
 {
     const Outcome outcome =
         get(server(RealServer::Lighttpd),
@@ -226,7 +226,7 @@ void RealServersTest::aBodyWithoutALengthEndsWithTheFirstReceive()
     QCOMPARE(outcome.response.contentLength, 0U);
     COMPARE_BODIES(outcome.bytes(), body(size).left(taken));
 
-    // However much has arrived, one get takes some of it and no more than one receive.
+    // One GET takes the result of exactly one receive, however much has arrived.
     outcome = get(server(kind), path);
     QVERIFY(outcome.result);
     QVERIFY2(!outcome.body.empty() && outcome.body.size() <= 10240,
@@ -234,7 +234,7 @@ void RealServersTest::aBodyWithoutALengthEndsWithTheFirstReceive()
     COMPARE_BODIES(outcome.bytes(), body(size).left(outcome.bytes().size()));
 }
 
-void RealServersTest::anEmptyBodyLastsUntilTheServerCloses_data()
+void RealServersTest::anEmptyBodyWaitsUntilTheServerCloses_data()
 {
     QTest::addColumn<RealServer::Kind>("kind");
     QTest::addColumn<bool>("keepsOpen");
@@ -243,7 +243,7 @@ void RealServersTest::anEmptyBodyLastsUntilTheServerCloses_data()
     QTest::newRow("busybox closes at once") << RealServer::Busybox << false;
 }
 
-void RealServersTest::anEmptyBodyLastsUntilTheServerCloses()
+void RealServersTest::anEmptyBodyWaitsUntilTheServerCloses()
 {
     QFETCH(RealServer::Kind, kind);
     QFETCH(bool, keepsOpen);
@@ -252,7 +252,7 @@ void RealServersTest::anEmptyBodyLastsUntilTheServerCloses()
     QCOMPARE(outcome.response.statusCode, 200);
     QCOMPARE(outcome.response.headers.at("Content-Length"), std::string("0"));
     QCOMPARE(outcome.bytes(), QByteArray());
-    // Half of it: the servers count in whole seconds of their own clock.
+    // Half of it, because the servers count whole seconds.
     if (keepsOpen) {
         QVERIFY2(outcome.milliseconds >= RealServer::keepAliveTime / 2,
                  QByteArray::number(outcome.milliseconds) + " ms");
@@ -270,7 +270,7 @@ void RealServersTest::aMissingFileIsAnAnswerWithItsStatusAndPage()
     const Outcome outcome = get(server(kind), "no/such/file");
     QVERIFY(outcome.result);
     QCOMPARE(outcome.response.statusCode, 404);
-    if (kind != RealServer::Busybox) { // whose pages have no length
+    if (kind != RealServer::Busybox) { // its pages have no length
         QCOMPARE(outcome.body.size(), static_cast<std::size_t>(outcome.response.contentLength));
         QVERIFY2(outcome.body.find("404 Not Found") != std::string::npos, outcome.body.c_str());
     }
@@ -297,7 +297,7 @@ void RealServersTest::aSecondBodyOnTheSameResponseEndsWithItsFirstReceive()
     QCOMPARE(second.response.received, 20481U);
 }
 
-void RealServersTest::aPlainBodyBehindAChunkedOneOnTheSameResponseIsLost()
+void RealServersTest::aPlainBodyAfterAChunkedOneOnTheSameResponseIsLost()
 {
     RealServer& nginx = server(RealServer::Nginx);
     const Outcome first = get(nginx, RealServer::chunkedPath(fileName(25000)));

@@ -29,7 +29,7 @@ QString lineOf(const QStringList& lines, int number)
     return number < lines.size() ? lines[number] : QStringLiteral("(the end)");
 }
 
-/// The heading, in brackets, of the section that a line stands in.
+/// Returns the heading, in brackets, of the section that contains a line.
 QString sectionOf(const QStringList& lines, int number)
 {
     for (int i = qMin(number, static_cast<int>(lines.size()) - 1); i >= 0; --i) {

@@ -1,20 +1,19 @@
-// Texts that a test compares with recorded ones.
+// Compares texts with recordings.
 //
-// A text recorded under tests/data is what a run looked like when someone had read it and found it
-// right. After a change that is meant to change it, BELUN_RECORD=1 in the environment of the test
-// writes it anew instead of comparing; the test fails then all the same, so that no run passes that
-// has compared nothing. Where CI is set nothing is ever recorded.
+// A recording in tests/data was reviewed when it was made. After a change that is meant to change
+// it, set BELUN_RECORD=1 in the environment to record it again instead of comparing. The test then
+// fails, because it has compared nothing. Recording is refused if CI is set.
 #pragma once
 
 #include <QString>
 
-/// Why the test must not run as it was asked to, empty when it may.
+/// Returns why the test must not run as requested, or an empty text.
 QString whyNotToRecord();
 
-/// Compares the text with the recorded one of that name ("wire/healthy.txt"), or records it. What
-/// it returns is empty when they are equal, else tells the first line that differs and where the
-/// whole text was kept: beside the test program.
+/// Compares the text with the recording of that name ("wire/healthy.txt"), or records it. Returns
+/// an empty text if they are equal, otherwise the first differing line and where the complete text
+/// was saved, beside the test program.
 QString differenceToRecorded(const QString& name, const QString& text);
 
-/// Path of a recorded text.
+/// Returns the path of a recording.
 QString recordedPath(const QString& name);

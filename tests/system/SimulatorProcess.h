@@ -6,9 +6,9 @@
 #include <QString>
 #include <QStringList>
 
-/// Runs belun-simulator with the rights and the time zone of the test, which has to be in a private
-/// network, and steers it over its standard input. It ends with this object at the latest. One
-/// thread; no call processes events.
+/// Runs belun-simulator with the test's privileges and time zone; the test must be in a private
+/// network. Controls it through its standard input. The process ends at the latest with this
+/// object. Use from one thread only; no call processes events.
 class SimulatorProcess
 {
 public:
@@ -17,17 +17,17 @@ public:
     SimulatorProcess(const SimulatorProcess&) = delete;
     SimulatorProcess& operator=(const SimulatorProcess&) = delete;
 
-    /// Starts it and returns when its devices can be reached. This and the following two are false,
-    /// with error() telling why, when it does not do as told within twenty seconds.
+    /// Starts it and returns when its devices are reachable. This and the next two calls return
+    /// false, with the reason in error(), if the simulator does not respond within twenty seconds.
     bool start(const QStringList& arguments);
-    /// Sends a control line and returns when it is in force.
+    /// Sends a control line and returns when it has taken effect.
     bool control(const QByteArray& line);
-    /// Has it end; true when its exit status is 0.
+    /// Stops it. Returns whether its exit status is 0.
     bool end();
     QString error() const { return m_error; }
 
 private:
-    /// The next line of its standard output that is no report about the client.
+    /// Returns the next line of its standard output that is not a report about the client.
     bool readAnswer(QByteArray& answer);
     bool failed(const QString& what);
 

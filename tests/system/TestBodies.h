@@ -1,4 +1,4 @@
-// What the real servers serve, and the rows of the tests that fetch it.
+// The files served by the real servers, and the rows of the tests that fetch them.
 #pragma once
 
 #include "RealServer.h"
@@ -13,30 +13,30 @@ Q_DECLARE_METATYPE(RealServer::Kind)
 
 constexpr int megabyte = 1048576;
 
-/// A size and what it is called.
+/// A size and its name.
 struct NamedSize
 {
     const char* name;
     int size;
 };
 
-/// One byte, a few, and the lengths on both sides of what the client receives at once, up to a
-/// short recording's.
+/// One byte, a few bytes, the lengths around the client's receive size, up to the size of a short
+/// recording.
 constexpr NamedSize sizes[] = {
     {"1 B", 1},          {"5 B", 5},         {"10,240 B", 10240},      {"10,241 B", 10241},
     {"25,000 B", 25000}, {"1 MB", megabyte}, {"20 MB", 20 * megabyte},
 };
 
-/// Bytes of every value, the same in each run, different for each size.
+/// Bytes of every value, equal in each run, different for each size.
 const QByteArray& body(int size);
 
-/// Under which name the servers have it.
+/// Returns the name of the file on the server.
 QString fileName(int size);
 
-/// Publishes the bodies of all sizes in a folder, which ends in a slash unless it is empty.
+/// Publishes the bodies of all sizes in a folder; its path ends in a slash unless it is empty.
 bool publishBodies(RealServer& server, const QString& folder);
 
-/// Says in what two long bodies differ instead of showing them; empty when in nothing.
+/// Describes how two long bodies differ, without printing them; empty if they are equal.
 QByteArray difference(const QByteArray& actual, const QByteArray& expected);
 
 /// QCOMPARE for two bodies.
@@ -48,8 +48,8 @@ QByteArray difference(const QByteArray& actual, const QByteArray& expected);
 
 const char* serverName(RealServer::Kind kind);
 
-/// A column "kind", a row for each server.
+/// Adds a column "kind" and one row per server.
 void addServers(std::initializer_list<RealServer::Kind> kinds);
 
-/// Columns "kind" and "size", a row for each server and size.
+/// Adds columns "kind" and "size" and one row per server and size.
 void addServersAndSizes(std::initializer_list<RealServer::Kind> kinds);

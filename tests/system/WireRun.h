@@ -1,4 +1,4 @@
-// One user's run against the simulated vehicle, from the first link to the closed window.
+// One user session with the simulated vehicle, from the first link to closing the window.
 #pragma once
 
 #include "tests/app/UserWindow.h"
@@ -18,13 +18,13 @@
 class WireRun
 {
 public:
-    /// With `fault` as the simulator's option, or none where it is empty. `emptyingIsTold`: the
+    /// Runs the simulator with `fault`, or without a fault if empty. `emptyingIsTold`: whether the
     /// window shows a message after "delete all" and "format".
     WireRun(const QString& fault, bool emptyingIsTold);
 
-    /// Plays the run. What goes wrong fails the test function that it is called from.
+    /// Performs the session. A failed step fails the calling test function.
     void play();
-    /// The simulator's journal, and what the window showed.
+    /// The simulator's journal and what the window showed.
     QString text() const;
 
 private:

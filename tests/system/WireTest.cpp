@@ -1,4 +1,4 @@
-// Every byte between the window and the vehicle in one user's run, as recorded.
+// Compares every byte between the window and the vehicle in one user session with a recording.
 #include "tests/support/TestMain.h"
 #include "tests/system/RecordedText.h"
 #include "tests/system/WireRun.h"
