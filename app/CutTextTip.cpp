@@ -15,7 +15,7 @@
 
 namespace {
 
-/// Where the style paints the text of a cell that has nothing else in it.
+/// Returns the rectangle in which the style paints the text of a cell that contains nothing else.
 QRect paintedRect(const QTableWidget& table, const QModelIndex& cell, const QString& text)
 {
     QStyleOptionViewItem option;
@@ -32,8 +32,8 @@ QRect paintedRect(const QTableWidget& table, const QModelIndex& cell, const QStr
         .adjusted(margin, 0, -margin, 0);
 }
 
-/// The text is broken between words, as the style does: it is cut off where a word is wider than
-/// the cell, and where the cell ends before a further line.
+/// Text wraps between words, as in the style: it is cut off if a word is wider than the cell or if
+/// the next line does not fit.
 bool isCut(const QTableWidget& table, const QModelIndex& cell, const QString& text)
 {
     const QRect rect = paintedRect(table, cell, text);
@@ -54,7 +54,7 @@ bool isCut(const QTableWidget& table, const QModelIndex& cell, const QString& te
     return cut;
 }
 
-/// A tool tip takes what looks like markup for markup.
+/// A tool tip would interpret text that looks like markup.
 QString asPlainText(const QString& text)
 {
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;

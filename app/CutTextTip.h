@@ -1,4 +1,4 @@
-// A tool tip with the whole text of a table's cell that is too small for it.
+// A tool tip with the full text of a table cell that is too small for it.
 #pragma once
 
 #include <QObject>
@@ -6,8 +6,8 @@
 class QHelpEvent;
 class QTableWidget;
 
-/// Shows the tool tip of every cell of one table whose text is cut off, and none of the others.
-/// Belongs to the table. Delegate and items know nothing of it.
+/// Shows a tool tip for every cell of one table whose text is cut off, and for no other. Belongs to
+/// the table; delegate and items do not know it.
 class CutTextTip : public QObject
 {
     Q_OBJECT

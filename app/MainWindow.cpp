@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Makes a translator that is never deleted: it stays installed until the process ends, when no
+/// Creates a translator that is never deleted: it stays installed until the process ends, when no
 /// window is left to own it. The list keeps it reachable.
 QTranslator* makeLastingTranslator()
 {
@@ -25,7 +25,8 @@ QTranslator* makeLastingTranslator()
     return lasting.back();
 }
 
-/// The worker threads among the window's children. They share no meta-object to search by.
+/// Returns the worker threads among the window's children. They have no common meta-object to
+/// search by.
 std::vector<sys::Worker*> workersOf(const QObject& window)
 {
     std::vector<sys::Worker*> workers;
@@ -65,8 +66,8 @@ MainWindow::~MainWindow()
     stopWorkers();
 }
 
-/// A QThread must not be destroyed while it runs. All are asked first, so that they end side by
-/// side.
+/// A QThread must not be destroyed while it runs. All threads are asked to stop first, so that they
+/// end in parallel.
 void MainWindow::stopWorkers()
 {
     const std::vector<sys::Worker*> workers = workersOf(*this);
@@ -95,7 +96,7 @@ void MainWindow::LineEditsInit()
     LineEditInit(ui->lineEditDownloadProgress);
 }
 
-/// Black although disabled: the field shows, it does not ask.
+/// Black although disabled, because the field displays a value.
 void MainWindow::LineEditInit(QLineEdit* Information)
 {
     QPalette palette = Information->palette();

@@ -1,4 +1,4 @@
-// The one window. Where the bodies live:
+// The main window. The bodies are in:
 //   MainWindow.cpp                construction, destruction, display-only fields, number conversion
 //   MainWindow_Language.cpp       language switch, all texts set again
 //   MainWindow_Link.cpp           link button, reachability probe, status, version fields
@@ -6,7 +6,7 @@
 //                                 filling
 //   MainWindow_FileTable.cpp      table set-up, select all, collecting the selection
 //   MainWindow_Download.cpp       start, next, progress, finished
-//   MainWindow_Delete.cpp         delete chosen, delete all, format
+//   MainWindow_Delete.cpp         delete selected, delete all, format
 //   MainWindow_Accessibility.cpp  names for screen readers, keyboard in the table, keyboard focus
 #pragma once
 
@@ -29,9 +29,9 @@ class QPushButton;
 class QTranslator;
 class Ui_MainWindow;
 
-/// Links to the vehicle and works on its camera's card. All slots run in the window's thread; the
-/// camera's commands block it for as long as the camera takes. The object is about a third of a
-/// megabyte: it belongs on a stack of ordinary size, or on the heap.
+/// Links to the vehicle and manages its camera's card. All slots run in the window's thread; camera
+/// commands block it until the camera has answered. The object is about a third of a megabyte:
+/// create it on the main thread's stack or on the heap.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -39,7 +39,8 @@ class MainWindow : public QMainWindow
 public:
     explicit MainWindow(QWidget* parent = nullptr);
 
-    /// Stops every worker thread first and waits for it, within milliseconds each.
+    /// Stops every worker thread and waits for it, which takes milliseconds, before anything is
+    /// destroyed.
     ~MainWindow() override;
 
 signals:
@@ -78,12 +79,12 @@ private slots:
     void on_checkBoxSelectAllFiles_stateChanged(int arg1);
     void GetSelectedFiles();
     // MainWindow_Browse.cpp
-    /// Copies the text between two markers into `strBuf`, which holds at least as much as `string`,
-    /// and returns its length; 0, and nothing written, when a marker is missing.
+    /// Copies the text between two markers into `strBuf`, which has at least the size of `string`,
+    /// and returns its length. Returns 0 and writes nothing if a marker is missing.
     int findSubString(const char* string, char* strBuf, const char* leftSplit,
                       const char* rightSplit);
     // MainWindow_Link.cpp
-    /// Whether a TCP connection can be made within `timeout` milliseconds.
+    /// Returns whether a TCP connection can be made within `timeout` milliseconds.
     bool IPLive(QString ip, int port, int timeout = 1000);
     void VersionInfo(char hardType, int hardVer, int softVer, int ProtocolVer, int BootVer);
     void updateLinkedFlag(bool flag);
@@ -92,41 +93,40 @@ private:
     // MainWindow.cpp
     void stopWorkers();
     // MainWindow_Browse.cpp
-    /// Sends one command and collects its answer in httpAnswer, behind what that holds. False when
-    /// the exchange failed.
+    /// Sends a command and appends its answer to httpAnswer. Returns false if the exchange failed.
     bool sendCommand(const QString& address);
-    /// The same with httpAnswer emptied first.
+    /// Same, but clears httpAnswer first.
     bool askCamera(const QString& address);
     // MainWindow_Delete.cpp
-    /// Sends a command that empties the card, and clears the table when it was answered.
+    /// Sends a command that empties the card, and clears the table if it was answered.
     void emptyCard(const QString& address, const QString& successText);
     // MainWindow_Link.cpp
     void showLinkState(bool isLinked);
     // MainWindow_Language.cpp
     QStringList tableHeaders() const;
     // MainWindow_FileTable.cpp
-    /// The name in a table row's first column; none when the row is gone or has no name.
+    /// Returns the name in a table row's first column, or none if the row or its name is missing.
     std::optional<QString> fileNameAt(qint32 row) const;
     // MainWindow_Download.cpp
-    /// The next file of the selection that still stands in the table; moves the cursor behind it.
+    /// Returns the next selected file that is still in the table and moves the cursor past it.
     std::optional<QString> takeNextFile();
     // MainWindow_Accessibility.cpp
     void joinLabelsToFields();
-    /// In the language that is shown, from the catalogue's texts.
+    /// Sets the accessible names in the current language, from the catalogue.
     void setAccessibleNames();
     void openTableToKeyboard();
-    /// Disables a button; the table takes the focus first if the button has it.
+    /// Disables a button; if it has the focus, the table gets it first.
     void disableButton(QPushButton& button);
 
-    // The table paints with it and does not own it.
+    // The table uses this but does not own it.
     std::unique_ptr<NoFocusDelegate> m_tableDelegate;
 
-    QTranslator* translator = nullptr; // stays installed and alive until the process ends
-    bool linked = false;               // the vehicle link stands
-    qint32 currentFileIndex = 0;       // row whose details are being asked for
+    QTranslator* translator = nullptr; // installed until the process ends
+    bool linked = false;               // the vehicle link is up
+    qint32 currentFileIndex = 0;       // row whose details are being queried
     card::NameTable fileNames;
     qint32 selectedCursor = 0; // position in selectedRows of the next row to process
-    qint32 selectedCount = 0;  // valid entries; a delete counts them down, below zero at its end
+    qint32 selectedCount = 0;  // valid entries; a delete decrements it, to below zero at its end
     card::SelectedRows selectedRows{};
     QString getFileCountUrl;
     QString getFileListUrl;
@@ -134,7 +134,7 @@ private:
     QString getFileInfoUrl;
     QString deleteAllFilesUrl;
     QString formatCardUrl;
-    // One client and one record each for all commands; nothing resets the response between them.
+    // One client, request and response for all commands; nothing resets the response between them.
     HTTPClient httpClient;
     HTTPRequest httpRequest;
     HTTPResponse httpResponse;

@@ -6,8 +6,8 @@
 #include <QPushButton>
 #include <QShortcut>
 
-/// A version field, and the choice of languages, takes the name of the label beside it, in whatever
-/// language that is. The texts have no mnemonics, so this gives the labels nothing else to do.
+/// The version fields and the language combo box take their accessible names from their labels, in
+/// the current language. The texts have no mnemonics, so being a buddy has no other effect.
 void MainWindow::joinLabelsToFields()
 {
     ui->label_language->setBuddy(ui->comboBox);
@@ -28,8 +28,8 @@ void MainWindow::setAccessibleNames()
     ui->tableWidgetFileInfo->setAccessibleName(tr("Browse Files in Card"));
 }
 
-/// Within the table Tab goes from cell to cell and never leaves it. Ctrl+Tab and Ctrl+Shift+Tab go
-/// to the next and the previous widget and keep the selection, so that a button can be reached.
+/// In the table Tab moves from cell to cell and never leaves it. Ctrl+Tab and Ctrl+Shift+Tab move
+/// to the next and previous widget and keep the selection, so that a button can be reached.
 void MainWindow::openTableToKeyboard()
 {
     const auto leaveWith = [this](const char* keys, bool forward) {
@@ -42,9 +42,9 @@ void MainWindow::openTableToKeyboard()
     leaveWith("Ctrl+Shift+Tab", false);
 }
 
-/// Qt would move the focus of a disabled button on to the next widget: from Download File to Delete
-/// File, where the next press of the space bar deletes. The window's own focus counts, since the
-/// window need not be the active one.
+/// Qt would move the focus of a disabled button to the next widget: from Download File to Delete
+/// File, where the next press of the space bar deletes. The check uses the window's own focus
+/// widget, because the window may be inactive.
 void MainWindow::disableButton(QPushButton& button)
 {
     if (focusWidget() == &button) {

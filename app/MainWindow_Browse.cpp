@@ -29,7 +29,8 @@ bool MainWindow::askCamera(const QString& address)
 
 void MainWindow::on_pushButtonEnterTFcard_clicked()
 {
-    // The count goes behind the last answer and is the first one found in all of that text.
+    // The answer to the count command is appended to the previous answer, and the first count in
+    // that text is used.
     if (!sendCommand(getFileCountUrl)) {
         return;
     }

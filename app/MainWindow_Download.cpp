@@ -17,7 +17,8 @@ void MainWindow::on_pushButtonDownloadFile_clicked()
     }
 }
 
-/// A row may be gone when its turn comes: the card may be browsed or emptied meanwhile.
+/// A row may have been removed meanwhile, because the card may be browsed or emptied during a
+/// download.
 std::optional<QString> MainWindow::takeNextFile()
 {
     while (selectedCursor < selectedCount) {

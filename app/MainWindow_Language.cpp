@@ -10,7 +10,7 @@ void MainWindow::comboxLanguageChanged()
     const bool isChinese = ui->comboBox->currentText() == QLatin1String("Chinese");
     const QString catalogue = isChinese ? QStringLiteral(":/translation/belun_chinese.qm")
                                         : QStringLiteral(":/translation/belun_english.qm");
-    // One that does not load leaves the English source texts.
+    // If none can be loaded, the English source texts remain.
     static_cast<void>(translator->load(catalogue));
     translateLanguage();
 }

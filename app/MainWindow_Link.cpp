@@ -51,7 +51,7 @@ void MainWindow::showLinkState(bool isLinked)
     QLineEdit& status = *ui->lineEditLinkBELUN;
     const QString look = isLinked ? QStringLiteral("border:1px;background:transparent;color:green")
                                   : QStringLiteral("border:1px;background:transparent;color:red");
-    // Every heartbeat comes here, and a style sheet set anew is costly also when it is the same.
+    // This runs on every heartbeat, and setting a style sheet is expensive even if it is unchanged.
     if (status.styleSheet() != look) {
         status.setStyleSheet(look);
     }

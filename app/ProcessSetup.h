@@ -1,4 +1,4 @@
-// What the process needs before anything else.
+// Process setup before anything else runs.
 #pragma once
 
 namespace app {

@@ -85,11 +85,11 @@ void details(benchmark::State& state)
 
 void frame(benchmark::State& state)
 {
-    const vehicle::Chunk chunk{0xAA, 0xAF, 0x00, 0x09, 0x07, 0x01, 0x2C,
-                               0x02, 0x58, 0x00, 0x64, 0x00, 0x0A};
+    const vehicle::Received received{0xAA, 0xAF, 0x00, 0x09, 0x07, 0x01, 0x2C,
+                                     0x02, 0x58, 0x00, 0x64, 0x00, 0x0A};
     for (auto unused : state) {
-        benchmark::DoNotOptimize(vehicle::decodeVersionReport(chunk));
-        benchmark::DoNotOptimize(vehicle::isHeartbeat(chunk, vehicle::controlStartByte));
+        benchmark::DoNotOptimize(vehicle::decodeVersionReport(received));
+        benchmark::DoNotOptimize(vehicle::isHeartbeat(received, vehicle::controlStartByte));
     }
 }
 

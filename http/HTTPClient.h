@@ -1,6 +1,6 @@
 // A small blocking HTTP/1.1 client for devices on the local network.
 //
-// Where the bodies live:
+// The bodies are in:
 //   HTTPClient_Url.cpp          parseUrl, hostToLong
 //   HTTPClient_RequestHead.cpp  makeHeader, sendHeader, sendBody
 //   HTTPClient_Response.cpp     readHeader, parseLine, readBody

@@ -12,13 +12,13 @@ void ControlClientThread::heartBeatTimer()
     ++heartBeatCount;
 }
 
-void ControlClientThread::handleChunk(int sockfd, const vehicle::Chunk& chunk)
+void ControlClientThread::handleReceived(int sockfd, const vehicle::Received& received)
 {
-    if (const auto report = vehicle::decodeVersionReport(chunk)) {
+    if (const auto report = vehicle::decodeVersionReport(received)) {
         emit VersionInfo(static_cast<char>(report->hardType), report->hardVer, report->softVer,
                          report->protocolVer, report->bootVer);
     }
-    if (vehicle::isHeartbeat(chunk, vehicle::controlStartByte)) {
+    if (vehicle::isHeartbeat(received, vehicle::controlStartByte)) {
         linkedFlag = true;
         answerHeartBeat(sockfd);
         emit updateLinkedFlag(linkedFlag);

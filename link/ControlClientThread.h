@@ -24,6 +24,6 @@ public slots:
     void heartBeatTimer();
 
 private:
-    void handleChunk(int sockfd, const vehicle::Chunk& chunk) override;
+    void handleReceived(int sockfd, const vehicle::Received& received) override;
     void handleEnd(const vehicle::ConnectionEnd& end) override;
 };

@@ -14,9 +14,9 @@ void GroundClientThread::heartBeatTimer()
     ++heartBeatCount;
 }
 
-void GroundClientThread::handleChunk(int sockfd, const vehicle::Chunk& chunk)
+void GroundClientThread::handleReceived(int sockfd, const vehicle::Received& received)
 {
-    if (vehicle::isHeartbeat(chunk, vehicle::groundStartByte)) {
+    if (vehicle::isHeartbeat(received, vehicle::groundStartByte)) {
         answerHeartBeat(sockfd);
     }
 }

@@ -20,5 +20,5 @@ public slots:
     void heartBeatTimer();
 
 private:
-    void handleChunk(int sockfd, const vehicle::Chunk& chunk) override;
+    void handleReceived(int sockfd, const vehicle::Received& received) override;
 };

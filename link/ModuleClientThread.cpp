@@ -76,8 +76,9 @@ void ModuleClientThread::run()
 
         heartBeatCount = 0;
         const vehicle::ConnectionEnd end = vehicle::receiveUntilEnd(
-            sockfd, heartBeatCount,
-            [this, sockfd](const vehicle::Chunk& chunk) { handleChunk(sockfd, chunk); });
+            sockfd, heartBeatCount, [this, sockfd](const vehicle::Received& received) {
+                handleReceived(sockfd, received);
+            });
         if (m_calls.stopRequested()) {
             return;
         }

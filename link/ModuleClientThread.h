@@ -64,7 +64,7 @@ protected:
 
 private:
     /// Handles the bytes of one receive, in the link thread.
-    virtual void handleChunk(int sockfd, const vehicle::Chunk& chunk) = 0;
+    virtual void handleReceived(int sockfd, const vehicle::Received& received) = 0;
     /// Handles the end of a connection, in the link thread; not called after a stop.
     virtual void handleEnd(const vehicle::ConnectionEnd& /*end*/) {}
 

@@ -12,16 +12,16 @@ constexpr int heartbeatLimit = 6; // ticks of one second
 
 } // namespace
 
-ConnectionEnd receiveUntilEnd(int descriptor, int& heartBeatCount, const ChunkHandler& handler)
+ConnectionEnd receiveUntilEnd(int descriptor, int& heartBeatCount, const ReceiveHandler& handler)
 {
     for (;;) {
-        Chunk chunk{};
-        const ssize_t received = ::recv(descriptor, chunk.data(), chunk.size(), 0);
-        if (received == 0) {
+        Received received{};
+        const ssize_t count = ::recv(descriptor, received.data(), received.size(), 0);
+        if (count == 0) {
             return {EndReason::ClosedByModule, 0};
         }
-        if (received > 0) {
-            handler(chunk);
+        if (count > 0) {
+            handler(received);
         } else if (errno != EINTR) {
             return {EndReason::ReceiveError, 0};
         }

@@ -22,12 +22,12 @@ struct ConnectionEnd
 };
 
 /// Called with the bytes of every receive.
-using ChunkHandler = std::function<void(const Chunk&)>;
+using ReceiveHandler = std::function<void(const Received&)>;
 
 /// Receives from the socket and calls the handler after each receive until the connection ends. The
 /// ticks since the last heartbeat are checked only after a receive: while the module is silent the
 /// receive blocks, and the loss is detected when the next bytes arrive. When the limit is reached,
 /// the count is reset to zero.
-ConnectionEnd receiveUntilEnd(int descriptor, int& heartBeatCount, const ChunkHandler& handler);
+ConnectionEnd receiveUntilEnd(int descriptor, int& heartBeatCount, const ReceiveHandler& handler);
 
 } // namespace vehicle

@@ -10,27 +10,28 @@ constexpr std::uint8_t checksumBase = 0x5A;
 
 /// Both bytes are signed, which is deliberate: a byte of 0x80 or more is negative, so 01 90 is 144
 /// and not 400.
-int signedPair(const Chunk& chunk, std::size_t offset)
+int signedPair(const Received& received, std::size_t offset)
 {
-    const auto high = static_cast<std::int8_t>(chunk[offset]);
-    const auto low = static_cast<std::int8_t>(chunk[offset + 1]);
+    const auto high = static_cast<std::int8_t>(received[offset]);
+    const auto low = static_cast<std::int8_t>(received[offset + 1]);
     return high * 256 + low;
 }
 
 } // namespace
 
-std::optional<VersionReport> decodeVersionReport(const Chunk& chunk)
+std::optional<VersionReport> decodeVersionReport(const Received& received)
 {
-    if (chunk[0] != controlStartByte || chunk[2] != versionReportType) {
+    if (received[0] != controlStartByte || received[2] != versionReportType) {
         return std::nullopt;
     }
-    return VersionReport{static_cast<std::int8_t>(chunk[4]), signedPair(chunk, 5),
-                         signedPair(chunk, 7), signedPair(chunk, 9), signedPair(chunk, 11)};
+    return VersionReport{static_cast<std::int8_t>(received[4]), signedPair(received, 5),
+                         signedPair(received, 7), signedPair(received, 9),
+                         signedPair(received, 11)};
 }
 
-bool isHeartbeat(const Chunk& chunk, std::uint8_t startByte)
+bool isHeartbeat(const Received& received, std::uint8_t startByte)
 {
-    return chunk[0] == startByte && chunk[2] == static_cast<std::uint8_t>(heartbeatType);
+    return received[0] == startByte && received[2] == static_cast<std::uint8_t>(heartbeatType);
 }
 
 OutgoingFrame encodeFrame(char type, char data)

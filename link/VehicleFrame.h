@@ -29,10 +29,10 @@ constexpr std::uint8_t groundStartByte = 0xBB;
 constexpr char heartbeatType = 0x04;
 constexpr char heartbeatAnswerPayload = 0x01;
 
-constexpr std::size_t chunkSize = 100;
+constexpr std::size_t receiveLimit = 100;
 /// The bytes of one receive, padded with zeros: reading a frame never leaves the buffer, and the
 /// fields that a short receive lacks are zero.
-using Chunk = std::array<std::uint8_t, chunkSize>;
+using Received = std::array<std::uint8_t, receiveLimit>;
 
 /// A version report as in the frame; versions are in hundredths.
 struct VersionReport
@@ -45,10 +45,10 @@ struct VersionReport
 };
 
 /// Returns the version report if the bytes begin with one of the control module.
-std::optional<VersionReport> decodeVersionReport(const Chunk& chunk);
+std::optional<VersionReport> decodeVersionReport(const Received& received);
 
 /// Returns whether the bytes begin with a heartbeat of the module with that start byte.
-bool isHeartbeat(const Chunk& chunk, std::uint8_t startByte);
+bool isHeartbeat(const Received& received, std::uint8_t startByte);
 
 using OutgoingFrame = std::array<std::uint8_t, 6>;
 

@@ -174,7 +174,7 @@ void BrowseTest::countTextGoesIntoTheListCommandAsFound_data()
     QTest::newRow("bare") << QByteArray("=\"2\";") << QByteArray("2") << 2;
     QTest::newRow("text around") << QByteArray("x=\"1\"; y=\"3\";") << QByteArray("1") << 1;
     QTest::newRow("leading zeros") << QByteArray("=\"002\";") << QByteArray("002") << 2;
-    QTest::newRow("letters behind") << QByteArray("=\"1 file\";") << QByteArray("1 file") << 1;
+    QTest::newRow("trailing letters") << QByteArray("=\"1 file\";") << QByteArray("1 file") << 1;
     QTest::newRow("blank before") << QByteArray("=\" 2\";") << QByteArray(" 2") << 2;
     QTest::newRow("no number") << QByteArray("=\"none\";") << QByteArray("none") << 0;
     QTest::newRow("empty") << QByteArray("=\"\";") << QByteArray() << 0;
@@ -417,7 +417,7 @@ void BrowseTest::sizesAreShownInWholeUnits_data()
     QTest::newRow("minus 1024 shows the text received") << QByteArray("-1024") << "-1024KB";
     QTest::newRow("minus 5000 shows the text received") << QByteArray("-5000x") << "-5000xKB";
     QTest::newRow("no number") << QByteArray("large") << "KB";
-    QTest::newRow("letters behind") << QByteArray("4096 bytes") << "4KB";
+    QTest::newRow("trailing letters") << QByteArray("4096 bytes") << "4KB";
     QTest::newRow("empty") << QByteArray("") << "KB";
 }
 

@@ -99,11 +99,11 @@ void checkEveryCut(const Answers& answers, const char* command, const QString& b
     for (std::size_t position = 1; position < bytes.size() && !QTest::currentTestFailed();
          ++position) {
         compare(answers, command, support::cut(bytes, {position}), at(cutBehind, position),
-                "cut behind", position);
+                "split after", position);
     }
     for (std::size_t count = 0; count <= bytes.size() && !QTest::currentTestFailed(); ++count) {
         compare(answers, command, count == 0 ? Pieces{} : Pieces{bytes.substr(0, count)},
-                at(closedBehind, count), "closed behind", count);
+                at(closedBehind, count), "closed after", count);
     }
 }
 

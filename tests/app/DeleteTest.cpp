@@ -419,7 +419,7 @@ void DeleteTest::otherAnswersClearTheTableWithoutABox_data()
         row("error word", "Error\r\n");
         row("no line end", "Success");
         row("line feed only", "Success\n");
-        row("bytes behind", "Success\r\n\r\n");
+        row("trailing bytes", "Success\r\n\r\n");
         row("a blank before", " Success\r\n");
         row("lower case", "success\r\n");
     }
@@ -444,7 +444,7 @@ void DeleteTest::failedEmptyingLeavesTheTable_data()
     for (const bool format : {false, true}) {
         const char* button = format ? "format" : "delete all";
         QTest::addRow("%s, closed without an answer", button) << format << QByteArray();
-        QTest::addRow("%s, closed behind the head", button)
+        QTest::addRow("%s, closed after the head", button)
             << format << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n");
         QTest::addRow("%s, closed in the body", button)
             << format << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 90000\r\n\r\nSuccess\r\n");

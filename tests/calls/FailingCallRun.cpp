@@ -117,7 +117,7 @@ private:
                 return;
             }
         }
-        complain(QStringLiteral("in vain: %1").arg(name));
+        complain(QStringLiteral("timed out: %1").arg(name));
     }
 
     void link()

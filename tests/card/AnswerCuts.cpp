@@ -57,13 +57,13 @@ void checkEveryCut(const std::vector<support::Piece>& pieces, const AnswerReader
     for (std::size_t position = 1; position < bytes.size() && !QTest::currentTestFailed();
          ++position) {
         const Delivery cut{support::cut(bytes, {position})};
-        compare(outcome(bytes.size(), cut, read), whole, "cut behind", position);
-        compare(outcome(0, cut, read), upTo(position), "without a length cut behind", position);
+        compare(outcome(bytes.size(), cut, read), whole, "split after", position);
+        compare(outcome(0, cut, read), upTo(position), "without a length split after", position);
     }
     for (std::size_t count = 0; count <= bytes.size() && !QTest::currentTestFailed(); ++count) {
         const Delivery closed{{bytes.substr(0, count)}, true};
         compare(outcome(bytes.size(), closed, read), count < bytes.size() ? noAnswer : whole,
-                "closed behind", count);
-        compare(outcome(0, closed, read), upTo(count), "without a length closed behind", count);
+                "closed after", count);
+        compare(outcome(0, closed, read), upTo(count), "without a length closed after", count);
     }
 }

@@ -66,7 +66,7 @@ void CardAnswersTest::textIsBetweenTheFirstMarkers_data()
                            << QByteArray(text);
     };
     row("count", "var count=\"12\";\r\n", "=\"", "\";", "12");
-    row("nothing before, nothing behind", "=\"12\";", "=\"", "\";", "12");
+    row("nothing before, nothing after", "=\"12\";", "=\"", "\";", "12");
     row("nothing between", "count=\"\";", "=\"", "\";", "");
     row("first of two", "a=\"1\";b=\"2\";", "=\"", "\";", "1");
     row("second key", "size=\"1\";time=\"2\";", "time=\"", "\";", "2");
@@ -100,7 +100,7 @@ void CardAnswersTest::missingMarkerGivesNoText_data()
     QTest::newRow("right one missing") << QByteArray("count=\"12");
     QTest::newRow("right one before the left one only") << QByteArray("\";count=\"12");
     QTest::newRow("right one cut") << QByteArray("count=\"12\"");
-    QTest::newRow("behind a zero byte") << QByteArray("count=\"12\0\";", 12);
+    QTest::newRow("after a zero byte") << QByteArray("count=\"12\0\";", 12);
 }
 
 void CardAnswersTest::missingMarkerGivesNoText()
@@ -149,7 +149,7 @@ void CardAnswersTest::countTextGivesTheNumberOfFilesToQuery_data()
     row("none, some listed", "0", 3, 0);
     row("no text", "", 3, 0);
     row("abc", "abc", 3, 0);
-    row("letters behind the digits", "5 files", 3, 5);
+    row("letters after the digits", "5 files", 3, 5);
     row("negative", "-5", 3, 0);
     row("smallest int", "-2147483648", 3, 0);
     row("full name table", "9999", 3, 9999);

@@ -69,7 +69,7 @@ void CardAnswers_EveryCutTest::listIsReadAsFarAsReceived_data()
                       {"ZEPNA/n", "<abcdefghijklmnopqrstuvwxyz01234.mp4>-"},
                       {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"},
                       {"\r\n", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"}});
-    row("bytes beyond ASCII",
+    row("bytes outside ASCII",
         {{"ZEPNA/\xE6\xB5\xB7\xFF\x80", "-"}, {";\r", "<\\xE6\\xB5\\xB7\\xFF\\x80>"}});
     row("zero byte ends it",
         {{"ZEPNA/a", "-"}, {";", "<a>"}, {std::string("\0ZEPNA/b;\r", 10), "<a>"}});

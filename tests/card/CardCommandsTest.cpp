@@ -38,7 +38,7 @@ void CardCommandsTest::commandAddressesAreExact_data()
         << "http://192.168.1.120/cgi-bin/hi3510/deletefile.cgi?&-name=sd/DCIM/100ZEPNA/";
     QTest::newRow("delete all files") << QString(card::deleteAllFilesCommand)
                                       << "http://192.168.1.120/cgi-bin/hi3510/deleteallfiles.cgi?";
-    QTest::newRow("format card, no ampersand behind the question mark")
+    QTest::newRow("format card, no ampersand after the question mark")
         << QString(card::formatCardCommand)
         << "http://192.168.1.120/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
 }
@@ -60,8 +60,8 @@ void CardCommandsTest::argumentIsAppendedUnchanged_data()
         QTest::newRow(*name == '\0' ? "nothing" : name)
             << QString::fromLatin1(name) << QString(folder + QLatin1String(name));
     }
-    QTest::newRow("beyond ASCII") << QStringLiteral("深海.mp4")
-                                  << QStringLiteral("camera?&-name=sd/DCIM/100ZEPNA/深海.mp4");
+    QTest::newRow("outside ASCII")
+        << QStringLiteral("深海.mp4") << QStringLiteral("camera?&-name=sd/DCIM/100ZEPNA/深海.mp4");
 }
 
 void CardCommandsTest::argumentIsAppendedUnchanged()

@@ -148,7 +148,7 @@ void FileInfoTextTest::durationIsShownAsReceived_data()
     QTest::newRow("seconds") << QByteArray("37") << "37s";
     QTest::newRow("nothing") << QByteArray() << "s";
     QTest::newRow("no number") << QByteArray("a while") << "a whiles";
-    QTest::newRow("beyond ASCII") << QByteArray("深") << QStringLiteral("深s");
+    QTest::newRow("outside ASCII") << QByteArray("深") << QStringLiteral("深s");
 }
 
 void FileInfoTextTest::durationIsShownAsReceived()

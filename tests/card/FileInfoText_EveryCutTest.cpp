@@ -59,7 +59,7 @@ void FileInfoText_EveryCutTest::detailsAreShownAsFarAsReceived_data()
     row("small size",
         {{"size=\"500\"", "--  ::|KB|s"}, {";time=\"1\"", "--  ::|KB|s"}, {";", "--  ::|KB|1s"}});
     row("negative size", {{"size=\"-2048\"", "--  ::|KB|s"}, {";", "--  ::|-2048KB|-2048s"}});
-    row("bytes beyond ASCII",
+    row("bytes outside ASCII",
         {{"time=\"\xE6\xB5\xB7\"", "--  ::|KB|s"}, {";", "--  ::|KB|\\xE6\\xB5\\xB7s"}});
     row("zero byte ends it",
         {{"time=\"9\"", "--  ::|KB|s"}, {std::string(";\0size=\"4096\";", 14), "--  ::|KB|9s"}});

@@ -70,7 +70,7 @@ void SelectionRecordTest::rowsAreLargestFirst_data()
     QTest::newRow("row 0 last") << Rows{9, 3, 0} << Rows{9, 3, 0};
     QTest::newRow("row 0 first") << Rows{0, 3, 9} << Rows{9, 3, 0};
     QTest::newRow("two ranges") << Rows{1, 2, 3, 7, 8} << Rows{8, 7, 3, 2, 1};
-    QTest::newRow("a row of two ranges stands there twice")
+    QTest::newRow("a row in two ranges is listed twice")
         << Rows{1, 2, 3, 2, 4} << Rows{4, 3, 2, 2, 1};
     QTest::newRow("row 0 twice") << Rows{0, 0} << Rows{0, 0};
 }

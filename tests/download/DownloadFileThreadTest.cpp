@@ -521,7 +521,7 @@ void DownloadFileThreadTest::stopEndsTheDownload_data()
         << "stalled" << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n");
     QTest::newRow("within the body")
         << "stalled" << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n1234");
-    QTest::newRow("behind the body, the connection still open")
+    QTest::newRow("after the body, the connection still open")
         << "stalled" << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\n1234");
     QTest::newRow("over") << "over"
                           << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\n1234");

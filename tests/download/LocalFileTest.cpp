@@ -272,9 +272,9 @@ void LocalFileTest::bareFileNamesAreRecognised_data()
     QTest::newRow("the folder above") << QByteArray("..") << false;
     QTest::newRow("slash inside") << QByteArray("a/b") << false;
     QTest::newRow("slash in front") << QByteArray("/a") << false;
-    QTest::newRow("slash behind") << QByteArray("a/") << false;
+    QTest::newRow("trailing slash") << QByteArray("a/") << false;
     QTest::newRow("zero byte inside") << QByteArray("a\0b", 3) << false;
-    QTest::newRow("zero byte behind") << QByteArray("..\0", 3) << false;
+    QTest::newRow("trailing zero byte") << QByteArray("..\0", 3) << false;
 }
 
 void LocalFileTest::bareFileNamesAreRecognised()
@@ -548,9 +548,9 @@ void LocalFileTest::hostileNameIsFetchedButNotWritten_data()
     QTest::newRow("a file above") << "../precious" << QByteArray("../precious");
     QTest::newRow("an absolute path") << "/tmp/evil" << QByteArray("/tmp/evil");
     QTest::newRow("a file in a folder") << "sub/evil" << QByteArray("sub/evil");
-    QTest::newRow("slash behind") << "evil/" << QByteArray("evil/");
+    QTest::newRow("trailing slash") << "evil/" << QByteArray("evil/");
     QTest::newRow("zero byte") << QString::fromLatin1("evil\0.mp4", 9) << QByteArray("evil");
-    QTest::newRow("zero byte behind dots")
+    QTest::newRow("zero byte after dots")
         << QString::fromLatin1("../precious\0", 12) << QByteArray("../precious");
 }
 

@@ -119,7 +119,7 @@ void ResponseHeadTest::statusIsTheWordAfterTheProtocol_data()
     QTest::newRow("first of two") << QByteArray("HTTP/1.1 100\r\nHTTP/1.1 200\r\n") << 100;
     QTest::newRow("small letters") << QByteArray("http/1.1 200 OK\r\n") << 0;
     QTest::newRow("no number") << QByteArray("HTTP/1.1 OK\r\n") << 0;
-    QTest::newRow("cut behind the protocol") << QByteArray("HTTP/1.1") << 0;
+    QTest::newRow("ends after the protocol") << QByteArray("HTTP/1.1") << 0;
 }
 
 void ResponseHeadTest::statusIsTheWordAfterTheProtocol()
@@ -140,8 +140,8 @@ void ResponseHeadTest::typeIsOneWordOfAtMost127Characters_data()
     QTest::newRow("no space") << QByteArray("Content-Type:video/mp4\r\nNext: 1\r\n")
                               << QByteArray("Next:");
     QTest::newRow("small letters") << QByteArray("content-type: video/mp4\r\n") << QByteArray("");
-    QTest::newRow("only spaces behind it") << QByteArray("Content-Type:  \t ") << QByteArray("");
-    QTest::newRow("nothing behind it") << QByteArray("Content-Type:") << QByteArray("");
+    QTest::newRow("only spaces after it") << QByteArray("Content-Type:  \t ") << QByteArray("");
+    QTest::newRow("nothing after it") << QByteArray("Content-Type:") << QByteArray("");
     QTest::newRow("126 characters") << "Content-Type: " + QByteArray(126, 't') + "\r\n"
                                     << QByteArray(126, 't');
     QTest::newRow("127 characters") << "Content-Type: " + QByteArray(127, 't') + "\r\n"
@@ -179,7 +179,7 @@ void ResponseHeadTest::lengthIsTheWordAfterItsName_data()
     QTest::newRow("small letters") << QByteArray("content-length: 5\r\n") << qint64{0};
     QTest::newRow("negative") << QByteArray("Content-Length: -5\r\n") << qint64{-5};
     QTest::newRow("no number") << QByteArray("Content-Length: many\r\n") << qint64{0};
-    QTest::newRow("cut behind its name") << QByteArray("Content-Length: ") << qint64{0};
+    QTest::newRow("ends after its name") << QByteArray("Content-Length: ") << qint64{0};
 }
 
 void ResponseHeadTest::lengthIsTheWordAfterItsName()

@@ -164,7 +164,7 @@ void ResponseHead_EveryCutTest::addAnswers()
          {"e", "200 [v/4] 5 \"he\""},
          {"l", "200 [v/4] 5 \"hel\""},
          {"l", "200 [v/4] 5 \"hell\""}});
-    row("body of line ends and bytes beyond ASCII", headOfFive("\r\n\r\n"),
+    row("body of line ends and bytes outside ASCII", headOfFive("\r\n\r\n"),
         {{"\r", "200 [v/4] 5 \"\\r\""},
          {"\n", "200 [v/4] 5 \"\\r\\n\""},
          {std::string("\0", 1), "200 [v/4] 5 \"\\r\\n\\x00\""},
@@ -191,7 +191,7 @@ void ResponseHead_EveryCutTest::addAnswers()
     row("negative length, no body",
         {{"Content-Length: -", nothing}, {"2", "0 [] -2 \"\""}, {"\r\n\r\nab", "0 [] -2 \"\""}},
         {});
-    row("type of bytes beyond ASCII",
+    row("type of bytes outside ASCII",
         {{"Content-Type: ", nothing},
          {"\xE6", "0 [\\xE6] 0 \"\""},
          {"\xB5", "0 [\\xE6\\xB5] 0 \"\""},
@@ -211,7 +211,7 @@ void ResponseHead_EveryCutTest::deliveredWholeByteByByteAndCutAnywhere()
     compare(camera, support::singleBytes(bytes), whole, "byte by byte,", bytes.size());
     for (std::size_t position = 1; position < bytes.size() && !QTest::currentTestFailed();
          ++position) {
-        compare(camera, support::cut(bytes, {position}), whole, "cut behind", position);
+        compare(camera, support::cut(bytes, {position}), whole, "split after", position);
     }
 }
 
@@ -222,7 +222,7 @@ void ResponseHead_EveryCutTest::closedAnywhere()
     Camera camera;
     for (std::size_t count = 0; count <= bytes.size() && !QTest::currentTestFailed(); ++count) {
         compare(camera, count == 0 ? Delivery{} : Delivery{bytes.substr(0, count)},
-                support::closedBehind(pieces, nothing, count), "closed behind", count);
+                support::closedBehind(pieces, nothing, count), "closed after", count);
     }
 }
 
@@ -237,11 +237,11 @@ void ResponseHead_EveryCutTest::bytesBeyondTheLengthAreKeptIfInTheSameReceive_da
         QTest::newRow(title) << pieces << file;
     };
     row("whole", {head + "hello12"}, "hello12");
-    row("cut behind the head", {head, "hello12"}, "hello12");
-    row("cut behind 1", {head + "h", "ello12"}, "hello12");
-    row("cut behind 4", {head + "hell", "o12"}, "hello12");
-    row("cut behind the length", {head + "hello", "12"}, "hello");
-    row("cut behind 6", {head + "hello1", "2"}, "hello1");
+    row("split after the head", {head, "hello12"}, "hello12");
+    row("split after 1", {head + "h", "ello12"}, "hello12");
+    row("split after 4", {head + "hell", "o12"}, "hello12");
+    row("split after the length", {head + "hello", "12"}, "hello");
+    row("split after 6", {head + "hello1", "2"}, "hello1");
     row("byte by byte", support::singleBytes(head + "hello12"), "hello");
 }
 
@@ -263,11 +263,11 @@ void ResponseHead_EveryCutTest::progressIsReportedForEachReceive_data()
     };
     row("whole", {head + "hello"}, {5});
     row("cut in the head", {head.substr(0, 9), head.substr(9) + "hello"}, {5});
-    row("cut behind the head", {head, "hello"}, {5});
-    row("cut behind 1", {head + "h", "ello"}, {1, 5});
-    row("cut behind 2", {head + "he", "llo"}, {2, 5});
-    row("cut behind 3", {head + "hel", "lo"}, {3, 5});
-    row("cut behind 4", {head + "hell", "o"}, {4, 5});
+    row("split after the head", {head, "hello"}, {5});
+    row("split after 1", {head + "h", "ello"}, {1, 5});
+    row("split after 2", {head + "he", "llo"}, {2, 5});
+    row("split after 3", {head + "hel", "lo"}, {3, 5});
+    row("split after 4", {head + "hell", "o"}, {4, 5});
     row("byte by byte", support::singleBytes(head + "hello"), {1, 2, 3, 4, 5});
     row("nothing but the head", {head}, {});
 }

@@ -42,7 +42,7 @@ void requireHeadersStandIn(const std::string& head, const HTTPHeaders& headers)
         fuzz::require(name.compare(0, 4, "HTTP") != 0, "a status line is no header");
         fuzz::require((name.empty() && value.empty()) ||
                           head.find(name + ": " + value) != std::string::npos,
-                      "a header stands in the head as it was sent");
+                      "a header appears in the head as it was sent");
     }
 }
 
@@ -53,12 +53,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const std::string text = fuzz::textOf(data, size);
     HTTPResponse response;
     const std::size_t taken = readHead(text, fuzz::End::Closed, response);
-    fuzz::require(taken == endOfHead(text), "no byte behind the empty line is taken");
+    fuzz::require(taken == endOfHead(text), "no byte after the empty line is consumed");
 
     const std::string head = text.substr(0, taken);
     requireHeadersStandIn(head, response.headers);
     fuzz::require(response.received == 0 && response.chunkLeft == 0 && !response.lastChunkSeen,
-                  "a head does not touch what belongs to the body");
+                  "a head does not change the body's fields");
     fuzz::require(response.statusCode == 0 || head.find("HTTP") != std::string::npos,
                   "a status comes from a status line");
 
@@ -71,14 +71,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     }
     const auto coding = response.headers.find("Transfer-Encoding");
     if (coding != response.headers.end() && coding->second == "chunked") {
-        fuzz::require(response.chunked, "a coding that is announced is noticed");
+        fuzz::require(response.chunked, "announced chunked coding is detected");
     }
     fuzz::require(!response.chunked || head.find("Transfer-Encoding: chunked") != std::string::npos,
-                  "a coding is noticed only where it is announced");
+                  "chunked coding is detected only if announced");
 
     HTTPResponse again = response;
     fuzz::require(readHead(text, fuzz::End::Failed, again) == taken &&
                       fields(again) == fields(response),
-                  "the same head once more changes nothing, nor does how the connection ends");
+                  "reading the same head again changes nothing, nor does how the connection ends");
     return 0;
 }

@@ -51,17 +51,17 @@ void judge(const Plan& plan, fuzz::End end)
     download.copyBody(plan.announced, [&](qint64 received, qint64 announced) {
         ++calls;
         shown = received;
-        fuzz::require(announced == plan.announced, "progress tells the length announced");
+        fuzz::require(announced == plan.announced, "progress reports the announced length");
         fuzz::require(received > 0 || end == fuzz::End::Failed, "progress grows");
     });
 
     fuzz::require(peer.written() == plan.recording.substr(0, expected),
-                  "what is written is the recording up to its length, in whole pieces");
+                  "the file holds the recording up to its length, in whole pieces");
     fuzz::require(peer.received() <= std::min(expected + plan.pieceSize, plan.recording.size()),
                   "at most one more piece is received");
     if (end == fuzz::End::Closed) {
         fuzz::require(calls == pieces && shown == static_cast<qint64>(expected),
-                      "progress is told once for every piece");
+                      "progress is reported once for every piece");
     } else {
         fuzz::require(calls <= pieces + 16, "sixteen errors in a row end a recording");
     }

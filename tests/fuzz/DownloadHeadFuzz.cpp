@@ -46,13 +46,13 @@ void judgeFields(const std::string& text)
     const resp_header header = download::parseHead(head.get());
     const std::string status = behindWord(text, "HTTP/");
     fuzz::require(header.status_code == static_cast<int>(std::strtol(status.c_str(), nullptr, 10)),
-                  "the status is the word behind the protocol");
+                  "the status is the word after the protocol");
     const std::string length = behindWord(text, "Content-Length:");
     fuzz::require(header.content_length == std::strtoll(length.c_str(), nullptr, 10),
-                  "the length is the word behind its name");
+                  "the length is the word after its name");
     const std::string type = behindWord(text, "Content-Type:");
     fuzz::require(header.content_type == type.substr(0, type.find_first_of(spaces)).substr(0, 127),
-                  "the type is the word behind its name, cut where its field ends");
+                  "the type is the word after its name, truncated to its field");
     fuzz::require(header.file_name[0] == '\0', "the name is not filled");
 }
 
@@ -63,11 +63,12 @@ void judgeReading(const std::string& text, fuzz::End end)
     download::RecordingDownload reader(calls);
     fuzz::TextPeer peer(text, text.size(), end);
     fuzz::require(reader.readHead(head), "a short head does not outgrow the memory");
-    fuzz::require(peer.received() == endOfHead(text), "no byte of the body goes with the head");
+    fuzz::require(peer.received() == endOfHead(text),
+                  "no byte of the body is consumed with the head");
 
     std::string expected = text.substr(0, endOfHead(text));
     expected.erase(std::remove(expected.begin(), expected.end(), '\0'), expected.end());
-    fuzz::require(head.text() == expected, "the head is what was sent, zero bytes left out");
+    fuzz::require(head.text() == expected, "the head is what was sent, without zero bytes");
 }
 
 } // namespace

@@ -20,24 +20,24 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const std::size_t start = text.find("=\"");
     const std::size_t end = start == std::string_view::npos ? start : text.find("\";", start + 2);
     fuzz::require(found.has_value() == (end != std::string_view::npos),
-                  "found exactly when both markers are there");
+                  "found exactly if both markers exist");
 
     std::vector<char> countText = card::scratchFor(answer.get());
     fuzz::require(countText.size() >= std::max<std::size_t>(32, text.size() + 1),
-                  "the scratch holds any text of the answer");
+                  "the scratch buffer has room for any text of the answer");
     if (found) {
         fuzz::require(*found == text.substr(start + 2, end - start - 2),
-                      "what stands between the markers");
+                      "the text between the markers");
         *std::copy(found->begin(), found->end(), countText.begin()) = '\0';
     }
 
     constexpr int listed = 12345; // a number that cannot be a count
     const int files = card::filesToAskAbout(countText.data(), listed);
     fuzz::require(files == listed || (files >= 0 && files <= card::NameTable::capacity),
-                  "no more files are asked about than the table holds");
+                  "no more files are queried than the table holds");
     if (const auto count = fuzz::shortDecimal(countText.data())) {
         fuzz::require(files == (*count <= card::NameTable::capacity ? *count : listed),
-                      "a count is taken as it stands, one beyond the table is none");
+                      "a count is used unchanged; one beyond the table is ignored");
     }
     return 0;
 }

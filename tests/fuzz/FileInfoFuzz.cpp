@@ -46,9 +46,10 @@ void judgeExactSize(const char* answer, std::string_view text)
     const card::ExactSize exact = card::exactSize(answer);
     std::string value;
     fuzz::require((exact.reading != Reading::Missing) == take(text, "size=\"", value),
-                  "a size is missing exactly when it is not there");
+                  "a size is reported missing exactly if it is missing");
     const bool digits = !value.empty() && value.find_first_not_of("0123456789") == value.npos;
-    fuzz::require(exact.reading != Reading::Known || digits, "an exact size is digits alone");
+    fuzz::require(exact.reading != Reading::Known || digits,
+                  "an exact size consists of digits only");
     if (digits && value.size() < 19) {
         fuzz::require(exact.reading == Reading::Known && exact.bytes == std::stoll(value),
                       "up to eighteen digits are an exact size");
@@ -86,14 +87,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         const int count = *bytes / (large ? 1048576 : 1024);
         value = count == 0 ? "" : std::to_string(count);
         fuzz::require(shown.size == QString::fromStdString(value + (large ? "MB" : "KB")),
-                      "a size is cut to whole units, and none of them is no digit");
+                      "a size is truncated to whole units, and zero units show no digit");
     }
 
     // Without a duration the digits of the size are shown; they are known here only if they are
     // short.
     if (take(text, "time=\"", value) || bytes) {
         fuzz::require(shown.duration == QString::fromStdString(value + "s"),
-                      "the duration is the text as it was received");
+                      "the duration is the text as received");
     }
     return 0;
 }

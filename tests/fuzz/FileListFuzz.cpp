@@ -69,7 +69,8 @@ void requireCutAtTheEnd(NameTable& names, int slot, std::string_view name)
     names.store(slot, name);
     const std::size_t room =
         static_cast<std::size_t>(NameTable::capacity - slot) * NameTable::slotSize - 1;
-    fuzz::require(names[slot] == name.substr(0, room), "a name is cut where the table ends");
+    fuzz::require(names[slot] == name.substr(0, room),
+                  "a name is truncated at the end of the table");
 }
 
 } // namespace
@@ -95,7 +96,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     for (int slot = 0; slot <= lastReached; ++slot) {
         const char* expected = &block[static_cast<std::size_t>(slot) * NameTable::slotSize];
         fuzz::require(std::strcmp(names[slot], expected) == 0,
-                      "the slots hold the names that were listed, and no other is written");
+                      "the slots hold the listed names, and no other slot is written");
     }
     requireCutAtTheEnd(names, NameTable::capacity - 1 - static_cast<int>(size % lastSlots), list);
     return 0;

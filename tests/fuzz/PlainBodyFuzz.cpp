@@ -53,10 +53,10 @@ void judge(const Plan& plan, fuzz::End end)
     HTTPSession session;
     const bool result = HTTPClient().readBody(session, response, body);
 
-    fuzz::require(result == complete, "true exactly when the body is complete");
+    fuzz::require(result == complete, "true exactly if the body is complete");
     fuzz::require(body == "kept " + plan.body.substr(0, expected),
-                  "the body is put behind what was there, and nothing is lost or invented");
-    fuzz::require(peer.received() == expected, "nothing is received behind the end");
+                  "the body is appended, and nothing is lost or added");
+    fuzz::require(peer.received() == expected, "nothing is received after the end");
     fuzz::require(response.received == plan.receivedBefore + static_cast<std::uint32_t>(expected),
                   "every byte is counted");
     fuzz::require(response.contentLength == plan.announced && response.chunkLeft == 0 &&

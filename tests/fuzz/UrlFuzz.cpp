@@ -19,7 +19,7 @@ void requireWellSplit(std::string_view rest, const HTTPRequest& request)
     fuzz::require(request.host.find_first_of("/:") == std::string::npos,
                   "the host holds neither slash nor colon");
     fuzz::require(rest.substr(0, request.host.size()) == request.host,
-                  "the host stands right behind the scheme");
+                  "the host directly follows the scheme");
     const std::string_view behind = rest.substr(request.host.size());
     fuzz::require(behind.empty() || behind[0] == '/' || behind[0] == ':',
                   "the host goes up to a slash, a colon or the end");
@@ -27,12 +27,12 @@ void requireWellSplit(std::string_view rest, const HTTPRequest& request)
     const std::size_t slash = behind.find('/');
     const bool hasPath = slash != std::string_view::npos;
     fuzz::require(request.path == (hasPath ? behind.substr(slash) : pathBefore),
-                  "the path is all from the slash on, or stays");
+                  "the path is everything from the slash on, or unchanged");
     if (behind.empty() || behind[0] == '/') {
-        fuzz::require(request.port == portBefore, "a port that is not named stays");
-        fuzz::require(behind.find(':') == std::string_view::npos, "no colon behind the slash");
+        fuzz::require(request.port == portBefore, "a missing port keeps its value");
+        fuzz::require(behind.find(':') == std::string_view::npos, "no colon after the slash");
     } else if (const auto port = fuzz::shortDecimal(behind.substr(1, slash - 1))) {
-        fuzz::require(request.port == *port, "the port is the number behind the colon");
+        fuzz::require(request.port == *port, "the port is the number after the colon");
     }
 }
 
@@ -40,13 +40,13 @@ void requireRefusable(std::string_view url, const HTTPRequest& request)
 {
     fuzz::require(request.host == hostBefore && request.port == portBefore &&
                       request.path == pathBefore,
-                  "an address that is refused changes nothing");
+                  "a rejected address changes nothing");
     if (url.substr(0, prefix.size()) == prefix && url.size() > prefix.size()) {
         const std::string_view rest = url.substr(prefix.size());
         const std::size_t slash = rest.find('/');
         fuzz::require(slash != std::string_view::npos && rest.find(':') > slash &&
                           rest.find(':') != std::string_view::npos,
-                      "an address is refused only for its scheme or a colon behind the slash");
+                      "an address is rejected only for its scheme or a colon after the slash");
     }
 }
 
@@ -61,10 +61,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     request.port = portBefore;
     request.path = pathBefore;
     const bool taken = HTTPClient().parseUrl(request);
-    fuzz::require(request.url == url, "the address itself stays");
+    fuzz::require(request.url == url, "the address itself is unchanged");
     if (taken) {
-        fuzz::require(url.substr(0, prefix.size()) == prefix, "only plain http is taken");
-        fuzz::require(url.size() > prefix.size(), "the prefix alone is refused");
+        fuzz::require(url.substr(0, prefix.size()) == prefix, "only plain http is accepted");
+        fuzz::require(url.size() > prefix.size(), "the prefix alone is rejected");
         requireWellSplit(std::string_view(url).substr(prefix.size()), request);
     } else {
         requireRefusable(url, request);

@@ -25,7 +25,7 @@ public:
     ssize_t receive(char* buffer, std::size_t limit) override
     {
         fuzz::require(limit == longestReceive, "receives take a hundred bytes");
-        fuzz::require(!m_ended, "nothing is received behind the end");
+        fuzz::require(!m_ended, "nothing is received after the end");
         fuzz::require(m_ticks < tickLimit, "six ticks without a heartbeat end a connection");
         while (m_pending.empty() && m_next < m_steps.size()) {
             const auto step = static_cast<std::uint8_t>(m_steps[m_next++]);
@@ -84,22 +84,22 @@ int signedPairAt(const std::string& delivered, std::size_t index)
     return signedByteAt(delivered, index) * 256 + signedByteAt(delivered, index + 1);
 }
 
-void judgeChunk(const vehicle::Chunk& chunk, const std::string& delivered)
+void checkReceived(const vehicle::Received& received, const std::string& delivered)
 {
-    fuzz::require(std::equal(delivered.begin(), delivered.end(), chunk.begin(),
+    fuzz::require(std::equal(delivered.begin(), delivered.end(), received.begin(),
                              [](char sent, std::uint8_t got) {
                                  return static_cast<std::uint8_t>(sent) == got;
                              }),
-                  "a chunk is what one receive brought");
-    fuzz::require(std::all_of(chunk.begin() + static_cast<std::ptrdiff_t>(delivered.size()),
-                              chunk.end(), [](std::uint8_t byte) { return byte == 0; }),
-                  "a chunk is zero behind what was received");
+                  "the handler gets the bytes of one receive");
+    fuzz::require(std::all_of(received.begin() + static_cast<std::ptrdiff_t>(delivered.size()),
+                              received.end(), [](std::uint8_t byte) { return byte == 0; }),
+                  "the buffer is zero after the received bytes");
 
     const int start = byteAt(delivered, 0);
     const int type = byteAt(delivered, 2);
-    const auto report = vehicle::decodeVersionReport(chunk);
+    const auto report = vehicle::decodeVersionReport(received);
     fuzz::require(report.has_value() == (start == 0xAA && type == 0x00),
-                  "a version report is known by its start byte and its type");
+                  "a version report is recognised by its start byte and type");
     if (report) {
         fuzz::require(report->hardType == signedByteAt(delivered, 4),
                       "the hardware type is signed");
@@ -109,10 +109,10 @@ void judgeChunk(const vehicle::Chunk& chunk, const std::string& delivered)
                           report->bootVer == signedPairAt(delivered, 11),
                       "the versions are pairs of signed bytes");
     }
-    fuzz::require(vehicle::isHeartbeat(chunk, vehicle::controlStartByte) ==
+    fuzz::require(vehicle::isHeartbeat(received, vehicle::controlStartByte) ==
                       (start == 0xAA && type == 0x04),
                   "the control module's heartbeat");
-    fuzz::require(vehicle::isHeartbeat(chunk, vehicle::groundStartByte) ==
+    fuzz::require(vehicle::isHeartbeat(received, vehicle::groundStartByte) ==
                       (start == 0xBB && type == 0x04),
                   "the ground module's heartbeat");
 
@@ -130,23 +130,23 @@ void judge(const std::string& steps, fuzz::End end, std::uint8_t startByte)
     int handled = 0;
     Module module(steps, end, ticks);
     const vehicle::ConnectionEnd result =
-        vehicle::receiveUntilEnd(-1, ticks, [&](const vehicle::Chunk& chunk) {
+        vehicle::receiveUntilEnd(-1, ticks, [&](const vehicle::Received& received) {
             ++handled;
-            judgeChunk(chunk, module.last());
-            if (vehicle::isHeartbeat(chunk, startByte)) {
+            checkReceived(received, module.last());
+            if (vehicle::isHeartbeat(received, startByte)) {
                 ticks = 0;
             }
         });
-    fuzz::require(handled == module.deliveries(), "every chunk is handed over, and only once");
+    fuzz::require(handled == module.deliveries(), "the handler is called once per receive");
     if (result.reason == vehicle::EndReason::HeartbeatLost) {
         fuzz::require(result.missedTicks >= tickLimit && ticks == 0,
-                      "a lost heartbeat is told after six ticks, and the count begins anew");
+                      "a lost heartbeat is reported after six ticks, and the count restarts");
     } else {
-        fuzz::require(module.ended(), "a connection ends with the module or the heartbeat");
+        fuzz::require(module.ended(), "a connection ends by the module or the heartbeat limit");
         fuzz::require(result.missedTicks == 0, "no ticks are missed otherwise");
         fuzz::require((result.reason == vehicle::EndReason::ClosedByModule) ==
                           (end == fuzz::End::Closed),
-                      "closing and failing are told apart");
+                      "closing and failing are distinguished");
     }
 }
 

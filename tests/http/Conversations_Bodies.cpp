@@ -57,7 +57,7 @@ std::vector<Conversation> plainConversations()
                                                    {"l", "false length=5 received=3 \"hel\""},
                                                    {"l", "false length=5 received=4 \"hell\""},
                                                    {"o", "true length=5 received=5 \"hello\""}});
-    body.complete("body of line ends and bytes beyond ASCII",
+    body.complete("body of line ends and bytes outside ASCII",
                   {{"\r", "false length=5 received=1 \"\\r\""},
                    {"\n", "false length=5 received=2 \"\\r\\n\""},
                    {std::string("\0", 1), "false length=5 received=3 \"\\r\\n\\x00\""},
@@ -120,7 +120,7 @@ std::vector<Conversation> chunkedConversations()
                    {"\n", "false chunked received=4 \"ab\\r\\n\""},
                    {"0\r\n", "false chunked last received=4 \"ab\\r\\n\""},
                    {"\r\n", "true chunked last received=4 \"ab\\r\\n\""}});
-    body.complete("chunk of bytes beyond ASCII",
+    body.complete("chunk of bytes outside ASCII",
                   {{"3\r\n", "false chunked left=3"},
                    {std::string("\0", 1), "false chunked received=1 left=2 \"\\x00\""},
                    {"\xFF", "false chunked received=2 left=1 \"\\x00\\xFF\""},
@@ -139,7 +139,7 @@ std::vector<Conversation> chunkedConversations()
     body.complete("trailers beyond the first stay",
                   {{"0\r\n", "false chunked last"}, {"A: b\r\nC: d\r\n\r\n", "true chunked last"}},
                   "C: d\\r\\n\\r\\n");
-    body.open("closed behind the last chunk's size line", {{"0\r\n", "false chunked last"}});
+    body.open("closed after the last chunk's size line", {{"0\r\n", "false chunked last"}});
     body.open("closed before the last chunk", {{"1\r\n", "false chunked left=1"},
                                                {"a", "false chunked received=1 \"a\""},
                                                {"\r", "false chunked last received=1 \"a\""},
@@ -187,13 +187,13 @@ std::vector<Conversation> oddChunkConversations()
     // Different spellings of 5. A partial line without digits counts as the last chunk.
     body.complete("size with leading zeros", withEnd({{"0000000", last}, {"5\r\n", five}}));
     body.complete("size with an extension", withEnd({{"5;name=value; 7\r\n", five}}));
-    body.complete("size with a space behind it", withEnd({{"5 \r\n", five}}));
-    body.complete("size with text behind it", withEnd({{"5 bytes\r\n", five}}));
-    body.complete("size with a zero byte behind it", withEnd({{std::string("5\0"
-                                                                           "7\r\n",
-                                                                           5),
-                                                               five}}));
-    body.complete("size with a byte beyond ASCII behind it", withEnd({{"5\xFF\r\n", five}}));
+    body.complete("size with a space after it", withEnd({{"5 \r\n", five}}));
+    body.complete("size with text after it", withEnd({{"5 bytes\r\n", five}}));
+    body.complete("size with a zero byte after it", withEnd({{std::string("5\0"
+                                                                          "7\r\n",
+                                                                          5),
+                                                              five}}));
+    body.complete("size with a byte outside ASCII after it", withEnd({{"5\xFF\r\n", five}}));
     body.complete("size ended by a bare line feed", withEnd({{"5\n", five}}));
     body.complete("size with a space before it", withEnd({{" ", last}, {"5\r\n", five}}));
     body.complete("size with a tab before it", withEnd({{"\t", last}, {"5\r\n", five}}));
@@ -212,10 +212,10 @@ std::vector<Conversation> oddChunkConversations()
                   {{"g5\r\n", last}, {"\r\n", "true chunked last"}});
     body.complete("semicolon without digits is a last chunk",
                   {{";a=5\r\n", last}, {"\r\n", "true chunked last"}});
-    body.complete("bytes beyond ASCII are a last chunk", {{"\xFF"
-                                                           "5\r\n",
-                                                           last},
-                                                          {"\r\n", "true chunked last"}});
+    body.complete("bytes outside ASCII are a last chunk", {{"\xFF"
+                                                            "5\r\n",
+                                                            last},
+                                                           {"\r\n", "true chunked last"}});
     body.complete("long zero is a last chunk",
                   {{"00000000000000000000\r\n", last}, {"\r\n", "true chunked last"}});
 
@@ -275,11 +275,12 @@ std::vector<Conversation> oddChunkConversations()
                {"0", "false chunked received=2 left=13 \"h0\""},
                {"\r", "false chunked received=3 left=12 \"h0\\r\""},
                {"\n", "false chunked received=4 left=11 \"h0\\r\\n\""}});
-    body.complete("no line end behind the data", {{"1\r\n", "false chunked left=1"},
-                                                  {"h", "false chunked received=1 \"h\""},
-                                                  {"0\r\n", "false chunked last received=1 \"h\""},
-                                                  {"\r\n", "true chunked last received=1 \"h\""}});
-    body.complete("bare line feed behind the data is a last chunk",
+    body.complete("no line ending after the data",
+                  {{"1\r\n", "false chunked left=1"},
+                   {"h", "false chunked received=1 \"h\""},
+                   {"0\r\n", "false chunked last received=1 \"h\""},
+                   {"\r\n", "true chunked last received=1 \"h\""}});
+    body.complete("bare line feed after the data is a last chunk",
                   {{"1\n", "false chunked left=1"},
                    {"h", "false chunked received=1 \"h\""},
                    {"\n", "false chunked last received=1 \"h\""},
@@ -300,10 +301,10 @@ std::vector<Conversation> carriedOverConversations()
     afterChunked.lastChunkSeen = true;
     afterChunked.received = 7;
     Collector seen(Reader::Body, afterChunked, "false chunked last received=7");
-    seen.complete("second chunked body ends behind its first line",
+    seen.complete("second chunked body ends after its first line",
                   {{"5\r\nhello\r\n0\r\n\r\n", "true chunked last received=7"}},
                   "hello\\r\\n0\\r\\n\\r\\n");
-    seen.complete("second chunked body ends behind an empty line, too",
+    seen.complete("second chunked body ends after an empty line, too",
                   {{"\r\n5\r\n", "true chunked last received=7"}}, "5\\r\\n");
     add(seen);
 

@@ -82,7 +82,7 @@ std::vector<Conversation> headConversations()
          {" OK\r\n", "true status=200"},
          {"\r", "true status=200 {: }"},
          {"\n", "true status=200"}});
-    add("status line behind a header", true,
+    add("status line after a header", true,
         {{"A:", "true {: }"},
          {" ", "true {A: }"},
          {"b\r\n", "true {A: b}"},
@@ -176,7 +176,7 @@ std::vector<Conversation> headConversations()
          {"1\r\n", "true length=4294967295 {Content-Length: -1}"},
          {"\r", "true length=4294967295 {: , Content-Length: -1}"},
          {"\n", "true length=4294967295 {Content-Length: -1}"}});
-    add("length with something behind it", true,
+    add("length with something after it", true,
         {{"Content-Length:", "true {: }"},
          {" ", "true {Content-Length: }"},
          {"5", "true length=5 {Content-Length: 5}"},
@@ -245,7 +245,7 @@ std::vector<Conversation> headConversations()
          {"\n", "true chunked {Transfer-Encoding: g}"}},
         "", chunked, "true chunked");
 
-    add("bytes beyond ASCII", true,
+    add("bytes outside ASCII", true,
         {{"\xC4\xFF:", "true {: }"},
          {" ", "true {\\xC4\\xFF: }"},
          {"\x80", "true {\\xC4\\xFF: \\x80}"},

@@ -87,7 +87,7 @@ void HTTPClient_EveryCutTest::cutAtEveryPosition()
     for (std::size_t position = 1; position < bytes.size(); ++position) {
         checkWhole(conversation, support::cut(bytes, {position}));
         if (QTest::currentTestFailed()) {
-            qInfo("cut behind %zu of %zu bytes", position, bytes.size());
+            qInfo("split after %zu of %zu bytes", position, bytes.size());
             return;
         }
     }
@@ -103,7 +103,7 @@ void HTTPClient_EveryCutTest::closedAtEveryPosition()
         const std::string expected =
             support::closedBehind(conversation.pieces, conversation.closedAtStart, count);
         if (outcome.text != expected) {
-            qInfo("closed behind %zu of %zu bytes", count, bytes.size());
+            qInfo("closed after %zu of %zu bytes", count, bytes.size());
         }
         QCOMPARE(text(outcome.text), text(expected));
     }
@@ -138,10 +138,10 @@ void HTTPClient_EveryCutTest::bodyWithoutLengthEndsWithTheFirstPiece_data()
 {
     addCutRows({}, {
                        {"whole", "true received=5 \"hello\"", "", "hello"},
-                       {"cut behind 1", "true received=1 \"h\"", "ello", "h", "ello"},
-                       {"cut behind 2", "true received=2 \"he\"", "llo", "he", "llo"},
-                       {"cut behind 3", "true received=3 \"hel\"", "lo", "hel", "lo"},
-                       {"cut behind 4", "true received=4 \"hell\"", "o", "hell", "o"},
+                       {"split after 1", "true received=1 \"h\"", "ello", "h", "ello"},
+                       {"split after 2", "true received=2 \"he\"", "llo", "he", "llo"},
+                       {"split after 3", "true received=3 \"hel\"", "lo", "hel", "lo"},
+                       {"split after 4", "true received=4 \"hell\"", "o", "hell", "o"},
                        {"byte by byte", "true received=1 \"h\"", "ello", "h", "e", "l", "l", "o"},
                    });
 }
@@ -155,15 +155,16 @@ void HTTPClient_EveryCutTest::bytesBeyondTheLengthAreKeptIfInTheSamePiece_data()
 {
     HTTPResponse length2;
     length2.contentLength = 2;
-    addCutRows(length2, {
-                            {"whole", "true length=2 received=5 \"hello\"", "", "hello"},
-                            {"cut behind 1", "true length=2 received=5 \"hello\"", "", "h", "ello"},
-                            {"cut behind 2", "true length=2 received=2 \"he\"", "llo", "he", "llo"},
-                            {"cut behind 3", "true length=2 received=3 \"hel\"", "lo", "hel", "lo"},
-                            {"cut behind 4", "true length=2 received=4 \"hell\"", "o", "hell", "o"},
-                            {"byte by byte", "true length=2 received=2 \"he\"", "llo", "h", "e",
-                             "l", "l", "o"},
-                        });
+    addCutRows(
+        length2,
+        {
+            {"whole", "true length=2 received=5 \"hello\"", "", "hello"},
+            {"split after 1", "true length=2 received=5 \"hello\"", "", "h", "ello"},
+            {"split after 2", "true length=2 received=2 \"he\"", "llo", "he", "llo"},
+            {"split after 3", "true length=2 received=3 \"hel\"", "lo", "hel", "lo"},
+            {"split after 4", "true length=2 received=4 \"hell\"", "o", "hell", "o"},
+            {"byte by byte", "true length=2 received=2 \"he\"", "llo", "h", "e", "l", "l", "o"},
+        });
 }
 
 void HTTPClient_EveryCutTest::bytesBeyondTheLengthAreKeptIfInTheSamePiece()
@@ -180,10 +181,10 @@ void HTTPClient_EveryCutTest::bodyAfterAnOlderLargerCountEndsWithTheFirstPiece_d
         countReached,
         {
             {"whole", "true length=5 received=10 \"hello\"", "", "hello"},
-            {"cut behind 1", "true length=5 received=6 \"h\"", "ello", "h", "ello"},
-            {"cut behind 2", "true length=5 received=7 \"he\"", "llo", "he", "llo"},
-            {"cut behind 3", "true length=5 received=8 \"hel\"", "lo", "hel", "lo"},
-            {"cut behind 4", "true length=5 received=9 \"hell\"", "o", "hell", "o"},
+            {"split after 1", "true length=5 received=6 \"h\"", "ello", "h", "ello"},
+            {"split after 2", "true length=5 received=7 \"he\"", "llo", "he", "llo"},
+            {"split after 3", "true length=5 received=8 \"hel\"", "lo", "hel", "lo"},
+            {"split after 4", "true length=5 received=9 \"hell\"", "o", "hell", "o"},
             {"byte by byte", "true length=5 received=6 \"h\"", "ello", "h", "e", "l", "l", "o"},
         });
 }

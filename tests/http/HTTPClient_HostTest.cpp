@@ -51,9 +51,9 @@ void HTTPClient_HostTest::hostWithoutLettersIsReadAsDottedAddress_data()
     row("number too large", "256.0.0.1", "ff ff ff ff");
     row("five numbers", "1.2.3.4.5", "ff ff ff ff");
     row("byte before the letters", "@", "ff ff ff ff");
-    row("byte behind the letters", "{", "ff ff ff ff");
+    row("byte after the letters", "{", "ff ff ff ff");
     row("minus", "10.0.0.1-", "ff ff ff ff");
-    row("bytes beyond ASCII", "\x80\xC1\xDA\xFF", "ff ff ff ff");
+    row("bytes outside ASCII", "\x80\xC1\xDA\xFF", "ff ff ff ff");
 }
 
 void HTTPClient_HostTest::hostWithoutLettersIsReadAsDottedAddress()
@@ -77,7 +77,7 @@ void HTTPClient_HostTest::unknownNameGivesZero_data()
     row("circumflex", "^");
     row("grave accent", "`");
     row("letter at the end only", "10.0.0.1.x");
-    row("letter behind a byte beyond ASCII", "\xE4.q");
+    row("letter after a byte outside ASCII", "\xE4.q");
 }
 
 void HTTPClient_HostTest::unknownNameGivesZero()

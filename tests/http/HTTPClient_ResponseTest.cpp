@@ -121,7 +121,7 @@ void HTTPClient_ResponseTest::lineIsSplit_data()
     row("two spaces", "A:  b\r\n", "A", " b");
     row("space before the colon", "A : b\r\n", "A ", "b");
     row("spaces and tabs stay", " \tA: b \t\r\n", " \tA", "b \t");
-    row("bytes beyond ASCII", "\xC4: \xFF\r\n", "\xC4", "\xFF");
+    row("bytes outside ASCII", "\xC4: \xFF\r\n", "\xC4", "\xFF");
     row("zero bytes", QByteArray("A\0: \0b", 6), QByteArray("A\0", 2), QByteArray("\0b", 2));
 
     row("no separator", "Server\r\n", "", "");
@@ -136,7 +136,7 @@ void HTTPClient_ResponseTest::lineIsSplit_data()
     row("status line", "HTTP/1.1 200 OK\r\n", "HTTP/1.1", "200 OK");
     row("status line without reason", "HTTP/1.1 404\r\n", "HTTP/1.1", "404");
     row("status line with a colon", "HTTP/1.1 200 a: b\r\n", "HTTP/1.1", "200 a: b");
-    row("status line behind line ends", "\r\nHTTP/1.1 200 OK", "HTTP/1.1", "200 OK");
+    row("status line after line ends", "\r\nHTTP/1.1 200 OK", "HTTP/1.1", "200 OK");
     row("two spaces in the status line", "HTTP/1.1  200\r\n", "HTTP/1.1", " 200");
     row("space ends the status line", "HTTP/1.1 \r\n", "HTTP/1.1", "");
     row("four letters are enough", "HTTP: b\r\n", "HTTP:", "b");

@@ -44,10 +44,10 @@ void HTTPClient_UrlTest::addressIsSplit_data()
     // Neither port nor path: 1234 and "/before" are the old values.
     row("eight characters are enough", "http://a", "a", 1234, "/before");
     row("host alone", "http://camera", "camera", 1234, "/before");
-    row("prefix again behind itself", "http://http", "http", 1234, "/before");
+    row("prefix repeated", "http://http", "http", 1234, "/before");
     row("question mark is no path", "http://host?x=1", "host?x=1", 1234, "/before");
     row("user name stays in the host", "http://me@host", "me@host", 1234, "/before");
-    row("bytes beyond ASCII", "http://\xE4\xB8\xAD\xE6\x96\x87", "\xE4\xB8\xAD\xE6\x96\x87", 1234,
+    row("bytes outside ASCII", "http://\xE4\xB8\xAD\xE6\x96\x87", "\xE4\xB8\xAD\xE6\x96\x87", 1234,
         "/before");
 
     row("path", "http://192.168.1.120/cgi-bin/a.cgi", "192.168.1.120", 1234, "/cgi-bin/a.cgi");
@@ -57,13 +57,13 @@ void HTTPClient_UrlTest::addressIsSplit_data()
     row("path with spaces", "http://host/a b", "host", 1234, "/a b");
     row("path with further slashes", "http://host//a//", "host", 1234, "//a//");
     row("no host before the path", "http:///p", "", 1234, "/p");
-    row("path beyond ASCII", "http://host/\xFF\x80", "host", 1234, "/\xFF\x80");
+    row("path outside ASCII", "http://host/\xFF\x80", "host", 1234, "/\xFF\x80");
 
     row("port", "http://host:8080", "host", 8080, "/before");
-    row("no digits behind the colon", "http://host:", "host", 0, "/before");
-    row("letters behind the colon", "http://host:abc", "host", 0, "/before");
+    row("no digits after the colon", "http://host:", "host", 0, "/before");
+    row("letters after the colon", "http://host:abc", "host", 0, "/before");
     row("digits up to a letter", "http://host:80a", "host", 80, "/before");
-    row("digits behind spaces", "http://host: 81", "host", 81, "/before");
+    row("digits after spaces", "http://host: 81", "host", 81, "/before");
     row("plus sign", "http://host:+82", "host", 82, "/before");
     row("minus sign", "http://host:-1", "host", -1, "/before");
     row("leading zeros are no octal", "http://host:0010", "host", 10, "/before");
@@ -108,7 +108,7 @@ void HTTPClient_UrlTest::addressIsRefusedAndNothingIsWritten_data()
     row("one slash", "http:/host/path");
     row("colon in the query", "http://host/x?t=1:2");
     row("colon in the path", "http://host/a:b");
-    row("colon right behind the slash", "http://host/:");
+    row("colon right after the slash", "http://host/:");
     row("colon in a path without host", "http:///:80");
 }
 

@@ -372,7 +372,7 @@ void HTTPSessionTest::lineIsReadUpToItsLineFeed_data()
     row("negative limit is none", "abcdefg\nnext", -5, "abcdefg\n", "next");
     row("zero bytes are bytes", QByteArray("a\0b\n\0", 5), 1024, QByteArray("a\0b\n", 4),
         QByteArray("\0", 1));
-    row("bytes beyond ASCII", "\xFF\x80\x8A\nnext", 1024, "\xFF\x80\x8A\n", "next");
+    row("bytes outside ASCII", "\xFF\x80\x8A\nnext", 1024, "\xFF\x80\x8A\n", "next");
 }
 
 void HTTPSessionTest::lineIsReadUpToItsLineFeed()

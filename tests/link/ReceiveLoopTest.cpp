@@ -17,9 +17,10 @@ using vehicle::EndReason;
 
 namespace {
 
-QByteArray bytesOf(const vehicle::Chunk& chunk)
+QByteArray bytesOf(const vehicle::Received& received)
 {
-    return QByteArray(reinterpret_cast<const char*>(chunk.data()), static_cast<int>(chunk.size()));
+    return QByteArray(reinterpret_cast<const char*>(received.data()),
+                      static_cast<int>(received.size()));
 }
 
 /// The bytes, padded with zeros to a hundred.
@@ -74,8 +75,8 @@ void ReceiveLoopTest::everyReceiveIsHandledSeparately()
     int count = 0;
     QVERIFY(pair.send("first"));
     const auto end =
-        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Chunk& chunk) {
-            seen.append(bytesOf(chunk));
+        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received& received) {
+            seen.append(bytesOf(received));
             if (next.isEmpty()) {
                 pair.closeTest();
             } else {
@@ -92,8 +93,8 @@ void ReceiveLoopTest::bufferIsZeroAfterTheReceivedBytes()
     QList<QByteArray> seen;
     int count = 0;
     QVERIFY(pair.send(QByteArray(100, 'x')));
-    vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Chunk& chunk) {
-        seen.append(bytesOf(chunk));
+    vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received& received) {
+        seen.append(bytesOf(received));
         if (seen.size() == 1) {
             pair.send("ab");
             pair.closeTest();
@@ -109,8 +110,9 @@ void ReceiveLoopTest::longTextComesInPiecesOfAHundred()
     int count = 0;
     QVERIFY(pair.send(QByteArray(100, 'a') + QByteArray(100, 'b') + "c"));
     pair.closeTest();
-    vehicle::receiveUntilEnd(pair.product, count,
-                             [&](const vehicle::Chunk& chunk) { seen.append(bytesOf(chunk)); });
+    vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received& received) {
+        seen.append(bytesOf(received));
+    });
     QCOMPARE(seen, QList<QByteArray>({QByteArray(100, 'a'), QByteArray(100, 'b'), filledUp("c")}));
 }
 
@@ -121,7 +123,7 @@ void ReceiveLoopTest::closedConnectionEndsTheLoop()
     int count = 3;
     int handled = 0;
     const auto end =
-        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Chunk&) { ++handled; });
+        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received&) { ++handled; });
     QVERIFY(end.reason == EndReason::ClosedByModule);
     QCOMPARE(end.missedTicks, 0);
     QCOMPARE(count, 3);
@@ -136,7 +138,7 @@ void ReceiveLoopTest::receiveErrorEndsTheLoop()
     int count = 0;
     int handled = 0;
     const auto end =
-        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Chunk&) { ++handled; });
+        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received&) { ++handled; });
     QVERIFY(end.reason == EndReason::ReceiveError);
     QCOMPARE(end.missedTicks, 0);
     QCOMPARE(handled, 0);
@@ -163,7 +165,7 @@ void ReceiveLoopTest::limitIsSixTicks()
     QVERIFY(pair.send("x"));
     pair.closeTest();
     const auto end =
-        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Chunk&) { ++handled; });
+        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received&) { ++handled; });
     QCOMPARE(handled, 1);
     QVERIFY(end.reason == (lost ? EndReason::HeartbeatLost : EndReason::ClosedByModule));
     QCOMPARE(end.missedTicks, lost ? ticks : 0);
@@ -177,7 +179,7 @@ void ReceiveLoopTest::handlerThatSetsTheCountBackKeepsTheConnection()
     QVERIFY(pair.send("heartbeat"));
     pair.closeTest();
     const auto end =
-        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Chunk&) { count = 0; });
+        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received&) { count = 0; });
     QVERIFY(end.reason == EndReason::ClosedByModule);
 }
 
@@ -186,7 +188,7 @@ void ReceiveLoopTest::silentModuleIsNotLost()
     SocketPair pair;
     pair.closeTest();
     int count = 100;
-    const auto end = vehicle::receiveUntilEnd(pair.product, count, [](const vehicle::Chunk&) {});
+    const auto end = vehicle::receiveUntilEnd(pair.product, count, [](const vehicle::Received&) {});
     QVERIFY(end.reason == EndReason::ClosedByModule);
     QCOMPARE(count, 100);
 }
@@ -200,7 +202,7 @@ void ReceiveLoopTest::interruptedReceiveGoesOn()
     vehicle::ConnectionEnd end{EndReason::ReceiveError, -1};
     std::thread loop([&] {
         end = vehicle::receiveUntilEnd(pair.product, count,
-                                       [&](const vehicle::Chunk&) { ++handled; });
+                                       [&](const vehicle::Received&) { ++handled; });
     });
     pair.send("x");
     const bool begun = QTest::qWaitFor([&] { return handled == 1; });
@@ -226,7 +228,7 @@ void ReceiveLoopTest::interruptedReceiveChecksTheLimit()
     int count = 6;
     vehicle::ConnectionEnd end{EndReason::ReceiveError, -1};
     std::thread loop([&] {
-        end = vehicle::receiveUntilEnd(pair.product, count, [](const vehicle::Chunk&) {});
+        end = vehicle::receiveUntilEnd(pair.product, count, [](const vehicle::Received&) {});
         ended = true;
     });
     const bool inTime = QTest::qWaitFor([&] {

@@ -9,11 +9,11 @@
 namespace {
 
 /// The buffer after one receive of these bytes.
-vehicle::Chunk chunkOf(const QByteArray& bytes)
+vehicle::Received receivedFrom(const QByteArray& bytes)
 {
-    vehicle::Chunk chunk{};
-    std::copy(bytes.begin(), bytes.end(), chunk.begin());
-    return chunk;
+    vehicle::Received received{};
+    std::copy(bytes.begin(), bytes.end(), received.begin());
+    return received;
 }
 
 QByteArray bytesOf(const vehicle::OutgoingFrame& frame)
@@ -44,8 +44,8 @@ private slots:
 
 void VehicleFrameTest::versionReportFillsEveryField()
 {
-    const auto report =
-        vehicle::decodeVersionReport(chunkOf(QByteArray::fromHex("aaaf0009 07012c0258 0064000a")));
+    const auto report = vehicle::decodeVersionReport(
+        receivedFrom(QByteArray::fromHex("aaaf0009 07012c0258 0064000a")));
     QVERIFY(report.has_value());
     QCOMPARE(int{report->hardType}, 7);
     QCOMPARE(report->hardVer, 300);
@@ -76,7 +76,7 @@ void VehicleFrameTest::bothBytesOfAVersionAreSigned()
     for (int field = 0; field < 4; ++field) {
         QByteArray bytes = QByteArray::fromHex("aaaf0009000000000000000000");
         bytes.replace(5 + 2 * field, 2, pair);
-        const auto report = vehicle::decodeVersionReport(chunkOf(bytes));
+        const auto report = vehicle::decodeVersionReport(receivedFrom(bytes));
         QVERIFY(report.has_value());
         QCOMPARE(report->hardVer, field == 0 ? value : 0);
         QCOMPARE(report->softVer, field == 1 ? value : 0);
@@ -87,18 +87,18 @@ void VehicleFrameTest::bothBytesOfAVersionAreSigned()
 
 void VehicleFrameTest::hardwareTypeIsSigned()
 {
-    QCOMPARE(
-        int{vehicle::decodeVersionReport(chunkOf(QByteArray::fromHex("aaaf0009ff")))->hardType},
-        -1);
-    QCOMPARE(
-        int{vehicle::decodeVersionReport(chunkOf(QByteArray::fromHex("aaaf000980")))->hardType},
-        -128);
+    QCOMPARE(int{vehicle::decodeVersionReport(receivedFrom(QByteArray::fromHex("aaaf0009ff")))
+                     ->hardType},
+             -1);
+    QCOMPARE(int{vehicle::decodeVersionReport(receivedFrom(QByteArray::fromHex("aaaf000980")))
+                     ->hardType},
+             -128);
 }
 
 void VehicleFrameTest::secondByteAndLengthOfAReportAreNotExamined()
 {
-    const auto report =
-        vehicle::decodeVersionReport(chunkOf(QByteArray::fromHex("aa1200ee05000100020003 0004")));
+    const auto report = vehicle::decodeVersionReport(
+        receivedFrom(QByteArray::fromHex("aa1200ee05000100020003 0004")));
     QVERIFY(report.has_value());
     QCOMPARE(int{report->hardType}, 5);
     QCOMPARE(report->bootVer, 4);
@@ -106,7 +106,7 @@ void VehicleFrameTest::secondByteAndLengthOfAReportAreNotExamined()
 
 void VehicleFrameTest::fieldsAfterTheEndOfAReceiveAreZero()
 {
-    const auto report = vehicle::decodeVersionReport(chunkOf(QByteArray::fromHex("aa")));
+    const auto report = vehicle::decodeVersionReport(receivedFrom(QByteArray::fromHex("aa")));
     QVERIFY(report.has_value());
     QCOMPARE(int{report->hardType}, 0);
     QCOMPARE(report->hardVer, 0);
@@ -121,14 +121,14 @@ void VehicleFrameTest::otherBytesAreNotAReport_data()
     QTest::newRow("ground module") << QByteArray::fromHex("bbaf000907012c02580064000a");
     QTest::newRow("heartbeat") << QByteArray::fromHex("aaaf0401015f");
     QTest::newRow("unknown type") << QByteArray::fromHex("aaaf0109");
-    QTest::newRow("report behind another byte") << QByteArray::fromHex("00aaaf000907012c");
+    QTest::newRow("report after another byte") << QByteArray::fromHex("00aaaf000907012c");
     QTest::newRow("nothing but zeros") << QByteArray::fromHex("000000");
 }
 
 void VehicleFrameTest::otherBytesAreNotAReport()
 {
     QFETCH(QByteArray, bytes);
-    QVERIFY(!vehicle::decodeVersionReport(chunkOf(bytes)).has_value());
+    QVERIFY(!vehicle::decodeVersionReport(receivedFrom(bytes)).has_value());
 }
 
 void VehicleFrameTest::heartbeatIsRecognisedByStartByteAndTypeAlone_data()
@@ -152,8 +152,8 @@ void VehicleFrameTest::heartbeatIsRecognisedByStartByteAndTypeAlone()
     QFETCH(QByteArray, bytes);
     QFETCH(bool, ofControl);
     QFETCH(bool, ofGround);
-    QCOMPARE(vehicle::isHeartbeat(chunkOf(bytes), 0xAA), ofControl);
-    QCOMPARE(vehicle::isHeartbeat(chunkOf(bytes), 0xBB), ofGround);
+    QCOMPARE(vehicle::isHeartbeat(receivedFrom(bytes), 0xAA), ofControl);
+    QCOMPARE(vehicle::isHeartbeat(receivedFrom(bytes), 0xBB), ofGround);
 }
 
 void VehicleFrameTest::outgoingFrameIsExact_data()

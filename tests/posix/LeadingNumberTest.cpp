@@ -27,7 +27,7 @@ void LeadingNumberTest::leadingDigitsAreTheNumber_data()
     QTest::newRow("negative") << QByteArray("-2048") << -2048;
     QTest::newRow("plus sign") << QByteArray("+7") << 7;
     QTest::newRow("spaces before") << QByteArray("  42") << 42;
-    QTest::newRow("letters behind") << QByteArray("42 bytes") << 42;
+    QTest::newRow("trailing letters") << QByteArray("42 bytes") << 42;
     QTest::newRow("leading zeros") << QByteArray("0012") << 12;
     QTest::newRow("letters only") << QByteArray("abc") << 0;
     QTest::newRow("nothing") << QByteArray() << 0;

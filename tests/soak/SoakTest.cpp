@@ -171,7 +171,7 @@ void SoakTest::modulesDropAndReturn()
              .arg(grown)
              .arg(watch.longest()));
     QCOMPARE(grown, 2 * drops);
-    QVERIFY2(watch.longest() <= answersWithin, "the window kept its user waiting");
+    QVERIFY2(watch.longest() <= answersWithin, "the window did not respond in time");
 }
 
 void SoakTest::windowAnswersWhileModulesRefuse()
@@ -186,7 +186,7 @@ void SoakTest::windowAnswersWhileModulesRefuse()
     QTest::qWait(share(30) * 1000);
     tell(QStringLiteral("%1 s of refusal: longest wait %2 ms").arg(share(30)).arg(watch.longest()));
     QVERIFY(watch.ticks() > 0);
-    QVERIFY2(watch.longest() <= answersWhileRefused, "the window kept its user waiting");
+    QVERIFY2(watch.longest() <= answersWhileRefused, "the window did not respond in time");
     QVERIFY2(m_simulator->control("clear refuse"), qPrintable(m_simulator->error()));
     QVERIFY(eventually([this] { return m_user->showsLinkSuccess(); }));
 }
@@ -204,7 +204,7 @@ void SoakTest::heartbeats()
     QVERIFY2(eventually([&] { return heard.size() >= wanted; }, limit + wanted * 20),
              qPrintable(QStringLiteral("%1 of %2 heartbeats").arg(heard.size()).arg(wanted)));
     tell(QStringLiteral("%1 heartbeats: longest wait %2 ms").arg(wanted).arg(watch.longest()));
-    QVERIFY2(watch.longest() <= answersWithin, "the window kept its user waiting");
+    QVERIFY2(watch.longest() <= answersWithin, "the window did not respond in time");
     QVERIFY(std::all_of(heard.cbegin(), heard.cend(),
                         [](const QList<QVariant>& call) { return call.first().toBool(); }));
     QCOMPARE(support::openDescriptors(), before);
@@ -250,7 +250,7 @@ void SoakTest::downloads()
              .arg(watch.longest()));
     QCOMPARE(opened, 2 * done);
     QVERIFY2(growth <= growthPerDownload, "memory grows with each download");
-    QVERIFY2(watch.longest() <= answersWithin, "the window kept its user waiting");
+    QVERIFY2(watch.longest() <= answersWithin, "the window did not respond in time");
     const QFileInfoList files =
         QDir(QDir::homePath() + "/Desktop/DCIM").entryInfoList(QDir::Files, QDir::Name);
     QCOMPARE(files.size(), filesOnCard);
@@ -299,7 +299,7 @@ void SoakTest::idleWhileLinked()
     QCOMPARE(connectionsTo(groundAddress), 1);
     QCOMPARE(support::openDescriptors(), descriptors);
     QVERIFY2(residentBytes() - memory <= 1'048'576, "memory grows while nothing happens");
-    QVERIFY2(watch.longest() <= answersWithin, "the window kept its user waiting");
+    QVERIFY2(watch.longest() <= answersWithin, "the window did not respond in time");
 }
 
 BELUN_NETWORK_TEST(SoakTest)

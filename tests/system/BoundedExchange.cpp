@@ -19,7 +19,7 @@ Outcome bounded(RealServer& server, const std::function<Outcome()>& exchange)
     auto running = std::async(std::launch::async, exchange);
     if (running.wait_for(exchangeLimit) != std::future_status::ready) {
         server.stop();
-        QTest::qFail("the exchange did not end by itself", __FILE__, __LINE__);
+        QTest::qFail("the exchange timed out", __FILE__, __LINE__);
     }
     Outcome outcome = running.get();
     outcome.milliseconds = timer.elapsed();

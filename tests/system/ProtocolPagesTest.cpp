@@ -65,20 +65,20 @@ QString hexadecimal(const QByteArray& bytes)
     return QString::fromLatin1(bytes.toHex(' ')).toUpper();
 }
 
-vehicle::Chunk chunk(const QByteArray& bytes)
+vehicle::Received receivedFrom(const QByteArray& bytes)
 {
-    vehicle::Chunk chunk{};
-    std::copy(bytes.begin(), bytes.end(), chunk.begin());
-    return chunk;
+    vehicle::Received received{};
+    std::copy(bytes.begin(), bytes.end(), received.begin());
+    return received;
 }
 
 /// Returns how a link interprets a receive, in the page's words.
-QString meaning(const vehicle::Chunk& chunk, std::uint8_t startByte, bool readsReports)
+QString meaning(const vehicle::Received& received, std::uint8_t startByte, bool readsReports)
 {
-    if (vehicle::isHeartbeat(chunk, startByte)) {
+    if (vehicle::isHeartbeat(received, startByte)) {
         return "heartbeat";
     }
-    return readsReports && vehicle::decodeVersionReport(chunk) ? "report" : "nothing";
+    return readsReports && vehicle::decodeVersionReport(received) ? "report" : "nothing";
 }
 
 /// Plays the module's side of the conversations on a page.
@@ -254,7 +254,7 @@ void ProtocolPagesTest::linkPageVersionsAreDecodedAndShownAsStated()
         QCOMPARE(parts.size(), 3);
         const QByteArray value = bytes(parts[0]);
         const auto report = vehicle::decodeVersionReport(
-            chunk(bytes("AA AF 00 09 07") + value + value + value + value));
+            receivedFrom(bytes("AA AF 00 09 07") + value + value + value + value));
         QVERIFY2(report, qPrintable(line));
         for (const int version :
              {report->hardVer, report->softVer, report->protocolVer, report->bootVer}) {
@@ -271,7 +271,7 @@ void ProtocolPagesTest::linkPageReceivesAreInterpretedAsStated()
     for (const QString& line : lines) {
         const QStringList parts = columns(line);
         QCOMPARE(parts.size(), 3);
-        const vehicle::Chunk received = chunk(bytes(parts[0]));
+        const vehicle::Received received = receivedFrom(bytes(parts[0]));
         const QString context = parts[0] + ": ";
         QCOMPARE(context + meaning(received, 0xAA, true), context + parts[1]);
         QCOMPARE(context + meaning(received, 0xBB, false), context + parts[2]);

@@ -60,7 +60,7 @@ QString differenceToRecorded(const QString& name, const QString& text)
     const QString path = recordedPath(name);
     if (isRecording()) {
         return write(path, text)
-                   ? path + " is recorded anew; read what changed and run again without " +
+                   ? path + " was recorded again; review the changes and run again without " +
                          recordVariable
                    : "cannot write " + path;
     }

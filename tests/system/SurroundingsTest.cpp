@@ -1,6 +1,6 @@
-// The built program in surroundings that are not as usual: closed or full standard streams, a
-// proxy, odd folders, limits and locales. In each it does all of its work, and what it prints
-// reaches nothing but its standard streams.
+// Runs the built program in unusual environments: closed or full standard streams, a proxy, odd
+// folders, limits and locales. In each it works completely, and its output goes only to its
+// standard streams.
 #include "tests/app/FakeVehicle.h"
 #include "tests/support/TestMain.h"
 #include "tests/system/DrivenProcess.h"
@@ -35,7 +35,7 @@ QByteArray read(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
-/// What a process has a descriptor open on.
+/// Returns the targets of a process's open descriptors.
 QByteArray openOn(qint64 process, int descriptor)
 {
     std::array<char, 256> target{};
