@@ -1,7 +1,7 @@
-"""Mouse, keyboard and eyes on an X display: what a user has, and nothing of the program's inside.
+"""Mouse, keyboard and screenshots on an X display, as a user would use them.
 
-Widgets are found by what can be seen: the frame that the keyboard focus draws around them. Every
-wait has a limit and raises NotSeen with what was waited for.
+Widgets are found by the visible focus frame. Every wait has a time limit and raises NotSeen with a
+description of what was expected.
 """
 
 import subprocess
@@ -9,11 +9,11 @@ import time
 
 
 class NotSeen(Exception):
-    """Something that should have come up within its time did not."""
+    """Something expected did not appear in time."""
 
 
-def waitFor(what, condition, seconds=10.0):
-    """Calls the condition until its result is true and returns that."""
+def wait_for(what, condition, seconds=10.0):
+    """Calls the condition until its result is true and returns the result."""
     end = time.monotonic() + seconds
     while True:
         result = condition()
@@ -28,8 +28,8 @@ def _run(*command):
     return subprocess.run(command, check=True, stdout=subprocess.PIPE, timeout=30).stdout
 
 
-class Picture:
-    """The pixels of the whole display, 8 bits each of red, green and blue."""
+class Screenshot:
+    """The pixels of the whole display, with 8 bits each for red, green and blue."""
 
     def __init__(self, ppm):
         kind, width, height, most = ppm.split(maxsplit=4)[:4]
@@ -50,13 +50,13 @@ class Picture:
         return tuple(self.row(y, x, x + 1))
 
     def count(self, box, matches):
-        """The number of pixels in the box of a colour (red, green, blue) that matches."""
+        """Returns how many pixels in the box have a matching colour (red, green, blue)."""
         left, top, right, bottom = box
         return sum(matches(self.pixel(x, y)) for y in range(top, bottom)
                    for x in range(left, right))
 
     def changed(self, other, box=None):
-        """The smallest box (left, top, right, bottom) around all that differs, or None."""
+        """Returns the smallest box (left, top, right, bottom) around all differences, or None."""
         left, top, right, bottom = box or (0, 0, self.width, self.height)
         rows = [y for y in range(top, bottom)
                 if self.row(y, left, right) != other.row(y, left, right)]
@@ -66,8 +66,8 @@ class Picture:
                    if any(self.pixel(x, y) != other.pixel(x, y) for y in rows)]
         return columns[0], rows[0], columns[-1] + 1, rows[-1] + 1
 
-    def textRows(self, box, matches):
-        """One number per line of text in the box: how many pixels of a matching colour it has."""
+    def text_rows(self, box, matches):
+        """Returns the number of pixels of a matching colour for each line of text in the box."""
         left, top, right, bottom = box
         rows, before = [], 0
         for y in range(top, bottom):
@@ -80,7 +80,7 @@ class Picture:
         return rows
 
     def text(self, box):
-        """The text in the box, as its columns without the plain ones on both sides."""
+        """Returns the text in the box as pixel columns, without the empty ones on both sides."""
         left, top, right, bottom = box
         columns = [tuple(self.pixel(x, y) for y in range(top, bottom)) for x in range(left, right)]
         drawn = [x for x, column in enumerate(columns) if column != columns[0]]
@@ -90,29 +90,29 @@ class Picture:
         subprocess.run(["convert", "ppm:-", str(path)], input=self.ppm, check=True, timeout=30)
 
 
-def isOneShapeRepeated(text):
-    """Whether the columns of a text repeat at some distance, as those of one character do.
+def is_one_shape_repeated(text):
+    """Returns whether the columns of a text repeat at some distance.
 
-    Holds for the boxes that stand for characters that no font has, and for no others, whether they
-    touch or not.
+    This is true only for the boxes drawn for characters missing from all fonts, whether they touch
+    or not.
     """
     return any(text[distance:] == text[:-distance] for distance in range(4, len(text) // 2 + 1))
 
 
 def look():
-    return Picture(_run("import", "-silent", "-window", "root", "-depth", "8", "ppm:-"))
+    return Screenshot(_run("import", "-silent", "-window", "root", "-depth", "8", "ppm:-"))
 
 
-def lookWhenStill(seconds=10.0):
-    """A picture of a display that has stopped changing."""
-    pictures = [look()]
+def look_when_still(seconds=10.0):
+    """Returns a screenshot after the display has stopped changing."""
+    shots = [look()]
 
     def still():
-        pictures.append(look())
-        return pictures[-1] == pictures[-2]
+        shots.append(look())
+        return shots[-1] == shots[-2]
 
-    waitFor("a display that stands still", still, seconds)
-    return pictures[-1]
+    wait_for("a display that no longer changes", still, seconds)
+    return shots[-1]
 
 
 def centre(box):
@@ -120,11 +120,11 @@ def centre(box):
 
 
 def click(point, holding=None):
-    """Presses the left button at the point, with a key held down if one is named."""
+    """Clicks the left button at the point, while holding a key if one is given."""
     held = ["keydown", holding] if holding else []
     released = ["keyup", holding] if holding else []
     x, y = (str(number) for number in point)
-    # Without --sync, which waits long in vain where the pointer is there already.
+    # Without --sync, which times out slowly if the pointer is already there.
     _run("xdotool", "mousemove", x, y, *held, "click", "1", *released)
 
 
@@ -132,36 +132,36 @@ def key(*names):
     _run("xdotool", "key", *names)
 
 
-def findWindow(title, seconds=20.0):
-    """Waits for the window of that title to be shown and active."""
+def find_window(title, seconds=20.0):
+    """Waits until the window with that title is visible and active."""
     def active():
         result = subprocess.run(["xdotool", "getactivewindow", "getwindowname"], timeout=30,
                                 stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False)
         return result.stdout.decode().strip() == title
-    waitFor(f"a window with the title {title}", active, seconds)
+    wait_for(f"a window with the title {title}", active, seconds)
 
 
-def findByFocus(names, enter="Tab"):
-    """Where the widgets are that the Tab key goes through: {name: box}.
+def find_by_focus(names, enter="Tab"):
+    """Finds the widgets that the Tab key visits; returns {name: box}.
 
-    The names are in the order of the keyboard focus, which is on the first of them. The widget
-    before that one, the last to come round to, shows no focus; the key `enter` leads out of it.
+    The names are in tab order, and the focus is on the first. The widget before that one, which Tab
+    visits last, shows no focus frame; the key `enter` leaves it.
     """
-    picture = lookWhenStill()
+    shot = look_when_still()
 
     def press(name, what):
-        nonlocal picture
-        before = picture
+        nonlocal shot
+        before = shot
         key(name)
-        waitFor(f"the keyboard focus {what}", lambda: look() != before, 5.0)
-        picture = lookWhenStill()
+        wait_for(f"the keyboard focus {what}", lambda: look() != before, 5.0)
+        shot = look_when_still()
 
     press("Tab", "to show")
     press("shift+Tab", f"on {names[0]}")
     press("shift+Tab", f"to leave {names[0]}")
-    without = picture
+    without = shot
     boxes = {}
     for name in names:
         press("Tab" if boxes else enter, f"on {name}")
-        boxes[name] = picture.changed(without)
+        boxes[name] = shot.changed(without)
     return boxes

@@ -163,7 +163,7 @@ class NameTest(unittest.TestCase):
                                 check=False, **options)
         return result.stdout + result.stderr
 
-    def testHelpAndErrorsNameTheCommand(self):
+    def test_help_and_errors_name_the_command(self):
         with tempfile.TemporaryDirectory() as folder:
             installed = f"{folder}/belun-private-network"
             os.symlink(SCRIPT, installed)
@@ -181,8 +181,8 @@ class NameTest(unittest.TestCase):
 
 
 class NetemTest(unittest.TestCase):
-    def withTc(self, script, *arguments):
-        """Runs it where tc is this shell script."""
+    def with_tc(self, script, *arguments):
+        """Runs tools/private-network with this shell script in place of tc."""
         with tempfile.TemporaryDirectory() as folder:
             with open(f"{folder}/tc", "w", encoding="ascii") as file:
                 file.write("#!/bin/sh\n" + script)
@@ -190,36 +190,36 @@ class NetemTest(unittest.TestCase):
             os.chmod(folder, 0o755)
             return inside(*arguments, env=dict(os.environ, PATH=f"{folder}:{os.environ['PATH']}"))
 
-    def testConnectionIsMadeWorseAsAskedFor(self):
-        result = self.withTc('echo "$@" >&2', "--netem", "delay 80ms  loss 1%", "echo", "$(id)")
+    def test_connection_is_impaired_as_requested(self):
+        result = self.with_tc('echo "$@" >&2', "--netem", "delay 80ms  loss 1%", "echo", "$(id)")
         self.assertEqual((0, "$(id)\n", "qdisc add dev lo root netem delay 80ms loss 1%\n"),
                          (result.returncode, result.stdout, result.stderr))
 
-    def testTextThatTcDoesNotTakeIsAnError(self):
+    def test_text_rejected_by_tc_is_an_error(self):
         for text in ("delay banana", "frobnicate"):
             result = inside("--netem", text, "echo", "must not run")
             self.assertEqual((2, ""), (result.returncode, result.stdout))
             self.assertTrue(result.stderr.startswith(
-                f"{SCRIPT}: --netem does not take '{text}': "), result.stderr)
+                f"{SCRIPT}: --netem rejects '{text}': "), result.stderr)
 
-    def testTextIsNoShellCommand(self):
-        result = self.withTc('echo "$@" >&2', "--netem", "loss 1%; echo $HOME `id` *", "true")
+    def test_text_is_no_shell_command(self):
+        result = self.with_tc('echo "$@" >&2', "--netem", "loss 1%; echo $HOME `id` *", "true")
         self.assertEqual("qdisc add dev lo root netem loss 1%; echo $HOME `id` *\n", result.stderr)
 
-    def testSystemThatCannotDoItSaysWhatToDo(self):
-        result = self.withTc("echo 'Error: Specified qdisc kind is unknown.' >&2\nexit 2\n",
-                             "--netem", "delay 80ms", "echo", "must not run")
+    def test_unsupported_system_reports_what_to_do(self):
+        result = self.with_tc("echo 'Error: Specified qdisc kind is unknown.' >&2\nexit 2\n",
+                              "--netem", "delay 80ms", "echo", "must not run")
         self.assertEqual((77, ""), (result.returncode, result.stdout))
-        self.assertIn("cannot make a connection worse: Error: Specified qdisc kind is unknown.\n",
+        self.assertIn("cannot impair the connection: Error: Specified qdisc kind is unknown.\n",
                       result.stderr)
         self.assertIn("what to do: load the kernel module sch_netem", result.stderr)
 
-    def testMissingTextIsAnError(self):
+    def test_missing_text_is_an_error(self):
         result = inside("--netem")
         self.assertEqual(2, result.returncode)
         self.assertIn("--netem needs a text such as 'delay 80ms loss 1%'", result.stderr)
 
-    def testPacketsAreDelayed(self):
+    def test_packets_are_delayed(self):
         ask = ("import socket, time\n"
                "server = socket.create_server(('192.168.1.120', 80))\n"
                "start = time.monotonic()\n"

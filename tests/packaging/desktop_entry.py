@@ -29,7 +29,7 @@ def start_and_close(path):
     entry = read(path)
     program = subprocess.Popen(shlex.split(entry["Exec"]))
     try:
-        screen.findWindow("BELUN-DownLoad")
+        screen.find_window("BELUN-DownLoad")
 
         # A key press is lost while the window manager is still moving the focus.
         def closes():
@@ -39,7 +39,7 @@ def start_and_close(path):
             except subprocess.TimeoutExpired:
                 return False
             return True
-        screen.waitFor("the end of the program", closes, 20)
+        screen.wait_for("the end of the program", closes, 20)
         return program.returncode
     finally:
         program.kill()

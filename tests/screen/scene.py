@@ -1,6 +1,6 @@
-"""One vehicle and one program: what is seen, what the user does, what the vehicle sees.
+"""The scene of the screen tests: one vehicle, one program, and steps that operate and check both.
 
-The tests of a language are the cases upon this scene; see screen_test.py.
+The tests of a language combine the cases with this scene; see screen_test.py.
 """
 
 import os
@@ -12,10 +12,10 @@ import screen
 import texts
 from window import Program, readable
 
-LIMIT = 20  # seconds that anything may take on a busy machine
+LIMIT = 20  # seconds; long enough for a busy machine
 
-# The card: name, bytes; and what the table says of it, whatever the language. Sizes are cut to
-# whole units, and a size below one unit shows the bare unit.
+# The card: name and bytes, and the table row in any language. Sizes are truncated to whole units; a
+# size below one unit shows only the unit.
 CARD = (("VID_0001", 500), ("VID_0002", 2048), ("VID_0003", 1572864), ("VID_0004", 4000000),
         ("VID_0005", 1000000))
 DATE = "2020-01-31  12:45:02"
@@ -43,27 +43,27 @@ class ScreenTest(harness.SimulatorTest):
     def setUp(self):
         super().setUp()
         name = self.id().rpartition(".")[2]
-        self.pictures = pathlib.Path(options.folder) / self.texts.chosen.lower() / name
-        self.pictures.mkdir(parents=True, exist_ok=True)
-        for old in self.pictures.glob("*.png"):
+        self.shots = pathlib.Path(options.folder) / self.texts.chosen.lower() / name
+        self.shots.mkdir(parents=True, exist_ok=True)
+        for old in self.shots.glob("*.png"):
             old.unlink()
-        self.pictureCount = 0
+        self.image_count = 0
         self.card = self.makeCard(**{name: bytes([65 + number]) * size
                                      for number, (name, size) in enumerate(CARD)})
-        # What is expected of the window as a whole; the tests change it step by step.
+        # The expected state of the whole window; the tests change it step by step.
         self.expected = {}
 
-    def startAll(self, *arguments):
+    def start_all(self, *arguments):
         self.start("--card", self.card, *arguments)
-        self.startProgram()
+        self.start_program()
         self.window = Program(self.program.pid)
-        screen.findWindow("BELUN-DownLoad", LIMIT)
+        screen.find_window("BELUN-DownLoad", LIMIT)
         self.shows(language=texts.ENGLISH)
         if self.texts is not texts.ENGLISH:
-            self.chooseWithMouse(self.texts.chosen)
+            self.choose_with_mouse(self.texts.chosen)
             self.shows()
 
-    def startProgram(self):
+    def start_program(self):
         folder = pathlib.Path(self.folder)
         self.desktop = folder / "Desktop"
         self.desktop.mkdir()
@@ -75,84 +75,84 @@ class ScreenTest(harness.SimulatorTest):
                 env={**os.environ, "XDG_CONFIG_HOME": self.folder, "TZ": "UTC",
                      "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
                      "QT_MESSAGE_PATTERN": "%{type}: %{message}"})
-        self.addCleanup(self.stopProgram)
+        self.addCleanup(self.stop_program)
 
-    def stopProgram(self):
+    def stop_program(self):
         if self.program.poll() is None:
             self.program.kill()
             self.program.wait()
 
-    def closeProgram(self):
-        """As the user does; the program ends well and has warned of nothing."""
+    def close_program(self):
+        """Closes the program as a user does; it must exit cleanly and without warnings."""
         screen.key("alt+F4")
         self.assertEqual(0, self.program.wait(LIMIT), "exit status of the program")
         warnings = [line for line in self.log.read_text(errors="replace").splitlines()
                     if line.startswith(("warning:", "critical:", "fatal:"))]
         self.assertEqual([], warnings)
 
-    # What is seen.
+    # What the user sees.
 
-    def waitUntil(self, what, condition):
+    def wait_until(self, what, condition):
         try:
-            return screen.waitFor(what, condition, LIMIT)
+            return screen.wait_for(what, condition, LIMIT)
         except screen.NotSeen as complaint:
-            self.picture("not-seen")
+            self.shot("not-seen")
             self.fail(str(complaint))
 
     def shows(self, language=None, **changes):
-        """Waits until the window says exactly what is expected of it, everything in it."""
+        """Waits until everything in the window is exactly as expected."""
         self.expected.update(changes)
         expected = texts.window(language or self.texts, **self.expected)
         try:
-            screen.waitFor("the expected texts", lambda: self.window.read() == expected, LIMIT)
+            screen.wait_for("the expected texts", lambda: self.window.read() == expected, LIMIT)
         except screen.NotSeen:
-            self.picture("not-seen")
+            self.shot("not-seen")
             self.assertEqual(expected, self.window.read())
 
-    def picture(self, name):
-        self.pictureCount += 1
-        picture = screen.look()
-        picture.save(self.pictures / f"{self.pictureCount}-{name}.png")
-        return picture
+    def shot(self, name):
+        self.image_count += 1
+        shot = screen.look()
+        shot.save(self.shots / f"{self.image_count}-{name}.png")
+        return shot
 
     def item(self, role, name=None, number=0):
-        found = self.waitUntil(f"{role} {name}", lambda: [
+        found = self.wait_until(f"{role} {name}", lambda: [
             item for item in self.window.items()
             if item.role == role and name in (None, item.name)][number:])
         return found[0]
 
-    def statusIs(self, colour, otherColour):
+    def status_is(self, colour, other_colour):
         def pixels():
             box = self.item("text", self.texts.link).box
-            picture = screen.look()
-            return (picture.count(box, lambda pixel: pixel == colour),
-                    picture.count(box, lambda pixel: pixel == otherColour))
-        self.waitUntil(f"a status in {colour}", lambda: pixels()[0] > 50 and pixels()[1] == 0)
+            shot = screen.look()
+            return (shot.count(box, lambda pixel: pixel == colour),
+                    shot.count(box, lambda pixel: pixel == other_colour))
+        self.wait_until(f"a status in {colour}", lambda: pixels()[0] > 50 and pixels()[1] == 0)
 
-    def selectedRows(self):
+    def selected_rows(self):
         cells = [item for item in self.window.items() if item.role == "table cell"]
         return sorted({number // 4 for number, cell in enumerate(cells) if cell.has("SELECTED")})
 
     def selects(self, rows):
-        self.waitUntil(f"selected rows {rows}", lambda: self.selectedRows() == rows)
+        self.wait_until(f"selected rows {rows}", lambda: self.selected_rows() == rows)
         cells = [item for item in self.window.items() if item.role == "table cell"]
-        self.waitUntil(f"the colour of selected rows {rows}", lambda: [
+        self.wait_until(f"the colour of selected rows {rows}", lambda: [
             row for row in range(len(cells) // 4)
             if screen.look().pixel(cells[4 * row + 3].box[2] - 3, cells[4 * row].box[1] + 3)
             == BLUE] == rows)
 
-    def focusIsOn(self, role, name):
-        self.waitUntil(f"the keyboard focus on {role} {name}", lambda: [
+    def focus_is_on(self, role, name):
+        self.wait_until(f"the keyboard focus on {role} {name}", lambda: [
             item for item in self.window.items()
             if item.role == role and item.name == name and item.has("FOCUSED")])
 
-    def everyTextIsDrawn(self, picture):
-        """Where a text is said to be, something is drawn; where none is, nothing."""
+    def every_text_is_drawn(self, shot):
+        """Checks that something is drawn where a text is reported, and nothing elsewhere."""
         for item in self.window.items():
             if item.role in ("push button", "label", "text", "table column header"):
                 left, top, right, bottom = item.box
                 inner = (left + 4, top + 4, right - 4, bottom - 4)
-                dark = picture.count(inner, lambda pixel: max(pixel) < 100)
+                dark = shot.count(inner, lambda pixel: max(pixel) < 100)
                 self.assertEqual(bool(item.text), dark > 10, f"{item.role} {item.text}: {dark}")
 
     # What the user does.
@@ -160,11 +160,11 @@ class ScreenTest(harness.SimulatorTest):
     def press(self, name, role="push button"):
         screen.click(screen.centre(self.item(role, name).box))
 
-    def clickRow(self, row, holding=None):
+    def click_row(self, row, holding=None):
         screen.click(screen.centre(self.item("table cell", number=4 * row).box), holding)
 
-    def chooseWithMouse(self, language):
-        def clickEntry():
+    def choose_with_mouse(self, language):
+        def click_entry():
             entries = self.window.languages()
             for item in entries:
                 if item.name == language:
@@ -172,30 +172,30 @@ class ScreenTest(harness.SimulatorTest):
                     screen.click((left + 10, (top + bottom) // 2))
             return not entries
         screen.click(screen.centre(self.item("combo box").box))
-        self.waitUntil("the list of languages", self.window.languages)
-        # A list that has only just been opened takes no click.
-        self.waitUntil(f"the choice of {language}", clickEntry)
+        self.wait_until("the list of languages", self.window.languages)
+        # A list that has just been opened ignores clicks.
+        self.wait_until(f"the choice of {language}", click_entry)
 
     def link(self):
         self.press(self.texts.link)
         self.shows(status=self.texts.linked, versions=VERSIONS)
 
-    def linkAndBrowse(self):
+    def link_and_browse(self):
         self.link()
         self.press(self.texts.browse)
         self.shows(rows=ROWS)
 
-    def confirmsBox(self, text, key):
-        """A box with title, text and one button, which the table waits for."""
-        self.waitUntil("a message box", lambda: [
+    def confirms_box(self, text, key):
+        """Confirms a message box with title, text and one button; the table changes afterwards."""
+        self.wait_until("a message box", lambda: [
             item for item in self.window.box() if item.role == "push button"])
-        screen.findWindow(texts.BOX_TITLE, LIMIT)
+        screen.find_window(texts.BOX_TITLE, LIMIT)
         self.assertEqual([("label", text), ("push button", "OK")], readable(self.window.box()))
-        self.picture("box")
+        self.shot("box")
         self.shows()
         screen.key(key)
-        self.waitUntil("the box to close", lambda: not self.window.box())
-        screen.findWindow("BELUN-DownLoad", LIMIT)
+        self.wait_until("the box to close", lambda: not self.window.box())
+        screen.find_window("BELUN-DownLoad", LIMIT)
 
     # What the vehicle sees.
 
@@ -204,7 +204,7 @@ class ScreenTest(harness.SimulatorTest):
         return [line["target"].rpartition("/")[2] for line in self.journal(
             device="camera", event="request", **wanted)]
 
-    def linkCount(self):
+    def link_count(self):
         return [len(self.journal(device=device, event="open"))
                 for device in ("control", "ground")]
 

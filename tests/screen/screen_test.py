@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""The built program in a window, worked by mouse and keyboard alone, in both languages.
+"""Operates the built program with mouse and keyboard, in both languages.
 
-Runs on a display and a message bus of its own inside a private network; see --help.
+Runs on its own display and message bus inside a private network; see --help.
 """
 
 import argparse

@@ -1,4 +1,4 @@
-"""What the window says in each language, written out: the program's catalogues are not asked."""
+"""The window's texts in each language, independent of the program's catalogues."""
 
 import dataclasses
 
@@ -10,16 +10,16 @@ class Texts:
     link: str
     linked: str
     unlinked: str
-    versionInfo: str
+    version_info: str
     versions: tuple
-    fileOperate: str
+    file_operate: str
     browse: str
     download: str
     delete: str
     format: str
-    deleteAll: str
+    delete_all: str
     progress: str
-    selectAll: str
+    select_all: str
     headers: tuple
 
 
@@ -29,55 +29,55 @@ ENGLISH = Texts(
     link="Link Device",
     linked="Link Success!",
     unlinked="Link Fail!",
-    versionInfo="Version Information",
+    version_info="Version Information",
     versions=("HardwareType:", "HardwareVersion:", "SoftwareVersion:", "ProtocolVersion:",
               "BootloaderVersion:"),
-    fileOperate="File Operate",
+    file_operate="File Operate",
     browse="Browse Files in Card",
     download="Download File",
     delete="Delete File",
     format="Format Card",
-    deleteAll="Delete All Files",
+    delete_all="Delete All Files",
     progress="Download Progress:",
-    selectAll="Select All",
+    select_all="Select All",
     headers=("Name", "Date", "Size", "Duration"))
 
-# The languages' own names stay English. Colons and exclamation marks are full-width ones.
+# Language names stay English. Colons and exclamation marks are full-width.
 CHINESE = Texts(
     chosen="Chinese",
     language="语言\uff1a",
     link="连接设备",
     linked="连接成功\uff01",
     unlinked="连接失败\uff01",
-    versionInfo="版本信息",
+    version_info="版本信息",
     versions=("硬件类型\uff1a", "硬件版本\uff1a", "软件版本\uff1a", "协议版本\uff1a",
               "Bootloader版本\uff1a"),
-    fileOperate="文件操作",
+    file_operate="文件操作",
     browse="浏览相机卡内文件",
     download="下载选中文件",
     delete="删除选中文件",
     format="格式化卡",
-    deleteAll="删除卡内所有文件",
+    delete_all="删除卡内所有文件",
     progress="下载进度\uff1a",
-    selectAll="全选",
+    select_all="全选",
     headers=("名称", "日期", "大小", "时长"))
 
 LANGUAGES = (ENGLISH, CHINESE)  # as the combo box lists them
 
-# The message boxes speak Chinese in both languages.
+# The message boxes are Chinese in both languages.
 BOX_TITLE = "单击消息"
 BOX_ALL_DELETED = "已删除卡内所有文件"
 BOX_FORMATTED = "格式化卡成功"
 
 
 def neighbour(language):
-    """One beside it in the list, the key that leads there and the one that leads back."""
+    """Returns an adjacent language, the key that selects it and the key that returns."""
     number = LANGUAGES.index(language)
     return (LANGUAGES[number - 1], "Up", "Down") if number else (LANGUAGES[1], "Down", "Up")
 
 
 def window(texts, status="", versions=("",) * 5, download=("", None, ""), rows=(), disabled=()):
-    """All that is to be read in the window, from top to bottom, as pairs of kind and text.
+    """Returns everything readable in the window, from top to bottom, as pairs of role and text.
 
     `download` is label, percentage (None: no bar) and count; `disabled` names texts of buttons.
     """
@@ -86,14 +86,14 @@ def window(texts, status="", versions=("",) * 5, download=("", None, ""), rows=(
 
     label, percentage, count = download
     read = [button(texts.link), ("text", status), ("label", texts.language),
-            ("combo box", texts.chosen), ("panel", texts.versionInfo)]
+            ("combo box", texts.chosen), ("panel", texts.version_info)]
     for name, version in zip(texts.versions, versions):
         read += [("label", name), ("text", version)]
-    read += [("panel", texts.fileOperate), button(texts.browse), button(texts.download),
-             button(texts.delete), button(texts.format), button(texts.deleteAll),
+    read += [("panel", texts.file_operate), button(texts.browse), button(texts.download),
+             button(texts.delete), button(texts.format), button(texts.delete_all),
              ("text", label)]
     read += [] if percentage is None else [("progress bar", percentage)]
-    read += [("text", count), ("check box", texts.selectAll)]
+    read += [("text", count), ("check box", texts.select_all)]
     read += [("table column header", header) for header in texts.headers]
     read += [("table cell", cell) for row in rows for cell in row]
     return read

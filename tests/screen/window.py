@@ -1,6 +1,6 @@
-"""The program's window as assistive programs are told of it: what is shown, where and how it is.
+"""Reads the program's window through the accessibility interface: texts, places and states.
 
-Only for reading; the tests act with mouse and keyboard.
+Read-only; the tests act with mouse and keyboard.
 """
 
 import dataclasses
@@ -14,7 +14,7 @@ Atspi.set_timeout(2000, 5000)
 
 _STATES = {name: getattr(Atspi.StateType, name)
            for name in ("ENABLED", "SHOWING", "FOCUSED", "CHECKED", "SELECTED")}
-# By number: the names that the interface gives them differ from one version to the next.
+# By number, because their names differ between versions of the interface.
 _ROLES = {int(number): name for number, name in (
     (Atspi.Role.ALERT, "alert"), (Atspi.Role.CHECK_BOX, "check box"),
     (Atspi.Role.COMBO_BOX, "combo box"), (Atspi.Role.DIALOG, "dialog"),
@@ -27,7 +27,7 @@ _ROLES = {int(number): name for number, name in (
     (Atspi.Role.TABLE_COLUMN_HEADER, "table column header"),
     (Atspi.Role.TABLE_ROW_HEADER, "table row header"), (Atspi.Role.TEXT, "text"),
     (Atspi.Role.TOOL_BAR, "tool bar"))}
-# What these hold is shown by themselves, or only once they are opened.
+# Their contents are shown by the widget itself, or only while it is open.
 _CLOSED = ("combo box", "status bar", "tool bar", "menu bar")
 _WITHOUT_PARTS = ("push button", "check box", "label", "text", "progress bar",
                   "table column header", "table row header", "table cell", "list item")
@@ -39,7 +39,7 @@ _READ_BY_NAME = ("push button", "check box", "label", "panel", "combo box", "tab
 class Item:
     role: str
     name: str
-    text: str  # what is to be read on it
+    text: str  # the visible text
     states: frozenset
     accessible: object
 
@@ -48,17 +48,17 @@ class Item:
 
     @property
     def box(self):
-        """Left, top, right, bottom on the display, now."""
+        """Returns left, top, right and bottom on the display."""
         extents = self.accessible.get_extents(Atspi.CoordType.SCREEN)
         return (extents.x, extents.y, extents.x + extents.width, extents.y + extents.height)
 
 
-def _roleOf(accessible):
+def _role_of(accessible):
     number = int(accessible.get_role())
     return _ROLES.get(number, f"role {number}")
 
 
-def _textOf(role, name, accessible):
+def _text_of(role, name, accessible):
     if role == "text":
         return Atspi.Text.get_text(accessible, 0, -1)
     if role == "progress bar":
@@ -72,8 +72,8 @@ def _walk(accessible, items, closed=_CLOSED):
     states = accessible.get_state_set()
     if not states.contains(Atspi.StateType.SHOWING):
         return
-    role, name = _roleOf(accessible), accessible.get_name()
-    items.append(Item(role, name, _textOf(role, name, accessible), frozenset(
+    role, name = _role_of(accessible), accessible.get_name()
+    items.append(Item(role, name, _text_of(role, name, accessible), frozenset(
         state for state, number in _STATES.items() if states.contains(number)), accessible))
     if role in closed or role in _WITHOUT_PARTS:
         return
@@ -84,32 +84,32 @@ def _walk(accessible, items, closed=_CLOSED):
 
 
 class Program:
-    """The windows of the process with this number."""
+    """The windows of the process with this id."""
 
     def __init__(self, process):
         self.process = process
         self.application = None
 
-    def _findApplication(self):
+    def _find_application(self):
         desktop = Atspi.get_desktop(0)
         for index in range(desktop.get_child_count()):
             child = desktop.get_child_at_index(index)
             if child is not None and child.get_process_id() == self.process:
-                # Each look asks anew: no loop runs here that would keep a memory fresh.
+                # Each look queries again: no event loop runs here that would update a cache.
                 child.set_cache_mask(Atspi.Cache.NONE)
                 self.application = child
                 return
         raise LookupError("the program is not in the accessibility tree")
 
-    def _topLevels(self):
+    def _top_levels(self):
         if self.application is None:
-            self._findApplication()
+            self._find_application()
         children = (self.application.get_child_at_index(index)
                     for index in range(self.application.get_child_count()))
         return [child for child in children if child is not None]
 
     def _look(self, wanted, closed=_CLOSED):
-        for top in self._topLevels():
+        for top in self._top_levels():
             if wanted(top):
                 items = []
                 _walk(top, items, closed)
@@ -118,24 +118,24 @@ class Program:
         return []
 
     def items(self):
-        """All that is shown in the window, from top to bottom; none when there is no window."""
-        return self._patiently(lambda: self._look(lambda top: _roleOf(top) == "frame"))
+        """Returns everything shown in the window, from top to bottom; nothing without a window."""
+        return self._patiently(lambda: self._look(lambda top: _role_of(top) == "frame"))
 
     def box(self):
-        """The same of the message box."""
+        """Returns the same for the message box."""
         return self._patiently(lambda: self._look(
-            lambda top: _roleOf(top) in ("alert", "dialog", "notification")))
+            lambda top: _role_of(top) in ("alert", "dialog", "notification")))
 
     def languages(self):
-        """The entries of the list of languages; none while it is closed, and so nowhere."""
+        """Returns the entries of the language list; none while it is closed."""
         items = self._patiently(lambda: self._look(
-            lambda top: _roleOf(top) == "frame", closed=()))
+            lambda top: _role_of(top) == "frame", closed=()))
         opened = [item for item in items if item.role == "list" and item.box[2] > item.box[0]]
         return [item for item in items if item.role == "list item"] if opened else []
 
     @staticmethod
     def _patiently(look):
-        """A look that the program disturbs, by changing meanwhile, is worth nothing: no items."""
+        """Returns no items if the program changes while it is being read."""
         try:
             return look()
         except (GLib.Error, LookupError):
@@ -143,7 +143,7 @@ class Program:
             return []
 
     def read(self):
-        """Kind and text of all that is to be read in the window."""
+        """Returns role and text of everything readable in the window."""
         return readable(self.items())
 
 
