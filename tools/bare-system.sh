@@ -1,8 +1,8 @@
-# Functions that make and enter bare Debian systems, for tools/try-systems and
-# packaging/check-package. They need root. To be sourced.
+# Functions that create and enter bare Debian systems, for tools/try-systems and
+# packaging/check-package. They need root. Source this file.
 # shellcheck shell=bash
 
-# Prints the address of the mirror from which this system's apt takes Debian's packages.
+# Prints the address of the Debian mirror that this system's apt uses.
 bareSystemMirror()
 {
     # shellcheck disable=SC2016 # filled in by apt-get
@@ -11,16 +11,16 @@ bareSystemMirror()
 }
 
 # makeBareSystem SUITE FOLDER [PACKAGE,PACKAGE...]: installs the essential packages of a Debian
-# release, and those named, into FOLDER. Its apt works the way this system's does.
+# release, and the given ones, into FOLDER. Its apt is configured like this system's.
 makeBareSystem()
 {
     local suite=$1 root=$2 script='' mirror
     mirror=$(bareSystemMirror)
     if [[ -z $mirror ]]; then
-        echo "this system's apt knows no mirror of Debian (run apt-get update?)" >&2
+        echo "this system's apt has no Debian mirror (run apt-get update?)" >&2
         return 1
     fi
-    # A release that is newer than this system's debootstrap is made like the newest one.
+    # A release newer than this system's debootstrap is created like the newest known one.
     [[ -e /usr/share/debootstrap/scripts/$suite ]] || script=sid
     debootstrap --variant=minbase ${3:+"--include=$3"} "$suite" "$root" "$mirror" $script || return
     cp /etc/resolv.conf "$root/etc/resolv.conf" || return
@@ -30,9 +30,9 @@ makeBareSystem()
     return 0
 }
 
-# enterBareSystem FOLDER COMMAND [ARGUMENT...]: becomes COMMAND with FOLDER as its root. To be called
-# in mount and process namespaces of its own. A chroot would not do: its processes may not make the
-# user namespaces in which the tests run.
+# enterBareSystem FOLDER COMMAND [ARGUMENT...]: executes COMMAND with FOLDER as its root. Call it
+# in separate mount and PID namespaces. A chroot is not enough: its processes may not create the user
+# namespaces in which the tests run.
 enterBareSystem()
 {
     local root=$1
