@@ -11,6 +11,8 @@ import subprocess
 import harness
 from harness import CAMERA, COUNT, ROOT, SimulatorTest
 
+NETWORK = os.path.join(ROOT, "tools", "private-network")
+
 
 class ControlTest(SimulatorTest):
     def setUp(self):
@@ -217,27 +219,53 @@ class ControlTest(SimulatorTest):
         self.start()
         self.assertEqual('error nothing may follow, not "now"', self.control("quit now"))
 
-    def test_recipe_of_the_readme_steers_a_simulator_in_the_background(self):
-        with open(os.path.join(ROOT, "simulator", "README.md"), encoding="utf-8") as file:
-            page = file.read()
-        started = re.search(r"(?m)^tools/private-network .*--control build/vehicle & .*$", page)[0]
-        sent = re.findall(r"(?m)^build/bin/belun-simulator --send build/vehicle .*$", page)
-        self.assertEqual(3, len(sent))
-        os.mkdir(os.path.join(self.folder, "build"))
-        os.symlink(os.path.dirname(harness.program), os.path.join(self.folder, "build", "bin"))
-        os.symlink(os.path.join(ROOT, "tools"), os.path.join(self.folder, "tools"))
-        window = subprocess.Popen(["sh", "-c", started], cwd=self.folder, start_new_session=True,
-                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+    def follow(self, started, sent):
+        """Starts a simulator with the window as a page says, then sends it lines as the page says;
+        returns the answers. The commands are found as in the source tree and as installed."""
+        binaries = os.path.dirname(harness.program)
+        commands = os.path.join(self.folder, "commands")
+        for path, target in (("build/bin", binaries), ("tools", os.path.join(ROOT, "tools")),
+                             ("commands/belun-simulator", harness.program),
+                             ("commands/belun-download", os.path.join(binaries, "belun-download")),
+                             ("commands/belun-private-network", NETWORK)):
+            os.makedirs(os.path.dirname(os.path.join(self.folder, path)), exist_ok=True)
+            os.symlink(target, os.path.join(self.folder, path))
+        options = {"cwd": self.folder, "env": {**os.environ, "HOME": self.folder,
+                                               "PATH": f"{commands}:{os.environ['PATH']}"}}
+        window = subprocess.Popen(["sh", "-c", started], start_new_session=True,
+                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, **options)
         self.addCleanup(window.stdout.close)
         self.addCleanup(window.wait, harness.LIMIT)
         self.addCleanup(lambda: os.killpg(window.pid, signal.SIGKILL))
         self.assertEqual(b"belun-simulator ready\n", window.stdout.readline())
-        answers = [subprocess.run(["sh", "-c", line], cwd=self.folder, check=True, text=True,
-                                  stdout=subprocess.PIPE, timeout=harness.LIMIT).stdout
-                   for line in sent]
+        answers = [subprocess.run(["sh", "-c", line], check=True, text=True, stdout=subprocess.PIPE,
+                                  timeout=harness.LIMIT, **options).stdout for line in sent]
+        self.assertIsNone(window.poll())
+        return answers
+
+    def recipe(self, page, start, send):
+        with open(os.path.join(ROOT, page), encoding="utf-8") as file:
+            text = file.read()
+        return (re.search(rf"(?m)^{start} .* --control .*& .*$", text)[0],
+                re.findall(rf"(?m)^{send} --send .*$", text))
+
+    def test_recipe_of_the_simulators_page(self):
+        answers = self.follow(*self.recipe("simulator/README.md", "tools/private-network",
+                                           "build/bin/belun-simulator"))
+        self.assertEqual(3, len(answers))
         self.assertTrue(answers[0].startswith("ok fault stall=50\n"), answers)
         self.assertEqual(["ok clear all\nok drop control\n", "ok quit\n"], answers[1:])
-        self.assertIsNone(window.poll())
+
+    def test_recipe_of_the_readme(self):
+        for page in ("README.md", "README.zh.md"):
+            with self.subTest(page):
+                answers = self.follow(*self.recipe(page, "belun-private-network",
+                                                   "belun-simulator"))
+                self.assertEqual(2, len(answers))
+                self.assertTrue(answers[0].startswith("ok fault stall=50\n"), answers)
+                self.assertEqual("ok clear all\n", answers[1])
+                self.doCleanups()
+                self.setUp()
 
 
 if __name__ == "__main__":
