@@ -9,7 +9,7 @@
 
 namespace simulator {
 
-/// How an answer ends when all of its bytes are out.
+/// How the connection ends after the answer.
 enum class AnswerEnd { Close, Reset };
 
 /// An answer as it goes over the wire.
@@ -17,11 +17,11 @@ struct AnswerBytes
 {
     Message head;
     Message body;
-    Message held; ///< the rest of the body, behind the fault "stall"
+    Message held; ///< the rest of the body, after the fault "stall"
     AnswerEnd end = AnswerEnd::Close;
 };
 
-/// Puts head and body into bytes, as the faults want them. exchange: the number of the request,
+/// Serialises head and body, with the effects of the faults. exchange: the number of the request,
 /// counted from 1 since the start.
 AnswerBytes answerBytes(Answer answer, const FaultScope& faults, std::uint64_t exchange);
 

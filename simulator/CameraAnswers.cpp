@@ -19,7 +19,7 @@ Answer textAnswer(std::string text)
     return answer;
 }
 
-/// The number of entries that a list command asks for; anything but digits asks for none.
+/// Returns the number of entries requested by a list command; anything but digits means none.
 std::size_t wantedEntries(std::string_view end, std::size_t all)
 {
     const std::size_t digits = std::min(end.find_first_not_of("0123456789"), end.size());
@@ -224,7 +224,7 @@ Answer CameraAnswers::changeAnswer(const FaultScope& faults, RequestKind kind,
     if (m_faults->active(Fault::NoCard) || faults.active(Fault::WriteProtected)) {
         return textAnswer("Error\r\n");
     }
-    // A device that answers with an error status has not done it either.
+    // A device that answers with an error status has not executed the command.
     if (faults.number(Fault::Status).value_or(200) >= 400) {
         return errorAnswer(500);
     }

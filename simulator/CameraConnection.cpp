@@ -78,7 +78,7 @@ void CameraConnection::queueAnswer(Answer answer, const FaultScope& faults)
         queueMessage(takeFront(bytes.head, messageSize(bytes.head) / 2));
         queuePause(headCutPause);
     }
-    // head and a body of literal bytes become one part, hence one write
+    // head and literal body become one part, so that they are sent with one write
     for (Part& part : bytes.body) {
         append(bytes.head, std::move(part));
     }

@@ -12,7 +12,7 @@
 
 namespace simulator {
 
-/// What all connections of the camera share; outlives them.
+/// Shared by all connections of the camera; outlives them.
 struct CameraState
 {
     CameraAnswers* answers;
@@ -21,7 +21,7 @@ struct CameraState
     std::uint64_t exchanges = 0;
     std::function<void()> dropModules;                 ///< for the fault "link-lost-mid-command"
     std::function<void(std::uint64_t)> exchangeBegins; ///< called with the number of each request
-    std::function<void()> downloadEnds; ///< called when the answer to a download is out
+    std::function<void()> downloadEnds;                ///< called after the answer to a download
 };
 
 /// One client of the camera: one request, one answer, end.

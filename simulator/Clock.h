@@ -1,16 +1,16 @@
-// The clock of all pacing.
+// The clock for all timing.
 #pragma once
 
 #include <chrono>
 
 namespace simulator {
 
-/// The one clock of all pacing; it never jumps.
+/// The clock for all timing; it never jumps.
 using Clock = std::chrono::steady_clock;
 using TimePoint = Clock::time_point;
 using Milliseconds = std::chrono::milliseconds;
 
-/// A point in time that is never reached: "nothing to wake up for".
+/// A point in time that is never reached: nothing to wake up for.
 constexpr TimePoint never = TimePoint::max();
 
 } // namespace simulator

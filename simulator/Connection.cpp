@@ -14,9 +14,9 @@ namespace simulator {
 namespace {
 
 constexpr std::size_t pieceSize = 65'536;
-/// What one connection may send before the others have their turn.
+/// How much one connection may send before the others are served.
 constexpr std::size_t turnSize = 1'048'576;
-/// Longer literal bytes stand in the journal by count and checksum.
+/// Longer literal bytes appear in the journal as count and checksum.
 constexpr std::uint64_t longestNoted = 65'536;
 constexpr Milliseconds lingerTime{2'000};
 constexpr Milliseconds ratePause{10};
@@ -44,7 +44,7 @@ void Connection::readable()
         return;
     }
     if (m_lingering) {
-        // Closed by us, and the journal says so: however the peer ends it is no second end.
+        // Closed by us and already logged: how the peer ends is not a second end.
         if (count <= 0) {
             m_socket.reset();
         }
@@ -196,7 +196,7 @@ Connection::Progress Connection::send(const Part& part, TimePoint now)
 void Connection::noteSent(const Part& part)
 {
     if (m_sent == 0 || m_journal->isFull()) {
-        return; // nothing, or noted already as it was sent
+        return; // nothing, or already logged when it was sent
     }
     JournalLine sent = line("sent");
     if (part.content || m_sent > longestNoted) {

@@ -13,19 +13,19 @@
 
 namespace simulator {
 
-/// Who speaks: the device's name and the number of its connection, counted from 1.
+/// Identifies a connection: the device's name and the number of the connection, counted from 1.
 struct ConnectionName
 {
     std::string device;
     int number;
 };
 
-/// One accepted connection: reads what comes, works its queue of steps off, keeps the journal.
-/// Never blocks. A peer that vanishes, floods or stops reading costs this connection, no more.
+/// One accepted connection: reads input, processes its queue of steps and writes the journal. Never
+/// blocks. A peer that vanishes, floods or stops reading affects only this connection.
 class Connection
 {
 public:
-    /// Takes the socket over. The journal outlives the connection.
+    /// Takes ownership of the socket. The journal outlives the connection.
     Connection(FileDescriptor socket, ConnectionName name, Journal& journal);
     virtual ~Connection() = default;
     Connection(const Connection&) = delete;
@@ -33,18 +33,18 @@ public:
 
     int descriptor() const { return m_socket.get(); }
     bool finished() const { return !m_socket.valid(); }
-    /// The poll events it waits for.
+    /// Returns the poll events to wait for.
     short wantedEvents() const;
-    /// Reads what has arrived; called when poll reported the socket.
+    /// Reads what has arrived; called when poll reports the socket.
     void readable();
-    /// Does what is due, then sends what can be sent.
+    /// Performs due steps, then sends what can be sent.
     void advance(TimePoint now);
-    /// When advance has to be called at the latest, events apart.
+    /// Returns when advance must be called at the latest, apart from events.
     TimePoint nextWake() const;
-    /// Ends it from this side at once.
+    /// Closes it from this side immediately.
     void close(std::string_view reason);
     void reset(std::string_view reason);
-    /// Sends these bytes in one segment, after what is queued.
+    /// Sends these bytes in one segment, after the queued ones.
     void sendRaw(std::string bytes) { queueBytes(std::move(bytes)); }
 
 protected:
@@ -59,7 +59,7 @@ protected:
     std::size_t queued() const { return m_steps.size(); }
     /// Bytes per second for recordings; 0: no limit.
     void setRate(std::uint64_t bytesPerSecond) { m_rate = bytesPerSecond; }
-    /// Sends in single bytes that far apart from now on.
+    /// Sends single bytes from now on, this far apart.
     void setSingleBytes(Milliseconds gap);
     const ConnectionName& name() const { return m_name; }
     Journal& journal() { return *m_journal; }
@@ -80,9 +80,9 @@ private:
     Journal* m_journal;
     std::deque<Step> m_steps;
     TimePoint m_wake = never;
-    bool m_blocked = false;   ///< the socket takes no more for now
+    bool m_blocked = false;   ///< the socket accepts no more for now
     bool m_peerEnded = false; ///< the peer has closed its sending side
-    bool m_lingering = false; ///< closed by us; waiting for the peer to close, too
+    bool m_lingering = false; ///< closed by us; waiting for the peer to close
     TimePoint m_lingerEnd = never;
     TimePoint m_pauseEnd = never;
     std::uint64_t m_sent = 0;     ///< bytes of the step being sent

@@ -18,12 +18,12 @@ class Content
 {
 public:
     virtual ~Content() = default;
-    /// Reads up to count bytes from offset on; returns how many there were. Fewer than asked for:
-    /// the recording ends there.
+    /// Reads up to count bytes from offset on and returns how many were read. Fewer means that the
+    /// recording ends there.
     virtual std::size_t read(std::uint64_t offset, char* buffer, std::size_t count) const = 0;
 };
 
-/// A file of the folder that --card names; opened for reading only, and only while it is read.
+/// A file in the folder given by --card; opened read-only, and only while it is being read.
 class FileContent : public Content
 {
 public:
@@ -63,7 +63,7 @@ private:
     std::shared_ptr<const Content> m_second;
 };
 
-/// One text again and again, up to the size.
+/// One text repeated up to the size.
 class RepeatedContent : public Content
 {
 public:

@@ -1,4 +1,4 @@
-// The control lines: one table, from which the parser and the texts of help come.
+// The control lines: one table for the parser and the help texts.
 #pragma once
 
 #include <functional>
@@ -12,26 +12,26 @@ class Simulator;
 /// The answer to a control line.
 struct ControlAnswer
 {
-    std::string error;                  ///< why it was not carried out; empty: it was
+    std::string error;                  ///< why it was not executed; empty if it was
     std::string summary{};              ///< follows the line in the last line of the answer
-    std::vector<std::string> details{}; ///< lines of their own, before it
+    std::vector<std::string> details{}; ///< separate lines before it
 };
 
-/// A control line that has been read but not carried out.
+/// A control line that has been parsed but not executed.
 struct ControlLine
 {
     std::string text;  ///< without spaces around it
-    std::string error; ///< why it is none; empty: `run` carries it out
+    std::string error; ///< why it is invalid; empty: `run` executes it
     std::function<ControlAnswer(Simulator&)> run{};
 };
 
-/// Reads a control line and checks all that can be checked before it is carried out.
+/// Parses a control line and checks everything that can be checked before it is executed.
 ControlLine parseControlLine(const std::string& text);
 
 /// Returns true if a control line begins with this word.
 bool isControlWord(const std::string& word);
 
-/// Returns one line for each control line: how it is written and what it does.
+/// Returns one line per control line: its syntax and its effect.
 std::vector<std::string> controlLinesHelp();
 
 } // namespace simulator

@@ -1,4 +1,4 @@
-// The Unix socket that --control names.
+// The Unix socket of --control.
 #pragma once
 
 #include "simulator/FileDescriptor.h"
@@ -19,8 +19,8 @@ namespace simulator {
 /// The longest path that a socket can have, in bytes.
 constexpr std::size_t longestSocketPath = sizeof(sockaddr_un::sun_path) - 1;
 
-/// Takes control lines from any number of clients of a socket that only its owner can reach.
-/// Never blocks; a client that does not read its answers is dropped.
+/// Accepts control lines from any number of clients on a socket that only its owner can use. Never
+/// blocks; a client that does not read its answers is disconnected.
 class ControlSocket
 {
 public:
@@ -29,14 +29,14 @@ public:
     ControlSocket(const ControlSocket&) = delete;
     ControlSocket& operator=(const ControlSocket&) = delete;
 
-    /// Listens at the path. A socket that nobody listens on is replaced; a live one, or any other
-    /// file, is an error. Returns an error text, empty on success.
+    /// Listens at the path. A stale socket is replaced; one in use, or any other file, is an error.
+    /// Returns an error text, empty on success.
     std::string open(const std::string& path);
-    /// Adds what poll has to watch.
+    /// Adds the descriptors for poll.
     void addTo(std::vector<pollfd>& descriptors) const;
-    /// Reads what has arrived and has each line answered; the answers are kept until `flush`.
+    /// Reads what has arrived and executes each line; the answers are kept until `flush`.
     void read(const std::function<std::vector<std::string>(const std::string&)>& answer);
-    /// Sends the answers, as far as the clients take them.
+    /// Sends the answers, as far as the clients accept them.
     void flush();
 
 private:
@@ -56,9 +56,9 @@ private:
     std::list<Client> m_clients;
 };
 
-/// Sends control lines to the simulator that listens at the path and prints its answers. Returns
-/// an error text if it cannot be reached or stops answering. allFine: whether every line was
-/// answered by "ok".
+/// Sends control lines to the simulator that listens at the path and prints its answers. Returns an
+/// error text if it cannot be reached or stops answering. allFine: whether every line was answered
+/// with "ok".
 std::string sendControlLines(const std::string& path, const std::vector<std::string>& lines,
                              bool& allFine);
 

@@ -10,7 +10,7 @@ namespace simulator {
 
 namespace {
 
-/// Connections of one device; the three together stay within the limit on open descriptors.
+/// Maximum connections of one device; the three together stay within the descriptor limit.
 std::size_t connectionLimit()
 {
     constexpr rlim_t otherDescriptors = 32;
@@ -63,7 +63,7 @@ void Device::applyReachability(TimePoint now)
     if (!error.empty()) {
         printLine("error " + error);
     }
-    // Who comes back after a loss of power knows nothing of its old connections.
+    // A device that restarts after a power loss has forgotten its old connections.
     if (before == Reachability::Deaf || flappingDown(now)) {
         drop();
     }

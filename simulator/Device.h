@@ -17,7 +17,7 @@
 namespace simulator {
 
 /// One simulated device: its address, its open connections, and the faults that decide whether it
-/// can be reached. What it says is up to the connections that its factory makes.
+/// is reachable. The connections created by its factory define what it sends.
 class Device
 {
 public:
@@ -28,11 +28,11 @@ public:
     Device(std::string name, std::string address, std::uint16_t port, const FaultTable& faults,
            Journal& journal, Factory factory);
 
-    /// Listens, or does what the faults that are on already ask for. Returns an error text.
+    /// Listens, or applies the faults that are already on. Returns an error text, empty on success.
     std::string start(TimePoint now) { return m_listener.become(wantedReachability(now)); }
-    /// Adds what poll has to watch.
+    /// Adds the descriptors for poll.
     void addTo(std::vector<pollfd>& descriptors) const;
-    /// Takes new connections, reads from those that poll reported, does what is due.
+    /// Accepts new connections, reads from those that poll reported, and performs due steps.
     void advance(const std::vector<pollfd>& descriptors, TimePoint now);
     TimePoint nextWake(TimePoint now) const;
     /// Resets all open connections.

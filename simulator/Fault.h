@@ -1,4 +1,4 @@
-// The faults as values of a type, and what there is to know about each but its effect.
+// The faults as an enumeration, and everything about each except its effect.
 #pragma once
 
 #include <string>
@@ -17,18 +17,18 @@ enum class Fault {
 /// What a fault acts on: the headings of --list-faults.
 enum class FaultGroup { Scope, Reach, Frames, Answers, Count, Card, List, Names, Details, Changes };
 
-/// Who is affected.
+/// The affected devices.
 enum class FaultDevice { Vehicle, Modules, Camera };
 
 /// What a fault can be limited to by "NAME@3".
 enum class FaultCounts { Nothing, Connections, Requests };
 
-/// How the text after NAME= is read.
+/// How the text after NAME= is parsed.
 enum class FaultKind {
     None,   ///< takes no value
     Number, ///< a decimal number within the bounds
     Size,   ///< a Number that may end in k (1,024) or M (1,048,576)
-    Words,  ///< comma-separated words of those that the value's name lists with '|' between them
+    Words,  ///< comma-separated words from those listed in the value's name, separated by '|'
     Text    ///< any bytes; \r \n \t \\ and \xHH are decoded
 };
 
@@ -36,8 +36,8 @@ enum class FaultKind {
 struct FaultValue
 {
     FaultKind kind = FaultKind::None;
-    std::string name;   ///< as --list-faults shows it: "SECONDS", "control|ground"
-    std::string preset; ///< used when no value is given; empty: a value must be given
+    std::string name;   ///< as shown by --list-faults: "SECONDS", "control|ground"
+    std::string preset; ///< used if no value is given; empty: a value is required
     long long minimum = 0;
     long long maximum = 0;
 };
@@ -47,7 +47,7 @@ struct FaultDescription
 {
     Fault fault;
     std::string name;
-    std::string oldName; ///< still understood; empty: it never had another name
+    std::string oldName; ///< still accepted; empty: it never had another name
     FaultGroup group;
     FaultDevice device;
     FaultValue value;
@@ -64,7 +64,7 @@ const FaultDescription& describe(Fault fault);
 /// The row with this name or old name, or nullptr.
 const FaultDescription* findFault(std::string_view name);
 
-/// "no fault is called ...", as an error says it.
+/// Returns the error text "no fault is called ...".
 std::string unknownFault(std::string_view name);
 
 } // namespace simulator

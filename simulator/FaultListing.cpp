@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t width = 100;
 constexpr std::size_t resultColumn = 30;
-/// Longer defaults are shown by their beginning and their length.
+/// Longer defaults are abbreviated to their beginning and their length.
 constexpr std::size_t longestPreset = 40;
 
 /// A heading of the list; in the order of FaultGroup.

@@ -5,8 +5,8 @@
 
 namespace simulator {
 
-/// Returns what --list-faults prints. form: "text" (grouped, at most 100 columns wide), "json" (an
-/// array with an object for each fault), "markdown" (docs/faults.md), "man" (the subsections of the
+/// Returns the output of --list-faults. form: "text" (grouped, at most 100 columns wide), "json"
+/// (an array with one object per fault), "markdown" (docs/faults.md), "man" (the subsections of the
 /// manual page) or "words" (names, and values of faults that take words, for completion).
 std::string faultList(const std::string& form);
 

@@ -122,7 +122,7 @@ std::optional<long long> parseAmount(std::string_view text, FaultKind kind)
     return *number * unit;
 }
 
-/// Checks a value against its row and leaves it as the hooks read it; returns an error text.
+/// Checks a value against its row and normalises it; returns an error text.
 std::string readValue(const FaultDescription& row, std::string& value)
 {
     const FaultValue& taken = row.value;

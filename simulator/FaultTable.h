@@ -1,4 +1,4 @@
-// The faults that are switched on, and how devices ask for them.
+// The faults that are switched on, and how devices query them.
 #pragma once
 
 #include "simulator/Clock.h"
@@ -21,10 +21,10 @@ public:
     /// seed: decides what is left to chance.
     explicit FaultTable(std::uint64_t seed = 0) : m_seed(seed) {}
 
-    /// Switches on what "NAME", "NAME=VALUE", "NAME@WHEN" or "NAME@WHEN=VALUE" says. Returns an
-    /// error text, empty on success.
+    /// Switches on a fault given as "NAME", "NAME=VALUE", "NAME@WHEN" or "NAME@WHEN=VALUE". Returns
+    /// an error text, empty on success.
     std::string set(const std::string& assignment, TimePoint now);
-    /// Switches one fault off, or every one for "all". Returns an error text, empty on success.
+    /// Switches one fault off, or all for "all". Returns an error text, empty on success.
     std::string clear(const std::string& name);
     void clear(Fault fault) { m_active.erase(fault); }
 
@@ -33,14 +33,15 @@ public:
     std::optional<long long> number(Fault fault) const;
     /// Returns true when the fault is on and its Words value holds the word.
     bool names(Fault fault, std::string_view word) const;
-    /// When the fault was switched on; `never` for one that is off.
+    /// Returns when the fault was switched on; `never` if it is off.
     TimePoint since(Fault fault) const;
     /// Returns the values of all active faults of the group, in table order.
     std::vector<std::string> values(FaultGroup group) const;
-    /// Returns the faults that are on, as they are switched on again: "stall=50".
+    /// Returns the faults that are on, in the form in which they are switched on, such as
+    /// "stall=50".
     std::vector<std::string> list() const;
-    /// False when the fault "only" leaves the module ("control", "ground") or the kind of camera
-    /// request ("count", "list", ...) out.
+    /// Returns false if the fault "only" excludes the module ("control", "ground") or the kind of
+    /// camera request ("count", "list", ...).
     bool inScope(std::string_view who) const;
     /// Returns true if the fault is on and acts on the request or connection with this number.
     bool actsOn(Fault fault, std::uint64_t number) const;
@@ -58,12 +59,11 @@ private:
     std::map<Fault, Active> m_active;
 };
 
-/// The faults as one connection of a module or one camera request sees them: those that are out of
-/// its scope, or act on others only, are off.
+/// The faults that apply to one connection of a module or one camera request: others are off.
 class FaultScope
 {
 public:
-    /// who: "control", "ground" or the kind of the request. number: that of the connection or the
+    /// who: "control", "ground" or the kind of the request. number: the number of the connection or
     /// request.
     FaultScope(const FaultTable& faults, std::string_view who, std::uint64_t number)
         : m_faults(&faults), m_inScope(faults.inScope(who)), m_number(number)

@@ -1,4 +1,4 @@
-// What --help prints, in its forms.
+// The output of --help in its forms.
 #include "simulator/ControlLines.h"
 #include "simulator/Options.h"
 #include "simulator/Text.h"

@@ -1,4 +1,4 @@
-// Cuts received bytes into lines.
+// Splits received bytes into lines.
 #pragma once
 
 #include <optional>
@@ -7,12 +7,12 @@
 
 namespace simulator {
 
-/// Holds the beginning of a line until the rest of it has arrived.
+/// Keeps the beginning of a line until the rest has arrived.
 class LineReader
 {
 public:
     void add(std::string_view bytes) { m_unread += bytes; }
-    /// Takes the next whole line out, without its line ending.
+    /// Removes and returns the next complete line, without its line ending.
     std::optional<std::string> next()
     {
         const std::size_t end = m_unread.find('\n');
@@ -23,7 +23,7 @@ public:
         m_unread.erase(0, end + 1);
         return line;
     }
-    /// Forgets a line that has grown too long without ending; returns true if there was one.
+    /// Discards a line that is too long; returns whether there was one.
     bool dropOverlong()
     {
         const bool overlong = m_unread.size() > longest;

@@ -40,7 +40,7 @@ std::string Listener::become(Reachability reachability)
     if (reachability == m_reachability) {
         return {};
     }
-    // Between listening and unheard nothing is lost: who waits in the queue is taken later.
+    // Switching between Listening and Unheard loses nothing: queued connections are accepted later.
     const auto open = [](Reachability r) {
         return r == Reachability::Listening || r == Reachability::Unheard;
     };
@@ -79,7 +79,7 @@ std::string Listener::listen(int backlog)
 
 std::string Listener::fillQueue()
 {
-    // With its queue full the system drops further connection requests without a reply.
+    // When its queue is full, the system drops further connection requests without a reply.
     m_filler = newSocket();
     const sockaddr_in place = socketAddress(m_address, m_port);
     const int result =

@@ -8,12 +8,12 @@
 
 namespace simulator {
 
-/// How a device meets those who want to connect.
+/// How a device treats connection attempts.
 enum class Reachability {
-    Listening, ///< connections are taken
-    Unheard,   ///< handshakes complete, nobody takes the connection
+    Listening, ///< connections are accepted
+    Unheard,   ///< handshakes complete, but connections are never accepted
     Refusing,  ///< connection refused
-    Deaf       ///< no reply at all, as from a device without power
+    Deaf       ///< no reply at all, like a device without power
 };
 
 /// The listening socket of one device.
@@ -22,13 +22,13 @@ class Listener
 public:
     Listener(std::string address, std::uint16_t port);
 
-    /// Changes how the device is met. Returns an error text, empty on success.
+    /// Changes how connection attempts are treated. Returns an error text, empty on success.
     std::string become(Reachability reachability);
     Reachability reachability() const { return m_reachability; }
-    /// The descriptor to poll for reading, or -1 while no connection shall be taken.
+    /// Returns the descriptor to poll for reading, or -1 while no connection is accepted.
     int descriptor() const;
-    /// The next waiting connection with Nagle's delay off, or nothing. Fills in the peer's
-    /// address as "192.168.1.148:40000".
+    /// Returns the next pending connection with Nagle's algorithm disabled, or nothing. Sets the
+    /// peer's address as "192.168.1.148:40000".
     FileDescriptor accept(std::string& peer);
 
 private:

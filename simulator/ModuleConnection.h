@@ -20,16 +20,16 @@ namespace simulator {
 //            bootloader version, each two bytes, high byte first
 //   last     checksum: type, payload bytes and 5A added up, modulo 256
 
-/// The numbers of the version report in frame order; two-byte ones may be given signed.
+/// The numbers of the version report in frame order; two-byte numbers may be given signed.
 using Versions = std::array<int, 5>;
 
-/// Reads "7,300,600,100,10". Returns false when that is not what it is.
+/// Parses "7,300,600,100,10". Returns false for any other text.
 bool parseVersions(std::string_view text, Versions& versions);
 
-/// What all connections of one module share; outlives them.
+/// Shared by all connections of one module; outlives them.
 struct ModuleSettings
 {
-    bool control = true; ///< else the ground module, which reports no versions
+    bool control = true; ///< otherwise the ground module, which reports no versions
     Milliseconds heartbeat{1'000};
     Versions versions{7, 300, 600, 100, 10};
 };
@@ -41,7 +41,7 @@ public:
     ModuleConnection(FileDescriptor socket, ConnectionName name, Journal& journal,
                      const FaultTable& faults, const ModuleSettings& settings, TimePoint now);
 
-    /// Sends a version report of its own, beside the one on connect.
+    /// Sends an additional version report.
     void reportVersions();
 
 protected:
@@ -68,7 +68,7 @@ private:
     TimePoint m_nextUnknown;
     int m_beats = 0;
     bool m_paused = false;
-    std::string m_unread;             ///< bytes of an answer that has not arrived whole
+    std::string m_unread;             ///< bytes of an incomplete answer
     std::deque<TimePoint> m_expected; ///< when each outstanding answer is overdue
 };
 

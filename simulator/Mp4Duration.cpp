@@ -7,7 +7,7 @@ namespace simulator {
 
 namespace {
 
-/// A file made to keep us busy ends the search here.
+/// Limits the search in a malicious file.
 constexpr int boxLimit = 10'000;
 constexpr std::uint32_t unitsPerSecond = 1000;
 

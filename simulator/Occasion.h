@@ -1,4 +1,4 @@
-// When a fault acts: always, for some requests or connections, or now and then.
+// When a fault acts: always, for some requests or connections, or randomly.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@ namespace simulator {
 class Occasion
 {
 public:
-    /// Reads "3", "3-5", "3-" or "10%". Returns false when that is not what it is.
+    /// Parses "3", "3-5", "3-" or "10%". Returns false for any other text.
     static bool parse(std::string_view text, Occasion& occasion);
 
     bool always() const { return *this == Occasion(); }

@@ -23,7 +23,7 @@ struct SampleRow
     std::uint32_t duration;
 };
 
-/// Sizes on both sides of the limits that matter: of a size text, of one receive, of one read.
+/// Sizes around the relevant limits: of a size text, of one receive, of one read.
 constexpr SampleRow boundaryRows[] = {
     {"REC_20200131_124502_0001.MP4", 1'572'864, "20200131124502", 37},
     {"REC_20200131_124611_0002.MP4", 500, "20200131124611", 1},
@@ -38,7 +38,7 @@ constexpr SampleRow boundaryRows[] = {
     {"REC_20210101_000045_00011.MP4", 4'096, "20210101000045", 5}, // 29 characters, the longest
 };
 
-/// 720 lines at about 2 Mbit/s: bytes and seconds belong together.
+/// 720 lines at about 2 Mbit/s, so that bytes and seconds match.
 constexpr SampleRow diveRows[] = {
     {"DIVE_0001.MP4", 10'395'648, "20240614091205", 41},
     {"DIVE_0002.MP4", 47'185'920, "20240614092347", 187},
@@ -78,7 +78,7 @@ std::timespec fileTime(const std::string& created)
     return {std::mktime(&parts), 0};
 }
 
-/// True when the file holds exactly the recording's bytes.
+/// Returns whether the file contains exactly the recording's bytes.
 bool sameContent(const FileDescriptor& file, const Recording& recording)
 {
     struct stat status

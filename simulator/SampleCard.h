@@ -1,4 +1,4 @@
-// Cards of made-up recordings.
+// Cards with generated recordings.
 #pragma once
 
 #include "simulator/Card.h"
@@ -8,19 +8,19 @@
 
 namespace simulator {
 
-/// The made-up cards that there are.
+/// The available generated cards.
 enum class Sample {
     Boundary, ///< eleven recordings from 500 bytes to 64 MB, at the limits of texts and buffers
-    Dive      ///< nine recordings of one trip, as a user brings them home
+    Dive      ///< nine recordings of one trip, as a user records them
 };
 
-/// A card of made-up recordings, each with an MP4 head and content that depends on the seed and its
-/// place alone.
+/// Creates a card of generated recordings, each with an MP4 head and content that depends only on
+/// the seed and its position.
 Card sampleCard(Sample sample, std::uint64_t seed);
 
-/// Writes all recordings of the card into a folder, which is made when missing; their creation
-/// times become the files' times. A file that is there already is left alone when it is the same,
-/// and is an error when it differs. Returns an error text, empty on success.
+/// Writes all recordings of the card into a folder, which is created if missing; their creation
+/// times become the files' times. An identical existing file is left alone; a different one is an
+/// error. Returns an error text, empty on success.
 std::string writeCard(const Card& card, const std::string& path);
 
 } // namespace simulator

@@ -1,4 +1,4 @@
-// What shall happen to the vehicle, and when: the file that --scenario names.
+// The events of --scenario: what happens to the vehicle, and when.
 #pragma once
 
 #include "simulator/Clock.h"
@@ -18,7 +18,7 @@ namespace simulator {
 //                                    answer
 // After the colon: a control line that changes something, or a fault without the word "fault".
 
-/// The steps of a scenario, each of which is due once.
+/// The steps of a scenario, each of which is executed once.
 class Scenario
 {
 public:
@@ -27,9 +27,9 @@ public:
     std::vector<std::string> read(std::istream& file, const std::string& name, std::uint64_t speed);
 
     void start(TimePoint now) { m_start = now; }
-    /// When the next step is due by time; `never` without one.
+    /// Returns when the next timed step is due; `never` without one.
     TimePoint nextDue() const;
-    // Each takes the steps that are due out and returns them in the order of the file.
+    // Each removes the due steps and returns them in file order.
     std::vector<ControlLine> dueAt(TimePoint now);
     std::vector<ControlLine> dueAtExchange(std::uint64_t number);
     std::vector<ControlLine> dueAfterDownload(std::uint64_t number);

@@ -20,25 +20,25 @@
 
 namespace simulator {
 
-/// The whole simulated vehicle: three devices, one card, one thread.
+/// The simulated vehicle: three devices, one card, one thread.
 class Simulator
 {
 public:
     Simulator(Options options, Scenario scenario, std::optional<RecordedRun> replay);
 
-    /// Opens what the options name and listens. Returns an error text, empty on success.
+    /// Opens the files given by the options and listens. Returns an error text, empty on success.
     std::string start();
-    /// Serves until a signal, "quit", or the end of standard input where that counts.
-    /// signals: a descriptor that becomes readable when the program shall end.
-    /// Returns an error text if a replay could not go on, empty otherwise.
+    /// Serves until a signal, "quit", or the end of standard input if requested. signals: a
+    /// descriptor that becomes readable when the program must end. Returns an error text if a
+    /// replay could not continue, empty otherwise.
     std::string run(int signals);
-    /// Carries one control line out and returns the lines that answer it: none for an empty one,
-    /// else any number that begin with two spaces, then one that begins with "ok" or "error".
+    /// Executes one control line and returns the lines that answer it: none for an empty line,
+    /// otherwise any number that start with two spaces, then one that starts with "ok" or "error".
     std::vector<std::string> control(const std::string& line);
-    /// The same for a line that has been read already.
+    /// Same, for a line that has already been parsed.
     std::vector<std::string> carryOut(const ControlLine& line);
 
-    // What control lines do; those with a text result return an error text.
+    // The effects of control lines; functions that return a text return an error, empty on success.
     std::string setFault(const std::string& assignment);
     std::string clearFault(const std::string& name);
     void drop(const std::string& name);
@@ -61,7 +61,7 @@ private:
     void endReboot(TimePoint now);
     int timeout(TimePoint now) const;
     void resetModules();
-    /// Carries out the steps of the scenario that are due, and prints each with its answer.
+    /// Executes the due steps of the scenario and prints each with its answer.
     void play(const std::vector<ControlLine>& steps);
 
     Options m_options;
@@ -81,7 +81,7 @@ private:
     TimePoint m_started = never;
     ControlSocket m_controlSocket;
     LineReader m_input;
-    /// Answers to lines on standard input; printed when what they say has taken effect.
+    /// Answers to lines on standard input; printed when their changes have taken effect.
     std::vector<std::string> m_replies;
     bool m_inputOpen = true;
     bool m_ending = false;

@@ -1,4 +1,4 @@
-// What control lines do to the vehicle, and what they show of it.
+// The effects of control lines on the vehicle, and what they show of it.
 #include "simulator/Simulator.h"
 #include "simulator/Text.h"
 

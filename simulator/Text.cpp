@@ -28,7 +28,7 @@ constexpr std::array<std::uint32_t, 256> crcTable()
 
 namespace {
 
-/// The number of letters to insert, remove, replace or swap with their neighbour.
+/// Returns the number of letters to insert, remove, replace or swap with a neighbour.
 std::size_t distance(std::string_view one, std::string_view other)
 {
     std::vector<std::vector<std::size_t>> table(one.size() + 1,
@@ -152,11 +152,11 @@ std::string manualText(const std::string& text)
 
 void printLine(std::string_view line)
 {
-    std::string text(line.substr(0, 4000)); // below PIPE_BUF: a ready pipe takes it whole
+    std::string text(line.substr(0, 4000)); // below PIPE_BUF, so a ready pipe accepts it completely
     text += '\n';
     pollfd output{STDOUT_FILENO, POLLOUT, 0};
     if (::poll(&output, 1, 0) == 1 && (output.revents & POLLOUT) != 0) {
-        // Nothing is left to tell when standard output is gone.
+        // Nothing can be reported if standard output is gone.
         [[maybe_unused]] const ssize_t written = ::write(STDOUT_FILENO, text.data(), text.size());
     }
 }

@@ -9,14 +9,14 @@
 
 namespace simulator {
 
-/// Lower-case hexadecimal digits, two per byte, nothing between them.
+/// Returns lower-case hexadecimal digits, two per byte, without separators.
 std::string hexText(std::string_view bytes);
 
-/// The text as a JSON string, quotes included. Bytes from 80 on become the code point of the same
-/// number, so that no byte is lost and the result is ASCII.
+/// Returns the text as a JSON string, including quotes. Bytes of 0x80 and above become the code
+/// point of the same number, so that no byte is lost and the result is ASCII.
 std::string jsonString(std::string_view text);
 
-/// The CRC-32 of zip and zlib, continued from an earlier result (0 at the start).
+/// Returns the CRC-32 of zip and zlib, continued from an earlier result (0 at the start).
 std::uint32_t crc32(std::uint32_t earlier, std::string_view bytes);
 
 /// Returns a row of two columns: the first text, then the second from the column `start` on, broken
@@ -32,8 +32,8 @@ std::string didYouMean(std::string_view word, const std::vector<std::string>& ca
 /// Returns the text as it is written in the source of a manual page.
 std::string manualText(const std::string& text);
 
-/// Writes one line and a line end to standard output at once. A reader that has stopped reading
-/// never blocks the simulator: the line is dropped then.
+/// Writes a line and its line ending to standard output immediately. A reader that has stopped
+/// reading never blocks the simulator: the line is dropped.
 void printLine(std::string_view line);
 
 } // namespace simulator

@@ -33,8 +33,8 @@ int failed(int status, const std::string& error)
     return status;
 }
 
-/// Opens a closed standard stream on the null device: a socket or file of ours would take its
-/// place. The lower ones have to be open.
+/// Opens closed standard streams on the null device; otherwise a socket or file of ours would take
+/// their place. The lower ones must be open.
 void openIfClosed(int descriptor, int mode)
 {
     if (::fcntl(descriptor, F_GETFD) == -1) {
@@ -42,7 +42,7 @@ void openIfClosed(int descriptor, int mode)
     }
 }
 
-/// The signals that end the program, as a descriptor for its loop.
+/// Returns a descriptor for the signals that end the program.
 simulator::FileDescriptor endingSignals()
 {
     sigset_t signals;
@@ -52,7 +52,7 @@ simulator::FileDescriptor endingSignals()
     }
     ::sigprocmask(SIG_BLOCK, &signals, nullptr);
     ::signal(SIGPIPE, SIG_IGN);
-    ::signal(SIGTTIN, SIG_IGN); // in the background a terminal has no control lines for us
+    ::signal(SIGTTIN, SIG_IGN); // in the background a terminal sends us no control lines
     return simulator::FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
 }
 
