@@ -48,8 +48,8 @@ class ScreenTest(harness.SimulatorTest):
         for old in self.shots.glob("*.png"):
             old.unlink()
         self.image_count = 0
-        self.card = self.makeCard(**{name: bytes([65 + number]) * size
-                                     for number, (name, size) in enumerate(CARD)})
+        self.card = self.make_card(**{name: bytes([65 + number]) * size
+                                      for number, (name, size) in enumerate(CARD)})
         # The expected state of the whole window; the tests change it step by step.
         self.expected = {}
 

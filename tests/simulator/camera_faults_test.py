@@ -1,10 +1,10 @@
-"""What a client of the camera sees of each fault, as literal bytes."""
+"""Tests what a client of the camera receives with each fault, as literal bytes."""
 
 import time
 
 import harness
 from harness import (CAMERA, CONTROL, COUNT, DELETE, DELETE_ALL, FORMAT, INFO, LIST, NOT_FOUND,
-                     RECORDING, SimulatorTest, ok, okHead)
+                     RECORDING, SimulatorTest, ok, ok_head)
 
 ALPHA = b"alpha" * 100
 COUNT_BODY = b'var count="2";\r\n'
@@ -18,7 +18,7 @@ LENGTH = b"Content-Length: 16\r\n"
 CLOSE = b"Connection: close\r\n"
 OK_LINE = b"HTTP/1.1 200 OK\r\n"
 CHUNKED_HEAD = OK_LINE + TYPE + b"Transfer-Encoding: chunked\r\n" + CLOSE + b"\r\n"
-HEAD = okHead(16)
+HEAD = ok_head(16)
 
 # fault, target, the whole answer, how it ends
 ANSWERS = [
@@ -33,12 +33,12 @@ ANSWERS = [
      OK_LINE + b"content-type: text/plain\r\ncontent-length: 16\r\nconnection: close\r\n\r\n"
      + COUNT_BODY, "closed"),
     ("no-length", COUNT, OK_LINE + TYPE + CLOSE + b"\r\n" + COUNT_BODY, "closed"),
-    ("length-offset", COUNT, okHead(26) + COUNT_BODY, "closed"),
-    ("length-offset=-5", COUNT, okHead(11) + COUNT_BODY, "closed"),
-    ("length-offset=-99", COUNT, okHead(0) + COUNT_BODY, "closed"),
-    ("length-text", COUNT, okHead(4294967296) + COUNT_BODY, "closed"),
-    ("length-text=-1", COUNT, okHead(-1) + COUNT_BODY, "closed"),
-    ("empty-answer", COUNT, okHead(0), "closed"),
+    ("length-offset", COUNT, ok_head(26) + COUNT_BODY, "closed"),
+    ("length-offset=-5", COUNT, ok_head(11) + COUNT_BODY, "closed"),
+    ("length-offset=-99", COUNT, ok_head(0) + COUNT_BODY, "closed"),
+    ("length-text", COUNT, ok_head(4294967296) + COUNT_BODY, "closed"),
+    ("length-text=-1", COUNT, ok_head(-1) + COUNT_BODY, "closed"),
+    ("empty-answer", COUNT, ok_head(0), "closed"),
     ("chunked", COUNT, CHUNKED_HEAD + b"10\r\n" + COUNT_BODY + b"\r\n0\r\n\r\n", "closed"),
     ("chunk-extension", COUNT,
      CHUNKED_HEAD + b"10;name=value\r\n" + COUNT_BODY + b"\r\n0\r\n\r\n", "closed"),
@@ -71,7 +71,7 @@ ANSWERS = [
     ("reset-after-head", COUNT, HEAD, "reset"),
     ("close-mid-body", COUNT, HEAD + COUNT_BODY[:8], "closed"),
     ("close-mid-body=3", COUNT, HEAD + COUNT_BODY[:3], "closed"),
-    ("close-mid-body", RECORDING + b"A.MP4", okHead(500, b"video/mp4") + ALPHA[:100], "closed"),
+    ("close-mid-body", RECORDING + b"A.MP4", ok_head(500, b"video/mp4") + ALPHA[:100], "closed"),
     ("reset-mid-body=3", COUNT, HEAD + COUNT_BODY[:3], "reset"),
     ("count=", COUNT, ok(b'var count="";\r\n'), "closed"),
     ("count=-3", COUNT, ok(b'var count="-3";\r\n'), "closed"),
@@ -139,11 +139,11 @@ OTHER_LIST = ok(b"sd/DCIM/100ZEPNA/REC00001.MP4;sd/DCIM/100ZEPNA/REC00002.MP4;\r
 
 
 class CameraFaultsTest(SimulatorTest):
-    def startTwo(self, *arguments):
-        self.start("--card", self.makeCard(A=ALPHA, B=b"bravo"), *arguments)
+    def start_two(self, *arguments):
+        self.start("--card", self.make_card(A=ALPHA, B=b"bravo"), *arguments)
 
     def test_answers_are_spoilt_as_the_fault_says_and_healthy_after_it(self):
-        self.startTwo()
+        self.start_two()
         for fault, target, answer, end in ANSWERS:
             with self.subTest(fault=fault, target=target):
                 self.switch("fault " + fault)
@@ -153,7 +153,7 @@ class CameraFaultsTest(SimulatorTest):
                 self.assertEqual(ok(COUNT_BODY), self.ask(COUNT))
 
     def test_strange_names_are_listed_and_reached(self):
-        self.startTwo()
+        self.start_two()
         for fault, name in NAMES:
             with self.subTest(fault=fault):
                 self.switch("fault " + fault)
@@ -165,12 +165,12 @@ class CameraFaultsTest(SimulatorTest):
                 self.switch("clear all")
 
     def test_name_with_line_end_breaks_the_request(self):
-        self.startTwo("--fault", "name-line-end")
+        self.start_two("--fault", "name-line-end")
         self.assertIn(b"/REC\r\nX-Injected: 1;", self.ask(LIST + b"2"))
         self.assertEqual(b"HTTP/1.1 400 ", self.ask(INFO + b"REC\r\nX-Injected: 1")[:13])
 
     def test_two_names_at_once_rename_two_recordings(self):
-        self.startTwo("--fault", "name-hash", "--fault", "name-space")
+        self.start_two("--fault", "name-hash", "--fault", "name-space")
         self.assertEqual(
             ok(b"sd/DCIM/100ZEPNA/REC 20200131 12.MP4;sd/DCIM/100ZEPNA/REC#1.MP4;\r\n"),
             self.ask(LIST + b"2"))
@@ -178,18 +178,18 @@ class CameraFaultsTest(SimulatorTest):
         self.assertEqual(ok(b"sd/DCIM/100ZEPNA/REC#1.MP4;\r\n"), self.ask(LIST + b"2"))
 
     def test_status_leaves_the_card_alone(self):
-        self.startTwo("--fault", "status=500", "--fault", "only=delete,deleteall,format")
+        self.start_two("--fault", "status=500", "--fault", "only=delete,deleteall,format")
         for target in (DELETE + b"A.MP4", DELETE_ALL, FORMAT):
             self.assertEqual(b"HTTP/1.1 500 ", self.ask(target)[:13])
         self.assertEqual(ok(COUNT_BODY), self.ask(COUNT))
 
     def test_error_word_leaves_the_card_alone(self):
-        self.startTwo("--fault", "error-word")
+        self.start_two("--fault", "error-word")
         self.ask(FORMAT)
         self.assertEqual(ok(COUNT_BODY), self.ask(COUNT))
 
     def test_no_card_and_write_protection_change_nothing(self):
-        self.startTwo()
+        self.start_two()
         for fault in ("no-card", "write-protected"):
             self.switch("fault " + fault)
             for target in (DELETE + b"A.MP4", DELETE_ALL, FORMAT):
@@ -198,25 +198,25 @@ class CameraFaultsTest(SimulatorTest):
             self.assertEqual(ok(COUNT_BODY), self.ask(COUNT))
 
     def test_recording_grows_while_it_is_fetched(self):
-        self.startTwo("--fault", "growing-recording=300")
+        self.start_two("--fault", "growing-recording=300")
         data = self.ask(RECORDING + b"A.MP4")
-        head = okHead(500, b"video/mp4")
+        head = ok_head(500, b"video/mp4")
         self.assertEqual(head + ALPHA, data[:len(head) + 500])
         self.assertEqual(len(head) + 800, len(data))
         self.assertIn(b'size="800"', self.ask(INFO + b"A.MP4"))
         self.switch("clear all")
         again = self.ask(RECORDING + b"A.MP4")
-        self.assertEqual(okHead(800, b"video/mp4") + data[len(head):], again)
+        self.assertEqual(ok_head(800, b"video/mp4") + data[len(head):], again)
         self.switch("fault growing-recording")
         self.assertEqual(len(again) + 4096, len(self.ask(RECORDING + b"A.MP4")))
 
     def test_card_is_swapped_when_a_recording_is_asked_for(self):
-        self.startTwo("--fault", "swapped-card")
+        self.start_two("--fault", "swapped-card")
         self.assertEqual(ok(LIST_BODY), self.ask(LIST + b"2"))
         self.assertEqual(ok(CREATE + SIZE + TIME), self.ask(INFO + b"A.MP4"))
         self.assertEqual(NOT_FOUND, self.ask(RECORDING + b"A.MP4"))
         self.assertEqual(OTHER_LIST, self.ask(LIST + b"2"))
-        self.assertEqual(okHead(4000, b"video/mp4"), self.ask(RECORDING + b"REC00001.MP4")[:-4000])
+        self.assertEqual(ok_head(4000, b"video/mp4"), self.ask(RECORDING + b"REC00001.MP4")[:-4000])
         self.ask(DELETE + b"REC00001.MP4")
         self.assertEqual(ok(COUNT_BODY.replace(b"2", b"1")), self.ask(COUNT))
         self.switch("clear swapped-card")
@@ -225,13 +225,13 @@ class CameraFaultsTest(SimulatorTest):
         self.assertEqual(ok(LIST_BODY), self.ask(LIST + b"2"))
 
     def test_answers_of_two_cameras_are_swapped(self):
-        self.startTwo("--fault", "swapped-cameras")
+        self.start_two("--fault", "swapped-cameras")
         for _ in range(2):
             self.assertEqual(ok(LIST_BODY), self.ask(LIST + b"2"))
             self.assertEqual(OTHER_LIST, self.ask(LIST + b"2"))
 
     def test_only_limits_a_fault_to_some_requests(self):
-        self.startTwo("--fault", "no-length", "--fault", "only=list,recording")
+        self.start_two("--fault", "no-length", "--fault", "only=list,recording")
         self.assertEqual(ok(COUNT_BODY), self.ask(COUNT))
         self.assertEqual(ok(LIST_BODY).replace(b"Content-Length: 48\r\n", b""),
                          self.ask(LIST + b"2"))
@@ -243,14 +243,14 @@ class CameraFaultsTest(SimulatorTest):
         self.assertNotIn(b"Content-Length", self.ask(RECORDING + b"A.MP4"))
 
     def test_chunked_begins_with_the_exchange_named(self):
-        self.startTwo("--fault", "chunked=2")
+        self.start_two("--fault", "chunked=2")
         self.assertEqual(ok(COUNT_BODY), self.ask(COUNT))
         chunked = CHUNKED_HEAD + b"10\r\n" + COUNT_BODY + b"\r\n0\r\n\r\n"
         self.assertEqual(chunked, self.ask(COUNT))
         self.assertEqual(chunked, self.ask(COUNT))
 
     def test_long_bodies_come_in_many_chunks(self):
-        self.startTwo("--fault", "chunked", "--fault", "list-padding=8192")
+        self.start_two("--fault", "chunked", "--fault", "list-padding=8192")
         self.assertEqual(
             CHUNKED_HEAD + b"1000\r\n" + b"x" * 4096 + b"\r\n1000\r\n" + b"x" * 4096
             + b"\r\n30\r\n" + LIST_BODY + b"\r\n0\r\n\r\n", self.ask(LIST + b"2"))
@@ -259,15 +259,15 @@ class CameraFaultsTest(SimulatorTest):
             + b"\r\n0\r\n\r\n", self.ask(RECORDING + b"A.MP4"))
 
     def test_unending_list_goes_on(self):
-        self.startTwo("--fault", "infinite-list")
+        self.start_two("--fault", "infinite-list")
         peer = self.request(LIST + b"2")
-        self.assertEqual(okHead(2147483647), peer.exactly(len(okHead(2147483647))))
+        self.assertEqual(ok_head(2147483647), peer.exactly(len(ok_head(2147483647))))
         self.assertEqual(LIST_BODY[:-2] * 20000, peer.exactly(46 * 20000))
         peer.close()
         self.assertEqual(ok(COUNT_BODY), self.ask(COUNT))
 
     def test_list_of_twenty_megabytes(self):
-        self.startTwo("--fault", "entries=444444")
+        self.start_two("--fault", "entries=444444")
         answer = self.ask(LIST + b"99999999999999")
         self.assertGreater(len(answer), 13_000_000)
         self.assertTrue(answer.endswith(b"sd/DCIM/100ZEPNA/REC444444.MP4;\r\n"))
@@ -275,29 +275,29 @@ class CameraFaultsTest(SimulatorTest):
         self.assertEqual(len(answer) + 20_000_000, len(self.ask(LIST + b"99999999999999")))
 
     def test_stall_holds_the_rest_until_cleared(self):
-        self.startTwo("--fault", "stall")
+        self.start_two("--fault", "stall")
         peer = self.request(RECORDING + b"A.MP4")
-        head = okHead(500, b"video/mp4")
+        head = ok_head(500, b"video/mp4")
         self.assertEqual(head + ALPHA[:475], peer.exactly(len(head) + 475))
-        self.assertTrue(peer.quietFor(0.3))
+        self.assertTrue(peer.quiet_for(0.3))
         self.switch("clear stall")
         self.assertEqual((ALPHA[475:], "closed"), peer.rest())
 
     def test_stalled_client_that_leaves_is_forgotten(self):
-        self.startTwo("--fault", "stall=50")
+        self.start_two("--fault", "stall=50")
         peer = self.request(RECORDING + b"A.MP4")
         peer.exactly(300)
         peer.close()
         self.eventually(lambda: self.control("connections").endswith("camera=0"), "the end")
 
     def test_split_head_comes_in_two_segments(self):
-        self.startTwo("--fault", "split-head")
+        self.start_two("--fault", "split-head")
         peer = self.request(COUNT)
         self.assertEqual(HEAD[:len(HEAD) // 2], peer.segment())
         self.assertEqual((HEAD[len(HEAD) // 2:] + COUNT_BODY, "closed"), peer.rest())
 
     def test_single_bytes(self):
-        self.startTwo("--fault", "byte-by-byte=5")
+        self.start_two("--fault", "byte-by-byte=5")
         peer = self.request(COUNT)
         segments = [peer.segment()]
         while segments[-1] and len(segments) < 1000:
@@ -306,28 +306,28 @@ class CameraFaultsTest(SimulatorTest):
         self.assertGreater(len(segments), len(ok(COUNT_BODY)) * 3 // 4)
 
     def test_garbage_takes_the_place_of_the_answer(self):
-        self.startTwo("--fault", "garbage")
+        self.start_two("--fault", "garbage")
         data = self.ask(COUNT)
         self.assertEqual(4096, len(data))
         self.assertNotIn(b"HTTP", data)
 
     def test_answer_delay(self):
-        self.startTwo("--fault", "answer-delay=400")
+        self.start_two("--fault", "answer-delay=400")
         start = time.monotonic()
         self.assertEqual(ok(COUNT_BODY), self.ask(COUNT))
         self.assertGreater(time.monotonic() - start, 0.39)
 
     def test_link_lost_mid_command(self):
-        self.startTwo("--heartbeat", "60000", "--fault", "link-lost-mid-command")
+        self.start_two("--heartbeat", "60000", "--fault", "link-lost-mid-command")
         control = self.peer(CONTROL)
         control.exactly(20)
         peer = self.request(FORMAT)
         self.assertEqual("reset", control.segment())
-        self.assertTrue(peer.quietFor(0.2))
+        self.assertTrue(peer.quiet_for(0.2))
         self.assertEqual((ok(b"Success\r\n"), "closed"), peer.rest())
 
     def test_refuse_silent_never_accept(self):
-        self.startTwo("--fault", "refuse=camera")
+        self.start_two("--fault", "refuse=camera")
         with self.assertRaises(ConnectionRefusedError):
             self.peer(CAMERA)
         self.switch("clear refuse")
@@ -335,18 +335,18 @@ class CameraFaultsTest(SimulatorTest):
             with self.subTest(fault=fault):
                 self.switch(f"fault {fault}=camera")
                 peer = self.request(COUNT)
-                self.assertTrue(peer.quietFor(0.3))
+                self.assertTrue(peer.quiet_for(0.3))
                 self.switch("clear " + fault)
                 self.assertEqual((ok(COUNT_BODY), "closed"), peer.rest())
 
     def test_down_gives_no_reply_and_resets_when_back(self):
-        self.startTwo()
+        self.start_two()
         old = self.peer(CAMERA)
         self.eventually(lambda: self.journal(device="camera", event="open"), "the connection")
         self.switch("fault down=camera")
         with self.assertRaises(TimeoutError):
             self.peer(CAMERA, 0.5)
-        self.assertTrue(old.quietFor(0.1))
+        self.assertTrue(old.quiet_for(0.1))
         self.switch("clear down")
         self.assertEqual("reset", old.segment())
         self.assertEqual(ok(COUNT_BODY), self.ask(COUNT))

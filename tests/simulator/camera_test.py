@@ -1,4 +1,4 @@
-"""The camera's commands and recordings, as literal bytes."""
+"""Tests the camera's commands and recordings, as literal bytes."""
 
 import datetime
 import os
@@ -18,16 +18,16 @@ BRAVO = b"bravo" * 1000
 
 
 class CameraTest(SimulatorTest):
-    def startTwo(self, *arguments):
-        self.card = self.makeCard(A=ALPHA, B=BRAVO)
+    def start_two(self, *arguments):
+        self.card = self.make_card(A=ALPHA, B=BRAVO)
         self.start("--card", self.card, *arguments)
 
     def test_count(self):
-        self.startTwo()
+        self.start_two()
         self.assertEqual(ok(b'var count="2";\r\n'), self.ask(COUNT))
 
     def test_list_gives_as_many_entries_as_asked_for(self):
-        self.startTwo()
+        self.start_two()
         both = ok(b"sd/DCIM/100ZEPNA/A.MP4;sd/DCIM/100ZEPNA/B.MP4;\r\n")
         for end, answer in ((b"2", both), (b"3", both), (b"20200131124502", both),
                             (b"9" * 40, both), (b"0" * 14, both),
@@ -37,35 +37,35 @@ class CameraTest(SimulatorTest):
                 self.assertEqual(answer, self.ask(LIST + end))
 
     def test_details_come_from_the_file(self):
-        self.startTwo()
+        self.start_two()
         self.assertEqual(
             ok(b'var create="20200131124502";\r\nvar size="500";\r\nvar time="1";\r\n'),
             self.ask(INFO + b"A.MP4"))
 
     def test_duration_comes_from_the_movie_header(self):
-        card = self.makeCard(A=b"\0\0\0\x10ftypisom\0\0\2\0\0\0\0\x24moov\0\0\0\x1cmvhd"
-                               + b"\0" * 12 + b"\0\0\x02\x58\0\1\0\0" + b"\0" * 8)
+        card = self.make_card(A=b"\0\0\0\x10ftypisom\0\0\2\0\0\0\0\x24moov\0\0\0\x1cmvhd"
+                              + b"\0" * 12 + b"\0\0\x02\x58\0\1\0\0" + b"\0" * 8)
         wide = (b"\0\0\0\x30moov\0\0\0\x28mvhd\1\0\0\0" + b"\0" * 16 + b"\0\0\0\x0a"
                 + b"\0\0\0\0\0\0\x10\0")
-        self.writeFile(os.path.join(card, "B.MP4"), wide)
+        self.write_file(os.path.join(card, "B.MP4"), wide)
         self.start("--card", card)
         self.assertIn(b'time="109"', self.ask(INFO + b"A.MP4"))
         self.assertIn(b'time="409"', self.ask(INFO + b"B.MP4"))
 
     def test_recording_is_sent_whole(self):
-        self.startTwo()
+        self.start_two()
         self.assertEqual(ok(BRAVO, b"video/mp4"), self.ask(RECORDING + b"B.MP4"))
 
     def test_absolute_target_is_accepted(self):
-        self.startTwo()
+        self.start_two()
         self.assertEqual(ok(ALPHA, b"video/mp4"),
                          self.ask(b"http://192.168.1.120/sd/DCIM/100ZEPNA/A.MP4"))
 
     def test_name_is_taken_as_sent(self):
         name = "A HTTP/1.1 &%41 \u6d77.MP4"
-        card = self.makeCard()
+        card = self.make_card()
         os.makedirs(os.path.join(card, "A HTTP"))
-        self.writeFile(os.path.join(card, "C &%41 \u6d77.MP4"), ALPHA)
+        self.write_file(os.path.join(card, "C &%41 \u6d77.MP4"), ALPHA)
         self.start("--card", card)
         self.assertEqual(ok(ALPHA, b"video/mp4"),
                          self.ask(RECORDING + "C &%41 \u6d77.MP4".encode()))
@@ -74,7 +74,7 @@ class CameraTest(SimulatorTest):
                          self.journal(event="request")[-1]["target"].encode("latin-1").decode())
 
     def test_what_is_not_there_is_not_found(self):
-        self.startTwo()
+        self.start_two()
         for target in (b"/", b"/cgi-bin/hi3510/getfilecount.cgi", COUNT + b"x",
                        b"/cgi-bin/hi3510/sdcommand.cgi?&-format&-partition=1",
                        INFO + b"C.MP4", DELETE + b"C.MP4", RECORDING + b"C.MP4", RECORDING):
@@ -82,7 +82,7 @@ class CameraTest(SimulatorTest):
                 self.assertEqual(NOT_FOUND, self.ask(target))
 
     def test_malformed_requests_are_refused(self):
-        self.startTwo()
+        self.start_two()
         for data, status in ((b"GET /x HTTP/1.0\r\n\r\n", b"HTTP/1.1 400 "),
                              (b"\r\n\r\n", b"HTTP/1.1 400 "),
                              (b"POST / HTTP/1.1\r\n\r\n", b"HTTP/1.1 405 "),
@@ -93,20 +93,20 @@ class CameraTest(SimulatorTest):
                 self.assertEqual(status, peer.exactly(13))
 
     def test_request_in_single_bytes_is_understood(self):
-        self.startTwo()
+        self.start_two()
         peer = self.peer(CAMERA)
         for byte in b"GET " + COUNT + b" HTTP/1.1\r\n\r\n":
             peer.send(bytes([byte]))
         self.assertEqual(ok(b'var count="2";\r\n'), peer.rest()[0])
 
     def test_answer_survives_what_comes_behind_the_request(self):
-        self.startTwo()
+        self.start_two()
         peer = self.peer(CAMERA)
         peer.send(b"GET " + COUNT + b" HTTP/1.1\r\n\r\n" + b"x" * 100000)
         self.assertEqual((ok(b'var count="2";\r\n'), "closed"), peer.rest())
 
     def test_delete_changes_the_card_only(self):
-        self.startTwo()
+        self.start_two()
         self.assertEqual(ok(b"Success\r\n"), self.ask(DELETE + b"A.MP4"))
         self.assertEqual(ok(b'var count="1";\r\n'), self.ask(COUNT))
         self.assertEqual(ok(b"sd/DCIM/100ZEPNA/B.MP4;\r\n"), self.ask(LIST + b"2"))
@@ -116,7 +116,7 @@ class CameraTest(SimulatorTest):
         self.assertEqual(ok(b'var count="2";\r\n'), self.ask(COUNT))
 
     def test_delete_all_and_format_empty_the_card_only(self):
-        self.startTwo()
+        self.start_two()
         for target in (DELETE_ALL, FORMAT):
             with self.subTest(target=target):
                 self.switch("reload")
@@ -126,20 +126,20 @@ class CameraTest(SimulatorTest):
         self.assertEqual(["A.MP4", "B.MP4"], sorted(os.listdir(self.card)))
 
     def test_card_leaves_out_folders_and_hidden_files(self):
-        card = self.makeCard(A=ALPHA)
+        card = self.make_card(A=ALPHA)
         os.mkdir(os.path.join(card, "folder"))
         os.mkfifo(os.path.join(card, "pipe"))
-        self.writeFile(os.path.join(card, ".hidden"), ALPHA)
+        self.write_file(os.path.join(card, ".hidden"), ALPHA)
         self.start("--card", card)
         self.assertEqual(ok(b"sd/DCIM/100ZEPNA/A.MP4;\r\n"), self.ask(LIST + b"9"))
 
     def test_card_file_that_shrinks_ends_the_answer(self):
-        self.startTwo()
+        self.start_two()
         os.truncate(os.path.join(self.card, "B.MP4"), 100)
         self.assertEqual(BRAVO[:100], self.ask(RECORDING + b"B.MP4").split(b"\r\n\r\n")[1])
 
     def test_rate_paces_recordings(self):
-        self.startTwo("--rate", "10000")
+        self.start_two("--rate", "10000")
         start = time.monotonic()
         peer = self.request(RECORDING + b"B.MP4")
         head = peer.exactly(len(ok(BRAVO, b"video/mp4")) - 5000)
@@ -210,7 +210,7 @@ class CameraTest(SimulatorTest):
         self.assertEqual(0, subprocess.run([harness.program, "--sample-to", sample],
                                            check=False).returncode)
         name = os.path.join(sample, "REC_20200131_124611_0002.MP4")
-        self.writeFile(name, b"mine")
+        self.write_file(name, b"mine")
         again = subprocess.run([harness.program, "--sample-to", sample], check=False,
                                stderr=subprocess.PIPE)
         self.assertEqual(1, again.returncode)
@@ -219,13 +219,13 @@ class CameraTest(SimulatorTest):
             self.assertEqual(b"mine", file.read())
 
     def test_many_clients_at_once(self):
-        self.startTwo()
+        self.start_two()
         peers = [self.request(RECORDING + b"B.MP4") for _ in range(50)]
         for peer in peers:
             self.assertEqual((ok(BRAVO, b"video/mp4"), "closed"), peer.rest())
 
     def test_journal_tells_both_ways(self):
-        self.startTwo()
+        self.start_two()
         self.ask(COUNT)
         self.ask(RECORDING + b"A.MP4")
         request = b"GET " + COUNT + b" HTTP/1.1\r\nHost: 192.168.1.120\r\n\r\n"
@@ -244,7 +244,7 @@ class CameraTest(SimulatorTest):
         self.assertEqual((500, f"{zlib.crc32(ALPHA):08x}"), (body["count"], body["crc32"]))
 
     def test_reset_of_a_closed_connection_is_no_second_close(self):
-        self.startTwo()
+        self.start_two()
         peer = self.request(COUNT)
         self.assertEqual((ok(b'var count="2";\r\n'), "closed"), peer.rest())
         peer.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))

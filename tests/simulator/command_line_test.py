@@ -1,4 +1,4 @@
-"""Arguments, exit status, control lines, and where the simulator refuses to run."""
+"""Tests arguments, exit status, control lines, and where the simulator refuses to run."""
 
 import glob
 import json
@@ -59,7 +59,7 @@ class CommandLineTest(SimulatorTest):
         self.assertEqual(1, result.returncode)
         self.assertIn("192.168.1.149:5000: Address already in use", result.stderr)
 
-    def runInNetwork(self, setUp):
+    def run_in_network(self, setUp):
         """Runs the simulator in a new network, after these commands; 99: one of them failed."""
         result = self.run_(wrapper=["unshare", "--user", "--map-root-user", "--net", "sh", "-c",
                                     "(" + setUp + ') 2>/dev/null || exit 99; exec "$@"', "sh"])
@@ -73,14 +73,14 @@ class CommandLineTest(SimulatorTest):
                                ("ip link set lo up && " + add % 120 + " && " + add % 148, "149"),
                                (" && ".join(add % a for a in (120, 148, 149)), "120")):
             with self.subTest(setUp=setUp):
-                result = self.runInNetwork(setUp)
+                result = self.run_in_network(setUp)
                 self.assertEqual(3, result.returncode, result.stderr)
                 self.assertIn("loopback interface lacks the address 192.168.1." + missing,
                               result.stderr)
                 self.assertIn(ADVICE, result.stderr)
 
     def test_network_with_another_interface_is_refused(self):
-        result = self.runInNetwork(
+        result = self.run_in_network(
             "ip link set lo up && for a in 120 148 149; do ip addr add 192.168.1.$a/32 dev lo;"
             " done && { ip link add other type dummy || ip link add other type veth ||"
             " ip link add other type bridge || ip tuntap add other mode tun; }"
@@ -126,7 +126,7 @@ class CommandLineTest(SimulatorTest):
             process.terminate()
             self.assertEqual(0, process.wait(harness.LIMIT))
 
-    def cameraIsThere(self):
+    def camera_is_there(self):
         try:
             self.peer(harness.CAMERA).close()
         except ConnectionRefusedError:
@@ -140,7 +140,7 @@ class CommandLineTest(SimulatorTest):
                     ["sh", "-c", f'exec "$0" {closed}', harness.program],
                     stdin=subprocess.DEVNULL, stdout=subprocess.PIPE) as process:
                 self.addCleanup(process.kill)
-                self.eventually(self.cameraIsThere, "its camera")
+                self.eventually(self.camera_is_there, "its camera")
                 self.assertIn(b'count="11"', self.ask(COUNT))
                 for descriptor, mode in modes.items():
                     self.assertEqual("/dev/null",

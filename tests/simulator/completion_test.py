@@ -1,4 +1,4 @@
-"""What bash offers after the first letters of an option or a fault."""
+"""Tests bash completion of options and faults."""
 
 import json
 import os
@@ -29,7 +29,7 @@ class CompletionTest(unittest.TestCase):
         self.programs = programs
 
     def offered(self, line):
-        """The words that bash offers at the end of the line."""
+        """Returns the completions that bash offers at the end of the line."""
         result = subprocess.run(
             ["bash", "--norc", "-c", ASK, "bash", SCRIPT, line], check=True, text=True,
             stdout=subprocess.PIPE, cwd=self.folder, timeout=harness.LIMIT,

@@ -1,4 +1,4 @@
-"""The control socket, --send, and what control lines show."""
+"""Tests the control socket, --send, and the output of control lines."""
 
 import json
 import os
@@ -25,7 +25,7 @@ class ControlTest(SimulatorTest):
                               timeout=harness.LIMIT)
 
     def refused(self, path):
-        """Starts a simulator that cannot have this socket; returns status and message."""
+        """Starts a simulator that cannot use this socket; returns status and message."""
         result = subprocess.run([harness.program, "--control", path], check=False,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                 stderr=subprocess.PIPE, text=True, timeout=harness.LIMIT)
@@ -76,7 +76,7 @@ class ControlTest(SimulatorTest):
             self.assertTrue(os.path.lexists(self.path))
 
     def test_any_other_file_is_refused_and_left_alone(self):
-        for make in (lambda: self.writeFile(self.path, b"precious"),
+        for make in (lambda: self.write_file(self.path, b"precious"),
                      lambda: os.mkfifo(self.path), lambda: os.mkdir(self.path),
                      lambda: os.symlink("nowhere", self.path)):
             make()
@@ -127,7 +127,7 @@ class ControlTest(SimulatorTest):
                 for _ in range(2000):
                     lazy.sendall(b"help\n" * 100)
             except OSError:
-                pass  # dropped for what it did not read
+                pass  # disconnected because it did not read
             self.assertEqual(0, self.send("status").returncode)
 
     def test_spaces_around_a_line_do_not_count(self):
@@ -146,7 +146,7 @@ class ControlTest(SimulatorTest):
             self.assertIn(f'; did you mean "{meant}"?', self.control(line))
 
     def details(self, line):
-        """The lines of the answer before its last one."""
+        """Returns the lines of the answer before the last one."""
         self.process.stdin.write(line.encode() + b"\n")
         self.process.stdin.flush()
         lines = [self.answers.get(timeout=harness.LIMIT)]
@@ -181,7 +181,7 @@ class ControlTest(SimulatorTest):
         self.assertEqual([], self.details("faults"))
 
     def test_card_shows_the_recordings(self):
-        self.start("--card", self.makeCard(A=b"alpha", B=b"b" * 2_000_000))
+        self.start("--card", self.make_card(A=b"alpha", B=b"b" * 2_000_000))
         self.assertEqual(["  A.MP4  5 bytes  20200131124502  1 s",
                           "  B.MP4  2000000 bytes  20200131124502  2 s"], self.details("card"))
 

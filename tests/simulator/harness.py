@@ -16,7 +16,7 @@ import unittest
 CONTROL = ("192.168.1.149", 5000)
 GROUND = ("192.168.1.148", 5000)
 CAMERA = ("192.168.1.120", 80)
-# Seconds that anything may take on a busy machine.
+# Seconds; long enough for a busy machine.
 LIMIT = 20 * int(os.environ.get("BELUN_TIME_FACTOR", "1"))
 
 HEARTBEAT = bytes.fromhex("aaaf0401005e")
@@ -37,13 +37,13 @@ ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)
 program = ""
 
 
-def okHead(length, kind=b"text/plain"):
+def ok_head(length, kind=b"text/plain"):
     return (b"HTTP/1.1 200 OK\r\nContent-Type: " + kind
             + b"\r\nContent-Length: %d\r\nConnection: close\r\n\r\n" % length)
 
 
 def ok(body, kind=b"text/plain"):
-    return okHead(len(body), kind) + body
+    return ok_head(len(body), kind) + body
 
 
 NOT_FOUND = (b"HTTP/1.1 404 Not Found\r\nContent-Type: text/html\r\nContent-Length: 41\r\n"
@@ -62,7 +62,7 @@ class Peer:
         self.socket.sendall(data)
 
     def segment(self, limit=65536):
-        """What one receive gives; b"" at the end, "reset" after a reset."""
+        """Returns the result of one receive; b"" at the end, "reset" after a reset."""
         try:
             return self.socket.recv(limit)
         except ConnectionResetError:
@@ -78,7 +78,7 @@ class Peer:
         return data
 
     def rest(self):
-        """Everything up to the end, and how it ended: "closed" or "reset"."""
+        """Returns everything up to the end, and how it ended: "closed" or "reset"."""
         data = bytearray()
         while True:
             piece = self.segment()
@@ -86,8 +86,8 @@ class Peer:
                 return bytes(data), piece or "closed"
             data += piece
 
-    def quietFor(self, seconds):
-        """True when nothing arrives for that long."""
+    def quiet_for(self, seconds):
+        """Returns whether nothing arrives for that long."""
         self.socket.settimeout(seconds)
         try:
             self.socket.recv(1, socket.MSG_PEEK)
@@ -102,7 +102,7 @@ class Peer:
 
 
 class SimulatorTest(unittest.TestCase):
-    """A test with a simulator of its own."""
+    """A test with its own simulator."""
 
     def setUp(self):
         self.folder = tempfile.mkdtemp(prefix="belun-simulator-test-")
@@ -111,38 +111,38 @@ class SimulatorTest(unittest.TestCase):
         self.complaints = queue.Queue()
         self.answers = queue.Queue()
 
-    def makeCard(self, **files):
-        """A folder with these files (name without .MP4, content); returns its path."""
+    def make_card(self, **files):
+        """Creates a folder with these files (name without .MP4, content); returns its path."""
         card = os.path.join(self.folder, "card")
         os.makedirs(card, exist_ok=True)
         for name, content in files.items():
-            self.writeFile(os.path.join(card, name + ".MP4"), content)
+            self.write_file(os.path.join(card, name + ".MP4"), content)
         return card
 
-    def writeFile(self, path, content):
+    def write_file(self, path, content):
         with open(path, "wb") as file:
             file.write(content)
         os.utime(path, (1580474702, 1580474702))  # 2020-01-31 12:45:02 UTC
 
     def start(self, *arguments, descriptors=1024):
-        self.journalPath = os.path.join(self.folder, "journal")
+        self.journal_path = os.path.join(self.folder, "journal")
         self.process = subprocess.Popen(
-            [program, "--journal", self.journalPath, "--exit-with-stdin", *arguments],
+            [program, "--journal", self.journal_path, "--exit-with-stdin", *arguments],
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, env={**os.environ, "TZ": "UTC"},
             preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_NOFILE,
                                                   (descriptors, descriptors)))
-        self.reader = threading.Thread(target=self.readLines, daemon=True)
+        self.reader = threading.Thread(target=self.read_lines, daemon=True)
         self.addCleanup(self.stop)
         self.reader.start()
         self.assertEqual("belun-simulator ready", self.answers.get(timeout=LIMIT))
 
     def end(self):
-        """Ends the simulator, so that another one can start; its journal stays."""
+        """Stops the simulator, so that another can be started; its journal is kept."""
         self.assertEqual("ok quit", self.control("quit"))
         self.process.wait(LIMIT)
         self.stop()
 
-    def readLines(self):
+    def read_lines(self):
         for line in self.process.stdout:
             text = line.decode("latin-1").rstrip("\n")
             complaint = text.startswith(("control: ", "ground: "))
@@ -175,27 +175,27 @@ class SimulatorTest(unittest.TestCase):
         return peer
 
     def request(self, target):
-        """Asks the camera and leaves the connection to the test."""
+        """Sends a request to the camera and leaves the connection to the test."""
         peer = self.peer(CAMERA)
         peer.send(b"GET " + target + b" HTTP/1.1\r\nHost: 192.168.1.120\r\n\r\n")
         return peer
 
     def ask(self, target):
-        """The camera's whole answer; fails when the connection was reset."""
+        """Returns the camera's complete answer; fails if the connection is reset."""
         data, end = self.request(target).rest()
         self.assertEqual("closed", end)
         return data
 
     def journal(self, **wanted):
-        """The lines of the journal with these values."""
-        with open(self.journalPath, encoding="ascii") as file:
-            # The last one may still be on its way.
+        """Returns the lines of the journal with these values."""
+        with open(self.journal_path, encoding="ascii") as file:
+            # The last line may still be incomplete.
             lines = [json.loads(line) for line in file if line.endswith("\n")]
         return [line for line in lines
                 if all(line.get(name) == value for name, value in wanted.items())]
 
     def eventually(self, condition, what):
-        """Waits until the condition gives something true, and returns that."""
+        """Waits until the condition returns something true, and returns that."""
         end = time.monotonic() + LIMIT
         while time.monotonic() < end:
             result = condition()

@@ -1,4 +1,4 @@
-"""What a client of the modules sees of each fault, as literal bytes."""
+"""Tests what a client of the modules receives with each fault, as literal bytes."""
 
 import time
 
@@ -11,7 +11,7 @@ QUIET = 1.0
 
 
 class ModuleFaultsTest(SimulatorTest):
-    def startWith(self, *faults):
+    def start_with(self, *faults):
         self.start("--heartbeat", str(BEAT), *[a for f in faults for a in ("--fault", f)])
 
     def segments(self, address, count):
@@ -19,41 +19,41 @@ class ModuleFaultsTest(SimulatorTest):
         return [peer.segment() for _ in range(count)]
 
     def test_no_heartbeat(self):
-        self.startWith("no-heartbeat")
+        self.start_with("no-heartbeat")
         control, ground = self.peer(CONTROL), self.peer(GROUND)
         self.assertEqual(VERSION, control.segment())
-        self.assertTrue(control.quietFor(QUIET))
-        self.assertTrue(ground.quietFor(0.1))
+        self.assertTrue(control.quiet_for(QUIET))
+        self.assertTrue(ground.quiet_for(0.1))
         self.switch("fault no-heartbeat=ground")
         self.assertEqual(HEARTBEAT, control.segment())
         self.switch("clear no-heartbeat")
         self.assertEqual(GROUND_HEARTBEAT, ground.segment())
 
     def test_heartbeat_stops(self):
-        self.startWith("heartbeat-stops=1")
+        self.start_with("heartbeat-stops=1")
         peer = self.peer(CONTROL)
         peer.exactly(20)
-        while not peer.quietFor(QUIET) and time.monotonic() - peer.opened < harness.LIMIT:
+        while not peer.quiet_for(QUIET) and time.monotonic() - peer.opened < harness.LIMIT:
             self.assertEqual(HEARTBEAT, peer.exactly(6))
         self.assertLess(time.monotonic() - peer.opened, 1.0 + QUIET + 0.5)
         self.assertEqual(HEARTBEAT, self.peer(CONTROL).segment())
 
     def test_heartbeat_pause(self):
-        self.startWith("heartbeat-pause=2")
+        self.start_with("heartbeat-pause=2")
         peer = self.peer(GROUND)
         self.assertEqual(GROUND_HEARTBEAT * 2, peer.exactly(12))
-        self.assertTrue(peer.quietFor(1.8))
+        self.assertTrue(peer.quiet_for(1.8))
         self.assertEqual(GROUND_HEARTBEAT * 3, peer.exactly(18))
 
     def test_heartbeat_interval(self):
-        self.startWith("heartbeat-interval", "no-version")
+        self.start_with("heartbeat-interval", "no-version")
         peer = self.peer(CONTROL)
         self.assertEqual(HEARTBEAT * 11, peer.exactly(66))
         self.assertLess(time.monotonic() - peer.opened, 2.0)
         self.assertGreater(time.monotonic() - peer.opened, 1.0)
 
     def test_wrong_start(self):
-        self.startWith("wrong-start")
+        self.start_with("wrong-start")
         self.assertEqual([b"\xbb" + HEARTBEAT[1:], b"\xbb" + VERSION[1:]],
                          self.segments(CONTROL, 2))
         self.assertEqual([HEARTBEAT], self.segments(GROUND, 1))
@@ -62,59 +62,59 @@ class ModuleFaultsTest(SimulatorTest):
                          self.segments(CONTROL, 2))
 
     def test_unknown_type(self):
-        self.startWith("unknown-type", "no-heartbeat", "no-version")
+        self.start_with("unknown-type", "no-heartbeat", "no-version")
         control, ground = self.peer(CONTROL), self.peer(GROUND)
         for _ in range(2):
             self.assertEqual(bytes.fromhex("aaaf7f0101da"), control.segment())
         self.assertEqual(bytes.fromhex("bbaf7f0101da"), ground.exactly(6))
 
     def test_early_version(self):
-        self.startWith("early-version")
+        self.start_with("early-version")
         peer = self.peer(CONTROL)
         self.assertEqual(VERSION, peer.segment())
-        self.assertTrue(peer.quietFor(0.15))
+        self.assertTrue(peer.quiet_for(0.15))
         self.assertEqual(HEARTBEAT, peer.segment())
 
     def test_no_version(self):
-        self.startWith("no-version")
+        self.start_with("no-version")
         self.assertEqual([HEARTBEAT] * 3, self.segments(CONTROL, 3))
 
     def test_split_frames(self):
-        self.startWith("split-frames")
+        self.start_with("split-frames")
         self.assertEqual([HEARTBEAT[:3], HEARTBEAT[3:], VERSION[:7], VERSION[7:]],
                          self.segments(CONTROL, 4))
         self.assertEqual([GROUND_HEARTBEAT[:3], GROUND_HEARTBEAT[3:]], self.segments(GROUND, 2))
 
     def test_split_version(self):
-        self.startWith("split-version")
+        self.start_with("split-version")
         self.assertEqual([HEARTBEAT, VERSION[:7], VERSION[7:], HEARTBEAT],
                          self.segments(CONTROL, 4))
 
     def test_two_frames(self):
-        self.startWith("two-frames")
+        self.start_with("two-frames")
         self.assertEqual([HEARTBEAT + VERSION] * 2, self.segments(CONTROL, 2))
         self.switch("fault two-frames=version")
         self.assertEqual([VERSION + HEARTBEAT] * 2, self.segments(CONTROL, 2))
 
     def test_long_chunk(self):
-        self.startWith("long-segment", "no-version")
+        self.start_with("long-segment", "no-version")
         chunk = HEARTBEAT + b"\x55" * 94 + HEARTBEAT
         self.assertEqual([chunk, chunk], self.segments(CONTROL, 2))
         self.switch("fault long-segment=12")
         self.assertEqual([HEARTBEAT * 2], self.segments(CONTROL, 1))
 
     def test_high_bit_version(self):
-        self.startWith("high-bit-version")
+        self.start_with("high-bit-version")
         self.assertEqual([HEARTBEAT, bytes.fromhex("aaaf0009ff01908000ffff0080e8")],
                          self.segments(CONTROL, 2))
 
     def test_reset_mid_frame(self):
-        self.startWith("reset-mid-frame")
+        self.start_with("reset-mid-frame")
         self.assertEqual([HEARTBEAT, VERSION, HEARTBEAT, HEARTBEAT[:3], "reset"],
                          self.segments(CONTROL, 5))
 
     def test_half_close(self):
-        self.startWith("half-close")
+        self.start_with("half-close")
         peer = self.peer(GROUND)
         self.assertEqual([GROUND_HEARTBEAT] * 2 + [b""], [peer.segment() for _ in range(3)])
         peer.send(b"\x00")
@@ -122,14 +122,14 @@ class ModuleFaultsTest(SimulatorTest):
                         "a half-closed module that still listens")
 
     def test_only_limits_a_fault_to_one_module(self):
-        self.startWith("split-frames", "only=ground")
+        self.start_with("split-frames", "only=ground")
         self.assertEqual([HEARTBEAT], self.segments(CONTROL, 1))
         self.assertEqual([GROUND_HEARTBEAT[:3]], self.segments(GROUND, 1))
         self.switch("fault only=list")
         self.assertEqual([HEARTBEAT[:3]], self.segments(CONTROL, 1))
 
     def test_refuse(self):
-        self.startWith()
+        self.start_with()
         old = self.peer(CONTROL)
         old.exactly(20)
         self.switch("fault refuse=control")
@@ -141,39 +141,39 @@ class ModuleFaultsTest(SimulatorTest):
         self.assertEqual(HEARTBEAT, self.peer(CONTROL).segment())
 
     def test_all_devices_can_refuse_from_the_start(self):
-        self.startWith("refuse")
+        self.start_with("refuse")
         for address in (CONTROL, GROUND, CAMERA):
             with self.assertRaises(ConnectionRefusedError):
                 self.peer(address)
 
     def test_silent_and_never_accept(self):
-        self.startWith()
+        self.start_with()
         for fault in ("silent", "never-accept"):
             with self.subTest(fault=fault):
                 self.switch(f"fault {fault}=control,ground")
                 control, ground = self.peer(CONTROL), self.peer(GROUND)
-                self.assertTrue(control.quietFor(QUIET / 2))
-                self.assertTrue(ground.quietFor(0.1))
+                self.assertTrue(control.quiet_for(QUIET / 2))
+                self.assertTrue(ground.quiet_for(0.1))
                 self.switch("clear " + fault)
                 self.assertEqual(HEARTBEAT, control.segment())
                 self.assertEqual(VERSION, control.segment())
                 self.assertEqual(GROUND_HEARTBEAT, ground.exactly(6))
 
     def test_down(self):
-        self.startWith()
+        self.start_with()
         old = self.peer(CONTROL)
         old.exactly(20)
         self.switch("fault down=control")
         with self.assertRaises(TimeoutError):
             self.peer(CONTROL, 0.5)
-        self.assertTrue(old.quietFor(QUIET / 2))
+        self.assertTrue(old.quiet_for(QUIET / 2))
         self.assertEqual(GROUND_HEARTBEAT, self.peer(GROUND).segment())
         self.switch("clear down")
         self.assertEqual("reset", old.segment())
         self.assertEqual(HEARTBEAT, self.peer(CONTROL).segment())
 
     def test_reboot_ends_by_itself(self):
-        self.startWith()
+        self.start_with()
         old = self.peer(GROUND)
         old.exactly(6)
         start = time.monotonic()
@@ -187,7 +187,7 @@ class ModuleFaultsTest(SimulatorTest):
         self.assertEqual(1, len(self.journal(event="control", line="clear reboot")))
 
     def test_flapping(self):
-        self.startWith("flapping=600", "no-version")
+        self.start_with("flapping=600", "no-version")
         peer = self.eventually(self.reach, "a connection while up")
         segments = [peer.segment()]
         while segments[-1] == HEARTBEAT and len(segments) < 10:

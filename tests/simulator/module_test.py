@@ -1,4 +1,4 @@
-"""The control and the ground module: frames, checks, control lines."""
+"""Tests the control and the ground module: frames, checks, control lines."""
 
 import signal
 import time
@@ -90,7 +90,7 @@ class ModuleTest(SimulatorTest):
         self.switch("drop camera")
         self.assertEqual(b"", camera.segment())
         self.assertEqual(GROUND_HEARTBEAT, ground.exactly(6))
-        self.assertTrue(ground.quietFor(0.2))
+        self.assertTrue(ground.quiet_for(0.2))
         self.assertEqual(HEARTBEAT, self.peer(CONTROL).segment())
         self.assertEqual("error drop takes control, ground or camera", self.control("drop all"))
 
@@ -143,7 +143,7 @@ class ModuleTest(SimulatorTest):
         self.start(descriptors=200)
         waiting = [self.peer(CAMERA) for _ in range(100)]
         late = self.request(COUNT)
-        self.assertTrue(late.quietFor(0.3))
+        self.assertTrue(late.quiet_for(0.3))
         self.assertEqual(HEARTBEAT, self.peer(CONTROL).segment())
         for peer in waiting:
             peer.close()

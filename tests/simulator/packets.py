@@ -1,4 +1,4 @@
-"""Captures packets of the loopback interface into a file, as far as the system allows it."""
+"""Captures packets of the loopback interface into a file, if the system allows it."""
 
 import os
 import select
@@ -11,13 +11,13 @@ ETHERNET = 1
 
 
 class Capture:
-    """A capture that runs in a thread of its own from `start` to `stop`."""
+    """A capture that runs in a separate thread from `start` to `stop`."""
 
     ALL = 0x0003
     OUTGOING = 4
 
     def __init__(self):
-        """Raises PermissionError where the caller may not look at packets."""
+        """Raises PermissionError if the caller may not capture packets."""
         self.packets = []
         self.socket = socket.socket(socket.AF_PACKET, socket.SOCK_RAW, socket.htons(self.ALL))
         self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 64 * 1024 * 1024)
@@ -31,7 +31,7 @@ class Capture:
             ready, _, _ = select.select([self.socket, self.ending], [], [])
             if self.socket in ready:
                 data, address = self.socket.recvfrom(262144)
-                if address[2] != self.OUTGOING:  # the loopback interface shows each one twice
+                if address[2] != self.OUTGOING:  # each packet appears twice
                     self.packets.append((time.time(), data))
             elif self.ending in ready:
                 return

@@ -1,4 +1,4 @@
-"""A run that is recorded, in a journal or as packets, and played again."""
+"""Tests recording a run, as a journal or as packets, and replaying it."""
 
 import os
 import subprocess
@@ -22,8 +22,8 @@ class RecordingTest(SimulatorTest):
     """Records and replays; has no tests itself."""
 
     def record(self, *arguments):
-        """Records the run in self.journalPath; returns what a client saw."""
-        self.start("--card", self.makeCard(A=BIG, B=b"bravo"), "--heartbeat", "400", *FAULTS,
+        """Records a run in self.journal_path; returns what a client received."""
+        self.start("--card", self.make_card(A=BIG, B=b"bravo"), "--heartbeat", "400", *FAULTS,
                    *arguments)
         seen = self.visit()
         self.finish()
@@ -37,13 +37,13 @@ class RecordingTest(SimulatorTest):
 
     def finish(self):
         self.end()
-        # The next start writes a journal of its own.
+        # The next start writes a new journal.
         kept = os.path.join(self.folder, "recorded")
         if not os.path.exists(kept):
-            os.rename(self.journalPath, kept)
+            os.rename(self.journal_path, kept)
 
     def visit(self):
-        """All that a client saw: segments of the modules, answers of the camera and their ends."""
+        """Returns what a client received from the modules and the camera, and the ends."""
         modules = []
         for address, size in ((CONTROL, 26), (GROUND, 12)):
             peer = self.peer(address)
@@ -71,7 +71,7 @@ class JournalTest(RecordingTest):
         self.start("--replay", first, "--journal-full")
         self.assertEqual(seen, self.visit())
         self.end()
-        os.rename(self.journalPath, again)
+        os.rename(self.journal_path, again)
         self.assertEqual(seen, self.replay(again))
 
     def test_ordinary_journal_is_filled_in_and_that_is_said(self):
@@ -84,8 +84,8 @@ class JournalTest(RecordingTest):
                          "and zeros take their place\n", result.stderr)
         modules, answers = self.replay(journal)
         self.assertEqual(seen[0], modules)
-        for (recorded, end), (played, playedEnd) in zip(seen[1], answers):
-            self.assertEqual((len(recorded), end), (len(played), playedEnd))
+        for (recorded, end), (played, played_end) in zip(seen[1], answers):
+            self.assertEqual((len(recorded), end), (len(played), played_end))
         self.assertEqual(seen[1][:3], answers[:3])
         self.assertEqual(b"\0" * 150000, answers[4][0][-150000:])
 
@@ -170,10 +170,10 @@ class JournalTest(RecordingTest):
 
 
 class CaptureTest(RecordingTest):
-    """Needs the right to look at packets, which a network of one's own gives."""
+    """Needs the permission to capture packets, which a private network grants."""
 
     def capture(self):
-        """Records a run; returns what was seen, and its packets."""
+        """Records a run; returns what was received and the packets."""
         packets.write(self.path("none"), [])
         if "reads no packet captures" in subprocess.run(
                 [harness.program, "--replay", self.path("none")], check=False, text=True,
@@ -193,7 +193,7 @@ class CaptureTest(RecordingTest):
         seen, captured = self.capture()
         packets.write(self.path(), captured)
         self.assertEqual(seen, self.replay(self.path()))
-        # Nothing had to be filled in.
+        # Nothing was filled in.
         result = subprocess.run([harness.program, "--replay", self.path(), "--exit-with-stdin"],
                                 stdin=subprocess.DEVNULL, capture_output=True, check=True)
         self.assertEqual(b"", result.stderr)
@@ -229,8 +229,8 @@ class CaptureTest(RecordingTest):
                                         "build reads no packet captures")
 
 
-def networkWithPackets():
-    """Starts this program again in a network where it may look at packets, if there is one."""
+def network_with_packets():
+    """Restarts this program in a network where it may capture packets, if possible."""
     addresses = "".join(f"ip addr add 192.168.1.{a}/32 dev lo;" for a in (120, 148, 149))
     try:
         packets.Capture().stop()
@@ -242,5 +242,5 @@ def networkWithPackets():
 
 
 if __name__ == "__main__":
-    networkWithPackets()
+    network_with_packets()
     harness.main()

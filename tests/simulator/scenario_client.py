@@ -1,4 +1,4 @@
-"""Lives through a scenario: asks the vehicle the same after each step and prints what it saw.
+"""Follows a scenario: queries the vehicle in the same way after each step and prints the results.
 
 scenario_client.py SIMULATOR OPTION...
 """
@@ -19,7 +19,7 @@ TARGETS = (harness.COUNT, harness.LIST + b"2", harness.INFO + b"A.MP4",
 
 
 def talk(address, request):
-    """What came, and how it ended."""
+    """Returns what was received and how it ended."""
     data = b""
     try:
         with socket.create_connection(address, PATIENCE) as peer:
@@ -34,7 +34,7 @@ def talk(address, request):
     except ConnectionRefusedError:
         end = "refused"
     except ConnectionError:
-        return "reset"  # which may overtake the bytes before it
+        return "reset"  # a reset may overtake the bytes before it
     except TimeoutError:
         end = "silence"
     return f"{len(data)} bytes {zlib.crc32(data):08x} {end}"

@@ -1,4 +1,4 @@
-"""Faults on some requests only, and scenarios."""
+"""Tests faults limited to some requests, and scenarios."""
 
 import os
 import subprocess
@@ -13,11 +13,11 @@ NETWORK = os.path.join(ROOT, "tools", "private-network")
 
 
 class OccasionTest(SimulatorTest):
-    def startTwo(self, *arguments):
-        self.start("--card", self.makeCard(A=b"alpha" * 100, B=b"bravo"), *arguments)
+    def start_two(self, *arguments):
+        self.start("--card", self.make_card(A=b"alpha" * 100, B=b"bravo"), *arguments)
 
     def broken(self, requests):
-        """The numbers of the requests that the fault no-reason acts on."""
+        """Returns the numbers of the requests that the fault no-reason affects."""
         answers = [self.ask(COUNT) for _ in range(requests)]
         self.assertLessEqual(set(answers), {COUNT_ANSWER, BROKEN})
         return [number for number, answer in enumerate(answers, 1) if answer == BROKEN]
@@ -25,12 +25,12 @@ class OccasionTest(SimulatorTest):
     def test_fault_acts_on_the_request_with_that_number(self):
         for when, acted in (("3", [3]), ("2-4", [2, 3, 4]), ("5-", [5, 6]), ("1-1", [1])):
             with self.subTest(when=when):
-                self.startTwo("--fault", f"no-reason@{when}")
+                self.start_two("--fault", f"no-reason@{when}")
                 self.assertEqual(acted, self.broken(6))
                 self.end()
 
     def test_number_counts_from_the_start_and_a_value_may_follow(self):
-        self.startTwo()
+        self.start_two()
         self.ask(COUNT)
         self.switch("fault status@3=500")
         self.assertEqual(COUNT_ANSWER, self.ask(COUNT))
@@ -48,7 +48,7 @@ class OccasionTest(SimulatorTest):
     def test_chance_is_that_of_the_seed(self):
         acted = {}
         for run, seed in (("first", "1"), ("again", "1"), ("other", "2")):
-            self.startTwo("--seed", seed, "--fault", "no-reason@30%")
+            self.start_two("--seed", seed, "--fault", "no-reason@30%")
             acted[run] = self.broken(60)
             self.end()
         self.assertEqual(acted["first"], acted["again"])
@@ -75,30 +75,30 @@ class ScenarioTest(SimulatorTest):
             file.write(text)
         return path
 
-    def startTwo(self, text, *arguments):
-        self.start("--card", self.makeCard(A=b"alpha" * 100, B=b"bravo"), "--scenario",
+    def start_two(self, text, *arguments):
+        self.start("--card", self.make_card(A=b"alpha" * 100, B=b"bravo"), "--scenario",
                    self.scenario(text), *arguments)
 
     def step(self):
         return self.answers.get(timeout=harness.LIMIT)
 
     def test_steps_by_exchange_act_before_the_answer(self):
-        self.startTwo("at exchange 2: no-reason\nat exchange 4: clear all\n")
+        self.start_two("at exchange 2: no-reason\nat exchange 4: clear all\n")
         self.assertEqual([COUNT_ANSWER, BROKEN, BROKEN, COUNT_ANSWER],
                          [self.ask(COUNT) for _ in range(4)])
         self.assertEqual(["scenario: ok fault no-reason", "scenario: ok clear all"],
                          [self.step(), self.step()])
 
     def test_steps_by_download_act_after_the_answer(self):
-        self.startTwo("after download 2: fault no-reason\n")
+        self.start_two("after download 2: fault no-reason\n")
         for target, answer in ((RECORDING + b"A.MP4", b"200 OK"), (COUNT, b"200 OK"),
                                (INFO + b"A.MP4", b"200 OK"), (RECORDING + b"B.MP4", b"200 OK"),
                                (LIST + b"2", b"200\r\n")):
             self.assertIn(answer, self.ask(target))
 
     def test_steps_by_time_come_when_it_is_over(self):
-        self.startTwo("# the first\n\n after 3 min: fault no-reason\nafter 240 s: quit\n",
-                      "--speed", "200")
+        self.start_two("# the first\n\n after 3 min: fault no-reason\nafter 240 s: quit\n",
+                       "--speed", "200")
         self.assertEqual("scenario: ok fault no-reason", self.step())
         self.assertEqual(BROKEN, self.ask(COUNT))
         self.assertEqual("scenario: ok quit", self.step())

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""How belun-verify ends: interrupted, without a reader, without its camera; what a terminal shows."""
+"""Tests how belun-verify ends: interrupted, without a reader or camera; and on a terminal."""
 
 import fcntl
 import os
@@ -21,11 +21,11 @@ SIZE = 40_000_000
 
 
 class Ends(VerifyTest):
-    def startLarge(self, *arguments):
-        """A card with one recording of forty megabytes, which is on this computer, too."""
+    def start_large(self, *arguments):
+        """Creates a card with one recording of forty megabytes that is also on this computer."""
         content = bytes(range(250)) * (SIZE // 250)
         self.write("A.MP4", content)
-        self.start("--card", self.makeCard(A=content), *arguments)
+        self.start("--card", self.make_card(A=content), *arguments)
 
     def run_(self, *arguments, **options):
         options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE,
@@ -39,7 +39,7 @@ class Ends(VerifyTest):
         return process
 
     def end(self, process):
-        """Status, report and messages."""
+        """Returns status, report and messages."""
         out, err = process.communicate(timeout=LIMIT)
         return process.returncode, (out or b"").decode(), (err or b"").decode()
 
@@ -53,16 +53,16 @@ class Ends(VerifyTest):
         self.assertLess(time.monotonic() - started, LIMIT / 4, "the end takes its time")
         return result
 
-    def test_anInterruptionEndsTheWaitForASilentCamera(self):
-        self.startLarge("--fault", "silent=camera")
+    def test_an_interruption_ends_the_wait_for_a_silent_camera(self):
+        self.start_large("--fault", "silent=camera")
         process = self.run_()
         self.eventually(lambda: self.journal(device="camera", event="open"), "a connection")
         self.assertEqual((130, "", INTERRUPTED), self.interrupt(process))
 
-    def test_anInterruptionEndsTheWaitForAConnection(self):
+    def test_an_interruption_ends_the_wait_for_a_connection(self):
         self.start("--fault", "down=camera")
         process = self.run_("--timeout", "3600")
-        # Connecting leaves nothing in the journal; the system knows of it.
+        # Connecting does not appear in the journal; ask the system instead.
         self.eventually(lambda: " 02 " in self.sockets(), "an attempt to connect")
         self.assertEqual((130, "", INTERRUPTED), self.interrupt(process))
 
@@ -71,13 +71,13 @@ class Ends(VerifyTest):
         with open("/proc/net/tcp", encoding="ascii") as file:
             return file.read()
 
-    def test_anInterruptionEndsAComparison(self):
-        self.startLarge("--rate", "1000000")
+    def test_an_interruption_ends_a_comparison(self):
+        self.start_large("--rate", "1000000")
         process = self.run_("--content")
         self.eventually(self.requested("recording"), "a recording")
         self.assertEqual((130, "", INTERRUPTED), self.interrupt(process))
 
-    def test_anInterruptionEndsTheWaitForAReader(self):
+    def test_an_interruption_ends_the_wait_for_a_reader(self):
         self.start("--fault", "entries=500")
         reading, writing = os.pipe()
         self.addCleanup(os.close, reading)
@@ -90,14 +90,14 @@ class Ends(VerifyTest):
         self.eventually(full, "a full pipe")
         self.assertEqual((130, "", INTERRUPTED), self.interrupt(process))
 
-    def test_aFullPipeIsWaitedFor(self):
+    def test_a_full_pipe_is_waited_for(self):
         self.start("--fault", "entries=3000")
         process = self.run_()
         self.eventually(lambda: select.select([process.stdout], [], [], 0)[0], "a report")
         status, out, err = self.end(process)
         self.assertEqual((1, 3001, ""), (status, len(out.splitlines()), err))
 
-    def test_aReaderThatHasGoneIsAFailure(self):
+    def test_a_reader_that_has_gone_is_a_failure(self):
         self.start("--fault", "entries=3")
         reading, writing = os.pipe()
         os.close(reading)
@@ -106,7 +106,7 @@ class Ends(VerifyTest):
         self.assertEqual((2, "", "belun-verify: The report cannot be written: Broken pipe.\n"),
                          self.end(process))
 
-    def test_aFullDiskIsAFailure(self):
+    def test_a_full_disk_is_a_failure(self):
         self.start("--fault", "entries=3")
         with open("/dev/full", "wb") as full:
             for arguments in ((), ("--json",), ("--help",)):
@@ -114,24 +114,24 @@ class Ends(VerifyTest):
                     (2, "", "belun-verify: The report cannot be written: No space left on "
                             "device.\n"), self.end(self.run_(*arguments, stdout=full)))
 
-    def test_aCameraThatIsGoneHalfWayIsAFailure(self):
-        self.startLarge("--rate", "1000000")
+    def test_a_camera_that_is_gone_half_way_is_a_failure(self):
+        self.start_large("--rate", "1000000")
         process = self.run_("--content")
         self.eventually(self.requested("recording"), "a recording")
         self.process.stdin.close()
         self.process.wait(LIMIT)
         status, out, err = self.end(process)
         self.assertEqual(
-            (2, "A.MP4: cannot be compared: no content: the camera closed the connection before its "
-                "answer was complete\n"
+            (2, "A.MP4: cannot be compared: no content: the camera closed the connection before "
+                "its answer was complete\n"
                 "Do not delete yet: the comparison could not be completed; not known to be safe (1 "
                 "of 1): A.MP4.\n"), (status, out))
-        # The next request may come before the last socket of the camera is gone.
+        # The next request may arrive before the last socket of the camera is closed.
         self.assertRegex(err, "^belun-verify: The recordings cannot be counted: the camera (at "
                               "192.168.1.120 refuses|closed) the connection.*\\.\n$")
 
-    def test_aCameraWithoutPowerHalfWayIsAFailure(self):
-        self.startLarge("--rate", "1000000")
+    def test_a_camera_without_power_half_way_is_a_failure(self):
+        self.start_large("--rate", "1000000")
         process = self.run_("--content", "--timeout", "1")
         self.eventually(self.requested("recording"), "a recording")
         self.switch("fault down=camera")
@@ -140,8 +140,8 @@ class Ends(VerifyTest):
              "belun-verify: No content of A.MP4: the camera sent nothing for 1 s.\n"),
             self.end(process))
 
-    def onTerminal(self, *arguments, typed=b""):
-        """What a terminal shows of a run that has it for all three streams, and the status."""
+    def on_terminal(self, *arguments, typed=b""):
+        """Returns the output on a terminal that is used for all three streams, and the status."""
         master, slave = pty.openpty()
         self.addCleanup(os.close, master)
         process = self.run_(*arguments, stdin=slave, stdout=slave, stderr=slave)
@@ -160,9 +160,9 @@ class Ends(VerifyTest):
         process.wait(LIMIT)
         return shown.decode().replace("\r\n", "\n"), process.returncode
 
-    def test_aTerminalShowsRateAndTimeLeft(self):
-        self.startLarge("--rate", "20000000")
-        shown, status = self.onTerminal("--content")
+    def test_a_terminal_shows_rate_and_time_left(self):
+        self.start_large("--rate", "20000000")
+        shown, status = self.on_terminal("--content")
         self.assertEqual(0, status)
         self.assertRegex(shown, r"\r\x1b\[K1/1 A\.MP4: \d+ %, \d+\.\d MB/s, 00:0\d left")
         rest = re.sub(r"\r\x1b\[K[^\r\n]*(?=\r\x1b\[K)", "", shown)
@@ -170,25 +170,25 @@ class Ends(VerifyTest):
                          rest.split("\n")[0])
         self.assertTrue(shown.endswith("the same, byte for byte.\n"), shown[-200:])
 
-    def test_nothingButATerminalGetsProgress(self):
-        self.startLarge("--rate", "40000000")
+    def test_nothing_but_a_terminal_gets_progress(self):
+        self.start_large("--rate", "40000000")
         status, out, err = self.end(self.run_("--content"))
         self.assertEqual((0, 2, ""), (status, len(out.splitlines()), err))
         self.assertNotIn("\r", out)
 
-    def test_theEndWaitsForEnter(self):
+    def test_the_end_waits_for_enter(self):
         self.start("--fault", "entries=0")
-        shown, status = self.onTerminal("--wait", typed=b"Press Enter")
+        shown, status = self.on_terminal("--wait", typed=b"Press Enter")
         self.assertEqual(0, status)
         self.assertTrue(shown.split("\x1b[K")[-1].startswith(
             "The card holds no recordings.\nPress Enter to close.\n"), repr(shown))
         self.assertEqual((0, "The card holds no recordings.\n", "Press Enter to close.\n"),
                          self.end(self.run_("--wait")))
 
-    def test_memoryStaysTheSameHoweverMuchComes(self):
+    def test_memory_stays_the_same_however_much_comes(self):
         def peak(*faults):
             simulator = ["--fault", "entries=1", *(word for fault in faults
-                                                  for word in ("--fault", fault))]
+                                                   for word in ("--fault", fault))]
             self.start(*simulator)
             process = self.run_()
             process.stdout.read()
@@ -200,17 +200,17 @@ class Ends(VerifyTest):
         for fault in ("infinite-list", "long-header=10000000", "list-padding=100000000"):
             self.assertLess(peak(fault), usual + 3 * 16 * 1024, fault)
 
-    def test_aTricklingHeadEnds(self):
+    def test_a_trickling_head_ends(self):
         def trickle():
             for _ in range(1000):
                 yield b"x"
-                time.sleep(0.2)  # the camera's pace, nothing is waited for
+                time.sleep(0.2)  # the camera's pace; no synchronisation
         ScriptedCamera(self, lambda target, number: trickle())
         status, _, err = self.end(self.run_("--timeout", "1"))
         self.assertEqual((2, "belun-verify: The recordings cannot be counted: the camera's answer "
                              "took more than 4 s.\n"), (status, err))
 
-    def test_answersAfterTheEndAreIgnored(self):
+    def test_answers_after_the_end_are_ignored(self):
         ScriptedCamera(self, lambda target, number: ok(b'="0";') + b"more" if b"count" in target
                        else ok(b"\r"))
         self.assertEqual(0, self.end(self.run_())[0])

@@ -1,11 +1,11 @@
 #!/usr/bin/python3
-"""What belun-verify prints for each fault of the camera. A fault without a row fails."""
+"""Tests the output of belun-verify for each fault of the camera. A fault without a row fails."""
 
 import re
 import subprocess
 
 import verify_harness
-import harness  # found by the other one
+import harness  # verify_harness sets the path
 from verify_harness import VerifyTest
 
 BOTH = ["A.MP4: the same, byte for byte (500 bytes)",
@@ -23,11 +23,11 @@ def failed(message):
             f"belun-verify: {message}.\n")
 
 
-def noCount(why):
+def no_count(why):
     return failed(f"The recordings cannot be counted: {why}")
 
 
-def noList(why):
+def no_list(why):
     return failed(f"The recordings cannot be listed: {why}")
 
 
@@ -37,10 +37,10 @@ def neither(why):
 
 
 def renamed(name):
-    """A new name can be fetched, and the old file is on this computer only."""
+    """The recording with the new name can be downloaded; the old file is only on this computer."""
     return (1, [f"{name}: not on this computer (500 bytes)", BOTH[1], "A.MP4: not on the card",
-                f"Do not delete yet: not known to be safe (1 of 2): {name}. Missing here: 500 bytes; "
-                "free in DCIM: ROOM bytes."], "")
+                f"Do not delete yet: not known to be safe (1 of 2): {name}. Missing here: 500 "
+                "bytes; free in DCIM: ROOM bytes."], "")
 
 
 def unusable(name, why="the window cannot download a recording of this name"):
@@ -51,72 +51,72 @@ def unusable(name, why="the window cannot download a recording of this name"):
 # faults, what is printed: status, report, standard error
 CASES = [
     # Reaching the camera
-    ("refuse=camera", noCount("the camera at 192.168.1.120 refuses the connection")),
-    ("silent=camera", noCount("the camera sent nothing for 1 s")),
-    ("never-accept=camera", noCount("the camera sent nothing for 1 s")),
-    ("down=camera", noCount("the camera at 192.168.1.120 did not answer within 1 s")),
-    ("reboot", noCount("the camera at 192.168.1.120 did not answer within 1 s")),
+    ("refuse=camera", no_count("the camera at 192.168.1.120 refuses the connection")),
+    ("silent=camera", no_count("the camera sent nothing for 1 s")),
+    ("never-accept=camera", no_count("the camera sent nothing for 1 s")),
+    ("down=camera", no_count("the camera at 192.168.1.120 did not answer within 1 s")),
+    ("reboot", no_count("the camera at 192.168.1.120 did not answer within 1 s")),
 
     # Any answer
     ("answer-delay=200", SAFE),
-    ("answer-delay=3000", noCount("the camera sent nothing for 1 s")),
+    ("answer-delay=3000", no_count("the camera sent nothing for 1 s")),
     ("link-lost-mid-command", SAFE),
-    ("status", noCount(STATUS)),
-    ("status=201", noCount("the camera answered with status 201")),
-    ("status only=list", noList(STATUS)),
+    ("status", no_count(STATUS)),
+    ("status=201", no_count("the camera answered with status 201")),
+    ("status only=list", no_list(STATUS)),
     ("status only=info", neither(f"no details: {STATUS}")),
     ("status only=recording", neither(f"no content: {STATUS}")),
     ("no-reason", SAFE),
     ("lower-case-names", SAFE),
     ("no-length", SAFE),
-    ("length-offset", noCount(NO_ANSWER)),
-    ("length-offset=-5", noCount(NOT_UNDERSTOOD)),
+    ("length-offset", no_count(NO_ANSWER)),
+    ("length-offset=-5", no_count(NOT_UNDERSTOOD)),
     ("length-offset=9 only=recording",
      (2, ["A.MP4: cannot be compared: the camera sends 509 bytes, and its details say 500 bytes",
           "B.MP4: cannot be compared: the camera sends 40,009 bytes, and its details say 40,000 "
           "bytes", "Do not delete yet: not known to be safe (2 of 2): A.MP4, B.MP4."], "")),
-    ("length-text", noCount(TOO_LONG)),
-    ("length-text=many", noCount(NOT_UNDERSTOOD)),
-    ("empty-answer", noCount(NOT_UNDERSTOOD)),
+    ("length-text", no_count(TOO_LONG)),
+    ("length-text=many", no_count(NOT_UNDERSTOOD)),
+    ("empty-answer", no_count(NOT_UNDERSTOOD)),
     ("chunked", SAFE),
     ("chunk-extension", SAFE),
-    ("chunk-bad-hex", noCount(NOT_UNDERSTOOD)),
-    ("chunk-size", noCount(TOO_LONG)),
-    ("chunk-no-last", noCount(NO_ANSWER)),
+    ("chunk-bad-hex", no_count(NOT_UNDERSTOOD)),
+    ("chunk-size", no_count(TOO_LONG)),
+    ("chunk-no-last", no_count(NO_ANSWER)),
     ("chunk-no-last only=recording", neither(f"no content: {NO_ANSWER}")),
     ("chunk-trailers", SAFE),
-    ("bare-lf", noCount(NO_ANSWER)),
+    ("bare-lf", no_count(NO_ANSWER)),
     ("odd-head-end", SAFE),
     ("continue-first", SAFE),
-    ("long-header", noCount(TOO_LONG)),
-    ("many-headers", noCount(TOO_LONG)),
+    ("long-header", no_count(TOO_LONG)),
+    ("many-headers", no_count(TOO_LONG)),
     ("long-type", SAFE),
-    ("close-before-head", noCount(NO_ANSWER)),
-    ("reset-before-head", noCount(NO_ANSWER)),
-    ("close-in-head", noCount(NO_ANSWER)),
-    ("reset-in-head", noCount(NO_ANSWER)),
-    ("close-after-head", noCount(NO_ANSWER)),
-    ("reset-after-head", noCount(NO_ANSWER)),
-    ("close-mid-body", noCount(NO_ANSWER)),
-    ("reset-mid-body", noCount(NO_ANSWER)),
+    ("close-before-head", no_count(NO_ANSWER)),
+    ("reset-before-head", no_count(NO_ANSWER)),
+    ("close-in-head", no_count(NO_ANSWER)),
+    ("reset-in-head", no_count(NO_ANSWER)),
+    ("close-after-head", no_count(NO_ANSWER)),
+    ("reset-after-head", no_count(NO_ANSWER)),
+    ("close-mid-body", no_count(NO_ANSWER)),
+    ("reset-mid-body", no_count(NO_ANSWER)),
     ("close-mid-body only=recording", neither(f"no content: {NO_ANSWER}")),
     ("reset-mid-body only=recording", neither(f"no content: {NO_ANSWER}")),
-    ("stall", noCount("the camera sent nothing for 1 s")),
+    ("stall", no_count("the camera sent nothing for 1 s")),
     ("stall only=recording", failed("No content of A.MP4: the camera sent nothing for 1 s")),
     ("split-head", SAFE),
     ("byte-by-byte only=cgi", SAFE),
-    ("byte-by-byte=400 only=cgi", noCount("the camera's answer took more than 4 s")),
-    ("garbage", noCount(NOT_UNDERSTOOD)),
+    ("byte-by-byte=400 only=cgi", no_count("the camera's answer took more than 4 s")),
+    ("garbage", no_count(NOT_UNDERSTOOD)),
 
     # The count
-    ("count=x", noCount(NOT_UNDERSTOOD)),
+    ("count=x", no_count(NOT_UNDERSTOOD)),
     ("count=0", (2, [BOTH[0], "B.MP4: not on the card",
                      "Do not delete yet: the camera's count (0) and its list (1) disagree."], "")),
     ("count-offset=1", (2, [*BOTH, "Do not delete yet: the camera's count (3) and its list (2) "
                                    "disagree."], "")),
     ("count-offset=-1", (2, [*BOTH, "Do not delete yet: the camera's count (1) and its list (2) "
                                     "disagree."], "")),
-    ("no-count-markers", noCount(NOT_UNDERSTOOD)),
+    ("no-count-markers", no_count(NOT_UNDERSTOOD)),
 
     # The card
     ("entries=0", (0, ["A.MP4: not on the card", "B.MP4: not on the card",
@@ -132,16 +132,16 @@ CASES = [
     ("swapped-cameras", None),
 
     # The list
-    ("no-list-end", noList(NOT_UNDERSTOOD)),
-    ("infinite-list", noList(TOO_LONG)),
-    ("no-semicolon", noList(NOT_UNDERSTOOD)),
+    ("no-list-end", no_list(NOT_UNDERSTOOD)),
+    ("infinite-list", no_list(TOO_LONG)),
+    ("no-semicolon", no_list(NOT_UNDERSTOOD)),
     ("no-list-markers", (2, ["entry 1 of the list: cannot be compared: it has no name",
                              "entry 2 of the list: cannot be compared: it has no name",
                              "A.MP4: not on the card", "B.MP4: not on the card",
                              "Do not delete yet: not known to be safe (2 of 2): entry 1 of the "
                              "list, entry 2 of the list."], "")),
     ("list-padding", SAFE),
-    ("list-padding=20000000", noList(TOO_LONG)),
+    ("list-padding=20000000", no_list(TOO_LONG)),
 
     # Names
     ("name-29", renamed("ZEPNA_20200131_124502_029.MP4")),
@@ -178,15 +178,15 @@ CASES = [
                           "Do not delete yet: not known to be safe (1 of 2): B.MP4."], "")),
 ]
 
-# Groups whose faults are those of the modules, or of what this program never asks for; and the
-# limit that is no fault itself.
+# Groups whose faults affect the modules or requests that this program never sends, and the limit,
+# which is not a fault itself.
 ELSEWHERE = ("Frames of the modules", "Delete and format")
 NO_FAULTS_OF_THE_CAMERA = {"flapping", "only"}
 
 
 class Faults(VerifyTest):
     def judge(self, faults, expected):
-        card = self.makeCard(A=b"a" * 500, B=b"b" * 40_000)
+        card = self.make_card(A=b"a" * 500, B=b"b" * 40_000)
         self.write("A.MP4", b"a" * 500)
         self.write("B.MP4", b"b" * 40_000)
         self.start("--card", card,
@@ -196,7 +196,7 @@ class Faults(VerifyTest):
         self.assertEqual(before, self.snapshot())
         for text in (result.out, result.err):
             self.assertTrue(all(letter.isprintable() or letter == "\n" for letter in text), text)
-        if expected is None:  # what is asked second of the wrong camera depends on the order
+        if expected is None:  # the second request to the wrong camera depends on the order
             self.assertIn(result.status, (1, 2))
             self.assertTrue(result.summary.startswith("Do not delete yet: "))
             return
@@ -204,7 +204,7 @@ class Faults(VerifyTest):
         out = re.sub(r"[0-9,]+ bytes\.$", "ROOM bytes.", out, flags=re.M)
         self.assertEqual(expected, (result.status, out.splitlines(), result.err))
 
-    def test_everyFaultOfTheCameraHasARow(self):
+    def test_every_fault_of_the_camera_has_a_row(self):
         listing = subprocess.run([harness.program, "--list-faults"], check=True, timeout=20,
                                  capture_output=True, text=True).stdout
         known = set()

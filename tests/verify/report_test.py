@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""What belun-verify says of a card, and how it ends."""
+"""Tests the report of belun-verify and its exit status."""
 
 import json
 import os
@@ -17,14 +17,14 @@ def same(name, size):
 
 
 class TwoHundred(VerifyTest):
-    """200 recordings: one cut, one with an old tail, one changed byte, one missing, one renamed."""
+    """200 recordings: one truncated, one with an old tail, one changed, one missing, one new."""
 
     def setUp(self):
         super().setUp()
         self.names = [f"REC_{number:04}.MP4" for number in range(1, 201)]
         contents = {name: bytes([number % 251]) * (1000 + number)
                     for number, name in enumerate(self.names, 1)}
-        card = self.makeCard(**{name[:-4]: content for name, content in contents.items()})
+        card = self.make_card(**{name[:-4]: content for name, content in contents.items()})
         for name, content in contents.items():
             self.write(name, content)
         self.write("REC_0010.MP4", contents["REC_0010.MP4"][:600])
@@ -55,19 +55,19 @@ class TwoHundred(VerifyTest):
         self.assertEqual(before, self.snapshot())
         return result.summary
 
-    def test_sizesAreJudged(self):
+    def test_sizes_are_judged(self):
         summary = self.judge()
         self.assertRegex(summary, "^" + (
             r"Do not delete yet: not known to be safe \(4 of 200\): REC_0010\.MP4, REC_0020\.MP4, "
             r"REC_0040\.MP4, REC_0150\.MP4\. Missing here: 2,600 bytes; free in .*/DCIM/: "
             r"[0-9,]+ bytes\. The window lists only the first 128 recordings of a card\.$"))
 
-    def test_contentsAreJudged(self):
+    def test_contents_are_judged(self):
         summary = self.judge("--content")
         self.assertIn("safe (5 of 200): REC_0010.MP4, REC_0020.MP4, REC_0030.MP4, REC_0040.MP4, "
                       "REC_0150.MP4. Missing here: 2,600 bytes;", summary)
 
-    def test_theNamedOnesAreJudged(self):
+    def test_the_named_ones_are_judged(self):
         self.check(self.verify("REC_0002.MP4", "REC_0001.MP4"), 0,
                    same("REC_0001.MP4", 1001), same("REC_0002.MP4", 1002),
                    f"All 2 named recordings are on this computer with the same size. {SIZES_ONLY}")
@@ -84,7 +84,7 @@ class TwoHundred(VerifyTest):
                    "REC_0150 (1).MP4, nothing. The window lists only the first 128 recordings of a "
                    "card.")
 
-    def test_eachObjectIsALine(self):
+    def test_each_object_is_a_line(self):
         result = self.verify("--json")
         *recordings, summary = [json.loads(line) for line in result.lines]
         self.assertEqual({"type": "recording", "name": "REC_0010.MP4", "result": "shorter",
@@ -99,7 +99,7 @@ class TwoHundred(VerifyTest):
                 "counted", "listed", "complete", "cardChanged")))
         self.assertTrue(json.loads(self.verify("--json", "--content").summary)["contentsCompared"])
 
-    def test_oneConnectionAtATimeAndOneForEachRequest(self):
+    def test_one_connection_at_a_time_and_one_for_each_request(self):
         self.verify("--content")
         events = [(line["event"], line["connection"]) for line in self.journal(device="camera")
                   if line["event"] in ("open", "close")]
@@ -116,12 +116,12 @@ class SmallCard(VerifyTest):
         self.write("A.MP4", b"a" * 500)
         self.write("B.MP4", b"b" * 40_000)
 
-    def startCard(self, *faults):
-        card = self.makeCard(A=b"a" * 500, B=b"b" * 40_000)
+    def start_card(self, *faults):
+        card = self.make_card(A=b"a" * 500, B=b"b" * 40_000)
         self.start("--card", card, *(word for fault in faults for word in ("--fault", fault)))
 
-    def test_allOfThemAreThere(self):
-        self.startCard()
+    def test_all_of_them_are_there(self):
+        self.start_card()
         self.check(self.verify(), 0, same("A.MP4", 500), same("B.MP4", 40_000),
                    "All 2 recordings of the card are on this computer with the same size. "
                    + SIZES_ONLY)
@@ -130,13 +130,13 @@ class SmallCard(VerifyTest):
                    "B.MP4: the same, byte for byte (40,000 bytes)",
                    "All 2 recordings of the card are on this computer, the same, byte for byte.")
 
-    def test_anEmptyCardHoldsNoRecordings(self):
-        self.startCard("entries=0")
+    def test_an_empty_card_holds_no_recordings(self):
+        self.start_card("entries=0")
         self.check(self.verify(), 0, "A.MP4: not on the card", "B.MP4: not on the card",
                    "The card holds no recordings.")
 
-    def test_whatHasTheNameButIsNoFileIsNotCompared(self):
-        self.startCard()
+    def test_what_has_the_name_but_is_no_file_is_not_compared(self):
+        self.start_card()
         os.rename(self.path("A.MP4"), self.path("C"))
         os.symlink("C", self.path("A.MP4"))
         os.remove(self.path("B.MP4"))
@@ -151,38 +151,38 @@ class SmallCard(VerifyTest):
             if make is os.mkfifo:
                 os.remove(self.path("B.MP4"))
 
-    def test_recordingsOfTwoGibibytesAreNotCompared(self):
-        self.startCard("info-size=2147483648", "only=info")
-        line = ("{}.MP4: cannot be compared: it has 2 GiB or more, which the window cannot download "
-                "(2,147,483,648 bytes)")
+    def test_recordings_of_two_gibibytes_are_not_compared(self):
+        self.start_card("info-size=2147483648", "only=info")
+        line = ("{}.MP4: cannot be compared: it has 2 GiB or more, which the window cannot "
+                "download (2,147,483,648 bytes)")
         self.check(self.verify(), 2, line.format("A"), line.format("B"),
                    "Do not delete yet: not known to be safe (2 of 2): A.MP4, B.MP4.")
 
-    def test_oneByteLessIsCompared(self):
-        self.startCard("info-size=2147483647", "only=info")
+    def test_one_byte_less_is_compared(self):
+        self.start_card("info-size=2147483647", "only=info")
         result = self.verify()
         self.assertEqual((1, "A.MP4: shorter by 2,147,483,147 bytes: the download was cut"),
                          (result.status, result.lines[0]))
 
-    def test_missingBytesAreHeldAgainstTheFreeSpace(self):
+    def test_missing_bytes_are_held_against_the_free_space(self):
         os.remove(self.path("A.MP4"))
         os.remove(self.path("B.MP4"))
-        self.startCard("info-size=2147483647", "only=info")
+        self.start_card("info-size=2147483647", "only=info")
         free = shutil.disk_usage(self.dcim).free
         summary = self.verify().summary
         self.assertIn("Missing here: 4,294,967,294 bytes; free in ", summary)
         self.assertEqual(free < 4_294_967_294, "Make room first." in summary)
 
-    def test_aFolderThatIsMissingHoldsNothing(self):
-        self.startCard()
+    def test_a_folder_that_is_missing_holds_nothing(self):
+        self.start_card()
         shutil.rmtree(self.dcim)
         result = self.verify()
         self.assertEqual((1, "A.MP4: not on this computer (500 bytes)"),
                          (result.status, result.lines[0]))
         self.assertFalse(os.path.exists(self.dcim))
 
-    def test_whatIsNoFolderCannotBeRead(self):
-        self.startCard()
+    def test_what_is_no_folder_cannot_be_read(self):
+        self.start_card()
         shutil.rmtree(self.dcim)
         with open(self.dcim, "wb"):
             pass
@@ -190,8 +190,8 @@ class SmallCard(VerifyTest):
                    "Do not delete yet: the comparison could not be completed.",
                    err=f"belun-verify: The folder {self.dcim}/ cannot be read: Not a directory.\n")
 
-    def test_wrongOptionsAskNothing(self):
-        self.startCard()
+    def test_wrong_options_ask_nothing(self):
+        self.start_card()
         for arguments, message in (
                 (["--contents"], "There is no option --contents."),
                 (["--timeout", "0"], "--timeout takes whole seconds from 1 to 3600, not 0."),
@@ -204,22 +204,22 @@ class SmallCard(VerifyTest):
                        "See belun-verify --help.\n")
         self.assertEqual([], self.journal(device="camera"))
 
-    def test_helpAndVersionAskNothing(self):
-        self.startCard()
+    def test_help_and_version_ask_nothing(self):
+        self.start_card()
         self.assertIn("--content", self.verify("--help").out)
         self.assertRegex(self.verify("--version").out, r"^belun-verify [0-9.]+\n$")
         self.assertEqual([], self.journal(device="camera"))
 
-    def test_theReportIsInTheUsersLanguage(self):
-        self.startCard()
+    def test_the_report_is_in_the_users_language(self):
+        self.start_card()
         result = self.verify(env={"LANG": "zh_CN.UTF-8"})
         self.check(result, 0, "A.MP4：大小相同（500 字节）", "B.MP4：大小相同（40,000 字节）",
                    "卡内全部 2 个录像均已在本机，大小相同。仅比较了大小；--content 可逐字节比对。")
         self.assertIn("All 2", self.verify(env={"LANG": "zh_CN.GB18030"}).summary)
         self.assertIn("All 2", self.verify(env={}).summary)
 
-    def test_theFolderIsFoundAsTheWindowFindsIt(self):
-        self.startCard()
+    def test_the_folder_is_found_as_the_window_finds_it(self):
+        self.start_card()
         home = os.path.join(self.folder, "home")
         os.makedirs(os.path.join(home, ".config"))
         for desktop, folder in (("Desktop", "Desktop"), ("桌面", "桌面"),
@@ -235,7 +235,7 @@ class SmallCard(VerifyTest):
 
 
 class ChangingCard(VerifyTest):
-    """A camera whose answers depend on how often it was asked."""
+    """A camera whose answers depend on the number of requests."""
 
     def camera(self, counts, lists, size=b"4", content=b"abcd"):
         self.write("A", b"abcd")
@@ -247,30 +247,30 @@ class ChangingCard(VerifyTest):
             return ok(b'size="' + size + b'";' if b"fileinfo" in target else content)
         return ScriptedCamera(self, answer)
 
-    def test_aCardThatStaysIsSafe(self):
+    def test_a_card_that_stays_is_safe(self):
         self.camera([b'="1";'], [b"ZEPNA/A;\r"])
         self.assertEqual(0, self.verify("--content").status)
 
-    def test_aNewRecordingMeanwhileIsADoubt(self):
+    def test_a_new_recording_meanwhile_is_a_doubt(self):
         self.camera([b'="1";', b'="2";'], [b"ZEPNA/A;\r", b"ZEPNA/A;\r", b"ZEPNA/A;ZEPNA/B;\r"])
         self.check(self.verify(), 2, "A: same size (4 bytes)",
                    "Do not delete yet: the card changed meanwhile, so compare again.")
 
-    def test_anotherRecordingMeanwhileIsADoubt(self):
+    def test_another_recording_meanwhile_is_a_doubt(self):
         self.camera([b'="1";'], [b"ZEPNA/A;\r", b"ZEPNA/A;\r", b"ZEPNA/B;\r"])
         self.assertIn("the card changed meanwhile", self.verify().summary)
 
-    def test_countAndListThatDisagreeAreADoubt(self):
+    def test_count_and_list_that_disagree_are_a_doubt(self):
         self.camera([b'="2";'], [b"ZEPNA/A;\r"])
         self.check(self.verify(), 2, "A: same size (4 bytes)",
                    "Do not delete yet: the camera's count (2) and its list (1) disagree.")
 
-    def test_aCountWithoutAListIsNoEmptyCard(self):
+    def test_a_count_without_a_list_is_no_empty_card(self):
         self.camera([b'="1";'], [b"\r"])
         self.check(self.verify(), 2, "A: not on the card",
                    "Do not delete yet: the camera's count (1) and its list (0) disagree.")
 
-    def test_aCountThatIsTooSmallHidesNothing(self):
+    def test_a_count_that_is_too_small_hides_nothing(self):
         def answer(target, _):
             if b"filelist" in target:
                 return ok(b"ZEPNA/A;\r" if target.endswith(b"-end=1") else b"ZEPNA/A;ZEPNA/B;\r")
@@ -279,10 +279,10 @@ class ChangingCard(VerifyTest):
         ScriptedCamera(self, answer)
         result = self.verify()
         self.assertEqual((2, "B: not on this computer (4 bytes)"), (result.status, result.lines[1]))
-        self.assertIn("the camera's count (1) and its list (2) disagree; not known to be safe (1 of "
-                      "2): B.", result.summary)
+        self.assertIn("the camera's count (1) and its list (2) disagree; not known to be safe (1 "
+                      "of 2): B.", result.summary)
 
-    def test_aCameraThatGivesNoMoreThanItCountsIsNotBlamed(self):
+    def test_a_camera_that_gives_no_more_than_it_counts_is_not_blamed(self):
         def answer(target, _):
             if b"filelist" in target:
                 return ok(b"ZEPNA/A;\r") if target.endswith(b"-end=1") else b""
@@ -291,13 +291,13 @@ class ChangingCard(VerifyTest):
         ScriptedCamera(self, answer)
         self.assertEqual(0, self.verify().status)
 
-    def test_entriesOfOneNameAreNotCompared(self):
+    def test_entries_of_one_name_are_not_compared(self):
         self.camera([b'="2";'], [b"ZEPNA/A;ZEPNA/A;\r"])
         self.check(self.verify("--content"), 2,
                    "A: cannot be compared: the card's list has this name more than once",
                    "Do not delete yet: not known to be safe (1 of 1): A.")
 
-    def test_entriesWithoutANameAreNotCompared(self):
+    def test_entries_without_a_name_are_not_compared(self):
         self.camera([b'="3";'], [b"ZEPNA/;ZEPNA/A;x;\r"])
         self.check(self.verify(), 2,
                    "entry 1 of the list: cannot be compared: it has no name",
@@ -306,12 +306,12 @@ class ChangingCard(VerifyTest):
                    "Do not delete yet: not known to be safe (2 of 3): entry 1 of the list, entry 3 "
                    "of the list.")
 
-    def test_aLengthThatIsNotTheSizeIsNotCompared(self):
+    def test_a_length_that_is_not_the_size_is_not_compared(self):
         self.camera([b'="1";'], [b"ZEPNA/A;\r"], content=b"abcde")
         self.assertEqual("A: cannot be compared: the camera sends 5 bytes, and its details say 4 "
                          "bytes", self.verify("--content").lines[0])
 
-    def test_aFileThatChangesMeanwhileIsNotCompared(self):
+    def test_a_file_that_changes_meanwhile_is_not_compared(self):
         def answer(target, _):
             if b"sd/DCIM" in target and b"cgi" not in target:
                 os.utime(self.path("A"), (1, 1))
@@ -322,7 +322,7 @@ class ChangingCard(VerifyTest):
         self.assertEqual("A: cannot be compared: the file on this computer was changed meanwhile",
                          self.verify("--content").lines[0])
 
-    def test_nothingIsReadOnceAByteDiffers(self):
+    def test_nothing_is_read_once_a_byte_differs(self):
         size = 500_000_000
 
         def content():

@@ -1,4 +1,4 @@
-"""Runs the built belun-verify against the simulator, or against a camera of a few lines."""
+"""Runs the built belun-verify with the simulator or with a minimal camera."""
 
 import os
 import pathlib
@@ -21,7 +21,7 @@ os.environ["LANG"] = "en_US.UTF-8"
 
 
 class Result:
-    """What a run printed, and how it ended."""
+    """The output and the exit status of a run."""
 
     def __init__(self, run):
         self.status = run.returncode
@@ -32,7 +32,7 @@ class Result:
 
 
 class VerifyTest(SimulatorTest):
-    """A test with a desktop folder of its own."""
+    """A test with its own desktop folder."""
 
     def setUp(self):
         super().setUp()
@@ -55,11 +55,11 @@ class VerifyTest(SimulatorTest):
         return Result(subprocess.run(self.command(*arguments), check=False, **options))
 
     def check(self, result, status, *lines, err=""):
-        """The whole report, line by line."""
+        """Returns the complete report, line by line."""
         self.assertEqual((list(lines), err, status), (result.lines, result.err, result.status))
 
     def snapshot(self):
-        """Everything about the desktop folder that a program could change."""
+        """Returns everything about the desktop folder that a program could change."""
         seen = []
         for folder, _, files in os.walk(self.desktop):
             seen.append((folder, os.stat(folder).st_mtime_ns))
@@ -105,7 +105,7 @@ class ScriptedCamera:
             for piece in [answer] if isinstance(answer, bytes) else answer:
                 connection.sendall(piece)
         except OSError:
-            pass  # the client has seen enough
+            pass  # the client has closed
 
     def stop(self):
         self.listener.shutdown(socket.SHUT_RDWR)
