@@ -1,6 +1,7 @@
 // belun-verify: says whether the recordings of the camera's card are safe on this computer.
 #include "download/DownloadRequest.h"
 #include "download/LocalFile.h"
+#include "posix/PipeSignalBlock.h"
 #include "verify/Comparison.h"
 #include "verify/Console.h"
 #include "verify/Json.h"
@@ -8,7 +9,6 @@
 #include "verify/Options.h"
 #include "verify/Texts.h"
 
-#include <csignal>
 #include <variant>
 
 #include <sys/stat.h>
@@ -126,7 +126,7 @@ void waitForEnter(Console& console)
 
 int main(int argc, char* argv[])
 {
-    std::signal(SIGPIPE, SIG_IGN); // a report without a reader is a failure with a message
+    const sys::PipeSignalBlock block; // a report without a reader is a failure with a message
     const QCoreApplication application(argc, argv);
     const Letters letters = terminalLetters();
     QTranslator translator;
