@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Compares the texts that the window's code passes to tr() with the catalogue sources."""
+"""Compares the texts that the code has translated with the catalogue sources."""
 
 import argparse
 import pathlib
@@ -10,7 +10,6 @@ import unittest
 import xml.etree.ElementTree
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-CATALOGUES = sorted((ROOT / "resources/translation").glob("*.ts"))
 # The form's design-time title, which the code never translates.
 BY_HAND = {"belun_chinese.ts": {("MainWindow", "MainWindow")}}
 
@@ -24,39 +23,50 @@ def messages_of(path):
                    translation.get("type", "finished"))
 
 
-class CatalogueSources(unittest.TestCase):
-    lupdate = ""
+LUPDATE = ""
+
+
+class Window(unittest.TestCase):
+    folder = "app"
+    catalogues = sorted((ROOT / "resources/translation").glob("*.ts"))
+    text = ("MainWindow", "Link Device")
 
     @classmethod
     def setUpClass(cls):
         with tempfile.TemporaryDirectory() as folder:
             found = pathlib.Path(folder, "code.ts")
-            code = sorted(str(path) for path in (ROOT / "app").glob("*.cpp"))
-            subprocess.run([cls.lupdate, "-silent", *code, "-ts", str(found)], check=True,
+            code = sorted(str(path) for path in (ROOT / cls.folder).glob("*.cpp"))
+            subprocess.run([LUPDATE, "-silent", *code, "-ts", str(found)], check=True,
                            timeout=60)
             cls.in_code = {message[:2] for message in messages_of(found)}
 
     def test_code_has_texts(self):
-        self.assertIn(("MainWindow", "Link Device"), self.in_code)
+        self.assertIn(self.text, self.in_code)
 
     def test_catalogues_hold_exactly_the_texts_of_the_code(self):
-        for path in CATALOGUES:
+        for path in self.catalogues:
             with self.subTest(path.name):
                 in_catalogue = [message[:2] for message in messages_of(path)]
                 expected = self.in_code | BY_HAND.get(path.name, set())
                 self.assertEqual(sorted(in_catalogue), sorted(expected))
 
     def test_every_text_is_translated(self):
-        for path in CATALOGUES:
+        for path in self.catalogues:
             for _, text, translation, state in messages_of(path):
                 with self.subTest(f"{path.name}: {text}"):
                     self.assertEqual(state, "finished")
                     self.assertTrue(translation)
 
 
+class Verify(Window):
+    folder = "verify"
+    catalogues = [ROOT / "verify/belun_verify_chinese.ts"]
+    text = ("verify", "The card holds no recordings.")
+
+
 if __name__ == "__main__":
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--lupdate", required=True)
     arguments, rest = parser.parse_known_args()
-    CatalogueSources.lupdate = arguments.lupdate
+    LUPDATE = arguments.lupdate
     unittest.main(argv=[sys.argv[0], *rest])
