@@ -1,0 +1,91 @@
+// A run of the window with the simulator, played again from its journal.
+#include "tests/app/UserWindow.h"
+#include "tests/support/StdoutCapture.h"
+#include "tests/support/TestMain.h"
+#include "tests/system/FaultRun.h"
+#include "tests/system/SimulatorProcess.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace {
+
+constexpr int limit = 20'000; // milliseconds, for a busy machine
+
+bool eventually(const std::function<bool()>& condition)
+{
+    return support::WindowProbe::waitUntil(condition, limit);
+}
+
+} // namespace
+
+class ReplayTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void windowSeesTheSameFromAFullJournal();
+
+private:
+    /// What the window shows and writes, with the simulator started in this way.
+    void use(const QStringList& arguments, QStringList& seen);
+
+    QTemporaryDir m_folder;
+};
+
+void ReplayTest::use(const QStringList& arguments, QStringList& seen)
+{
+    QDir(QDir::homePath()).removeRecursively();
+    QDir().mkpath(QDir::homePath() + "/Desktop");
+    SimulatorProcess simulator;
+    QVERIFY2(simulator.start(arguments), qPrintable(simulator.error()));
+    UserWindow user;
+    user.clickLink();
+    QVERIFY(eventually([&user] { return user.showsLinkSuccess(); }));
+    user.clickBrowse();
+    for (int row = 0; row < user.table().rowCount(); ++row) {
+        seen += user.row(row).join('|');
+    }
+    QCOMPARE(seen.size(), 2);
+    user.chooseRows({0, 1});
+    const support::StdoutCapture standardOutput;
+    user.clickDownload();
+    QVERIFY(eventually([&user] { return user.isIdle(); }));
+    for (const QString& name : user.names()) {
+        QFile file(FaultRun::downloadPath(name));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        seen += QString::fromLatin1(file.readAll().toHex());
+    }
+    user.destroy();
+    QVERIFY2(simulator.end(), qPrintable(simulator.error()));
+}
+
+void ReplayTest::windowSeesTheSameFromAFullJournal()
+{
+    const QString card = m_folder.filePath("card");
+    QVERIFY(QDir().mkdir(card));
+    for (const auto& [name, size] : {std::pair("A.MP4", 40'000), std::pair("B.MP4", 500)}) {
+        QFile file(card + '/' + name);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(FaultRun::content(size)), qint64(size));
+    }
+    const QString journal = m_folder.filePath("journal");
+    QStringList recorded;
+    // The last row is fetched first.
+    use({"--card", card, "--journal", journal, "--journal-full", "--fault", "info-reordered@3",
+         "--fault", "close-mid-body@6=10000", "--fault", "split-head@5"},
+        recorded);
+    if (QTest::currentTestFailed()) {
+        return;
+    }
+    QVERIFY(recorded.at(0).startsWith("A.MP4|"));
+    QCOMPARE(recorded.at(2), QString::fromLatin1(FaultRun::content(40'000).left(10'000).toHex()));
+    QCOMPARE(recorded.at(3), QString::fromLatin1(FaultRun::content(500).toHex()));
+    QStringList replayed;
+    use({"--replay", journal}, replayed);
+    QCOMPARE(replayed, recorded);
+}
+
+BELUN_NETWORK_TEST(ReplayTest)
+#include "ReplayTest.moc"
