@@ -126,6 +126,7 @@ class SimulatorTest(unittest.TestCase):
 
     def start(self, *arguments, descriptors=1024):
         self.journal_path = os.path.join(self.folder, "journal")
+        self.journal_number = None
         self.process = subprocess.Popen(
             [program, "--journal", self.journal_path, "--exit-with-stdin", *arguments],
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, env={**os.environ, "TZ": "UTC"},
@@ -188,10 +189,17 @@ class SimulatorTest(unittest.TestCase):
 
     def journal(self, **wanted):
         """Returns the lines of the journal with these values."""
-        with open(self.journal_path, encoding="ascii") as file:
-            # The last line may still be incomplete.
-            lines = [json.loads(line) for line in file if line.endswith("\n")]
-        return [line for line in lines
+        # Only what is new is read: a test that waits for a line asks again and again.
+        with open(self.journal_path, "rb") as file:
+            number = os.fstat(file.fileno()).st_ino
+            if number != self.journal_number:
+                self.journal_number, self.journal_read, self.journal_lines = number, 0, []
+            file.seek(self.journal_read)
+            new = file.read()
+        whole = new[:new.rfind(b"\n") + 1]  # the last line may still be incomplete
+        self.journal_read += len(whole)
+        self.journal_lines += [json.loads(line) for line in whole.splitlines()]
+        return [line for line in self.journal_lines
                 if all(line.get(name) == value for name, value in wanted.items())]
 
     def eventually(self, condition, what):
