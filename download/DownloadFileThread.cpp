@@ -26,22 +26,29 @@ void DownloadFileThread::stopAndWait()
 
 void DownloadFileThread::run()
 {
-    const sys::PipeSignalBlock block;
     const QString name = fileName;
     DownloadFile(name);
 }
 
-// QThread::exit() marks where the download has failed. There is no event loop that it would end:
-// the download always runs to its end, so that the next one is started.
 void DownloadFileThread::DownloadFile(QString name)
 {
+    const sys::PipeSignalBlock block;
+    if (fetch(name)) {
+        emit downloadFileFinished(); // a slot may delete this object
+    }
+}
+
+// QThread::exit() marks where the download has failed. There is no event loop that it would end:
+// the download always runs to its end, so that the next one is started.
+bool DownloadFileThread::fetch(const QString& name)
+{
+    download::RecordingDownload recording(m_calls);
     const QByteArray url = (urlPrefix + name).toLatin1();
     const QByteArray localName = name.toLatin1();
     const QByteArray folder = download::recordingsFolder(
         QStandardPaths::writableLocation(QStandardPaths::DesktopLocation));
     download::makeFolder(folder);
 
-    download::RecordingDownload recording(m_calls);
     if (!recording.openSocket()) {
         QThread::exit(-1);
     }
@@ -54,7 +61,7 @@ void DownloadFileThread::DownloadFile(QString name)
         QThread::exit(-1);
     }
     if (m_calls.stopRequested()) {
-        return; // the program is closing: do not start a file
+        return false; // the program is closing: do not start a file
     }
     const resp_header header = get_resp_header(head.text());
     {
@@ -68,7 +75,7 @@ void DownloadFileThread::DownloadFile(QString name)
     recording.copyBody(header.content_length, [this](qint64 received, qint64 announced) {
         emit updateDownloadFileProgress(received, announced);
     });
-    emit downloadFileFinished();
+    return true;
 }
 
 resp_header DownloadFileThread::get_resp_header(char* response)

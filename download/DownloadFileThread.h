@@ -24,7 +24,8 @@ public:
 
     void requestStop() noexcept final { m_calls.requestStop(); }
     /// Ends every download, in run() and in DownloadFile() in any thread. Returns within
-    /// milliseconds, when run() has finished and the last caller has left.
+    /// milliseconds, when run() has finished and the last caller has left. In a slot that a
+    /// download calls directly, it does not wait for that download.
     void stopAndWait() final;
 
     QString fileName;       ///< The recording's bare name; set before start().
@@ -47,6 +48,9 @@ protected:
     void run() override;
 
 private:
+    /// Downloads one recording. Returns false if it was stopped before its file was started.
+    bool fetch(const QString& name);
+
     std::mutex m_headerMutex; // guards respHeader while it is written
     sys::StoppableCalls m_calls;
 };

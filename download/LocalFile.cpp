@@ -39,7 +39,8 @@ bool isBareFileName(const QByteArray& name)
 
 // A link could lead out of the folder, and opening a pipe or device could block: they are refused
 // before they are opened. The opened file is checked again, because another program may have
-// replaced it meanwhile.
+// replaced it meanwhile. It need not be the same file: one that was replaced by renaming is as
+// good, and an overlay file system changes the inode number of a file that is written.
 int openLocalFile(sys::StoppableCalls::Call& call, const QByteArray& folder, const QByteArray& name)
 {
     if (!isBareFileName(name)) {
@@ -47,8 +48,7 @@ int openLocalFile(sys::StoppableCalls::Call& call, const QByteArray& folder, con
     }
     const QByteArray path = folder + name;
     struct stat found = {};
-    const bool existed = ::lstat(path.constData(), &found) == 0;
-    if (existed && !S_ISREG(found.st_mode)) {
+    if (::lstat(path.constData(), &found) == 0 && !S_ISREG(found.st_mode)) {
         return -1;
     }
     const int descriptor =
@@ -57,10 +57,7 @@ int openLocalFile(sys::StoppableCalls::Call& call, const QByteArray& folder, con
         return -1;
     }
     struct stat opened = {};
-    const bool same =
-        ::fstat(descriptor, &opened) == 0 && S_ISREG(opened.st_mode) &&
-        (!existed || (opened.st_dev == found.st_dev && opened.st_ino == found.st_ino));
-    if (!same) {
+    if (::fstat(descriptor, &opened) != 0 || !S_ISREG(opened.st_mode)) {
         ::close(descriptor);
         return -1;
     }

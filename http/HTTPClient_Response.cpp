@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdio>
+#include <new>
 #include <string_view>
 
 namespace {
@@ -125,6 +126,10 @@ void HTTPClient::parseLine(const std::string& line, std::string& name, std::stri
 
 bool HTTPClient::readBody(HTTPSession& session, HTTPResponse& response, std::string& body)
 {
-    return response.chunked ? readChunkedBody(session, response, body)
-                            : readPlainBody(session, response, body);
+    try {
+        return response.chunked ? readChunkedBody(session, response, body)
+                                : readPlainBody(session, response, body);
+    } catch (const std::bad_alloc&) {
+        return false; // a device may announce, or just send, more than there is memory for
+    }
 }

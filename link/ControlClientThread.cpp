@@ -19,6 +19,7 @@ void ControlClientThread::handleReceived(int sockfd, const vehicle::Received& re
                          report->protocolVer, report->bootVer);
     }
     if (vehicle::isHeartbeat(received, vehicle::controlStartByte)) {
+        heartBeatCount = 0;
         linkedFlag = true;
         answerHeartBeat(sockfd);
         emit updateLinkedFlag(linkedFlag);

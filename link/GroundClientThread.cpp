@@ -17,6 +17,7 @@ void GroundClientThread::heartBeatTimer()
 void GroundClientThread::handleReceived(int sockfd, const vehicle::Received& received)
 {
     if (vehicle::isHeartbeat(received, vehicle::groundStartByte)) {
+        heartBeatCount = 0;
         answerHeartBeat(sockfd);
     }
 }

@@ -49,12 +49,14 @@ int ModuleClientThread::gethostIP(int sockfd, char* ip)
 
 void ModuleClientThread::sendString(int sockfd, char type, char data)
 {
+    const sys::PipeSignalBlock block;
+    sys::StoppableCalls::Call call(m_calls);
+    call.waitOn(sockfd);
     vehicle::sendFrame(sockfd, type, data);
 }
 
 void ModuleClientThread::answerHeartBeat(int sockfd)
 {
-    heartBeatCount = 0;
     vehicle::sendFrame(sockfd, vehicle::heartbeatType, vehicle::heartbeatAnswerPayload);
 }
 

@@ -59,7 +59,7 @@ protected:
 
     void run() override;
 
-    /// Resets the count and sends the heartbeat answer. Only for the link thread.
+    /// Sends the heartbeat answer. Only for the link thread.
     void answerHeartBeat(int sockfd);
 
 private:

@@ -24,6 +24,25 @@ void setWakeHandler()
     ::sigaction(SIGURG, &action, nullptr);
 }
 
+/// While it lives, SIGURG reaches this thread, also where the program blocks it.
+class WakeSignalUnblock
+{
+public:
+    WakeSignalUnblock()
+    {
+        sigset_t wake;
+        ::sigemptyset(&wake);
+        ::sigaddset(&wake, SIGURG);
+        ::pthread_sigmask(SIG_UNBLOCK, &wake, &m_before);
+    }
+    ~WakeSignalUnblock() { ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    WakeSignalUnblock(const WakeSignalUnblock&) = delete;
+    WakeSignalUnblock& operator=(const WakeSignalUnblock&) = delete;
+
+private:
+    sigset_t m_before;
+};
+
 } // namespace
 
 StoppableCalls::Call::Call(StoppableCalls& calls) : m_calls(calls)
@@ -43,6 +62,7 @@ int StoppableCalls::Call::open(const char* path, int flags, mode_t mode)
 {
     static std::once_flag handlerIsSet;
     std::call_once(handlerIsSet, setWakeHandler);
+    const WakeSignalUnblock unblock;
     m_opening = true;
     int descriptor = -1;
     do {
@@ -81,13 +101,15 @@ void StoppableCalls::stopAndWait(const std::function<bool(unsigned long)>& finis
 bool StoppableCalls::wakeAll()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
+    bool othersAreLeft = false;
     for (const Call* call : m_calls) {
+        othersAreLeft = othersAreLeft || ::pthread_equal(call->m_thread, ::pthread_self()) == 0;
         ::shutdown(call->m_socket, SHUT_RDWR);
         if (call->m_opening) {
             ::pthread_kill(call->m_thread, SIGURG);
         }
     }
-    return !m_calls.empty();
+    return othersAreLeft;
 }
 
 } // namespace sys

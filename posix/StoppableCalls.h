@@ -53,12 +53,14 @@ public:
     bool stopRequested() const noexcept { return m_stopRequested; }
 
     /// Asks all calls to end and interrupts what they wait for every few milliseconds, until no
-    /// call is left and `finished`, which waits at most that many milliseconds, returns true: one
-    /// shutdown ends a pending connect or receive, but the next connect blocks again.
+    /// call of another thread is left and `finished`, which waits at most that many milliseconds,
+    /// returns true: one shutdown ends a pending connect or receive, but the next connect blocks
+    /// again.
     void stopAndWait(const std::function<bool(unsigned long)>& finished);
 
 private:
-    /// Interrupts what every call currently waits for. Returns false if there is no call.
+    /// Interrupts what every call currently waits for. Returns whether other threads have calls
+    /// left.
     bool wakeAll();
 
     std::atomic<bool> m_stopRequested{false};

@@ -9,10 +9,12 @@
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/SilentAddress.h"
 #include "tests/support/SleepWatch.h"
+#include "tests/support/StdoutCapture.h"
 #include "tests/support/TestMain.h"
 #include "tests/support/TimeFactor.h"
 
 #include <atomic>
+#include <csignal>
 #include <memory>
 
 #include <QDir>
@@ -95,6 +97,8 @@ private slots:
     void failureIsPrintedWhileTheDownloadGoesOn();
     void socketAndFileStayOpenUntilTheObjectEnds();
     void downloadFileWorksInTheCallingThread();
+    void refusedDownloadInTheCallingThreadRaisesNoSignal();
+    void slotOfTheLastSignalMayDeleteTheObject();
     void overlappingCallsEachFillTheirOwnFile();
     void destructionEndsEveryCall();
     void headIsParsedThroughTheMetaObject();
@@ -450,6 +454,29 @@ void DownloadFileThreadTest::downloadFileWorksInTheCallingThread()
     QCOMPARE(contentOf("member.mp4"), QByteArray("no such file"));
     QVERIFY(
         server.received(0).startsWith("GET http://192.168.1.120/sd/DCIM/100ZEPNA/argument.mp4 "));
+}
+
+// Writing to a connection that was refused raises SIGPIPE where it is not blocked.
+void DownloadFileThreadTest::refusedDownloadInTheCallingThreadRaisesNoSignal()
+{
+    const auto before = std::signal(SIGPIPE, SIG_DFL);
+    Download download("");
+    download.thread.DownloadFile("a.mp4");
+    std::signal(SIGPIPE, before);
+    QCOMPARE(download.output.text(), QByteArray("connect failed, return: -1\n"));
+    QCOMPARE(download.recorder.finished, 1);
+}
+
+void DownloadFileThreadTest::slotOfTheLastSignalMayDeleteTheObject()
+{
+    const support::StdoutCapture output;
+    auto thread = std::make_unique<DownloadFileThread>(nullptr);
+    DownloadFileThread& downloading = *thread;
+    QObject::connect(
+        &downloading, &DownloadFileThread::downloadFileFinished, this,
+        [&thread] { thread.reset(); }, Qt::DirectConnection);
+    downloading.DownloadFile("a.mp4");
+    QVERIFY(!thread);
 }
 
 void DownloadFileThreadTest::overlappingCallsEachFillTheirOwnFile()

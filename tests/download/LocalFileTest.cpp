@@ -9,6 +9,7 @@
 #include "tests/support/TimeFactor.h"
 
 #include <algorithm>
+#include <csignal>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -144,6 +145,27 @@ private:
     QByteArray m_path;
 };
 
+/// Blocks a signal in this thread, and so in those that it starts meanwhile; 0 blocks none.
+class BlockedSignal
+{
+public:
+    explicit BlockedSignal(int number)
+    {
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        if (number != 0) {
+            sigaddset(&blocked, number);
+        }
+        ::pthread_sigmask(SIG_BLOCK, &blocked, &m_before);
+    }
+    ~BlockedSignal() { ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    BlockedSignal(const BlockedSignal&) = delete;
+    BlockedSignal& operator=(const BlockedSignal&) = delete;
+
+private:
+    sigset_t m_before;
+};
+
 } // namespace
 
 class LocalFileTest : public QObject
@@ -174,6 +196,7 @@ private slots:
     void pipeUnderTheRecordingsNameIsAFailure();
     void deviceUnderTheRecordingsNameIsAFailure();
     void openingAFileUnderALeaseWaits();
+    void stopEndsTheWaitForALease_data();
     void stopEndsTheWaitForALease();
     void missingDesktopIsAFailureAndCreatesNothing();
     void desktopWithAnotherNameIsFound_data();
@@ -455,8 +478,17 @@ void LocalFileTest::openingAFileUnderALeaseWaits()
     QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("new content"));
 }
 
+void LocalFileTest::stopEndsTheWaitForALease_data()
+{
+    QTest::addColumn<bool>("blocksTheSignal");
+    QTest::newRow("ordinary program") << false;
+    QTest::newRow("program that blocks SIGURG") << true;
+}
+
 void LocalFileTest::stopEndsTheWaitForALease()
 {
+    QFETCH(bool, blocksTheSignal);
+    const BlockedSignal block(blocksTheSignal ? SIGURG : 0);
     QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
     write("Desktop/DCIM/a.mp4", "old");
     support::Lease lease(inHome("Desktop/DCIM/a.mp4"));

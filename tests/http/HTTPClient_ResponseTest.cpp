@@ -5,8 +5,12 @@
 #include "tests/support/SocketPair.h"
 #include "tests/support/TestMain.h"
 
+#include <fstream>
+
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <QByteArray>
@@ -48,6 +52,16 @@ public:
 private:
     SocketPair m_pair;
 };
+
+/// Lets this process take so many bytes more than it has.
+void limitMemory(std::size_t more)
+{
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlim_t limit = pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) + more;
+    const rlimit limits{limit, limit};
+    ::setrlimit(RLIMIT_AS, &limits);
+}
 
 HTTPResponse announced(std::uint32_t length)
 {
@@ -98,6 +112,8 @@ private slots:
     void sizeLineOf1024BytesIsRead();
     void sizeLineBeyond1024BytesRunsIntoTheData();
     void hugeChunkReservesNoMemory();
+    void bodyBeyondTheMemoryIsAFailure_data();
+    void bodyBeyondTheMemoryIsAFailure();
 };
 
 void HTTPClient_ResponseTest::lineIsSplit_data()
@@ -458,6 +474,49 @@ void HTTPClient_ResponseTest::hugeChunkReservesNoMemory()
     QCOMPARE(body, std::string("abc"));
     QVERIFY2(body.capacity() < 100000, qPrintable(QString::number(body.capacity())));
     QCOMPARE(response.chunkLeft, 2147483644);
+}
+
+void HTTPClient_ResponseTest::bodyBeyondTheMemoryIsAFailure_data()
+{
+    QTest::addColumn<QByteArray>("start");
+    QTest::addColumn<bool>("chunked");
+    QTest::newRow("plain") << QByteArray("x") << false;
+    QTest::newRow("chunked") << QByteArray("7fffffff\r\n") << true;
+}
+
+// In a process of its own, which may take a few megabytes more than it has.
+void HTTPClient_ResponseTest::bodyBeyondTheMemoryIsAFailure()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("a sanitizer's memory cannot be limited");
+#endif
+    QFETCH(QByteArray, start);
+    QFETCH(bool, chunked);
+    SocketPair pair;
+    const pid_t child = ::fork();
+    QVERIFY(child >= 0);
+    if (child == 0) {
+        pair.closeTest();
+        limitMemory(64 << 20);
+        HTTPSession session;
+        session.socketDescriptor = pair.product;
+        HTTPResponse response = announced(0xFFFFFFFF);
+        response.chunked = chunked;
+        std::string body;
+        ::_exit(HTTPClient().readBody(session, response, body) ? 1 : 0);
+    }
+    ::close(pair.product);
+    pair.product = -1;
+    QVERIFY(pair.send(start));
+    const QByteArray block(1 << 20, 'x');
+    int blocks = 0;
+    while (blocks < 500 && pair.send(block)) {
+        ++blocks;
+    }
+    int status = 0;
+    QCOMPARE(::waitpid(child, &status, 0), child);
+    QVERIFY2(status == 0, qPrintable(QStringLiteral("wait status %1").arg(status)));
+    QVERIFY2(blocks < 500, "the whole body fitted into the memory");
 }
 
 BELUN_TEST(HTTPClient_ResponseTest)

@@ -16,8 +16,10 @@
 
 #include <algorithm>
 #include <atomic>
+#include <csignal>
 #include <memory>
 
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <QElapsedTimer>
@@ -97,6 +99,8 @@ private slots:
     void threadThatWasNeverStartedCanBeDestroyed();
     void destructionEndsEveryCallerOfNewTcpSocketClient();
     void sendStringSendsOneFrame();
+    void sendStringToAClosedPeerRaisesNoSignal();
+    void destructionEndsASendThatWaits();
     void newTcpSocketClientAndGethostIP();
 };
 
@@ -595,6 +599,34 @@ void ControlClientThreadTest::sendStringSendsOneFrame()
     QCOMPARE(pair.arrived().toHex(), QByteArray("aaaf0401015f"));
     link.thread.sendString(pair.product, 0x10, static_cast<char>(0xFE));
     QCOMPARE(pair.arrived().toHex(), QByteArray("aaaf1001fe68"));
+}
+
+void ControlClientThreadTest::sendStringToAClosedPeerRaisesNoSignal()
+{
+    Link link;
+    support::SocketPair pair;
+    pair.closeTest();
+    const auto before = std::signal(SIGPIPE, SIG_DFL);
+    link.thread.sendString(pair.product, 0x04, 0x01);
+    std::signal(SIGPIPE, before);
+}
+
+void ControlClientThreadTest::destructionEndsASendThatWaits()
+{
+    const support::SocketPair pair;
+    const QByteArray filling(4096, 'x');
+    while (::send(pair.product, filling.constData(), static_cast<std::size_t>(filling.size()),
+                  MSG_DONTWAIT) > 0) {
+    }
+    std::unique_ptr<QThread> sender;
+    {
+        Link link;
+        sender.reset(QThread::create([&] { link.thread.sendString(pair.product, 0x04, 0x01); }));
+        sender->start();
+        const support::SleepWatch watch(*sender);
+        QVERIFY(watch.waitUntilAsleep());
+    }
+    QVERIFY(sender->wait(stopLimit));
 }
 
 void ControlClientThreadTest::newTcpSocketClientAndGethostIP()
