@@ -1,4 +1,4 @@
-// Comparing the bytes of a recording, as they arrive, with those of a file.
+// Compares the bytes of a recording, as they arrive, with those of a file.
 #pragma once
 
 #include "verify/LocalFolder.h"
@@ -9,19 +9,19 @@
 
 namespace verify {
 
-/// Holds no more of the file than of the recording at once.
+/// Holds no more of the file in memory than of the recording.
 class ByteComparison
 {
 public:
-    /// The file is read from where it is.
+    /// Reads the file from its current position.
     explicit ByteComparison(LocalFile& file) : m_file(file) {}
 
-    /// Compares the next bytes. Returns false from the first one on that differs or that the file
-    /// does not have.
+    /// Compares the next bytes. Returns false from the first byte on that differs or is missing
+    /// from the file.
     bool take(std::string_view bytes);
 
     bool isSame() const { return m_same; }
-    /// Bytes that are the same, from the start.
+    /// Returns the number of equal bytes from the start.
     std::uint64_t compared() const { return m_compared; }
 
 private:

@@ -13,14 +13,14 @@ class QTcpSocket;
 
 namespace verify {
 
-/// Why there is no answer.
+/// The reason why there is no answer.
 enum class Trouble {
     None,
-    NoRoute,      ///< the system knows no way, or the network says so
+    NoRoute,      ///< the system has no route, or the network reports so
     Refused,      ///< the camera refuses the connection
-    NoConnection, ///< nobody answered within the time-out
-    Silent,       ///< connected, and then no byte for the whole time-out
-    TooSlow,      ///< the answer to a command, or a head, took four times the time-out
+    NoConnection, ///< no answer within the timeout
+    Silent,       ///< connected, but no byte within the timeout
+    TooSlow,      ///< the answer to a command, or a head, took more than four times the timeout
     Surplus,      ///< a recording has more bytes than its head announces
     Closed,       ///< the connection ended before the answer did
     Status,       ///< the answer's status is not 200
@@ -28,23 +28,22 @@ enum class Trouble {
     NotUnderstood,
 };
 
-/// What went wrong in an exchange; a default one says that nothing did.
+/// The error of an exchange; by default none.
 struct CameraError
 {
     Trouble trouble = Trouble::None;
     int status = 0;          ///< for Trouble::Status
-    QString systemText = {}; ///< for Trouble::NoRoute: what the system says
+    QString systemText = {}; ///< for Trouble::NoRoute: the system's message
 
     explicit operator bool() const { return trouble != Trouble::None; }
-    /// Whether any further request would end the same way.
+    /// Returns whether any further request would fail in the same way.
     bool isLasting() const;
 };
 
-/// Time-outs that the answer to a command, or a head, may take altogether.
+/// How many timeouts the answer to a command, or a head, may take in total.
 constexpr int answerPatience = 4;
 
-/// Talks to a camera over a connection of its own for each request, closed after it. No proxy is
-/// asked, and every wait is bounded.
+/// Talks to a camera over a new connection for each request. Uses no proxy; every wait is bounded.
 class Camera
 {
 public:
@@ -56,8 +55,8 @@ public:
                    ///< it
     };
 
-    /// Sends the request and hands the answer to the handlers; one that returns false ends the
-    /// exchange without an error. A body longer than `bodyLimit` is refused.
+    /// Sends the request and passes the answer to the handlers; if one returns false, the exchange
+    /// ends without an error. A body longer than `bodyLimit` is rejected.
     CameraError get(const QByteArray& request, Kind kind, std::uint64_t bodyLimit,
                     const AnswerReader::Handlers& handlers) const;
 

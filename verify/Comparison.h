@@ -13,12 +13,12 @@
 
 namespace verify {
 
-/// What the comparison hands out while it runs.
+/// The output of the comparison while it runs.
 struct Listener
 {
-    /// Each recording, when it is judged.
+    /// Called for each recording when its result is known.
     std::function<void(const Recording&)> judged;
-    /// How far the comparison is; called often.
+    /// Called often with the progress.
     std::function<void(const Advance&)> advanced;
 };
 
@@ -29,7 +29,7 @@ public:
     Comparison(CardReader card, LocalFolder& folder, bool contents,
                const std::vector<std::string>& names, Listener listener);
 
-    /// Runs to the end, or to the first failure that would only repeat itself.
+    /// Runs to the end, or to the first error that would repeat.
     Summary run();
 
 private:
@@ -39,7 +39,7 @@ private:
     void judgeOthers();
     bool readCardAgain();
 
-    /// Asks for the count and the whole list.
+    /// Queries the count and the complete list.
     bool readList(CardCount& count, std::vector<std::string>& names);
     bool judgeSize(Recording& recording);
     bool judgeContent(Recording& recording);

@@ -1,5 +1,5 @@
-// Where the report goes: lines on standard output, and on a terminal the progress on standard
-// error.
+// The output of the report: lines on standard output, and the progress on standard error if it is a
+// terminal.
 #pragma once
 
 #include <string>
@@ -8,31 +8,31 @@
 
 namespace verify {
 
-/// Writes all of a text to a descriptor. Returns 0, or the error that kept it from doing so.
+/// Writes the complete text to a descriptor. Returns 0 or the error.
 int writeAll(int descriptor, const std::string& text);
 
-/// Writes each line at once, so that a reader sees it and nothing is lost when the program is
+/// Writes each line immediately, so that a reader sees it and nothing is lost if the program is
 /// interrupted.
 class Console
 {
 public:
     Console();
 
-    /// Adds the line end. After a failure nothing more is written; see error().
+    /// Appends the line ending. After a failure nothing more is written; see error().
     void line(const std::string& text);
-    /// The error that the first failed line had; 0 if all went out.
+    /// Returns the error of the first failed line; 0 if everything was written.
     int error() const { return m_error; }
 
-    /// A message on standard error.
+    /// Prints a message to standard error.
     void message(const std::string& text);
 
-    /// Whether standard error is a terminal: only there a progress is shown.
+    /// Returns whether standard error is a terminal: only then the progress is shown.
     bool showsProgress() const { return m_terminal; }
-    /// Whether it is time to show the progress again.
+    /// Returns whether it is time to update the progress.
     bool progressIsDue() const;
-    /// Shows the progress in place of the last one.
+    /// Replaces the displayed progress.
     void progress(const std::string& text);
-    /// Takes the progress away.
+    /// Removes the progress.
     void clearProgress();
 
 private:
@@ -42,8 +42,8 @@ private:
     int m_error = 0;
 };
 
-/// From now on an interruption (Ctrl-C) writes the message to standard error and ends the program
-/// with the status at once, whatever it is waiting for.
+/// After this call an interruption (Ctrl-C) prints the message to standard error and ends the
+/// program with the status immediately, whatever it is waiting for.
 void endOnInterruption(const std::string& message, int status);
 
 } // namespace verify

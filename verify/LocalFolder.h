@@ -1,4 +1,4 @@
-// The folder for recordings on this computer. Nothing in it is ever written.
+// The folder for recordings on this computer. Never writes to it.
 #pragma once
 
 #include <cstddef>
@@ -19,13 +19,13 @@ public:
         Missing,
         Link, ///< a symbolic link, which is not followed
         Folder,
-        NoFile,   ///< a pipe, a socket, a device
-        NotThere, ///< no file can have such a name here
+        NoFile,   ///< a pipe, socket or device
+        NotThere, ///< no file can have this name
         Failed,   ///< see error()
     };
 
     LocalFile() = default;
-    /// Opens a file of a folder without waiting for anything, whatever has that name.
+    /// Opens a file of a folder without blocking, whatever the file is.
     LocalFile(int folder, const std::string& name);
     ~LocalFile();
     LocalFile(LocalFile&& other) noexcept;
@@ -37,11 +37,11 @@ public:
     int error() const { return m_error; } ///< errno of what failed, else 0
     std::uint64_t size() const { return m_size; }
 
-    /// Reads the next bytes, up to `count`; fewer only at the end of the file or on an error, which
-    /// error() has then.
+    /// Reads the next bytes, up to `count`; fewer only at the end of the file or after an error,
+    /// which error() then returns.
     std::size_t read(char* buffer, std::size_t count);
 
-    /// Whether size and time of change are still what they were when the file was opened.
+    /// Returns whether size and modification time are still the same as when the file was opened.
     bool isUnchanged() const;
 
 private:
@@ -55,7 +55,7 @@ private:
 class LocalFolder
 {
 public:
-    /// A folder that does not exist is an empty one.
+    /// A missing folder counts as an empty one.
     explicit LocalFolder(std::string path);
     ~LocalFolder();
     LocalFolder(const LocalFolder&) = delete;
@@ -67,10 +67,11 @@ public:
 
     LocalFile open(const std::string& name) const;
 
-    /// Sorted names of the regular files, hidden ones left out.
+    /// Returns the sorted names of the regular files, without hidden ones.
     std::vector<std::string> names();
 
-    /// Bytes that this user may still write there, or where the folder would be made.
+    /// Returns how many bytes this user can still write there, or where the folder would be
+    /// created.
     std::optional<std::uint64_t> freeBytes() const;
 
 private:

@@ -8,13 +8,13 @@
 
 namespace verify {
 
-/// The number that the whole text is in decimal digits; nothing for any other text, or beyond 64
-/// bits.
+/// Returns the number if the whole text consists of decimal digits and fits into 64 bits, otherwise
+/// nothing.
 std::optional<std::uint64_t> decimalNumber(std::string_view text);
-/// The same in hexadecimal digits.
+/// Same, for hexadecimal digits.
 std::optional<std::uint64_t> hexadecimalNumber(std::string_view text);
 
-/// Decimal digits in groups of three: "1,572,864".
+/// Returns decimal digits in groups of three: "1,572,864".
 std::string grouped(std::uint64_t number);
 
 } // namespace verify
