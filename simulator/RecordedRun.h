@@ -1,4 +1,4 @@
-// What a vehicle did in a run that was recorded, for playing it again.
+// A recorded run of a vehicle, for replaying it.
 #pragma once
 
 #include <chrono>
@@ -11,7 +11,7 @@ namespace simulator {
 
 using Microseconds = std::chrono::microseconds;
 
-/// Something that happened on one connection, as journals and captures tell it.
+/// An event on one connection, from a journal or a capture.
 struct ObservedEvent
 {
     enum class Kind {
@@ -30,7 +30,7 @@ struct ObservedEvent
     std::uint64_t unknown = 0; ///< sent, too, but only their number is known
 };
 
-/// What the device does at a time, counted from the request or the connection.
+/// An action of the device at a time relative to the request or the connection.
 struct RecordedEvent
 {
     ObservedEvent::Kind kind;
@@ -39,7 +39,7 @@ struct RecordedEvent
     std::uint64_t unknown; ///< zeros to send after them
 };
 
-/// One request to the camera and all that followed on its connection.
+/// One request to the camera and everything after it on the connection.
 struct RecordedExchange
 {
     std::string request; ///< the request line
@@ -47,19 +47,17 @@ struct RecordedExchange
     bool played = false;
 };
 
-/// Devices' actions by request (camera) and by connection (modules).
+/// The devices' actions, by request (camera) and by connection (modules).
 struct RecordedRun
 {
     std::vector<RecordedExchange> exchanges;
     std::map<std::string, std::vector<std::vector<RecordedEvent>>> connections; ///< by module
-    /// Runs of bytes that the file does not hold, and the number of these bytes; zeros stand for
-    /// them.
+    /// Number of gaps in the file, and of the missing bytes; they are replaced by zeros.
     std::uint64_t filledRuns = 0;
     std::uint64_t filledBytes = 0;
 };
 
-/// Reads a journal, or a packet capture as libpcap knows them. Returns an error text, empty on
-/// success.
+/// Reads a journal or a packet capture. Returns an error text, empty on success.
 std::string readRecordedRun(const std::string& path, RecordedRun& run);
 
 // The two readers; each appends the events in the order of time and adds up what it filled in.

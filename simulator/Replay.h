@@ -1,4 +1,4 @@
-// Plays a recorded run: the devices of --replay.
+// Replays a recorded run: the devices of --replay.
 #pragma once
 
 #include "simulator/Connection.h"
@@ -10,18 +10,19 @@
 
 namespace simulator {
 
-/// The recorded run and how far it has been played. Shared by all connections; outlives them.
+/// The recorded run and the current position in it. Shared by all connections; outlives them.
 class Replay
 {
 public:
     explicit Replay(RecordedRun run) : m_run(std::move(run)) {}
 
-    /// The first exchange with this request line that has not been played; nullptr, and the failure
-    /// set, if there is none.
+    /// Returns the first exchange with this request line that was not replayed yet; nullptr, and
+    /// sets the failure, if there is none.
     const RecordedExchange* exchange(const std::string& request);
-    /// What the module did on its next connection; nullptr, and the failure set, if it had no more.
+    /// Returns what the module did on its next connection; nullptr, and sets the failure, if there
+    /// were no more.
     const std::vector<RecordedEvent>* connection(const std::string& device);
-    /// Why the run cannot go on; empty: it can.
+    /// Why the run cannot continue; empty if it can.
     const std::string& failure() const { return m_failure; }
 
 private:

@@ -1,4 +1,4 @@
-// Puts the bytes of one direction of a TCP connection in order, from the packets of a capture.
+// Reassembles one direction of a TCP connection from the packets of a capture.
 #pragma once
 
 #include <cstdint>
@@ -9,21 +9,21 @@
 
 namespace simulator {
 
-/// Collects segments; repeated bytes are dropped, early ones kept until their turn.
+/// Collects segments; drops repeated bytes and keeps early ones until their turn.
 class TcpStream
 {
 public:
-    /// The sequence number of the first byte; without one the first segment decides.
+    /// Sets the sequence number of the first byte; otherwise the first segment decides.
     void begin(std::uint32_t sequence);
     /// Adds a segment. size: its length on the wire, which may be more than was captured. Returns
     /// the bytes that are now in order.
     std::string add(std::uint32_t sequence, std::string_view captured, std::uint64_t size);
-    /// Tells where the stream ends. Returns true the first time.
+    /// Sets the end of the stream. Returns true the first time.
     bool end(std::uint32_t sequence);
-    /// The peer has got everything before this number: what the capture lacks of it is filled with
+    /// The peer has received everything before this number: missing captured bytes are replaced by
     /// zeros. Returns the bytes that are now in order.
     std::string acknowledged(std::uint32_t sequence);
-    /// How many runs of bytes were filled in, and how many bytes.
+    /// Returns the number of gaps and of bytes filled in.
     std::uint64_t filledRuns() const { return m_filledRuns; }
     std::uint64_t filledBytes() const { return m_filledBytes; }
 

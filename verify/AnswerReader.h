@@ -1,10 +1,10 @@
-// Reads one HTTP answer as it arrives, bounded in every part.
+// Parses one HTTP answer as it arrives, with a limit for every part.
 //
 //   head     lines that end in CR LF, then an empty one; interim (1xx) heads are skipped
 //   body     up to the announced length, or in chunks, or up to the end of the connection
 //
-// Stricter than the window's readers, which follow the camera wherever it goes: what is not
-// understood must never pass for a comparison.
+// Stricter than the window's parsers, which accept whatever the camera sends: an invalid answer
+// must never count as a comparison.
 #pragma once
 
 #include <cstddef>
@@ -22,40 +22,40 @@ public:
     enum class State {
         Head,     ///< waits for the rest of the head
         Body,     ///< waits for the rest of a body
-        Complete, ///< the whole answer is here
+        Complete, ///< the answer is complete
         Refused,  ///< the status is not 200; see status()
-        BadHead,  ///< the head is not understood
-        BadBody,  ///< the chunks are not understood
+        BadHead,  ///< the head is invalid
+        BadBody,  ///< the chunks are invalid
         HeadTooLong,
-        BodyTooLong, ///< longer than allowed, by its announcement or by what arrived
+        BodyTooLong, ///< longer than allowed, as announced or as received
         Cut,         ///< the connection ended before the answer did
-        Stopped,     ///< a handler has seen enough
+        Stopped,     ///< a handler stopped it
     };
 
-    /// What is done with an answer. A handler that returns false ends the reading.
+    /// Handlers for an answer. If one returns false, parsing stops.
     struct Handlers
     {
-        /// Gets the announced length, if there is one, before any of the body.
+        /// Called with the announced length, if there is one, before the body.
         std::function<bool(std::optional<std::uint64_t>)> head;
-        /// Gets the body piece by piece.
+        /// Called with each piece of the body.
         std::function<bool(std::string_view)> body;
     };
 
-    /// Bytes of all head lines together, and of the lines around the chunks.
+    /// Limit for all head lines together, and for the lines around the chunks.
     static constexpr std::size_t headLimit = 65536;
 
     AnswerReader(std::uint64_t bodyLimit, Handlers handlers);
 
-    /// Takes what has arrived. Of what follows the end of the answer only hasMore() knows.
+    /// Parses received bytes. Bytes after the end of the answer only set hasMore().
     void receive(std::string_view bytes);
-    /// The connection has ended.
+    /// Tells the parser that the connection has ended.
     void closed();
 
     State state() const { return m_state; }
     bool ended() const { return m_state != State::Head && m_state != State::Body; }
-    /// Whether anything followed the end of the answer.
+    /// Returns whether anything followed the end of the answer.
     bool hasMore() const { return m_more; }
-    /// Status of the last head.
+    /// Returns the status of the last head.
     int status() const { return m_status; }
 
 private:

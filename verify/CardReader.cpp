@@ -13,8 +13,8 @@ namespace verify {
 
 namespace {
 
-// Far more than any card's answers have. A folder of FAT32 holds less than 65,536 entries, each
-// with a name of at most 255 letters.
+// Far more than any valid answer. A FAT32 folder has fewer than 65,536 entries, each with a name of
+// at most 255 characters.
 constexpr std::uint64_t countLimit = 4096;
 constexpr std::uint64_t listLimit = 16 * 1024 * 1024;
 constexpr std::uint64_t detailsLimit = 65536;
@@ -25,7 +25,7 @@ QByteArray commandRequest(const char* command, const std::string& argument)
     HTTPRequest request;
     request.url = command;
     client.parseUrl(request);
-    // Not parsed with the rest: a colon in a name is no part of an address.
+    // Set directly and not by parseUrl, which rejects a colon in a name.
     request.path += argument;
     HTTP_REQ_TYPE method = HTTP_REQ_GET;
     std::string head;
@@ -45,8 +45,8 @@ std::optional<CardCount> readCount(const std::string& answer)
     return CardCount{std::string(*text), *number};
 }
 
-// Stricter than the window's walk, which looks for a name beyond the entry's end and takes a list
-// without an end.
+// Stricter than FileListWalk, which searches for a name past the end of an entry and accepts a
+// truncated list.
 std::optional<std::vector<std::string>> readNames(const std::string& answer)
 {
     const std::string_view list = answer.c_str(); // up to the first zero byte, as all answers

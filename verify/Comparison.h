@@ -57,7 +57,7 @@ private:
 
     CardCount m_count;
     std::vector<std::string> m_listed;
-    std::vector<Recording> m_recordings; // of the card, those that are wanted, each name once
+    std::vector<Recording> m_recordings; // the requested recordings of the card, each name once
     Advance m_advance;
     Summary m_summary;
 };

@@ -1,5 +1,5 @@
-// The report as JSON: one object a line. Names and words of it are interface: the manual page
-// documents them.
+// The report as JSON: one object per line. Its names and words are an interface, documented in the
+// manual page.
 #pragma once
 
 #include "verify/Judgement.h"
@@ -8,7 +8,7 @@
 
 namespace verify {
 
-/// Returns the object of a recording, without a line end.
+/// Returns the object of a recording, without a line ending.
 std::string jsonLine(const Recording& recording);
 
 /// Returns the object of the summary, without a line end. `text` and `failure` are what a terminal

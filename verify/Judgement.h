@@ -1,4 +1,4 @@
-// What is known of each recording, and of the card altogether.
+// The results for each recording and for the whole card.
 #pragma once
 
 #include "verify/Camera.h"
@@ -15,22 +15,22 @@ enum class Result {
     SameSize,
     SameContent,
     Different, ///< the same size, but not the same bytes
-    Shorter,   ///< on this computer: the download was cut
-    Longer,    ///< on this computer: an old tail
+    Shorter,   ///< on this computer: the download was interrupted
+    Longer,    ///< on this computer: it has the tail of an older file
     NotHere,
     NotOnCard,
-    Nowhere, ///< asked for by name, and on neither side
+    Nowhere, ///< requested by name, but on neither side
     Unknown, ///< cannot be compared; see Reason
 };
 
 enum class Reason {
     None,
-    NoDetails, ///< the camera does not give its size; see Recording::error
-    NoContent, ///< the camera does not give its bytes; see Recording::error
+    NoDetails, ///< the camera does not return its size; see Recording::error
+    NoContent, ///< the camera does not return its bytes; see Recording::error
     LengthsDiffer,
     TwoEntries,
     NoName,
-    NotDownloadable, ///< the window asks for another name than this
+    NotDownloadable, ///< the window requests a different name
     TooLarge,
     Link,
     Folder,
@@ -40,38 +40,38 @@ enum class Reason {
     FileChanged,
 };
 
-/// The window counts a download's bytes in 31 bits.
+/// The window counts the bytes of a download in 31 bits.
 constexpr std::uint64_t downloadLimit = std::uint64_t(1) << 31;
 
-/// The window lists no more recordings than this.
+/// The window lists at most this many recordings.
 constexpr std::size_t windowRows = 128;
 
 struct Recording
 {
     std::string name;
-    std::size_t entry = 0; ///< place in the card's list, from 1; 0 if it is not in it
+    std::size_t entry = 0; ///< position in the card's list, from 1; 0 if it is not listed
     Result result = Result::Unknown;
     Reason reason = Reason::None;
     std::optional<std::uint64_t> cardBytes;
     std::optional<std::uint64_t> localBytes;
-    std::optional<std::uint64_t> difference; ///< first byte that differs, from 0
+    std::optional<std::uint64_t> difference; ///< offset of the first different byte
     std::uint64_t announced = 0;             ///< for Reason::LengthsDiffer
     CameraError error;
     int systemError = 0;
 
     bool isSafe() const { return result == Result::SameSize || result == Result::SameContent; }
-    /// Bytes that still have to be fetched, beyond what a new download would free first.
+    /// Bytes that still have to be downloaded, minus those that a new download would free first.
     std::uint64_t missingBytes() const;
 };
 
-/// Why the window cannot download a recording of this name, if it cannot: it asks for names in
-/// Latin-1, while the card's are taken as UTF-8, and its request ends at the end of a line.
+/// Returns why the window cannot download a recording of this name, if so: it requests names in
+/// Latin-1, while the card's names are read as UTF-8, and its request ends at a line ending.
 Reason reasonAgainstName(const std::string& name);
 
-/// Where the comparison is.
+/// The current step of the comparison.
 enum class Step { Count, List, Details, Content };
 
-/// How far it is.
+/// The progress.
 struct Advance
 {
     Step step = Step::Count;
@@ -88,7 +88,7 @@ struct Summary
 {
     Verdict verdict = Verdict::Unknown;
     bool contents = false; ///< contents were compared, not only sizes
-    bool named = false;    ///< only recordings that were asked for
+    bool named = false;    ///< only the recordings requested by name
 
     std::size_t recordings = 0;     ///< of the card, as far as they were wanted
     std::size_t safe = 0;           ///< of these
@@ -110,11 +110,11 @@ struct Summary
     bool disagrees() const { return counted != listed; }
 };
 
-/// Verdict from everything else in the summary. A doubt about the whole card counts more than what
-/// is known of one recording, and that more than what is not known.
+/// Computes the verdict from the rest of the summary. A doubt about the whole card takes precedence
+/// over a known problem with one recording, and that over an unknown one.
 Verdict verdictOf(const Summary& summary);
 
-/// Exit status of the program.
+/// Returns the exit status of the program.
 int statusOf(Verdict verdict);
 
 constexpr int wrongOptionStatus = 64;

@@ -7,12 +7,12 @@
 
 namespace verify {
 
-/// Which letters the terminal takes, by the environment: UTF-8 if the locale says so. A locale that
-/// is named but not installed counts, too.
+/// Returns which characters the terminal can show, according to the environment: UTF-8 if the
+/// locale says so. A locale that is set but not installed counts, too.
 Letters terminalLetters();
 
-/// Loads the Chinese texts if the user reads Chinese and the terminal can show them. Returns
-/// whether it did; the texts of the code are English.
+/// Loads the Chinese texts if the user's language is Chinese and the terminal can show them, and
+/// returns whether it did; the texts in the code are English.
 bool loadLanguage(QTranslator& translator, Letters letters);
 
 } // namespace verify

@@ -32,7 +32,7 @@ LocalFile::State stateOf(int error)
     }
 }
 
-/// The folder above, for a path with or without a slash at its end.
+/// Returns the parent folder of a path with or without a trailing slash.
 std::string parentOf(std::string path)
 {
     while (path.size() > 1 && path.back() == '/') {
@@ -47,7 +47,7 @@ std::string parentOf(std::string path)
 
 } // namespace
 
-// A link would lead out of the folder, and a pipe would be waited for: neither is followed.
+// A link could lead out of the folder, and opening a pipe could block: neither is opened.
 LocalFile::LocalFile(int folder, const std::string& name)
     : m_descriptor(
           ::openat(folder, name.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY))

@@ -7,7 +7,7 @@
 
 namespace verify {
 
-/// What the command line asks for.
+/// The parsed command line.
 struct Options
 {
     enum class Action { Compare, Help, Version };
@@ -22,12 +22,12 @@ struct Options
 
 constexpr int longestTimeout = 3600; // seconds
 
-/// A command line that cannot be followed.
+/// An invalid command line.
 struct WrongOption
 {
     enum class Kind { Unknown, NeedsValue, TakesNoValue, BadTimeout, EmptyValue };
     Kind kind;
-    std::string option; ///< as it was given; for BadTimeout the value
+    std::string option; ///< as given; for BadTimeout the value
 };
 
 /// Reads the arguments after the program's name. A value follows its option, or an equals sign;

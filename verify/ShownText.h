@@ -1,4 +1,4 @@
-// Texts of others, such as names from the card, made fit to be shown.
+// Makes untrusted texts, such as names from the card, safe to display.
 #pragma once
 
 #include <string>
@@ -6,20 +6,20 @@
 
 namespace verify {
 
-/// Which letters the terminal takes as they are.
+/// The characters that the terminal can show.
 enum class Letters { Utf8, Ascii };
 
-/// The text without anything that a terminal would obey or that would hide a part of it. Control
-/// characters (C0, DEL, C1), marks that turn the direction of writing, invisible characters and,
-/// for Letters::Ascii, all beyond ASCII become \u{HEX}; bytes that are no UTF-8 become \xHH. A
-/// backslash becomes two, so that no two texts look the same.
+/// Returns the text with everything escaped that a terminal would interpret or that would hide a
+/// part of it. Control characters (C0, DEL, C1), bidirectional controls, invisible characters and,
+/// for Letters::Ascii, all non-ASCII characters become \u{HEX}; bytes that are not UTF-8 become
+/// \xHH. A backslash is doubled, so that no two texts look the same.
 std::string shownText(std::string_view text, Letters letters);
 
-/// Whether a code point is one of those that shownText() never lets through.
+/// Returns whether shownText() always escapes this code point.
 bool isControl(char32_t letter);
 
-/// Reads the code point at the start of a text and returns its length in bytes: 1 to 4, 0 where no
-/// valid UTF-8 begins.
+/// Decodes the code point at the start of a text and returns its length in bytes: 1 to 4, or 0 if
+/// it is not valid UTF-8.
 int decodeUtf8(std::string_view text, char32_t& letter);
 
 } // namespace verify

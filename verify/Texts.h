@@ -12,8 +12,8 @@
 
 namespace verify {
 
-/// Returns a text of the code in the user's language. Named as the tool that collects the texts
-/// expects it; the context is always "verify".
+/// Returns a text in the user's language. The name is the one that the extraction tool expects; the
+/// context is always "verify".
 inline QString translate(const char* context, const char* text, const char* comment = nullptr)
 {
     return QCoreApplication::translate(context, text, comment);
@@ -26,13 +26,13 @@ public:
     /// `letters`: what names may show. `timeout` in seconds.
     Texts(Letters letters, int timeout) : m_letters(letters), m_timeout(timeout) {}
 
-    /// Returns the line of a recording, without its end.
+    /// Returns the line of a recording, without its line ending.
     std::string line(const Recording& recording) const;
     /// Returns the last paragraph of the report.
     std::string summary(const Summary& summary) const;
     /// Returns what failed; empty if nothing did.
     std::string failure(const Summary& summary) const;
-    /// Returns how far the comparison is. `seconds`: the time that Step::Content has taken so far.
+    /// Returns the progress. `seconds`: the time that Step::Content has taken so far.
     std::string progress(const Advance& advance, double seconds) const;
 
     std::string wrongOption(const WrongOption& wrong) const;

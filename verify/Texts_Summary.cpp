@@ -1,4 +1,4 @@
-// What is said of the card altogether, at the end and on the way.
+// The summary of the card, and the progress.
 #include "verify/Texts.h"
 
 #include "verify/Numbers.h"
@@ -58,7 +58,7 @@ QString safeText(const Summary& summary)
                      .arg(count);
 }
 
-/// What is wrong with the card as a whole, if anything is.
+/// Returns what is wrong with the card as a whole, if anything.
 QStringList doubts(const Summary& summary)
 {
     QStringList clauses;

@@ -1,4 +1,4 @@
-// belun-verify: says whether the recordings of the camera's card are safe on this computer.
+// belun-verify: reports whether the recordings on the camera's card are safe on this computer.
 #include "download/DownloadRequest.h"
 #include "download/LocalFile.h"
 #include "posix/PipeSignalBlock.h"
@@ -31,7 +31,7 @@ bool isFolder(const std::string& path)
     return ::stat(path.c_str(), &properties) == 0 && S_ISDIR(properties.st_mode);
 }
 
-/// The folder for recordings, as the window finds it.
+/// Returns the folder for recordings, as the window determines it.
 std::string recordingsFolder(const Options& options)
 {
     if (!options.desktop.empty()) {
@@ -47,7 +47,7 @@ void say(Console& console, const std::string& text)
     console.message("belun-verify: " + text);
 }
 
-/// Shows how far the comparison is, on a terminal.
+/// Shows the progress on a terminal.
 class Progress
 {
 public:
@@ -71,7 +71,7 @@ private:
     QElapsedTimer m_contentClock;
 };
 
-/// Compares and reports; returns the status.
+/// Compares, reports, and returns the exit status.
 int compare(const Options& options, Console& console, const Texts& texts)
 {
     const Camera camera(QString::fromLatin1(download::cameraHost), download::cameraPort,

@@ -208,7 +208,7 @@ void LinkTest::failureAndSuccessLookExactlyAsDesigned()
     if (QTest::currentTestFailed()) {
         return;
     }
-    // The opposite state, then the state as the link thread signals it.
+    // Set the opposite state first, then the state as the link thread would.
     user.probe().call("updateLinkedFlag", Q_ARG(bool, !reachable));
     QVERIFY(user.statusField().styleSheet() != styleSheet);
     user.statusField().setFont(QFont());

@@ -8,9 +8,9 @@
 #include <QProcessEnvironment>
 #include <QString>
 
-/// The program as a process, with its window worked from inside (tests/app/DrivenProgram.cpp) over
-/// a socket, so that its standard streams are free. A step that goes wrong fails the test function
-/// that it is called from.
+/// Runs the program as a process and operates its window from inside (tests/app/DrivenProgram.cpp)
+/// through a socket, so that its standard streams are unused. A failed step fails the calling test
+/// function.
 class DrivenProcess
 {
 public:
