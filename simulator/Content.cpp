@@ -80,10 +80,12 @@ JoinedContent::JoinedContent(std::shared_ptr<const Content> first, std::uint64_t
 
 std::size_t JoinedContent::read(std::uint64_t offset, char* buffer, std::size_t count) const
 {
-    if (offset >= m_size) {
-        return m_second->read(offset - m_size, buffer, count);
+    const std::size_t wanted = available(offset, m_size, count);
+    const std::size_t done = wanted > 0 ? m_first->read(offset, buffer, wanted) : 0;
+    if (done < wanted || done == count) {
+        return done;
     }
-    return m_first->read(offset, buffer, available(offset, m_size, count));
+    return done + m_second->read(offset + done - m_size, buffer + done, count - done);
 }
 
 RepeatedContent::RepeatedContent(std::string text, std::uint64_t size)

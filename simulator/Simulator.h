@@ -34,7 +34,7 @@ public:
     std::string run(int signals);
     /// Executes one control line and returns the lines that answer it: none for an empty line,
     /// otherwise any number that start with two spaces, then one that starts with "ok" or "error".
-    std::vector<std::string> control(const std::string& line);
+    std::vector<std::string> control(const std::string& text);
     /// Same, for a line that has already been parsed.
     std::vector<std::string> carryOut(const ControlLine& line);
 

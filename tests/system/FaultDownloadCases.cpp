@@ -16,8 +16,8 @@ const QList<FaultCase>& downloadFaultCases()
         {{"odd-head-end"}, A::Download, "whole"},
         {{"split-head"}, A::Download, "whole"},
         {{"byte-by-byte=0"}, A::DownloadSmall, "whole"},
-        // Bytes after the announced length are not saved.
-        {{"growing-recording"}, A::Download, "whole"},
+        // Bytes after the announced length are saved if they come in the same receive.
+        {{"growing-recording=3000"}, A::DownloadSmall, "3500 other bytes"},
         {{"no-card"}, A::Download, "41 other bytes"},
         {{"swapped-card"}, A::Download, "4000 other bytes"},
         {{"length-offset=10"}, A::Download, "whole"},
