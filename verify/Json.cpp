@@ -97,7 +97,8 @@ public:
         while (!value.empty()) {
             char32_t letter = 0;
             const int length = decodeUtf8(value, letter);
-            add(length == 0 ? U'\uFFFD' : letter, value.substr(0, static_cast<std::size_t>(length)));
+            add(length == 0 ? U'\uFFFD' : letter,
+                value.substr(0, static_cast<std::size_t>(length)));
             value.remove_prefix(length == 0 ? 1 : static_cast<std::size_t>(length));
         }
         m_text += '"';
