@@ -60,10 +60,10 @@ const std::vector<OptionRow>& optionRows();
 /// Reads the command line into the options. Returns an error text, empty on success.
 std::string parseOptions(const std::vector<std::string>& arguments, Options& options);
 
-/// A decimal number from 0 up; false when the text is anything else or too large.
+/// Parses a decimal number. Returns false for any other text and for a number that is too large.
 bool parseUnsigned(const std::string& text, std::uint64_t& number);
 
-/// The same for a size, which may end in k (1,024) or M (1,048,576).
+/// Same for a size, which may end in k (1,024) or M (1,048,576).
 bool parseSize(const std::string& text, std::uint64_t& size);
 
 /// Returns what --help prints. form: "text", "man" (the options as part of the manual page),

@@ -16,8 +16,8 @@ class DownloadRecorder : public QObject
     Q_OBJECT
 
 public:
-    QList<qint64> received;  ///< First value of each progress signal.
-    QList<qint64> announced; ///< Second value of each.
+    QList<qint64> received;  ///< Bytes received, of each progress signal.
+    QList<qint64> announced; ///< Bytes announced, of each progress signal.
     int finished = 0;
     int progressAfterFinished = 0;
 

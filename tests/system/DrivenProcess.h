@@ -19,14 +19,14 @@ public:
     DrivenProcess(const DrivenProcess&) = delete;
     DrivenProcess& operator=(const DrivenProcess&) = delete;
 
-    /// Has a shell run this in the folder, where the socket is made: the program is $0.
+    /// Runs a shell script in the folder; $0 is the program. The socket is created there.
     void start(const QString& folder, const QProcessEnvironment& environment,
                const QString& script);
 
-    /// Returns what the program answers when it has done it.
+    /// Sends a command and returns the answer after the program has executed it.
     QByteArray tell(const QByteArray& command);
 
-    /// The shell's, or that of what it has become.
+    /// Returns the process id of the shell or of the program that replaced it.
     qint64 id() const { return m_process.processId(); }
 
     /// Closes the window; the program has to end with status 0.
