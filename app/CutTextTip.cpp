@@ -1,5 +1,6 @@
 #include "app/CutTextTip.h"
 
+#include <QAbstractItemModel>
 #include <QEvent>
 #include <QHelpEvent>
 #include <QModelIndex>
@@ -14,6 +15,9 @@
 #include <QToolTip>
 
 namespace {
+
+// In characters; more than any file system's names have, and laid out at once.
+constexpr int longestText = 4096;
 
 /// Returns the rectangle in which the style paints the text of a cell that contains nothing else.
 QRect paintedRect(const QTableWidget& table, const QModelIndex& cell, const QString& text)
@@ -39,7 +43,8 @@ bool isCut(const QTableWidget& table, const QModelIndex& cell, const QString& te
     const QRect rect = paintedRect(table, cell, text);
     QTextOption wrapping;
     wrapping.setWrapMode(QTextOption::WordWrap);
-    QTextLayout layout(text, table.font());
+    QTextLayout layout(QString(text).replace(QLatin1Char('\n'), QChar::LineSeparator),
+                       table.font());
     layout.setTextOption(wrapping);
     layout.beginLayout();
     qreal height = 0;
@@ -57,7 +62,9 @@ bool isCut(const QTableWidget& table, const QModelIndex& cell, const QString& te
 /// A tool tip would interpret text that looks like markup.
 QString asPlainText(const QString& text)
 {
-    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
+    return Qt::mightBeRichText(text)
+               ? QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(text.toHtmlEscaped())
+               : text;
 }
 
 } // namespace
@@ -65,6 +72,13 @@ QString asPlainText(const QString& text)
 CutTextTip::CutTextTip(QTableWidget& table) : QObject(&table), m_table(table)
 {
     table.viewport()->installEventFilter(this);
+    // The tip of a row that is gone would stay over the one that takes its place.
+    connect(table.model(), &QAbstractItemModel::rowsRemoved, this, [this] {
+        if (m_isShown) {
+            QToolTip::hideText();
+            m_isShown = false;
+        }
+    });
 }
 
 bool CutTextTip::eventFilter(QObject* watched, QEvent* event)
@@ -76,11 +90,12 @@ bool CutTextTip::eventFilter(QObject* watched, QEvent* event)
     return true;
 }
 
-void CutTextTip::answer(QHelpEvent& event) const
+void CutTextTip::answer(QHelpEvent& event)
 {
     const QModelIndex cell = m_table.indexAt(event.pos());
-    const QString text = cell.data().toString();
-    if (cell.isValid() && isCut(m_table, cell, text)) {
+    const QString text = cell.data().toString().left(longestText);
+    m_isShown = cell.isValid() && isCut(m_table, cell, text);
+    if (m_isShown) {
         QToolTip::showText(event.globalPos(), asPlainText(text), m_table.viewport(),
                            m_table.visualRect(cell));
     } else {

@@ -19,7 +19,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void answer(QHelpEvent& event) const;
+    void answer(QHelpEvent& event);
 
     QTableWidget& m_table;
+    bool m_isShown = false; // a tip of this table's was the last one asked for
 };

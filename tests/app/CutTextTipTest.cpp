@@ -28,6 +28,7 @@ private slots:
     void cutDetailIsShownWhole();
     void placeWithoutACellHasNone();
     void tipGoesAtACellThatFits();
+    void tipGoesWithItsRow();
     void tipIsShownExactlyWhenThePaintedTextIsCut_data();
     void tipIsShownExactlyWhenThePaintedTextIsCut();
     void nameOnTwoLinesIsWholeWhereBothFit();
@@ -93,6 +94,7 @@ void CutTextTipTest::cutNameIsShownWhole_data()
     QTest::newRow("markup") << "<b>bold</b><img src='http://192.168.1.120/'>" + end;
     QTest::newRow("markup around spaces") << "<i>  two  spaces  </i>" + end;
     QTest::newRow("entities") << "&lt;b&amp;" + end;
+    QTest::newRow("line feed") << QStringLiteral("one\ntwo.mp4");
     QTest::newRow("ampersand") << "this & that" + end;
     QTest::newRow("Chinese") << QString(40, QChar(0x5f55));
 }
@@ -142,6 +144,16 @@ void CutTextTipTest::tipGoesAtACellThatFits()
     QVERIFY(restMouseOn(0, card::NameColumn));
     QVERIFY(QToolTip::isVisible());
     QVERIFY(!restMouseOn(1, card::NameColumn));
+    QTRY_VERIFY(!QToolTip::isVisible());
+}
+
+void CutTextTipTest::tipGoesWithItsRow()
+{
+    card::addNameRow(table(), 0, QString(90, QLatin1Char('x')));
+    card::addNameRow(table(), 1, QStringLiteral("y.mp4"));
+    QVERIFY(restMouseOn(0, card::NameColumn));
+    QVERIFY(QToolTip::isVisible());
+    table().removeRow(0);
     QTRY_VERIFY(!QToolTip::isVisible());
 }
 
