@@ -1,6 +1,6 @@
-// Operates the program's own window from inside: linked with the program's main function, it reads one
-// command per line from standard input and confirms each with a line "done" on standard output, or
-// uses the socket named by DRIVEN_PROGRAM_SOCKET for both if that is set.
+// Operates the program's own window from inside: linked with the program's main function, it reads
+// one command per line from standard input and confirms each with a line "done" on standard output,
+// or uses the socket named by DRIVEN_PROGRAM_SOCKET for both if that is set.
 //   click NAME    clicks the widget with that object name as soon as it is enabled
 //   choose ROW    clicks a row of the file table
 //   text NAME     prints the text of the line edit with that object name before "done"

@@ -15,8 +15,8 @@ namespace support {
 
 namespace {
 
-/// The offscreen platform prints this for every fixed-size window and every tool tip. It concerns only
-/// the platform.
+/// The offscreen platform prints this for every fixed-size window and every tool tip. It concerns
+/// only the platform.
 const QString offscreenRemark = QStringLiteral("This plugin does not support ");
 
 } // namespace
