@@ -145,7 +145,7 @@ public:
         }
     }
 
-    /// Adds what was filled in on the connections that are still open.
+    /// Counts the bytes that were filled in on connections that are still open.
     void finish()
     {
         while (!m_connections.empty()) {

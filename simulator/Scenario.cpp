@@ -23,7 +23,7 @@ bool timeUnit(const std::string& word, Milliseconds& unit)
     return unit != Milliseconds(0);
 }
 
-/// Control lines that only show something, or nothing that a scenario could wait for.
+/// Control lines that change nothing and are therefore rejected in a scenario.
 bool changesNothing(const std::string& word)
 {
     constexpr std::array<const char*, 5> words = {"faults", "card", "connections", "status",
