@@ -3,10 +3,9 @@
 
 namespace app {
 
-/// Opens closed standard streams on the null device, since a socket or a recording would take their
-/// place and receive what is printed. Ignores SIGPIPE, since writing to a connection that a device
-/// has closed would end the program, and raises the soft limit of open descriptors to the hard one,
-/// since reconnections and downloads leave theirs open by design.
+/// Opens closed standard streams on the null device. Ignores SIGPIPE, since writing to a connection
+/// that a device has closed would end the program, and raises the soft limit of open descriptors to
+/// the hard one, since reconnections and downloads leave theirs open by design.
 void setUpProcess();
 
 } // namespace app

@@ -2,6 +2,7 @@
 #include "download/DownloadRequest.h"
 #include "download/LocalFile.h"
 #include "posix/PipeSignalBlock.h"
+#include "posix/StandardStreams.h"
 #include "verify/Comparison.h"
 #include "verify/Console.h"
 #include "verify/Json.h"
@@ -126,6 +127,7 @@ void waitForEnter(Console& console)
 
 int main(int argc, char* argv[])
 {
+    sys::openClosedStandardStreams();
     const sys::PipeSignalBlock block; // a report without a reader is a failure with a message
     const QCoreApplication application(argc, argv);
     const Letters letters = terminalLetters();

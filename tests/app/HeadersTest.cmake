@@ -14,7 +14,8 @@ function(check_headers library)
 endfunction()
 
 check_headers(posix
-  posix/LeadingNumber.h posix/PipeSignalBlock.h posix/StoppableCalls.h posix/Worker.h)
+  posix/LeadingNumber.h posix/PipeSignalBlock.h posix/StandardStreams.h
+  posix/StoppableCalls.h posix/Worker.h)
 check_headers(http
   http/HTTPClient.h http/HTTPRecords.h http/HTTPSession.h)
 check_headers(link

@@ -106,6 +106,13 @@ class Ends(VerifyTest):
         self.assertEqual((2, "", "belun-verify: The report cannot be written: Broken pipe.\n"),
                          self.end(process))
 
+    def test_a_closed_output_leaves_the_status(self):
+        self.start("--fault", "entries=0")
+        for closed in (">&-", "2>&-", "<&- >&- 2>&-"):
+            result = subprocess.run(["sh", "-c", f'exec "$@" {closed}', "sh", *self.command()],
+                                    check=False, capture_output=True, timeout=LIMIT)
+            self.assertEqual((0, b""), (result.returncode, result.stderr))
+
     def test_a_full_disk_is_a_failure(self):
         self.start("--fault", "entries=3")
         with open("/dev/full", "wb") as full:
