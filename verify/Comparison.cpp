@@ -182,6 +182,7 @@ bool Comparison::judgeContent(Recording& recording)
         return true; // since its size was looked at
     }
     const std::uint64_t size = *recording.cardBytes;
+    file.readFromDisk();
     ByteComparison comparison(file);
     const auto reply =
         m_card.content(recording.name, size, [this, &comparison](std::string_view bytes) {

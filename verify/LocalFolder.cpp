@@ -14,6 +14,8 @@ namespace verify {
 
 namespace {
 
+constexpr std::uint64_t dropSize = 8 * 1024 * 1024;
+
 LocalFile::State stateOf(int error)
 {
     switch (error) {
@@ -81,8 +83,16 @@ LocalFile::~LocalFile()
 
 LocalFile::LocalFile(LocalFile&& other) noexcept
     : m_descriptor(std::exchange(other.m_descriptor, -1)), m_state(other.m_state),
-      m_error(other.m_error), m_size(other.m_size), m_changed(other.m_changed)
+      m_error(other.m_error), m_size(other.m_size), m_changed(other.m_changed),
+      m_fromDisk(other.m_fromDisk), m_position(other.m_position), m_dropped(other.m_dropped)
 {
+}
+
+void LocalFile::readFromDisk()
+{
+    m_fromDisk = true;
+    ::posix_fadvise(m_descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
+    ::posix_fadvise(m_descriptor, 0, 0, POSIX_FADV_DONTNEED);
 }
 
 std::size_t LocalFile::read(char* buffer, std::size_t count)
@@ -100,6 +110,12 @@ std::size_t LocalFile::read(char* buffer, std::size_t count)
             break;
         }
         done += static_cast<std::size_t>(got);
+    }
+    m_position += done;
+    if (m_fromDisk && m_position - m_dropped >= dropSize) {
+        ::posix_fadvise(m_descriptor, static_cast<off_t>(m_dropped),
+                        static_cast<off_t>(m_position - m_dropped), POSIX_FADV_DONTNEED);
+        m_dropped = m_position;
     }
     return done;
 }

@@ -37,6 +37,11 @@ public:
     int error() const { return m_error; } ///< errno of what failed, else 0
     std::uint64_t size() const { return m_size; }
 
+    /// Makes read() take the bytes from the disk and leave no copy in memory, where the system can
+    /// do so: what a faulty disk wrote shows only there, and a whole card would push out everything
+    /// else.
+    void readFromDisk();
+
     /// Reads the next bytes, up to `count`; fewer only at the end of the file or after an error,
     /// which error() then returns.
     std::size_t read(char* buffer, std::size_t count);
@@ -50,6 +55,9 @@ private:
     int m_error = 0;
     std::uint64_t m_size = 0;
     std::timespec m_changed{};
+    bool m_fromDisk = false;
+    std::uint64_t m_position = 0;
+    std::uint64_t m_dropped = 0; // bytes from the start that are not kept in memory
 };
 
 class LocalFolder

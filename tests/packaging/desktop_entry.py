@@ -16,12 +16,12 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 import screen  # noqa: E402
 
 
-def read(path):
-    """Returns the keys of a desktop entry."""
+def read(path, group="Desktop Entry"):
+    """Returns the keys of a desktop entry, or of one of its actions."""
     parser = configparser.ConfigParser(interpolation=None, delimiters="=", comment_prefixes="#")
     parser.optionxform = str
     parser.read(path, encoding="utf-8")
-    return parser["Desktop Entry"]
+    return parser[group]
 
 
 def start_and_close(path):

@@ -114,20 +114,26 @@ class InstallTest(unittest.TestCase):
             self.assertEqual((size, size), struct.unpack(">II", head[16:24]))
 
     def test_the_desktop_entry_is_in_both_languages(self):
-        entry = desktop_entry.read(self.prefix / "share/applications/belun-download.desktop")
+        path = self.prefix / "share/applications/belun-download.desktop"
+        entry = desktop_entry.read(path)
         for key in ("Name", "GenericName", "Comment", "Keywords"):
             self.assertTrue(entry[key].isascii())
             self.assertFalse(entry[f"{key}[zh_CN]"].isascii())
         self.assertEqual(("Application", "belun-download", "belun-download"),
                          (entry["Type"], entry["Exec"], entry["Icon"]))
+        action = desktop_entry.read(path, f"Desktop Action {entry['Actions'].rstrip(';')}")
+        self.assertEqual(("Compare with the card", "与相机卡比对",
+                          "x-terminal-emulator -e belun-verify --wait"),
+                         (action["Name"], action["Name[zh_CN]"], action["Exec"]))
 
     def test_the_version_is_the_same_everywhere(self):
         version = ARGUMENTS.version
         printed = subprocess.run([self.prefix / "bin/belun-simulator", "--version"], check=True,
                                  stdout=subprocess.PIPE, timeout=20).stdout
         self.assertEqual(f"belun-simulator {version}\n".encode(), printed)
-        for name in ("belun-download", "belun-simulator"):
+        for name in ("belun-download", "belun-simulator", "belun-verify"):
             self.assertIn(f" {version}\"", self.unpacked(f"share/man/man1/{name}.1.gz"))
+        for name in ("belun-download", "belun-simulator"):
             self.assertTrue(self.unpacked(f"share/doc/{name}/changelog.gz").startswith(
                 f"belun-download ({version}) "))
         metainfo = xml.etree.ElementTree.parse(

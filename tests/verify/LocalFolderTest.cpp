@@ -25,6 +25,7 @@ private slots:
     void init();
     void fileIsOpenedWithItsSize();
     void fileIsReadToItsEnd();
+    void bytesFromTheDiskAreTheSame();
     void nothingButAFileIsOpened_data();
     void nothingButAFileIsOpened();
     void changesAreSeen();
@@ -73,6 +74,24 @@ void LocalFolderTest::fileIsReadToItsEnd()
     QCOMPARE(QByteArray(bytes), QByteArray("hello"));
     QCOMPARE(int(file.read(bytes, 1)), 0);
     QCOMPARE(file.error(), 0);
+}
+
+void LocalFolderTest::bytesFromTheDiskAreTheSame()
+{
+    QByteArray bytes;
+    for (int i = 0; i < 5 << 20; ++i) {
+        bytes.append(reinterpret_cast<const char*>(&i), sizeof i);
+    }
+    write("large", bytes);
+    LocalFile file = LocalFolder(path()).open("large");
+    file.readFromDisk();
+    QByteArray found(bytes.size(), '\0');
+    for (int i = 0; i < bytes.size(); i += 100000) {
+        const int count = qMin(100000, int(bytes.size()) - i);
+        QCOMPARE(int(file.read(found.data() + i, std::size_t(count))), count);
+    }
+    QVERIFY(found == bytes);
+    QVERIFY(file.isUnchanged());
 }
 
 void LocalFolderTest::nothingButAFileIsOpened_data()
