@@ -42,8 +42,9 @@ check_headers(project_options
   simulator/Content.h simulator/ControlLines.h simulator/ControlSocket.h simulator/Device.h
   simulator/Fault.h simulator/FaultListing.h simulator/FaultTable.h simulator/FileDescriptor.h
   simulator/Journal.h simulator/LineReader.h simulator/Listener.h simulator/ModuleConnection.h
-  simulator/Mp4Duration.h simulator/Options.h simulator/Outbox.h simulator/PrivateNetwork.h
-  simulator/SampleCard.h simulator/Simulator.h simulator/Text.h)
+  simulator/Mp4Duration.h simulator/Occasion.h simulator/Options.h simulator/Outbox.h
+  simulator/PrivateNetwork.h simulator/RecordedRun.h simulator/Replay.h simulator/SampleCard.h
+  simulator/Scenario.h simulator/Simulator.h simulator/TcpStream.h simulator/Text.h)
 
 add_test(NAME app.Headers
   COMMAND ${CMAKE_COMMAND} "-DROOT=${PROJECT_SOURCE_DIR}" "-DCHECKED=${checked_headers}"
