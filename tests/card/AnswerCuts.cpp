@@ -4,6 +4,7 @@
 #include "tests/support/PieceSender.h"
 #include "tests/support/SocketPair.h"
 
+#include <cstdint>
 #include <utility>
 
 #include <QString>
@@ -23,7 +24,7 @@ std::string outcome(std::size_t announced, const Delivery& delivery, const Answe
     support::PieceSender sender(pair.test, session.socketDescriptor, delivery);
     HTTPClient client;
     HTTPResponse response;
-    response.contentLength = static_cast<int>(announced);
+    response.contentLength = static_cast<std::uint32_t>(announced);
     std::string body;
     const bool received = client.readBody(session, response, body);
     sender.finish();
