@@ -23,8 +23,8 @@ int connectToCamera()
 
 long long sendRequest(int camera, const char* path)
 {
-    const std::string request = std::string("GET ") + path +
-                                " HTTP/1.1\r\nHost:192.168.1.120\r\nConnection:close\r\n\r\n";
+    const std::string request =
+        std::string("GET ") + path + " HTTP/1.1\r\nHost:192.168.1.120\r\nConnection:close\r\n\r\n";
     if (::write(camera, request.data(), request.size()) < 0) {
         return -1;
     }
