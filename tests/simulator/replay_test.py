@@ -56,6 +56,14 @@ class RecordingTest(SimulatorTest):
 
 
 class JournalTest(RecordingTest):
+    def lastWords(self, process):
+        """What a simulator prints that ends by itself."""
+        try:
+            return process.communicate(timeout=harness.LIMIT)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            raise AssertionError("the run goes on") from None
+
     def test_full_journal_gives_the_same_bytes(self):
         seen = self.record("--journal-full")
         self.assertEqual([HEARTBEAT, VERSION[:7], VERSION[7:], HEARTBEAT], seen[0][0])
@@ -100,7 +108,7 @@ class JournalTest(RecordingTest):
                 self.assertEqual(b"belun-simulator ready\n", process.stdout.readline())
                 self.ask(LIST + b"2")
                 self.request(asked)
-                _, message = process.communicate(timeout=harness.LIMIT)
+                _, message = self.lastWords(process)
                 self.assertEqual(1, process.returncode)
                 self.assertEqual(f'belun-simulator: {journal}: "GET {asked.decode()} HTTP/1.1" is '
                                  f"not in the recorded run{times}\n", message.decode())
@@ -114,7 +122,7 @@ class JournalTest(RecordingTest):
             process.stdout.readline()
             self.peer(GROUND)
             self.peer(GROUND)
-            _, message = process.communicate(timeout=harness.LIMIT)
+            _, message = self.lastWords(process)
         self.assertEqual(1, process.returncode)
         self.assertIn(b"the ground module had 1 connections in the recorded run, and here is one "
                       b"more\n", message)
