@@ -4,6 +4,7 @@ scenario_client.py SIMULATOR OPTION...
 """
 
 import os
+import select
 import socket
 import subprocess
 import sys
@@ -13,6 +14,7 @@ import zlib
 sys.dont_write_bytecode = True
 import harness  # noqa: E402
 
+QUIET = 0.15  # seconds without a further step
 PATIENCE = 0.4  # seconds: more than a fault delays an answer
 TARGETS = (harness.COUNT, harness.LIST + b"2", harness.INFO + b"A.MP4",
            harness.RECORDING + b"A.MP4", harness.DELETE + b"NONE.MP4")
@@ -40,19 +42,28 @@ def talk(address, request):
     return f"{len(data)} bytes {zlib.crc32(data):08x} {end}"
 
 
+def more_to_read(stream):
+    """Waits until the steps of one moment are over. Returns whether another one has been
+    reported."""
+    return bool(select.select([stream], [], [], QUIET)[0])
+
+
 def main():
     with tempfile.TemporaryDirectory() as folder:
         path = os.path.join(folder, "A.MP4")
         with open(path, "wb") as file:
             file.write(b"recording " * 2000)
         os.utime(path, (1580474702, 1580474702))
-        with subprocess.Popen([sys.argv[1], "--card", folder, *sys.argv[2:]], text=True,
+        with subprocess.Popen([sys.argv[1], "--card", folder, *sys.argv[2:]], bufsize=0,
                               env={**os.environ, "TZ": "UTC"}, stdin=subprocess.DEVNULL,
                               stdout=subprocess.PIPE) as vehicle:
-            for line in vehicle.stdout:
-                print(line.rstrip("\n"), flush=True)
-                if not line.startswith("scenario: ok") or line == "scenario: ok quit\n":
+            for read in iter(vehicle.stdout.readline, b""):
+                line = read.decode().rstrip("\n")
+                print(line, flush=True)
+                if not line.startswith("scenario: ok") or line == "scenario: ok quit":
                     continue
+                if more_to_read(vehicle.stdout):
+                    continue  # the next step of the same moment is on its way
                 print("  control:", talk(harness.CONTROL, b""), flush=True)
                 for target in TARGETS:
                     seen = talk(harness.CAMERA, b"GET " + target + b" HTTP/1.1\r\n\r\n")
