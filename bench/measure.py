@@ -80,7 +80,7 @@ def main():
         {"machine": machine(), "lines": [vars(line) for line in lines], "data": data}, indent=1),
         encoding="utf-8")
     if options.publish:
-        publish(f"Measured {when}.\n\n{markdown(lines)}")
+        publish(f"Measured {when}; {options.pairs} runs each.\n\n{markdown(lines)}")
     print(f"Charts in {folder.relative_to(ROOT)}, all figures in build/bench/results.json")
     return 0
 

@@ -65,8 +65,9 @@ std::optional<ListEntry> FileListWalk::next()
         return std::nullopt;
     }
     const ListEntry entry{m_name};
-    const char* end = std::strstr(m_entry, entryEnd);
-    m_entry = end == nullptr ? m_entry + std::strlen(m_entry) : end + std::strlen(entryEnd);
+    static_assert(sizeof entryEnd == 2); // one character and the zero
+    const char* end = std::strchr(m_entry, *entryEnd);
+    m_entry = end == nullptr ? m_entry + std::strlen(m_entry) : end + 1;
     if (m_name && m_name->data() < m_entry) {
         findName();
     }
