@@ -155,7 +155,7 @@ void AnswerReaderTest::headOfTheLimitIsRead()
 {
     const QByteArray start = ok + "X: ";
     const QByteArray end = "\r\nContent-Length: 0\r\n\r\n";
-    const int room = int(AnswerReader::headLimit) - start.size() - end.size();
+    const int room = int(AnswerReader::headLimit) - int(start.size()) - int(end.size());
     QCOMPARE(readInPieces(start + QByteArray(room, 'x') + end, 1000).state, State::Complete);
     QCOMPARE(readInPieces(start + QByteArray(room + 1, 'x') + end, 1000).state, State::HeadTooLong);
 }
