@@ -622,8 +622,8 @@ void ControlClientThreadTest::destructionEndsASendThatWaits()
     {
         Link link;
         sender.reset(QThread::create([&] { link.thread.sendString(pair.product, 0x04, 0x01); }));
-        sender->start();
         const support::SleepWatch watch(*sender);
+        sender->start();
         QVERIFY(watch.waitUntilAsleep());
     }
     QVERIFY(sender->wait(stopLimit));
