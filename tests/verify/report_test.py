@@ -101,12 +101,14 @@ class TwoHundred(VerifyTest):
 
     def test_one_connection_at_a_time_and_one_for_each_request(self):
         self.verify("--content")
+        # count, list, one more; details; contents of the same size; count, list, one more
+        requests = 3 + 200 + 196 + 3
+        self.eventually(lambda: self.journal(device="camera", event="close", connection=requests),
+                        "the end of the last connection")
+        self.assertEqual(requests, len(self.journal(device="camera", event="request")))
         events = [(line["event"], line["connection"]) for line in self.journal(device="camera")
                   if line["event"] in ("open", "close")]
-        requests = self.journal(device="camera", event="request")
-        # count, list, one more; details; contents of the same size; count, list, one more
-        self.assertEqual(3 + 200 + 196 + 3, len(requests))
-        self.assertEqual([(event, number) for number in range(1, len(requests) + 1)
+        self.assertEqual([(event, number) for number in range(1, requests + 1)
                           for event in ("open", "close")], events)
 
 
