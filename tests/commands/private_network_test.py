@@ -217,7 +217,7 @@ class NetemTest(unittest.TestCase):
     def test_missing_text_is_an_error(self):
         result = inside("--netem")
         self.assertEqual(2, result.returncode)
-        self.assertIn("--netem needs a text such as 'delay 80ms loss 1%'", result.stderr)
+        self.assertIn("--netem needs a value, such as 'delay 80ms loss 1%'", result.stderr)
 
     def test_packets_are_delayed(self):
         ask = ("import socket, time\n"
