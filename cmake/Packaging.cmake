@@ -21,7 +21,13 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME belun-download)
 set(CPACK_DEBIAN_PROGRAM_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION net)
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS "fonts-wqy-microhei | fonts-noto-cjk, xterm | x-terminal-emulator")
+# A font for the Chinese texts, Qt's plugin for Wayland, and a terminal for the desktop action.
+set(wayland qtwayland5)
+if(BELUN_QT_MAJOR EQUAL 6)
+  set(wayland qt6-wayland)
+endif()
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS
+  "fonts-wqy-microhei | fonts-noto-cjk, ${wayland}, xterm | x-terminal-emulator")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS belun-simulator)
 set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
   "fetch recordings from the camera of a BELUN vehicle
