@@ -30,10 +30,12 @@ COMMANDS = (
     ("tools/demo-tour", "demo-tour", ("--program", "--simulator", "--folder")),
     ("tools/install-packages", "install-packages", ()),
     ("tools/lint", "lint", ()),
-    ("tools/private-display", "private-display", ("--dpi",)),
+    ("tools/private-display", "private-display", ("--dpi", "--size")),
     ("tools/private-network", "{path}", ("--netem", "--as-user")),
     ("tools/try-systems", "try-systems", ("--folder", "--cache")),
     ("tools/update-images", "update-images", ()),
+    ("tools/window-images", "window-images",
+     ("--program", "--simulator", "--folder", "--scale", "--rate", "--language")),
 )
 # Called by a command of the list or by a build, or need packages that ./check does not install.
 OTHERS = {"bench/run", "packaging/check-package", "tests/calls/run", "tests/coverage",

@@ -38,6 +38,7 @@ PROGRAM = {
     f"{DOCUMENTS}/copyright",
     f"{DOCUMENTS}/docs/images/window-en.png",
     f"{DOCUMENTS}/docs/images/window-zh.png",
+    f"{DOCUMENTS}/docs/images/window.gif",
     f"{DOCUMENTS}/simulator/README.md",
     f"{ICONS}/scalable/apps/belun-download.svg",
     "share/lintian/overrides/belun-download",
