@@ -22,6 +22,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QMetaObject>
 #include <QThread>
@@ -546,6 +547,25 @@ void ControlClientThreadTest::stopEndsTheThread()
     link.thread.stopAndWait();
     QVERIFY2(time.elapsed() < stopLimit, qPrintable(QString::number(time.elapsed()) + " ms"));
     QVERIFY(link.thread.isFinished());
+
+    // The stop itself is neither logged nor reported.
+    QStringList attempt{"ControlClientThread run begin", "control new socket begin",
+                        "control new socket bind ok"};
+    if (connected) {
+        attempt << "control new socket success"
+                << "Control host IP: 192.168.1.149 length: 13";
+    }
+    const QStringList lines = link.log.lines();
+    QCOMPARE(lines.mid(lines.lastIndexOf(attempt.first())), attempt);
+    QStringList events;
+    if (linkFirst) {
+        events << "linked";
+        if (!connected) {
+            events << "lost";
+        }
+    }
+    QCoreApplication::processEvents();
+    QCOMPARE(link.recorder.events, events);
 }
 
 void ControlClientThreadTest::threadThatWasNeverStartedCanBeDestroyed()

@@ -4,23 +4,39 @@
 #include "tests/support/SocketPair.h"
 #include "tests/support/TestMain.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <ctime>
+#include <new>
 
 #include <pthread.h>
 #include <sys/socket.h>
 
+#include <QList>
 #include <QObject>
 #include <QTest>
 
 namespace {
 
-bool isBlocked()
+/// Returns the numbers of all signals that this thread blocks.
+QList<int> blockedSignals()
 {
     sigset_t mask;
     ::pthread_sigmask(SIG_BLOCK, nullptr, &mask);
-    return ::sigismember(&mask, SIGPIPE) == 1;
+    QList<int> blocked;
+    for (int number = 1; number <= SIGRTMAX; ++number) {
+        if (::sigismember(&mask, number) == 1) {
+            blocked.append(number);
+        }
+    }
+    return blocked;
+}
+
+bool isBlocked()
+{
+    return blockedSignals().contains(SIGPIPE);
 }
 
 bool isPending()
@@ -39,6 +55,7 @@ class PipeSignalBlockTest : public QObject
 private slots:
     void writingToAClosedPeerFailsWithoutASignal();
     void signalIsBlockedOnlyWhileTheObjectLives();
+    void noOtherSignalIsBlocked();
     void signalThatWasPendingBeforeStaysPending();
 };
 
@@ -72,6 +89,20 @@ void PipeSignalBlockTest::signalIsBlockedOnlyWhileTheObjectLives()
         QVERIFY(isBlocked());
     }
     QVERIFY(!isBlocked());
+}
+
+// In memory full of ones, a signal set that is not emptied first contains every signal.
+void PipeSignalBlockTest::noOtherSignalIsBlocked()
+{
+    QList<int> expected = blockedSignals();
+    expected.append(SIGPIPE);
+    std::sort(expected.begin(), expected.end());
+    alignas(sys::PipeSignalBlock) std::array<unsigned char, sizeof(sys::PipeSignalBlock)> memory{};
+    memory.fill(0xFF);
+    auto* const block = new (memory.data()) sys::PipeSignalBlock;
+    const QList<int> blocked = blockedSignals();
+    block->~PipeSignalBlock();
+    QCOMPARE(blocked, expected);
 }
 
 void PipeSignalBlockTest::signalThatWasPendingBeforeStaysPending()
