@@ -20,7 +20,7 @@ COMMANDS = (
     ("check --soak", "soak", ("--share",)),
     ("check --coverage", "coverage", ("--jobs",)),
     ("check --lint", "lint", ()),
-    ("check --package", "check-package", ()),
+    ("check --package", "check-package", ("--upgrade",)),
     ("check --bench", "bench", ("--pairs",)),
     ("demo", "demo", ()),
     (".ci/run", "ci", ("--jobs",)),
