@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -62,16 +63,17 @@ ExactSize exactSize(const char* answer)
     if (!field) {
         return {ExactSize::Reading::Missing, 0};
     }
-    std::int64_t bytes = 0;
+    std::uint64_t bytes = 0; // unsigned, so that a sign is not read
     const char* end = field->data() + field->size();
     const auto [next, error] = std::from_chars(field->data(), end, bytes);
     if (error == std::errc::invalid_argument || next != end) {
         return {ExactSize::Reading::NotANumber, 0};
     }
-    if (error == std::errc::result_out_of_range || bytes < 0) {
+    if (error == std::errc::result_out_of_range ||
+        bytes > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) {
         return {ExactSize::Reading::OutOfRange, 0};
     }
-    return {ExactSize::Reading::Known, bytes};
+    return {ExactSize::Reading::Known, static_cast<std::int64_t>(bytes)};
 }
 
 } // namespace card

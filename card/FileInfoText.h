@@ -33,8 +33,8 @@ struct ExactSize
     enum class Reading {
         Known,
         Missing,    ///< The answer has no size.
-        NotANumber, ///< The size contains something other than decimal digits.
-        OutOfRange, ///< The size is negative or does not fit into 63 bits.
+        NotANumber, ///< The size contains something other than decimal digits, such as a sign.
+        OutOfRange, ///< The size does not fit into 63 bits.
     };
 
     Reading reading = Reading::Missing;

@@ -176,10 +176,11 @@ void FileInfoTextTest::exactSizeIsChecked_data()
     row("9223372036854775808", Reading::OutOfRange, 0);
     row("18446744073709551616", Reading::OutOfRange, 0);
     row(QByteArray(40, '7'), Reading::OutOfRange, 0);
-    row("-1", Reading::OutOfRange, 0);
-    row("-" + QByteArray(40, '7'), Reading::OutOfRange, 0);
     row("", Reading::NotANumber, 0);
     row("-", Reading::NotANumber, 0);
+    row("-0", Reading::NotANumber, 0);
+    row("-1", Reading::NotANumber, 0);
+    row("-" + QByteArray(40, '7'), Reading::NotANumber, 0);
     row("+7", Reading::NotANumber, 0);
     row(" 7", Reading::NotANumber, 0);
     row("7 ", Reading::NotANumber, 0);

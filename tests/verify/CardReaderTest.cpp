@@ -138,6 +138,7 @@ void CardReaderTest::sizeIsExact_data()
         << QByteArray("size=\"4294967297\";") << true << quint64(4294967297);
     QTest::newRow("none") << QByteArray("create=\"20200131124502\";") << false << quint64(0);
     QTest::newRow("negative") << QByteArray("size=\"-1\";") << false << quint64(0);
+    QTest::newRow("minus nothing") << QByteArray("size=\"-0\";") << false << quint64(0);
     QTest::newRow("letters") << QByteArray("size=\"1k\";") << false << quint64(0);
     QTest::newRow("empty") << QByteArray("size=\"\";") << false << quint64(0);
 }
