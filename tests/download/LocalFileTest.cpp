@@ -166,6 +166,30 @@ private:
     sigset_t m_before;
 };
 
+/// Creates a recording whose content is "old" and returns its path.
+QByteArray oldRecording()
+{
+    QDir::home().mkpath("Desktop/DCIM");
+    write("Desktop/DCIM/a.mp4", "old");
+    return inHome("Desktop/DCIM/a.mp4");
+}
+
+/// A download of a recording that is under a lease.
+struct LeasedDownload
+{
+    /// Starts the download and returns whether it waits for the end of the lease.
+    bool startsToWait()
+    {
+        download.start();
+        return lease.waitUntilWanted() && watch.waitUntilAsleep();
+    }
+
+    support::Lease lease{oldRecording()};
+    Camera camera;
+    Download download{"a.mp4"};
+    support::SleepWatch watch{download.thread}; // from before the start
+};
+
 } // namespace
 
 class LocalFileTest : public QObject
@@ -460,21 +484,14 @@ void LocalFileTest::deviceUnderTheRecordingsNameIsAFailure()
 
 void LocalFileTest::openingAFileUnderALeaseWaits()
 {
-    QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
-    write("Desktop/DCIM/a.mp4", "old");
-    support::Lease lease(inHome("Desktop/DCIM/a.mp4"));
-    QVERIFY(lease.taken());
-    const Camera camera;
-    Download download("a.mp4");
-    const support::SleepWatch watch(download.thread);
-    download.start();
-    QVERIFY(lease.waitUntilWanted());
-    QVERIFY(watch.waitUntilAsleep());
-    QCOMPARE(download.recorder.finished, 0);
+    LeasedDownload leased;
+    QVERIFY(leased.lease.taken());
+    QVERIFY(leased.startsToWait());
+    QCOMPARE(leased.download.recorder.finished, 0);
     QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("old"));
-    lease.giveUp();
-    QVERIFY(download.waitUntilFinished());
-    QCOMPARE(download.output.text(), QByteArray());
+    leased.lease.giveUp();
+    QVERIFY(leased.download.waitUntilFinished());
+    QCOMPARE(leased.download.output.text(), QByteArray());
     QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("new content"));
 }
 
@@ -489,21 +506,14 @@ void LocalFileTest::stopEndsTheWaitForALease()
 {
     QFETCH(bool, blocksTheSignal);
     const BlockedSignal block(blocksTheSignal ? SIGURG : 0);
-    QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
-    write("Desktop/DCIM/a.mp4", "old");
-    support::Lease lease(inHome("Desktop/DCIM/a.mp4"));
-    QVERIFY(lease.taken());
-    const Camera camera;
-    Download download("a.mp4");
-    const support::SleepWatch watch(download.thread);
-    download.start();
-    QVERIFY(lease.waitUntilWanted());
-    QVERIFY(watch.waitUntilAsleep());
+    LeasedDownload leased;
+    QVERIFY(leased.lease.taken());
+    QVERIFY(leased.startsToWait());
     QElapsedTimer time;
     time.start();
-    download.thread.stopAndWait();
+    leased.download.thread.stopAndWait();
     QVERIFY2(time.elapsed() < stopLimit, qPrintable(QString::number(time.elapsed()) + " ms"));
-    QCOMPARE(download.output.text(), QByteArray());
+    QCOMPARE(leased.download.output.text(), QByteArray());
     QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("old"));
 }
 
