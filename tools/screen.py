@@ -1,7 +1,7 @@
 """Mouse, keyboard and screenshots on an X display, as a user would use them.
 
-Widgets are found by the visible focus frame. Every wait has a time limit and raises NotSeen with a
-description of what was expected.
+window.py tells what is where. Every wait has a time limit and raises NotSeen with a description of
+what was expected.
 """
 
 import subprocess
@@ -12,7 +12,7 @@ class NotSeen(Exception):
     """Something expected did not appear in time."""
 
 
-def wait_for(what, condition, seconds=10.0):
+def wait_for(what, condition, seconds=20.0):
     """Calls the condition until its result is true and returns the result."""
     end = time.monotonic() + seconds
     while True:
@@ -55,30 +55,6 @@ class Screenshot:
         return sum(matches(self.pixel(x, y)) for y in range(top, bottom)
                    for x in range(left, right))
 
-    def changed(self, other, box=None):
-        """Returns the smallest box (left, top, right, bottom) around all differences, or None."""
-        left, top, right, bottom = box or (0, 0, self.width, self.height)
-        rows = [y for y in range(top, bottom)
-                if self.row(y, left, right) != other.row(y, left, right)]
-        if not rows:
-            return None
-        columns = [x for x in range(left, right)
-                   if any(self.pixel(x, y) != other.pixel(x, y) for y in rows)]
-        return columns[0], rows[0], columns[-1] + 1, rows[-1] + 1
-
-    def text_rows(self, box, matches):
-        """Returns the number of pixels of a matching colour for each line of text in the box."""
-        left, top, right, bottom = box
-        rows, before = [], 0
-        for y in range(top, bottom):
-            now = self.count((left, y, right, y + 1), matches)
-            if now and not before:
-                rows.append(0)
-            if now:
-                rows[-1] += now
-            before = now
-        return rows
-
     def text(self, box):
         """Returns the text in the box as pixel columns, without the empty ones on both sides."""
         left, top, right, bottom = box
@@ -103,7 +79,7 @@ def look():
     return Screenshot(_run("import", "-silent", "-window", "root", "-depth", "8", "ppm:-"))
 
 
-def look_when_still(seconds=10.0):
+def look_when_still(seconds=20.0):
     """Returns a screenshot after the display has stopped changing."""
     shots = [look()]
 
@@ -139,29 +115,3 @@ def find_window(title, seconds=20.0):
                                 stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False)
         return result.stdout.decode().strip() == title
     wait_for(f"a window with the title {title}", active, seconds)
-
-
-def find_by_focus(names, enter="Tab"):
-    """Finds the widgets that the Tab key visits; returns {name: box}.
-
-    The names are in tab order, and the focus is on the first. The widget before that one, which Tab
-    visits last, shows no focus frame; the key `enter` leaves it.
-    """
-    shot = look_when_still()
-
-    def press(name, what):
-        nonlocal shot
-        before = shot
-        key(name)
-        wait_for(f"the keyboard focus {what}", lambda: look() != before, 5.0)
-        shot = look_when_still()
-
-    press("Tab", "to show")
-    press("shift+Tab", f"on {names[0]}")
-    press("shift+Tab", f"to leave {names[0]}")
-    without = shot
-    boxes = {}
-    for name in names:
-        press("Tab" if boxes else enter, f"on {name}")
-        boxes[name] = shot.changed(without)
-    return boxes

@@ -10,7 +10,7 @@ import subprocess
 import harness
 import screen
 import texts
-from window import Program, readable
+from window import Program, readable, wrongly_drawn
 
 LIMIT = 20  # seconds; long enough for a busy machine
 
@@ -116,10 +116,7 @@ class ScreenTest(harness.SimulatorTest):
         return shot
 
     def item(self, role, name=None, number=0):
-        found = self.wait_until(f"{role} {name}", lambda: [
-            item for item in self.window.items()
-            if item.role == role and name in (None, item.name)][number:])
-        return found[0]
+        return self.wait_until(f"{role} {name}", lambda: self.window.find(role, name, number))
 
     def status_is(self, colour, other_colour):
         def pixels():
@@ -148,12 +145,7 @@ class ScreenTest(harness.SimulatorTest):
 
     def every_text_is_drawn(self, shot):
         """Checks that something is drawn where a text is reported, and nothing elsewhere."""
-        for item in self.window.items():
-            if item.role in ("push button", "label", "text", "table column header"):
-                left, top, right, bottom = item.box
-                inner = (left + 4, top + 4, right - 4, bottom - 4)
-                dark = shot.count(inner, lambda pixel: max(pixel) < 100)
-                self.assertEqual(bool(item.text), dark > 10, f"{item.role} {item.text}: {dark}")
+        self.assertEqual([], wrongly_drawn(self.window.items(), shot))
 
     # What the user does.
 

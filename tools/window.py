@@ -1,6 +1,6 @@
 """Reads the program's window through the accessibility interface: texts, places and states.
 
-Read-only; the tests act with mouse and keyboard.
+Read-only; screen.py acts with mouse and keyboard. Needs a message bus.
 """
 
 import dataclasses
@@ -9,6 +9,8 @@ import time
 import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
+
+Unreadable = GLib.Error  # raised where the box of an item that is gone is read
 
 Atspi.set_timeout(2000, 5000)
 
@@ -121,8 +123,14 @@ class Program:
         """Returns everything shown in the window, from top to bottom; nothing without a window."""
         return self._patiently(lambda: self._look(lambda top: _role_of(top) == "frame"))
 
+    def find(self, role, name=None, number=0):
+        """Returns an item shown in the window, or None: by its number among those of this role, or
+        of this role and name."""
+        found = [item for item in self.items() if item.role == role and name in (None, item.name)]
+        return found[number] if number < len(found) else None
+
     def box(self):
-        """Returns the same for the message box."""
+        """Returns everything shown in the message box."""
         return self._patiently(lambda: self._look(
             lambda top: _role_of(top) in ("alert", "dialog", "notification")))
 
@@ -145,6 +153,20 @@ class Program:
     def read(self):
         """Returns role and text of everything readable in the window."""
         return readable(self.items())
+
+
+def wrongly_drawn(items, shot):
+    """Returns what the screenshot does not show where a text is reported, and what it shows
+    elsewhere."""
+    wrong = []
+    for item in items:
+        if item.role in ("push button", "label", "text", "table column header"):
+            left, top, right, bottom = item.box
+            dark = shot.count((left + 4, top + 4, right - 4, bottom - 4),
+                              lambda pixel: max(pixel) < 100)
+            if bool(item.text) != (dark > 10):
+                wrong.append(f"{item.role} {item.text}: {dark} dark pixels")
+    return wrong
 
 
 def readable(items):
