@@ -1,4 +1,4 @@
-// The least that a download in pieces of 4,096 bytes can be: one request, then read and write.
+// A download in reads of 4,096 bytes with nothing else: one request, then read and write.
 #include "bench/Camera.h"
 #include "bench/Report.h"
 

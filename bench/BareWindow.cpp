@@ -1,4 +1,4 @@
-// The least that a Qt program can show: a window with a button.
+// A minimal Qt program: a window with a button.
 #include <QApplication>
 #include <QIcon>
 #include <QMainWindow>
@@ -9,7 +9,7 @@ int main(int argc, char* argv[])
     QApplication application(argc, argv);
     QMainWindow window;
     window.setCentralWidget(new QPushButton(QStringLiteral("Button")));
-    if (argc == 2) { // an icon, to tell what showing one costs
+    if (argc == 2) { // an icon, to measure its share
         window.setWindowIcon(QIcon(QString::fromLocal8Bit(argv[1])));
     }
     window.resize(800, 600);

@@ -1,4 +1,4 @@
-// The camera's side of a measured download, for programs that do without the product.
+// Requests a recording from the camera, for measured programs that do not use the product's code.
 #pragma once
 
 namespace bench {
@@ -6,7 +6,7 @@ namespace bench {
 /// Returns a socket that is connected to the camera; negative on failure.
 int connectToCamera();
 
-/// Requests `path` and reads the head of the answer. Returns the announced length in bytes, 0 where
+/// Requests `path` and reads the head of the answer. Returns the announced length in bytes, 0 if
 /// there is none, or -1 on failure.
 long long sendRequest(int camera, const char* path);
 

@@ -1,4 +1,4 @@
-// The same GET again and again, over a new connection each: by this project's client or by libcurl.
+// Repeats one GET, each over a new connection, with this project's client or with libcurl.
 #include "bench/Report.h"
 #include "http/HTTPClient.h"
 
@@ -17,7 +17,7 @@ std::size_t append(char* data, std::size_t size, std::size_t count, void* body)
     return size * count;
 }
 
-/// Bytes received in all, or a negative number after a failure.
+/// Returns the number of bytes received in total, or a negative number on failure.
 double getByHttpClient(const char* url, int count)
 {
     HTTPClient client;

@@ -1,5 +1,5 @@
-// Linked beside a main function: tells when the program's first window has been painted, and how
-// much memory it has half a second later, then ends the program.
+// Linked to a program with its own main function: reports when the first window has been painted
+// and how much memory the program uses half a second later, then ends it.
 #include "bench/Report.h"
 
 #include <QApplication>
@@ -16,7 +16,7 @@ constexpr int settleTime = 500; // milliseconds
 class FirstFrame : public QObject
 {
 public:
-    /// The window paints while it handles its first exposure; what is posted now comes behind that.
+    /// The window paints while it handles its first exposure; a queued call runs after it.
     bool eventFilter(QObject* receiver, QEvent* event) override
     {
         const auto* window = qobject_cast<QWindow*>(receiver);

@@ -1,6 +1,5 @@
-// The least window that does what a download has to do: a thread that reads at most 4,096 bytes at
-// a time, writes them and reports them by a queued signal, and a plain progress bar that is set at
-// each of them.
+// The smallest window that does the required work of a download: a thread reads at most 4,096 bytes
+// at a time, writes them and emits a queued signal, and each signal sets a plain progress bar.
 #include "bench/Camera.h"
 #include "bench/Report.h"
 

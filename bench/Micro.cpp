@@ -1,4 +1,4 @@
-// What single readers take, without a connection where they need none.
+// Times single functions, without a connection if they need none.
 #include "card/CardAnswers.h"
 #include "card/FileInfoText.h"
 #include "card/NameTable.h"
@@ -35,7 +35,7 @@ void downloadHead(benchmark::State& state)
     }
 }
 
-/// From a socket that holds it: one system call a byte.
+/// Reads a head that is already in the socket: one system call per byte.
 void clientHead(benchmark::State& state)
 {
     int ends[2];
@@ -95,7 +95,7 @@ void frame(benchmark::State& state)
 
 } // namespace
 
-/// Without the macros of the library, which Clang 22 warns about.
+/// Does what the library's macros do, about which Clang 22 warns.
 int main(int argc, char** argv)
 {
     benchmark::RegisterBenchmark("downloadHead", downloadHead);

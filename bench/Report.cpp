@@ -32,7 +32,8 @@ double cpuSeconds()
     return seconds(taken.ru_utime) + seconds(taken.ru_stime);
 }
 
-// Not the figure of getrusage(): that includes what the process was before it became this program.
+// Not from getrusage(), which includes the memory that the process had before it executed this
+// program.
 double peakKilobytes()
 {
     double peak = 0;

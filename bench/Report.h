@@ -1,4 +1,4 @@
-// What a measured process tells about itself.
+// Reports the time and memory that this process uses.
 #pragma once
 
 #include <initializer_list>
@@ -6,20 +6,19 @@
 
 namespace bench {
 
-/// Seconds since an arbitrary moment that all processes share.
+/// Returns the seconds since an arbitrary moment, the same for all processes.
 double now();
 
-/// Seconds of processor time that this process has taken so far, the kernel's on its behalf
-/// included.
+/// Returns the CPU time of this process in seconds, in user and kernel mode.
 double cpuSeconds();
 
-/// Most memory that this process ever had, in kilobytes.
+/// Returns the peak memory of this process in kilobytes.
 double peakKilobytes();
 
-/// Memory that this process has now, in kilobytes.
+/// Returns the current memory of this process in kilobytes.
 double residentKilobytes();
 
-/// Prints named figures as one JSON object on a line of standard output.
+/// Prints named figures as one line of JSON on standard output.
 void report(std::initializer_list<std::pair<const char*, double>> figures);
 
 } // namespace bench

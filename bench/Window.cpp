@@ -1,4 +1,4 @@
-// Jobs of the window, measured from inside.
+// Measures operations of the window from inside the program.
 #include "app/ProcessSetup.h"
 #include "bench/Report.h"
 #include "bench/WindowUser.h"
@@ -19,13 +19,13 @@ constexpr char usage[] =
     "Usage: bench_window JOB [NUMBER]\n"
     "  browse N      browse N times; one line each\n"
     "  download      link, browse, download all recordings\n"
-    "  watch         the same with a timer of 5 ms and a look at the progress bar\n"
+    "  watch         the same, with the delays of a timer and of the full progress bar\n"
     "  downloads N   the same N times, one line each\n"
     "  select N      browse, then collect the selection N times\n"
     "  idle N        stay open for N seconds; linked with 'linked N'\n"
-    "One JSON object a line goes to standard output. Needs the private network.\n";
+    "Prints one line of JSON per result. Needs the private network.\n";
 
-/// How late a timer of five milliseconds comes in the thread that made this.
+/// Measures the delay of a timer of five milliseconds in the thread that creates this object.
 class TimerDelays : public QObject
 {
 public:
@@ -41,7 +41,7 @@ public:
         m_timer.start(interval);
     }
 
-    /// In milliseconds, of a share of all ticks.
+    /// Returns the delay in milliseconds that this share of all ticks did not exceed.
     double percentile(double share)
     {
         if (m_delays.empty()) {
@@ -61,7 +61,7 @@ private:
     std::vector<double> m_delays;
 };
 
-/// When the bar was painted full, and how often it was painted.
+/// Records when the progress bar was painted full and how often it was painted.
 class FullBar : public QObject
 {
 public:
@@ -114,7 +114,8 @@ void download(WindowUser& user, int rounds)
     }
 }
 
-/// The last byte is written when the download thread emits its end, at the latest.
+/// Downloads with a timer running and reports its delays and how late the full bar was painted. The
+/// last byte counts as written when the download thread emits its end.
 void watch(WindowUser& user)
 {
     user.link();

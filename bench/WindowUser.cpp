@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Ends an event loop when the download button may be clicked again and no further download has
-/// begun: the button is enabled and disabled again between two files.
+/// Ends an event loop when the download button is enabled and no further download has started:
+/// between two files the button is enabled and disabled again.
 class EndOfDownloads : public QObject
 {
 public:

@@ -1,4 +1,4 @@
-// The program's window with a hand that clicks.
+// Operates the program's window from inside.
 #pragma once
 
 #include "app/MainWindow.h"
@@ -7,12 +7,12 @@
 #include <QProgressBar>
 #include <QTableWidget>
 
-/// Shows the window as the program does and works it. What cannot be done ends the process with a
-/// message. One thread.
+/// Shows the window as the program does and clicks in it. Ends the process with a message if
+/// something cannot be done. Must be used by one thread.
 class WindowUser
 {
 public:
-    /// Returns when the window has been painted.
+    /// Waits until the window has been painted.
     WindowUser();
 
     template <class Widget>
@@ -27,9 +27,9 @@ public:
 
     void click(const char* button) { child<QAbstractButton>(button).click(); }
     void link();
-    /// Returns when the rows have been painted.
+    /// Browses and waits until the rows have been painted.
     void browse();
-    /// Selects all rows, downloads them and returns when the last one is finished.
+    /// Selects and downloads all rows and waits until the last download has finished.
     void downloadAll();
     /// Runs the event loop.
     static void wait(int milliseconds);

@@ -1,4 +1,4 @@
-"""One chart per topic, from what the topic measured."""
+"""Draws one chart per topic from the topic's results."""
 
 import statistics
 
@@ -22,7 +22,7 @@ LEGEND = "Less is better. Bar: median. Line: lowest to highest. Dashed: limit."
 
 
 def bars(axes, series, title, unit, limit=None, places=2):
-    """A horizontal bar for the median of each named series, labelled with its size."""
+    """Draws a horizontal bar for the median of each named series, labelled with its value."""
     medians = {name: statistics.median(values) for name, values in series.items()}
     widest = max([*(max(values) for values in series.values()), limit or 0])
     for position, (name, values) in enumerate(series.items()):
@@ -45,7 +45,7 @@ def of(results, name, factor=1):
 
 
 def times(limit, reference):
-    """The limit of a ratio, drawn on the axis of what it is a ratio of."""
+    """Returns the limit of a ratio in the unit of the axis: the ratio times the median."""
     return limit * statistics.median(reference)
 
 
@@ -101,7 +101,7 @@ def exchange(data):
 
 
 def growth(data):
-    """How far each of its figures is from its limit."""
+    """Draws each figure of the topic as a share of its limit."""
     figure, axes = plt.subplots(figsize=(7.5, 2.8))
     bars(axes, {name: [figure / limit] for name, (figure, limit) in data["shares"].items()},
          "Cost of one more, as a share of its limit", "", 1)

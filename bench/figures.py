@@ -1,4 +1,4 @@
-"""Figures, their spread, and the lines of the table."""
+"""Figures with their spread, and the lines of the table."""
 
 import dataclasses
 import statistics
@@ -6,8 +6,8 @@ import statistics
 
 @dataclasses.dataclass
 class Line:
-    """One line of the table. Without a limit it is for information; a ratio is to the named
-    reference. `why` says in a few words what the figure comes from."""
+    """One line of the table. A line without a limit is only informative; a ratio is relative to the
+    named reference. `why` explains the figure in a few words."""
 
     topic: str
     what: str
@@ -24,16 +24,15 @@ class Line:
 
 
 def at_most(topic, what, values, limit, unit="", places=2, why=""):
-    """A line whose figure is the median of the values, with the lowest and the highest. Where the
-    limit is within the middle half of values that spread widely, nothing has been settled: that
-    takes a quieter machine."""
+    """Returns a line with the median, the lowest and the highest of the values. The verdict is
+    "unsettled" if the values spread widely and the limit is within their middle half."""
     middle = statistics.median(values)
     figure = f"{middle:.{places}f}{unit}"
     if len(values) > 1:
         figure += f" ({min(values):.{places}f} to {max(values):.{places}f})"
     if limit is None:
         return Line(topic, what, figure)
-    # The figure as it is printed decides: a reader has to be able to check it.
+    # Compares the rounded figure, as it is printed, so that a reader can check the verdict.
     reached = round(middle, places) <= limit
     if len(values) > 2:
         lower, _, upper = statistics.quantiles(values, n=4, method="inclusive")
@@ -44,13 +43,13 @@ def at_most(topic, what, values, limit, unit="", places=2, why=""):
 
 
 def ratios(measured, reference):
-    """Of pairs that were measured one after the other."""
+    """Returns the ratio of each pair; both of a pair were measured one after the other."""
     return [ours / theirs for ours, theirs in zip(measured, reference)]
 
 
 def alternating(count, measurements):
-    """Measures each of the named functions `count` times, interleaved and in alternating order, so
-    that what else the machine does affects all alike. Returns the results by name."""
+    """Calls each of the named functions `count` times, interleaved and in alternating order, so
+    that other load on the machine affects all of them alike. Returns the results by name."""
     results = {name: [] for name in measurements}
     names = list(measurements)
     for turn in range(count):
@@ -64,7 +63,7 @@ def field(results, name):
 
 
 def printed(lines):
-    """The table as text for a terminal."""
+    """Returns the table as text for a terminal."""
     head = Line("topic", "what", "figure, median (lowest to highest)", "target")
     rows = [[*map(str, (line.topic, line.what, line.figure, line.target)), line.verdict]
             for line in [head, *lines]]
@@ -75,7 +74,7 @@ def printed(lines):
 
 
 def markdown(lines):
-    """The table of verdicts: only what has a limit."""
+    """Returns the lines that have a limit as a Markdown table."""
     rows = ["| What | Figure, median (lowest to highest) | Target | Verdict | Why |",
             "| --- | --- | --- | --- | --- |"]
     rows += [f"| {line.what} | {line.figure} | {line.target} | {line.verdict} | {line.why} |"

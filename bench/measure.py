@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""Measures the built program and prints what it reached.
+"""Measures the built program and prints the results.
 
-Run by bench/run, which builds what is measured and makes the private network and the display.
+Called by bench/run, which builds the programs and creates the private network and the display.
 """
 
 import argparse
@@ -22,7 +22,7 @@ TOPICS = ("download", "alive", "browse", "start", "idle", "exchange", "growth")
 
 
 def machine():
-    """What the figures are figures of."""
+    """Describes the machine on which the figures were measured."""
     processor = next((line.split(":", 1)[1].strip() for line in open("/proc/cpuinfo")
                       if line.startswith("model name")), platform.machine())
     memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES") / 2**30
@@ -32,7 +32,7 @@ def machine():
 
 
 def publish(text):
-    """Puts the text between the marks in the page."""
+    """Replaces the text between the two marks in docs/performance.md."""
     page = ROOT / "docs/performance.md"
     begin, end = "<!-- figures: begin -->", "<!-- figures: end -->"
     before, _, rest = page.read_text(encoding="utf-8").partition(begin)
@@ -41,7 +41,7 @@ def publish(text):
 
 
 def wait_for_rest():
-    """Waits until what was built before this is over; returns the load then."""
+    """Waits until the load of the preceding build has decreased; returns the load."""
     deadline = time.monotonic() + LONGEST_WAIT
     while os.getloadavg()[0] > QUIET and time.monotonic() < deadline:
         time.sleep(5)

@@ -1,5 +1,5 @@
-"""What is measured runs among these: the built programs, a web server that plays the camera, the
-simulated modules, and the network between them. All of it ends with its `with` block."""
+"""The surroundings of a measurement: the built programs, a web server in the place of the camera,
+the simulated modules, and the network between them. Each ends with its `with` block."""
 
 import contextlib
 import json
@@ -47,19 +47,18 @@ http {{
 
 
 class Failed(Exception):
-    """A program did not do what it was started for."""
+    """A program failed to do its job."""
 
 
 def folder_in_memory():
-    """A temporary folder that no disk slows down, where the system has such a place."""
+    """A temporary folder, in memory if the system has a place for it."""
     shared = "/dev/shm"
     return tempfile.TemporaryDirectory(prefix="belun-bench-",
                                        dir=shared if os.access(shared, os.W_OK) else None)
 
 
 def run(command, **environment):
-    """Runs a program to its end. Returns its output, when it was started, and the seconds it
-    took."""
+    """Runs a program. Returns its output, the time of its start and its duration in seconds."""
     start = time.monotonic()
     process = subprocess.Popen([str(word) for word in command], stdout=subprocess.PIPE,
                                stderr=subprocess.PIPE, env={**os.environ, **environment},
@@ -83,7 +82,7 @@ def driver(name, *arguments, **environment):
 
 
 def usage_of(command, **environment):
-    """What a program takes that tells nothing about itself."""
+    """Returns time and memory of a program that does not report them itself."""
     return driver("bench_usage", *command, **environment)[0]
 
 
@@ -112,7 +111,7 @@ def nginx_program():
 
 @contextlib.contextmanager
 def camera(sizes, bytes_per_second=0):
-    """nginx with recordings of these sizes, told in megabytes, on its card."""
+    """nginx with recordings of these sizes, in megabytes, on its card."""
     with folder_in_memory() as folder:
         card = pathlib.Path(folder, "www" + RECORDINGS)
         card.mkdir(parents=True)
@@ -158,14 +157,14 @@ def vehicle(*options):
 
 
 def modules():
-    """The modules alone: another program plays the camera."""
+    """The simulated modules without the camera, whose place another program takes."""
     return vehicle("--fault", "refuse=camera")
 
 
 @contextlib.contextmanager
 def shaped(bits_per_second):
-    """A slower network, by a token bucket on the loopback interface. Yields whether this system
-    lets us have one."""
+    """Limits the network's rate with a token bucket on the loopback interface. Yields False if the
+    system does not allow that."""
     if not bits_per_second:
         yield True
         return

@@ -1,4 +1,4 @@
-"""How soon the window answers while it downloads, and when the last progress is seen."""
+"""How soon the window responds during a download, and when the final progress is visible."""
 
 import time
 
@@ -11,7 +11,7 @@ LIMITS = {"1 Gbit/s": 5, "unthrottled": 16}  # milliseconds
 
 
 def watched(folder, recordings, clock_offset):
-    """One download; `late` is from the last byte in the file to the full bar, in seconds."""
+    """One download; `late` is the time from the last byte to the full bar, in seconds."""
     result, = driver("bench_window", "watch", HOME=str(folder))
     file = recordings / NAME
     result["late"] = result["shownAt"] - (file.stat().st_mtime - clock_offset)

@@ -1,4 +1,5 @@
-"""Browsing a card, beside one curl process that makes the same requests over a connection each."""
+"""Browsing a card, compared with one curl process that sends the same requests, each over a new
+connection."""
 
 import os
 import pathlib
@@ -13,15 +14,15 @@ COMMANDS = CAMERA + "/cgi-bin/hi3510/"
 
 
 def addresses(names):
-    """What a browse asks for."""
+    """Returns the addresses that a browse requests."""
     return [COMMANDS + "getfilecount.cgi?",
             COMMANDS + f"getfilelist.cgi?&-start=1&-end={len(names)}",
             *(COMMANDS + f"getfileinfo.cgi?&-name=sd/DCIM/100ZEPNA/{name}" for name in names)]
 
 
 def curl_browse(folder, count):
-    """Seconds that one curl process tells for the requests of a browse of `count` files, its start
-    left out as the window's is. "Connection: close" keeps it from using a connection again."""
+    """Returns the seconds that one curl process reports for the requests of a browse of `count`
+    files, without its start. "Connection: close" prevents it from reusing a connection."""
     configuration = pathlib.Path(folder, "requests")
     configuration.write_text(
         'silent\nhttp1.1\nheader = "Connection: close"\nwrite-out = "%{time_total}\\n"\n' + "".join(
@@ -31,7 +32,7 @@ def curl_browse(folder, count):
 
 
 def measure_card(options, count):
-    """Seconds per request, of the window and of curl."""
+    """Returns the seconds per request, of the window and of curl."""
     requests = count + 2
     with folder_in_memory() as folder:
         card = pathlib.Path(folder, "card")

@@ -1,5 +1,5 @@
-"""One recording from nginx, beside the least window that does the same, a bare loop of reads and
-writes, curl, wget and aria2c."""
+"""Downloading one recording from nginx, compared with the least window that does the same, a bare
+loop of reads and writes, curl, wget and aria2c."""
 
 import time
 
@@ -9,12 +9,12 @@ from peers import (CAMERA, RECORDINGS, Failed, camera, driver, home, modules, sh
 TOPIC = "download"
 NAME = "REC00000.MP4"
 TARGET = RECORDINGS + NAME
-# Name, bits a second, megabytes, the same in a quick run.
+# Name, bits per second, megabytes, megabytes in a quick run.
 SPEEDS = (("100 Mbit/s", 100_000_000, 128, 8), ("1 Gbit/s", 1_000_000_000, 512, 64),
           ("unthrottled", 0, 512, 128))
 
 SHOWN = {"least": "the least window's", "loop": "the bare loop's", "curl": "curl's"}
-# Reference, what is compared, the limit and what the figure comes from.
+# Reference, compared quantity, limit, explanation of the figure.
 REQUIRED_WORK = "the same signals and repaints; the rest is the form's larger window"
 LIMITS = {
     "100 Mbit/s": (("least", "time", 1.1, "the network sets the pace"),
@@ -32,7 +32,7 @@ LIMITS = {
 
 
 class Download:
-    """One download each by whoever is asked, into a file that is not there before."""
+    """Downloads with one of the programs, into a new file."""
 
     def __init__(self, folder, recordings, megabytes, starts_of_second):
         self.folder = folder
@@ -47,7 +47,7 @@ class Download:
         return result
 
     def begin(self):
-        """A server that limits a rate counts it in whole seconds."""
+        """Waits for a whole second if the rate is limited: nginx counts it per second."""
         if self.starts_of_second:
             time.sleep(1 - time.time() % 1)
 

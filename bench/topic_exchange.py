@@ -1,4 +1,4 @@
-"""The HTTP client: a small GET over a new connection each, beside libcurl; its parts alone."""
+"""The HTTP client: small GETs, each over a new connection, compared with libcurl; and its parts."""
 
 import json
 import pathlib
@@ -16,7 +16,7 @@ def exchanges(options, by):
 
 
 def parts(options):
-    """Nanoseconds each, by Google Benchmark."""
+    """Returns the nanoseconds of each function, measured by Google Benchmark."""
     output = run([BUILT / "bench_micro", "--benchmark_format=json",
                   f"--benchmark_min_time={0.05 if options.quick else 0.5}"])["output"]
     return {part["name"]: part["cpu_time"] for part in json.loads(output)["benchmarks"]}

@@ -1,4 +1,4 @@
-"""Whether time and memory for one of many stay what they are when there are more."""
+"""Whether time and memory per item stay constant as the number of items grows."""
 
 import pathlib
 import statistics
@@ -12,7 +12,7 @@ KILOBYTES = (1, 10, 100, 1000, 20_000)
 
 
 def selection(options):
-    """Microseconds a row, by the number of rows."""
+    """Returns the microseconds per row, by the number of rows."""
     result = {}
     for count in ROWS:
         with folder_in_memory() as folder:
@@ -26,7 +26,7 @@ def selection(options):
 
 
 def answers(options):
-    """Seconds and memory of one answer, by its kilobytes."""
+    """Returns seconds and memory of one answer, by its kilobytes."""
     result = {}
     with camera([1]) as (folder, _):
         for size in KILOBYTES:
@@ -46,8 +46,8 @@ def downloads(options):
 
 
 def thirds(values):
-    """Median of the last third and of the first, without the very first ones: they set up what
-    lasts."""
+    """Returns the medians of the last and of the first third, without the first values, which
+    include work done only once."""
     part = len(values) // 3
     return statistics.median(values[-part:]), statistics.median(values[5:5 + part])
 

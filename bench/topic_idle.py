@@ -1,4 +1,4 @@
-"""What the window takes while nobody touches it: open, and linked to the vehicle."""
+"""What the idle window costs: only opened, and linked to the vehicle."""
 
 import os
 import pathlib
@@ -12,7 +12,7 @@ TOPIC = "idle"
 
 
 def threads(process):
-    """Seconds of processor and number of voluntary waits so far, of each thread by its name."""
+    """Returns the CPU seconds and the voluntary waits so far, of each thread by its name."""
     result = {}
     for task in pathlib.Path(f"/proc/{process}/task").iterdir():
         fields = (task / "stat").read_text().rpartition(")")[2].split()
@@ -30,7 +30,7 @@ def watch(job, seconds):
     try:
         if b"begin" not in process.stdout.readline():
             raise Failed(f"bench_window {job} does not run")
-        time.sleep(2)  # what follows the start is no idling
+        time.sleep(2)  # work after the start is not idling
         before = threads(process.pid)
         time.sleep(seconds)
         after = threads(process.pid)

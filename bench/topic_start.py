@@ -1,4 +1,4 @@
-"""From the start of the process to the first painted frame, beside a bare window with a button."""
+"""From the start of the process to the first painted frame, compared with a bare window."""
 
 import json
 import statistics
@@ -18,7 +18,7 @@ def start(name, *arguments):
 
 
 def measure(options):
-    # Short runs: more of them for the same time.
+    # More runs than elsewhere, because they are short.
     results = alternating(options.pairs * 2 + 1, {
         "window": lambda: start("bench_start"),
         "bare": lambda: start("bench_bare_window"),

@@ -93,7 +93,7 @@ const std::vector<OptionRow>& optionRows()
          "write these recordings into DIR; without --sample that is all",
          nonEmpty(&Options::sampleFolder)},
         {"--seed", Takes::Value, "NUMBER",
-         "other contents for made-up recordings, other chances for faults (default 1)",
+         "seed of the contents of the sample card and of the chances of faults (default 1)",
          [](Options& options, const std::string& v) { return parseUnsigned(v, options.seed); }},
         {"--versions", Takes::Value, "LIST",
          "hardware type, hardware, software, protocol and bootloader version (default "

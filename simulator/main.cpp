@@ -52,7 +52,7 @@ simulator::FileDescriptor endingSignals()
     }
     ::sigprocmask(SIG_BLOCK, &signals, nullptr);
     ::signal(SIGPIPE, SIG_IGN);
-    ::signal(SIGTTIN, SIG_IGN); // in the background a terminal sends us no control lines
+    ::signal(SIGTTIN, SIG_IGN); // reading the terminal in the background fails
     return simulator::FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
 }
 

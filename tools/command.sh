@@ -21,13 +21,12 @@ refuse()
     exit 2
 }
 
-# readOptions "$@": reads the options that the usage lists, each on a line that begins like
-# "  --quick  " or, with a value, "  --jobs N  ". Other arguments are accepted if the usage has
-# "[OPTION...]" followed by a capital word; a COMMAND ends the options; arguments after "--" are
-# accepted if it has "[-- ". Sets
-#   given[--quick]  to 1 if it was given, given[--jobs] to its value; otherwise to nothing
-#   operands        to the other arguments
-#   passedOn        to the arguments after "--"
+# readOptions "$@": accepts the arguments that the usage describes and refuses all others.
+#   "  --quick  ..."         an option: given[--quick] is 1 if it was given, otherwise empty
+#   "  --jobs N  ..."        an option with a value: given[--jobs] is the value, or empty
+#   "[OPTION...] TOPIC..."   further arguments, named by a capital word: they are in operands
+#   "[OPTION...] COMMAND"    a command, which ends the options: it is in operands with its arguments
+#   "[-- CTEST-OPTION...]"   arguments after "--": they are in passedOn
 readOptions()
 {
     local help line

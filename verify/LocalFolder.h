@@ -20,7 +20,7 @@ public:
         Link, ///< a symbolic link, which is not followed
         Folder,
         NoFile,   ///< a pipe, socket or device
-        NotThere, ///< no file can have this name
+        NotThere, ///< missing, because no file can have this name
         Failed,   ///< see error()
     };
 

@@ -56,7 +56,7 @@ class RecordingTest(SimulatorTest):
 
 
 class JournalTest(RecordingTest):
-    def lastWords(self, process):
+    def last_words(self, process):
         """What a simulator prints that ends by itself."""
         try:
             return process.communicate(timeout=harness.LIMIT)
@@ -108,7 +108,7 @@ class JournalTest(RecordingTest):
                 self.assertEqual(b"belun-simulator ready\n", process.stdout.readline())
                 self.ask(LIST + b"2")
                 self.request(asked)
-                _, message = self.lastWords(process)
+                _, message = self.last_words(process)
                 self.assertEqual(1, process.returncode)
                 self.assertEqual(f'belun-simulator: {journal}: "GET {asked.decode()} HTTP/1.1" is '
                                  f"not in the recorded run{times}\n", message.decode())
@@ -122,7 +122,7 @@ class JournalTest(RecordingTest):
             process.stdout.readline()
             self.peer(GROUND)
             self.peer(GROUND)
-            _, message = self.lastWords(process)
+            _, message = self.last_words(process)
         self.assertEqual(1, process.returncode)
         self.assertIn(b"the ground module had 1 connections in the recorded run, and here is one "
                       b"more\n", message)
