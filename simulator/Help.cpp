@@ -68,6 +68,17 @@ std::string controlWords()
     return text;
 }
 
+std::string controlManual()
+{
+    std::string text;
+    for (const std::string& line : controlLinesHelp()) {
+        const std::size_t end = line.find("  ", 2);
+        text += ".TP\n.B " + manualText(line.substr(2, end - 2)) + "\n" +
+                manualText(line.substr(line.find_first_not_of(' ', end))) + "\n";
+    }
+    return text;
+}
+
 std::string optionsManual()
 {
     std::string text;
@@ -83,6 +94,9 @@ std::string help(const std::string& form)
 {
     if (form == "man") {
         return optionsManual();
+    }
+    if (form == "man-lines") {
+        return controlManual();
     }
     if (form == "words") {
         return optionsWords();

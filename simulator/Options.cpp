@@ -144,9 +144,9 @@ const std::vector<OptionRow>& optionRows()
          }},
         {"--exit-with-stdin", Takes::Nothing, "", "exit when standard input ends",
          flag(&Options::exitWithStdin)},
-        {"--help", Takes::OptionalValue, "text|man|words|lines",
+        {"--help", Takes::OptionalValue, "text|man|man-lines|words|lines",
          "print this text and exit; -h is the same",
-         printing(Options::Action::Help, {"text", "man", "words", "lines"})},
+         printing(Options::Action::Help, {"text", "man", "man-lines", "words", "lines"})},
         {"--version", Takes::Nothing, "", "print the version and exit",
          printing(Options::Action::Version, {"text"})},
     };

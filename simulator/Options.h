@@ -66,8 +66,9 @@ bool parseUnsigned(const std::string& text, std::uint64_t& number);
 /// Same for a size, which may end in k (1,024) or M (1,048,576).
 bool parseSize(const std::string& text, std::uint64_t& size);
 
-/// Returns what --help prints. form: "text", "man" (the options as part of the manual page),
-/// "words" (one option a line) or "lines" (the first words of control lines), for completion.
+/// Returns what --help prints. form: "text"; "man" or "man-lines" (the options or the control lines
+/// as parts of the manual page); "words" (one option a line) or "lines" (the first words of control
+/// lines), for completion.
 std::string help(const std::string& form);
 
 } // namespace simulator

@@ -132,14 +132,17 @@ class InstallTest(unittest.TestCase):
         printed = subprocess.run([self.prefix / "bin/belun-simulator", "--version"], check=True,
                                  stdout=subprocess.PIPE, timeout=20).stdout
         self.assertEqual(f"belun-simulator {version}\n".encode(), printed)
-        for name in ("belun-download", "belun-simulator", "belun-verify"):
-            self.assertIn(f" {version}\"", self.unpacked(f"share/man/man1/{name}.1.gz"))
         for name in ("belun-download", "belun-simulator"):
             self.assertTrue(self.unpacked(f"share/doc/{name}/changelog.gz").startswith(
                 f"belun-download ({version}) "))
         metainfo = xml.etree.ElementTree.parse(
             self.prefix / f"share/metainfo/{COMPONENT}.metainfo.xml")
-        self.assertEqual(version, metainfo.find("releases/release").get("version"))
+        release = metainfo.find("releases/release")
+        self.assertEqual(version, release.get("version"))
+        for name in ("belun-download", "belun-private-network", "belun-simulator", "belun-verify"):
+            title = self.unpacked(f"share/man/man1/{name}.1.gz").splitlines()[0]
+            self.assertTrue(title.endswith(f' "{release.get("date")}" "belun\\-download {version}" '
+                                           '"User Commands"'), title)
 
     def test_no_web_address_appears_without_a_project_url(self):
         text = self.text(f"share/metainfo/{COMPONENT}.metainfo.xml")

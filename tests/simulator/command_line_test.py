@@ -189,10 +189,15 @@ class CommandLineTest(SimulatorTest):
             self.assertEqual(file.read(), page,
                              "write it again: belun-simulator --list-faults=markdown")
 
-    def test_manual_holds_every_option_and_fault(self):
+    def test_manual_holds_every_option_fault_and_control_line(self):
         options = self.run_("--help=man").stdout
-        for option in re.findall(r"(?m)^  (--[a-z-]+)", self.run_("--help").stdout):
+        text = self.run_("--help").stdout
+        for option in re.findall(r"(?m)^  (--[a-z-]+)", text):
             self.assertIn(".B " + option.replace("-", "\\-"), options)
+        lines = self.run_("--help=man-lines").stdout
+        for line, effect in re.findall(r"(?m)^  ([a-z]+(?: \S+)*)  +(\S.*)$", text):
+            self.assertIn(f".TP\n.B {line}\n{effect}\n", lines)
+        self.assertEqual(13, lines.count(".TP"))
         faults = self.run_("--list-faults=man").stdout
         for fault in self.faults():
             self.assertIn(".B " + fault["name"].replace("-", "\\-"), faults)
