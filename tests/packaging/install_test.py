@@ -21,8 +21,9 @@ SIZES = (16, 22, 24, 32, 48, 64, 128, 256)
 ICONS = "share/icons/hicolor"
 COMPONENT = "localhost.belun.download"
 DOCUMENTS = "share/doc/belun-download"
-PAGES = ("architecture", "camera-protocol", "faults", "http-library", "link-protocol",
-         "performance", "recordings-safe", "replaying", "testing", "third-party", "translating")
+PAGES = ("architecture", "building", "camera-protocol", "faults", "http-library", "link-protocol",
+         "performance", "recordings-safe", "recordings-safe.zh", "replaying", "testing",
+         "third-party", "translating")
 CHARTS = ("alive", "browse", "download", "exchange", "growth", "idle", "start")
 PROGRAM = {
     "bin/belun-download",
@@ -104,7 +105,8 @@ class InstallTest(unittest.TestCase):
     def test_no_link_in_a_document_is_dead(self):
         followed = 0
         for page in self.prefix.rglob("*.md"):
-            for target in re.findall(r"\]\(([^)#\s]+)", page.read_text(encoding="utf-8")):
+            for target in re.findall(r"(?:\]\(|src=\")([^)#\s\"]+)",
+                                     page.read_text(encoding="utf-8")):
                 self.assertTrue((page.parent / target).is_file(), f"{page}: {target}")
                 followed += 1
         self.assertGreater(followed, 20)

@@ -219,28 +219,36 @@ class ControlTest(SimulatorTest):
         self.start()
         self.assertEqual('error nothing may follow, not "now"', self.control("quit now"))
 
-    def follow(self, started, sent):
+    def follow(self, started, sent, typed=None):
         """Starts a simulator with the window as a page says, then sends it lines as the page says;
-        returns the answers. The commands are found as in the source tree and as installed."""
+        returns the answers. What is typed then must end the shell that the page opens; its output
+        is the last answer. The commands are found as in the source tree and as installed."""
         binaries = os.path.dirname(harness.program)
         commands = os.path.join(self.folder, "commands")
         for path, target in (("build/bin", binaries), ("tools", os.path.join(ROOT, "tools")),
                              ("commands/belun-simulator", harness.program),
                              ("commands/belun-download", os.path.join(binaries, "belun-download")),
-                             ("commands/belun-private-network", NETWORK)):
+                             ("commands/belun-verify", os.path.join(binaries, "belun-verify"))):
             os.makedirs(os.path.dirname(os.path.join(self.folder, path)), exist_ok=True)
             os.symlink(target, os.path.join(self.folder, path))
+        # A network of its own, as a user gets one: all that runs in it ends with the command.
+        with open(os.path.join(commands, "belun-private-network"), "w", encoding="utf-8") as file:
+            os.fchmod(file.fileno(), 0o755)
+            file.write(f'#!/bin/sh\nexec "{NETWORK}" --own "$@"\n')
         options = {"cwd": self.folder, "env": {**os.environ, "HOME": self.folder,
                                                "PATH": f"{commands}:{os.environ['PATH']}"}}
         window = subprocess.Popen(["sh", "-c", started], start_new_session=True,
-                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, **options)
+                                  stdin=subprocess.PIPE, stdout=subprocess.PIPE, **options)
+        self.addCleanup(window.stdin.close)  # what ends the line waits for it
         self.addCleanup(window.stdout.close)
         self.addCleanup(window.wait, harness.LIMIT)
-        self.addCleanup(lambda: os.killpg(window.pid, signal.SIGKILL))
+        self.addCleanup(lambda: window.poll() is None and os.killpg(window.pid, signal.SIGKILL))
         self.assertEqual(b"belun-simulator ready\n", window.stdout.readline())
         answers = [subprocess.run(["sh", "-c", line], check=True, text=True, stdout=subprocess.PIPE,
                                   timeout=harness.LIMIT, **options).stdout for line in sent]
         self.assertIsNone(window.poll())
+        if typed:
+            answers.append(window.communicate(typed.encode(), timeout=harness.LIMIT)[0].decode())
         return answers
 
     def recipe(self, page, start, send):
@@ -260,10 +268,11 @@ class ControlTest(SimulatorTest):
         for page in ("README.md", "README.zh.md"):
             with self.subTest(page):
                 answers = self.follow(*self.recipe(page, "belun-private-network",
-                                                   "belun-simulator"))
-                self.assertEqual(2, len(answers))
+                                                   "belun-simulator"), "belun-verify\nexit\n")
+                self.assertEqual(3, len(answers))
                 self.assertTrue(answers[0].startswith("ok fault stall=50\n"), answers)
                 self.assertEqual("ok clear all\n", answers[1])
+                self.assertIn("not known to be safe (9 of 9)", answers[2])
                 self.doCleanups()
                 self.setUp()
 
