@@ -16,7 +16,7 @@
 
 namespace {
 
-// In characters; more than any file system's names have, and laid out at once.
+// Longest text of a tip, in characters: longer than any file name, and quick to lay out.
 constexpr int longestText = 4096;
 
 /// Returns the rectangle in which the style paints the text of a cell that contains nothing else.

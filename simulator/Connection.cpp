@@ -14,7 +14,7 @@ namespace simulator {
 namespace {
 
 constexpr std::size_t pieceSize = 65'536;
-/// How much one connection may send before the others are served.
+/// Number of bytes that one connection may send before the others are served.
 constexpr std::size_t turnSize = 1'048'576;
 /// Longer literal bytes appear in the journal as count and checksum.
 constexpr std::uint64_t longestNoted = 65'536;

@@ -136,7 +136,7 @@ constexpr Row rows[] = {
     {"rate", "BYTES", "changes the rate of recordings asked for from now on", parseRate},
     {"send", "control|ground HEX", "sends these bytes to every open connection", parseSend},
     {"card", "", "shows the recordings on the card", parseBare<&Simulator::showCard>},
-    {"reload", "", "makes the card as it was at the start", parseBare<&Simulator::reload>},
+    {"reload", "", "restores the card as it was at the start", parseBare<&Simulator::reload>},
     {"connections", "", "shows the number of open connections",
      parseBare<&Simulator::showConnections>},
     {"status", "", "shows the state of the vehicle", parseBare<&Simulator::showStatus>},

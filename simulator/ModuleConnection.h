@@ -11,7 +11,7 @@
 
 namespace simulator {
 
-// Frames of the modules, and of whoever talks to them:
+// Frames of the modules and of their clients:
 //   byte 0   start byte: AA control module and every client, BB ground module
 //   byte 1   AF
 //   byte 2   type: 00 version report, 04 heartbeat and its answer

@@ -16,10 +16,10 @@ public:
     static bool parse(std::string_view text, Occasion& occasion);
 
     bool always() const { return *this == Occasion(); }
-    /// Whether it acts on the one with this number. What is left to chance depends on seed, salt
-    /// and number alone, so that a run can be repeated.
+    /// Returns whether the fault acts on the request or connection with this number. Chance depends
+    /// only on seed, salt and number, so that a run can be repeated.
     bool includes(std::uint64_t number, std::uint64_t seed, std::uint64_t salt) const;
-    /// As it is read.
+    /// Returns the text that parse() accepts.
     std::string text() const;
 
     bool operator==(const Occasion& other) const

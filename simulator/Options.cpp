@@ -100,7 +100,7 @@ const std::vector<OptionRow>& optionRows()
          "7,300,600,100,10)",
          [](Options& options, const std::string& v) { return parseVersions(v, options.versions); }},
         {"--rate", Takes::Value, "BYTES",
-         "send recordings at so many bytes a second, such as 500k (default: no limit)",
+         "send recordings at this rate in bytes per second, such as 500k (default: no limit)",
          [](Options& options, const std::string& v) { return parseSize(v, options.rate); }},
         {"--heartbeat", Takes::Value, "MS",
          "milliseconds from heartbeat to heartbeat (default 1000)",
@@ -118,10 +118,10 @@ const std::vector<OptionRow>& optionRows()
          "print the faults and exit; as text unless another form is named",
          printing(Options::Action::ListFaults, {"text", "json", "markdown", "man", "words"})},
         {"--scenario", Takes::Value, "FILE",
-         "change faults and more in the course of the run, as the steps in FILE say",
+         "change faults and more during the run, according to the steps in FILE",
          nonEmpty(&Options::scenario)},
         {"--speed", Takes::Value, "FACTOR",
-         "let the seconds of the scenario pass so many times faster (default 1)",
+         "factor by which the seconds of the scenario pass faster (default 1)",
          [](Options& options, const std::string& v) {
              return parseUnsigned(v, options.speed) && options.speed >= 1 &&
                     options.speed <= 1'000'000;

@@ -25,7 +25,7 @@ struct Part
     std::uint64_t size() const { return content ? end - begin : bytes.size(); }
 };
 
-/// What is to go over the wire, in order; neighbouring literal parts share a write.
+/// The data to send, in order; adjacent literal parts share one write.
 using Message = std::vector<Part>;
 
 std::uint64_t messageSize(const Message& message);
@@ -34,7 +34,7 @@ void append(Message& message, Part part);
 /// Cuts a message in two: takes its first `size` bytes off and returns them.
 Message takeFront(Message& message, std::uint64_t size);
 
-/// One thing to do for a connection, after those queued before it are done.
+/// One step of a connection; executed after the steps queued before it.
 struct Step
 {
     enum class Kind {

@@ -5,9 +5,9 @@
 
 namespace simulator {
 
-/// Empty when the three device addresses are on the loopback interface and no other interface is
-/// up; else what is missing and how to get it. The addresses exist on real networks, too: playing
-/// a vehicle there would be taken for one.
+/// Returns an empty text if the three device addresses are on the loopback interface and no other
+/// interface is up, otherwise what is missing and how to get it. The addresses exist on real
+/// networks, where the simulator would be mistaken for a vehicle.
 std::string privateNetworkProblem();
 
 } // namespace simulator

@@ -60,7 +60,7 @@ struct RecordedRun
 /// Reads a journal or a packet capture. Returns an error text, empty on success.
 std::string readRecordedRun(const std::string& path, RecordedRun& run);
 
-// The two readers; each appends the events in the order of time and adds up what it filled in.
+// Both read a file, append its events in order of time and count the bytes that they filled in.
 std::string readJournal(const std::string& path, std::vector<ObservedEvent>& events,
                         RecordedRun& run);
 std::string readCapture(const std::string& path, std::vector<ObservedEvent>& events,

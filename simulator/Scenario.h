@@ -22,8 +22,8 @@ namespace simulator {
 class Scenario
 {
 public:
-    /// Reads a file. Returns an error text for each line that is none ("NAME:3: ..."), or for the
-    /// whole. speed: how many times faster its seconds pass.
+    /// Reads a file. Returns an error text for each invalid line ("NAME:3: ..."), or one for the
+    /// file. `speed` is the factor by which its seconds pass faster.
     std::vector<std::string> read(std::istream& file, const std::string& name, std::uint64_t speed);
 
     void start(TimePoint now) { m_start = now; }

@@ -1,4 +1,4 @@
-// The effects of control lines on the vehicle, and what they show of it.
+// Executes control lines.
 #include "simulator/Simulator.h"
 #include "simulator/Text.h"
 
@@ -92,7 +92,7 @@ void Simulator::changeVersions(const Versions& versions)
 {
     m_controlSettings.versions = versions;
     for (const auto& connection : m_control.connections()) {
-        // A replayed module reports what it reported.
+        // A replayed module reports the recorded versions.
         if (auto* const module = dynamic_cast<ModuleConnection*>(connection.get())) {
             module->reportVersions();
         }

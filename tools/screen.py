@@ -1,7 +1,7 @@
 """Mouse, keyboard and screenshots on an X display, as a user would use them.
 
-window.py tells what is where. Every wait has a time limit and raises NotSeen with a description of
-what was expected.
+window.py reads texts and places. Every wait has a time limit and raises NotSeen with a description
+of what was expected.
 """
 
 import subprocess

@@ -156,8 +156,7 @@ class Program:
 
 
 def wrongly_drawn(items, shot):
-    """Returns what the screenshot does not show where a text is reported, and what it shows
-    elsewhere."""
+    """Returns the items whose text is reported but not drawn, or drawn but not reported."""
     wrong = []
     for item in items:
         if item.role in ("push button", "label", "text", "table column header"):

@@ -79,7 +79,7 @@ Camera::Camera(QString host, quint16 port, std::chrono::seconds timeout)
 CameraError Camera::connectTo(QTcpSocket& socket) const
 {
     socket.setProxy(QNetworkProxy::NoProxy);
-    socket.setReadBufferSize(receiveSize); // what is not read yet waits in the system
+    socket.setReadBufferSize(receiveSize); // the kernel buffers the rest
     socket.connectToHost(QHostAddress(m_host), m_port);
     if (socket.waitForConnected(static_cast<int>(m_timeout.count()))) {
         return {};

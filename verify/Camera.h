@@ -40,7 +40,7 @@ struct CameraError
     bool isLasting() const;
 };
 
-/// How many timeouts the answer to a command, or a head, may take in total.
+/// Time limit for the whole answer to a command, or for a head, in timeouts.
 constexpr int answerPatience = 4;
 
 /// Talks to a camera over a new connection for each request. Uses no proxy; every wait is bounded.

@@ -214,7 +214,7 @@ bool Comparison::judgeContent(Recording& recording)
     return true;
 }
 
-/// What is on this computer only, and names that are on neither side.
+/// Recordings on this computer only, and names that are on neither side.
 void Comparison::judgeOthers()
 {
     const std::set<std::string> listed(m_listed.begin(), m_listed.end());

@@ -85,8 +85,8 @@ const char* word(Verdict verdict)
     return "unknown";
 }
 
-/// An object that is written member by member. What a terminal would obey is escaped, too: reports
-/// are looked at.
+/// Writes an object member by member. Escapes terminal control characters as well, because reports
+/// are also read on terminals.
 class Object
 {
 public:

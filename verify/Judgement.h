@@ -99,7 +99,7 @@ struct Summary
 
     std::uint64_t counted = 0; ///< by the camera
     std::size_t listed = 0;    ///< by the camera
-    bool changed = false;      ///< the card, meanwhile
+    bool changed = false;      ///< the card changed during the comparison
 
     bool complete = false; ///< nothing failed
     Step failedStep = Step::Count;

@@ -155,7 +155,7 @@ LocalFile LocalFolder::open(const std::string& name) const
 std::vector<std::string> LocalFolder::names()
 {
     std::vector<std::string> found;
-    // A descriptor of its own, since the stream closes it.
+    // A separate descriptor, because the stream closes it.
     const int copy = m_descriptor < 0 ? -1 : ::openat(m_descriptor, ".", O_RDONLY | O_CLOEXEC);
     DIR* const stream = copy < 0 ? nullptr : ::fdopendir(copy);
     if (stream == nullptr) {

@@ -37,9 +37,8 @@ public:
     int error() const { return m_error; } ///< errno of what failed, else 0
     std::uint64_t size() const { return m_size; }
 
-    /// Makes read() take the bytes from the disk and leave no copy in memory, where the system can
-    /// do so: what a faulty disk wrote shows only there, and a whole card would push out everything
-    /// else.
+    /// Makes read() bypass the page cache if the system allows it: errors of a faulty disk show
+    /// only on the disk itself, and a whole card would displace everything else in memory.
     void readFromDisk();
 
     /// Reads the next bytes, up to `count`; fewer only at the end of the file or after an error,

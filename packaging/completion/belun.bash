@@ -15,7 +15,7 @@ _belun_options()
     fi 2>/dev/null
 }
 
-# Prints what can stand for a value: "DIR", "boundary|dive", ...
+# Prints the placeholder of an option's value or its words: "DIR", "boundary|dive", ...
 _belun_values()
 {
     local command=$1 value=$2 current=$3

@@ -168,7 +168,7 @@ void CutTextTipTest::tipIsShownExactlyWhenThePaintedTextIsCut_data()
     }
 }
 
-/// A text is whole as long as it is painted as in a wide cell.
+/// A text is not cut if it is painted as in a wide cell.
 void CutTextTipTest::tipIsShownExactlyWhenThePaintedTextIsCut()
 {
     QFETCH(QString, style);

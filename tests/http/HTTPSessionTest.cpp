@@ -402,7 +402,7 @@ void HTTPSessionTest::lineIsEmptiedFirst()
 
 void HTTPSessionTest::lineIsReceivedByteByByte()
 {
-    // Of a packet a receive takes what it asks for, and the rest of the packet is gone.
+    // On a packet socket, a receive discards the rest of the packet.
     PairedSession pair(SOCK_SEQPACKET);
     pair.deliver("axxx");
     pair.deliver("bxxx");
@@ -503,7 +503,7 @@ void HTTPSessionTest::blockIsReadExactly()
 
 void HTTPSessionTest::blockIsReceivedInPiecesOfAtMost1024Bytes()
 {
-    // Of a packet a receive takes what it asks for, and the rest of the packet is gone.
+    // On a packet socket, a receive discards the rest of the packet.
     PairedSession pair(SOCK_SEQPACKET);
     pair.deliver(std::string(3000, 'a'));
     pair.deliver(std::string(3000, 'b'));

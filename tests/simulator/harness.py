@@ -189,7 +189,7 @@ class SimulatorTest(unittest.TestCase):
 
     def journal(self, **wanted):
         """Returns the lines of the journal with these values."""
-        # Only what is new is read: a test that waits for a line asks again and again.
+        # Reads only new lines, because a waiting test calls this repeatedly.
         with open(self.journal_path, "rb") as file:
             number = os.fstat(file.fileno()).st_ino
             if number != self.journal_number:

@@ -57,7 +57,7 @@ class RecordingTest(SimulatorTest):
 
 class JournalTest(RecordingTest):
     def last_words(self, process):
-        """What a simulator prints that ends by itself."""
+        """Returns the status and the last message of a simulator that exits by itself."""
         try:
             return process.communicate(timeout=harness.LIMIT)
         except subprocess.TimeoutExpired:

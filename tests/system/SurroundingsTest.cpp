@@ -176,7 +176,7 @@ void SurroundingsTest::compileCommaLocale()
     source.write("comment_char %\nescape_char /\nLC_NUMERIC\ndecimal_point \",\"\n"
                  "thousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n");
     source.close();
-    // It has only what is needed, of which localedef warns.
+    // The locale is incomplete on purpose; localedef warns about that.
     QProcess::execute(QStringLiteral("/bin/sh"),
                       {QStringLiteral("-c"),
                        QStringLiteral("cd \"$0\" && exec localedef -c -i source "

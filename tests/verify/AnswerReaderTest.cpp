@@ -12,7 +12,7 @@ namespace {
 constexpr std::uint64_t bodyLimit = 1000;
 const QByteArray ok = "HTTP/1.1 200 OK\r\n";
 
-/// What a reader made of an answer.
+/// The result of reading an answer.
 struct Read
 {
     State state = State::Head;

@@ -1,4 +1,4 @@
-// One exchange: how each kind of end is told from the others, within which time.
+// One exchange: how each kind of end is recognised, and its time limit.
 #include "verify/Camera.h"
 
 #include "tests/support/ScriptedServer.h"
@@ -152,7 +152,7 @@ void CameraTest::silenceEndsAfterTheTimeout()
     QVERIFY2(clock.elapsed() >= 900, qPrintable(QString::number(clock.elapsed())));
 }
 
-/// Sends a byte, and the next one as soon as the client has read it and some time has gone.
+/// Sends a byte, and the next one as soon as the client has read it and some time has passed.
 ScriptedServer::Script trickling(const QByteArray& start, int limit)
 {
     return [start, limit](Peer& peer) {

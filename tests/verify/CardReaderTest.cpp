@@ -1,4 +1,4 @@
-// The requests letter for letter, and what is read of the answers.
+// The exact requests, and what is read from the answers.
 #include "verify/CardReader.h"
 
 #include "tests/support/ScriptedServer.h"
