@@ -39,8 +39,8 @@ bool isBareFileName(const QByteArray& name)
 
 // A link could lead out of the folder, and opening a pipe or device could block: they are refused
 // before they are opened. The opened file is checked again, because another program may have
-// replaced it meanwhile. It need not be the same file: one that was replaced by renaming is as
-// good, and an overlay file system changes the inode number of a file that is written.
+// replaced it in between. Its inode number is not compared: another regular file is acceptable, and
+// an overlay file system changes the number when a file is written.
 int openLocalFile(sys::StoppableCalls::Call& call, const QByteArray& folder, const QByteArray& name)
 {
     if (!isBareFileName(name)) {

@@ -1,4 +1,4 @@
-// The built program in a test's hands.
+// Starts the built program and operates it for a test.
 #pragma once
 
 #include <QByteArray>

@@ -252,7 +252,7 @@ void RealServersTest::anEmptyBodyWaitsUntilTheServerCloses()
     QCOMPARE(outcome.response.statusCode, 200);
     QCOMPARE(outcome.response.headers.at("Content-Length"), std::string("0"));
     QCOMPARE(outcome.bytes(), QByteArray());
-    // Half of it, because the servers count whole seconds.
+    // Half of the time is enough: servers count in whole seconds and may close early.
     if (keepsOpen) {
         QVERIFY2(outcome.milliseconds >= RealServer::keepAliveTime / 2,
                  QByteArray::number(outcome.milliseconds) + " ms");
