@@ -15,7 +15,7 @@ namespace verify {
 
 namespace {
 
-constexpr qint64 receiveSize = 256 * 1024;
+constexpr qint64 receiveSize = 262'144;
 // Milliseconds in which the camera closes the connection after a recording. One that leaves it open
 // is not waited for any longer.
 constexpr int surplusWait = 200;

@@ -16,7 +16,7 @@ namespace {
 // Far more than any valid answer. A FAT32 folder has fewer than 65,536 entries, each with a name of
 // at most 255 characters.
 constexpr std::uint64_t countLimit = 4096;
-constexpr std::uint64_t listLimit = 16 * 1024 * 1024;
+constexpr std::uint64_t listLimit = 16'777'216;
 constexpr std::uint64_t detailsLimit = 65536;
 
 QByteArray commandRequest(const char* command, const std::string& argument)

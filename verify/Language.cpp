@@ -14,7 +14,7 @@ namespace {
 QByteArray firstOf(std::initializer_list<const char*> variables)
 {
     for (const char* variable : variables) {
-        const QByteArray value = qgetenv(variable);
+        QByteArray value = qgetenv(variable);
         if (!value.isEmpty()) {
             return value;
         }

@@ -14,7 +14,7 @@ namespace verify {
 
 namespace {
 
-constexpr std::uint64_t dropSize = 8 * 1024 * 1024;
+constexpr std::uint64_t dropSize = 8'388'608;
 
 LocalFile::State stateOf(int error)
 {

@@ -125,6 +125,7 @@ void waitForEnter(Console& console)
 
 } // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): without memory there is no report
 int main(int argc, char* argv[])
 {
     sys::openClosedStandardStreams();
