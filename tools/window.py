@@ -4,6 +4,8 @@ Read-only; screen.py acts with mouse and keyboard. Needs a message bus.
 """
 
 import dataclasses
+import os
+import subprocess
 import time
 
 import gi
@@ -35,6 +37,16 @@ _WITHOUT_PARTS = ("push button", "check box", "label", "text", "progress bar",
                   "table column header", "table row header", "table cell", "list item")
 _READ_BY_NAME = ("push button", "check box", "label", "panel", "combo box", "table column header",
                  "table cell")
+
+
+def start_bus(log):
+    """Starts a message bus for this process and its children, with its messages in the log. Keep
+    the result; the bus ends with the private network."""
+    with open(log, "wb") as file:
+        bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"],
+                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=file)
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().decode().strip()
+    return bus
 
 
 @dataclasses.dataclass(frozen=True)
