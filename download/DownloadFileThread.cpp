@@ -21,7 +21,9 @@ DownloadFileThread::~DownloadFileThread()
 
 void DownloadFileThread::stopAndWait()
 {
-    m_calls.stopAndWait([this](unsigned long milliseconds) { return wait(milliseconds); });
+    m_calls.stopAndWait([this](unsigned long milliseconds) {
+        return currentThread() == this || wait(milliseconds); // run() cannot wait for itself
+    });
 }
 
 void DownloadFileThread::run()
@@ -33,6 +35,7 @@ void DownloadFileThread::run()
 void DownloadFileThread::DownloadFile(QString name)
 {
     const sys::PipeSignalBlock block;
+    const sys::StoppableCalls::Call call(m_calls); // until the slots called directly have returned
     if (fetch(name)) {
         emit downloadFileFinished(); // a slot may delete this object
     }

@@ -76,7 +76,8 @@ public:
     bool sendBody(HTTPSession& session, const std::string& data);
 
     /// Reads the status line and header lines up to the empty line or the end of the connection
-    /// into `response`. Always returns true: an answer without a head is valid.
+    /// into `response`. Always returns true: an answer without a head is valid. A head that does
+    /// not fit into memory ends there.
     bool readHeader(HTTPSession& session, HTTPResponse& response);
 
     /// Appends the two parts of a head's line to `name` and `value`: a status line is split at its

@@ -21,6 +21,30 @@ bool beginsWithStatusWord(std::string_view text)
     return text.substr(0, statusWord.size()) == statusWord;
 }
 
+/// Reads up to the empty line, or as far as there are lines.
+void readHeaderLines(HTTPClient& client, HTTPSession& session, HTTPResponse& response)
+{
+    std::string line;
+    while (session.readLine(line, headerLineLimit) > 0 && line != lineEnd) {
+        std::string name;
+        std::string value;
+        client.parseLine(line, name, value);
+        if (beginsWithStatusWord(name)) {
+            const std::size_t space = value.find(' ');
+            if (space != std::string::npos) {
+                response.statusCode = sys::leadingNumber(value.substr(0, space).c_str());
+            }
+            continue;
+        }
+        response.headers[name] = value;
+        if (name == "Transfer-Encoding" && value == "chunked") {
+            response.chunked = true;
+        } else if (name == "Content-Length") {
+            response.contentLength = static_cast<std::uint32_t>(sys::leadingNumber(value.c_str()));
+        }
+    }
+}
+
 /// A plain body ends when the received count reaches the length, or after the first receive if
 /// there is none. The count belongs to the record, so it may have reached the length before.
 bool readPlainBody(HTTPSession& session, HTTPResponse& response, std::string& body)
@@ -83,24 +107,11 @@ bool readChunkedBody(HTTPSession& session, HTTPResponse& response, std::string& 
 
 bool HTTPClient::readHeader(HTTPSession& session, HTTPResponse& response)
 {
-    std::string line;
-    while (session.readLine(line, headerLineLimit) > 0 && line != lineEnd) {
-        std::string name;
-        std::string value;
-        parseLine(line, name, value);
-        if (beginsWithStatusWord(name)) {
-            const std::size_t space = value.find(' ');
-            if (space != std::string::npos) {
-                response.statusCode = sys::leadingNumber(value.substr(0, space).c_str());
-            }
-            continue;
-        }
-        response.headers[name] = value;
-        if (name == "Transfer-Encoding" && value == "chunked") {
-            response.chunked = true;
-        } else if (name == "Content-Length") {
-            response.contentLength = static_cast<std::uint32_t>(sys::leadingNumber(value.c_str()));
-        }
+    try {
+        readHeaderLines(*this, session, response);
+    } catch (const std::bad_alloc&) {
+        // A device may send a head without end. It ends where the memory does; what was read
+        // counts.
     }
     return true;
 }

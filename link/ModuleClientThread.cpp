@@ -28,7 +28,9 @@ void ModuleClientThread::startHeartBeatTimer()
 
 void ModuleClientThread::stopAndWait()
 {
-    m_calls.stopAndWait([this](unsigned long milliseconds) { return wait(milliseconds); });
+    m_calls.stopAndWait([this](unsigned long milliseconds) {
+        return currentThread() == this || wait(milliseconds); // run() cannot wait for itself
+    });
 }
 
 void ModuleClientThread::finish()

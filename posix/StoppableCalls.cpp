@@ -45,17 +45,19 @@ private:
 
 } // namespace
 
-StoppableCalls::Call::Call(StoppableCalls& calls) : m_calls(calls)
+StoppableCalls::Call::Call(StoppableCalls& calls) : m_calls(&calls)
 {
-    const std::lock_guard<std::mutex> lock(m_calls.m_mutex);
-    m_calls.m_calls.push_back(this);
+    const std::lock_guard<std::mutex> lock(calls.m_mutex);
+    calls.m_calls.push_back(this);
 }
 
 StoppableCalls::Call::~Call()
 {
-    const std::lock_guard<std::mutex> lock(m_calls.m_mutex);
-    auto& all = m_calls.m_calls;
-    all.erase(std::find(all.begin(), all.end(), this));
+    if (m_calls != nullptr) {
+        const std::lock_guard<std::mutex> lock(m_calls->m_mutex);
+        auto& all = m_calls->m_calls;
+        all.erase(std::find(all.begin(), all.end(), this));
+    }
 }
 
 int StoppableCalls::Call::open(const char* path, int flags, mode_t mode)
@@ -67,13 +69,16 @@ int StoppableCalls::Call::open(const char* path, int flags, mode_t mode)
     int descriptor = -1;
     do {
         descriptor = ::open(path, flags, mode);
-    } while (descriptor < 0 && errno == EINTR && !m_calls.stopRequested());
+    } while (descriptor < 0 && errno == EINTR && !m_calls->stopRequested());
     m_opening = false;
     return descriptor;
 }
 
 StoppableCalls::~StoppableCalls()
 {
+    for (Call* const call : m_calls) {
+        call->m_calls = nullptr; // a call of this thread that deletes the object
+    }
     for (const int descriptor : m_kept) {
         ::close(descriptor);
     }

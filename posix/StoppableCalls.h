@@ -17,8 +17,8 @@ namespace sys {
 class StoppableCalls
 {
 public:
-    /// One call into the object, in the thread that created it: stopAndWait() does not return while
-    /// this exists.
+    /// One call into the object, in the thread that created it: stopAndWait() does not return in
+    /// another thread while this exists. In its own thread it may outlive the object.
     class Call
     {
     public:
@@ -37,7 +37,7 @@ public:
     private:
         friend StoppableCalls;
 
-        StoppableCalls& m_calls;
+        StoppableCalls* m_calls; // none once the object is gone
         const pthread_t m_thread = ::pthread_self();
         std::atomic<int> m_socket{-1};
         std::atomic<bool> m_opening{false};
@@ -65,7 +65,7 @@ private:
 
     std::atomic<bool> m_stopRequested{false};
     std::mutex m_mutex; // guards the members below
-    std::vector<const Call*> m_calls;
+    std::vector<Call*> m_calls;
     std::vector<int> m_kept;
 };
 

@@ -101,6 +101,8 @@ private slots:
     void slotOfTheLastSignalMayDeleteTheObject();
     void overlappingCallsEachFillTheirOwnFile();
     void destructionEndsEveryCall();
+    void destructionWaitsForTheSlotsOfTheLastSignal();
+    void slotOfTheLastSignalMayStopTheThread();
     void headIsParsedThroughTheMetaObject();
     void stopEndsTheDownload_data();
     void stopEndsTheDownload();
@@ -521,6 +523,52 @@ void DownloadFileThreadTest::destructionEndsEveryCall()
     const qint64 elapsed = time.elapsed();
     QVERIFY(caller->wait(5000));
     QVERIFY2(elapsed < stopLimit, qPrintable(QString::number(elapsed) + " ms"));
+}
+
+void DownloadFileThreadTest::destructionWaitsForTheSlotsOfTheLastSignal()
+{
+    ScriptedServer server(answerWith("HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc"), address,
+                          port);
+    auto download = std::make_unique<Download>("");
+    DownloadFileThread& thread = download->thread;
+    std::atomic<bool> entered{false};
+    std::atomic<bool> left{false};
+    QObject::connect(
+        &thread, &DownloadFileThread::downloadFileFinished, &thread,
+        [&] {
+            entered = true;
+            QThread::msleep(50); // by then the destructor is waiting
+            left = true;
+        },
+        Qt::DirectConnection);
+    const std::unique_ptr<QThread> caller(
+        QThread::create([&thread] { thread.DownloadFile("a.mp4"); }));
+    caller->start();
+    const bool signalled = QTest::qWaitFor([&] { return entered.load(); });
+    download.reset();
+    const bool leftThen = left;
+    QVERIFY(caller->wait(5000));
+    QVERIFY(signalled);
+    QVERIFY2(leftThen, "the object was destroyed while DownloadFile() was still running");
+}
+
+void DownloadFileThreadTest::slotOfTheLastSignalMayStopTheThread()
+{
+    ScriptedServer server(answerWith("HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc"), address,
+                          port);
+    Download download("a.mp4");
+    std::atomic<bool> stopped{false};
+    QObject::connect(
+        &download.thread, &DownloadFileThread::downloadFileFinished, &download.thread,
+        [&] {
+            download.thread.stopAndWait();
+            stopped = true;
+        },
+        Qt::DirectConnection);
+    download.start();
+    QTRY_VERIFY(stopped);
+    QTRY_VERIFY(download.thread.isFinished());
+    QCOMPARE(contentOf("a.mp4"), QByteArray("abc"));
 }
 
 void DownloadFileThreadTest::headIsParsedThroughTheMetaObject()

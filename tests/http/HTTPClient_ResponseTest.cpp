@@ -5,7 +5,9 @@
 #include "tests/support/SocketPair.h"
 #include "tests/support/TestMain.h"
 
+#include <exception>
 #include <fstream>
+#include <functional>
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -53,14 +55,41 @@ private:
     SocketPair m_pair;
 };
 
-/// Lets this process take so many bytes more than it has.
+/// Lets this process take so many bytes more than it has. The C library reserves addresses for
+/// later: only the second limit holds for these.
 void limitMemory(std::size_t more)
 {
-    std::size_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages;
-    const rlim_t limit = pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) + more;
-    const rlimit limits{limit, limit};
-    ::setrlimit(RLIMIT_AS, &limits);
+    std::size_t all = 0;
+    std::size_t data = 0;
+    std::size_t skipped = 0;
+    std::ifstream("/proc/self/statm") >> all >> skipped >> skipped >> skipped >> skipped >> data;
+    const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    const rlimit addresses{all * page + more, all * page + more};
+    const rlimit written{data * page + more, data * page + more};
+    ::setrlimit(RLIMIT_AS, &addresses);
+    ::setrlimit(RLIMIT_DATA, &written);
+}
+
+/// Lets a process of its own, with so many bytes of memory more than this one has, read from the
+/// product's end of the pair. Its exit status is 0 if the reader returns true, 2 after an
+/// exception.
+pid_t readInLittleMemory(SocketPair& pair, std::size_t more,
+                         const std::function<bool(HTTPSession&)>& reader)
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        std::set_terminate([] { ::_exit(2); });
+        [&]() noexcept {
+            pair.closeTest();
+            limitMemory(more);
+            HTTPSession session;
+            session.socketDescriptor = pair.product;
+            ::_exit(reader(session) ? 0 : 1);
+        }();
+    }
+    ::close(pair.product);
+    pair.product = -1;
+    return child;
 }
 
 HTTPResponse announced(std::uint32_t length)
@@ -114,6 +143,7 @@ private slots:
     void hugeChunkReservesNoMemory();
     void bodyBeyondTheMemoryIsAFailure_data();
     void bodyBeyondTheMemoryIsAFailure();
+    void headBeyondTheMemoryEndsThere();
 };
 
 void HTTPClient_ResponseTest::lineIsSplit_data()
@@ -484,7 +514,6 @@ void HTTPClient_ResponseTest::bodyBeyondTheMemoryIsAFailure_data()
     QTest::newRow("chunked") << QByteArray("7fffffff\r\n") << true;
 }
 
-// In a process of its own, which may take a few megabytes more than it has.
 void HTTPClient_ResponseTest::bodyBeyondTheMemoryIsAFailure()
 {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -493,20 +522,13 @@ void HTTPClient_ResponseTest::bodyBeyondTheMemoryIsAFailure()
     QFETCH(QByteArray, start);
     QFETCH(bool, chunked);
     SocketPair pair;
-    const pid_t child = ::fork();
-    QVERIFY(child >= 0);
-    if (child == 0) {
-        pair.closeTest();
-        limitMemory(64 << 20);
-        HTTPSession session;
-        session.socketDescriptor = pair.product;
+    const pid_t child = readInLittleMemory(pair, 64 << 20, [&](HTTPSession& session) {
         HTTPResponse response = announced(0xFFFFFFFF);
         response.chunked = chunked;
         std::string body;
-        ::_exit(HTTPClient().readBody(session, response, body) ? 1 : 0);
-    }
-    ::close(pair.product);
-    pair.product = -1;
+        return !HTTPClient().readBody(session, response, body);
+    });
+    QVERIFY(child >= 0);
     QVERIFY(pair.send(start));
     const QByteArray block(1 << 20, 'x');
     int blocks = 0;
@@ -517,6 +539,32 @@ void HTTPClient_ResponseTest::bodyBeyondTheMemoryIsAFailure()
     QCOMPARE(::waitpid(child, &status, 0), child);
     QVERIFY2(status == 0, qPrintable(QStringLiteral("wait status %1").arg(status)));
     QVERIFY2(blocks < 500, "the whole body fitted into the memory");
+}
+
+// Lines of eight bytes, each of which becomes an entry of a map.
+void HTTPClient_ResponseTest::headBeyondTheMemoryEndsThere()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("a sanitizer's memory cannot be limited");
+#endif
+    SocketPair pair;
+    const pid_t child = readInLittleMemory(pair, 4 << 20, [](HTTPSession& session) {
+        HTTPResponse response;
+        return HTTPClient().readHeader(session, response) && response.statusCode == 206 &&
+               response.headers.count("0") == 1;
+    });
+    QVERIFY(child >= 0);
+    QVERIFY(pair.send("HTTP/1.1 206 Partial Content\r\n"));
+    constexpr int most = 500'000;
+    int lines = 0;
+    while (lines < most && pair.send(QByteArray::number(lines, 36) + ": \r\n")) {
+        ++lines;
+    }
+    pair.closeTest();
+    int status = 0;
+    QCOMPARE(::waitpid(child, &status, 0), child);
+    QVERIFY2(status == 0, qPrintable(QStringLiteral("wait status %1").arg(status)));
+    QVERIFY2(lines < most, "the whole head fitted into the memory");
 }
 
 BELUN_TEST(HTTPClient_ResponseTest)
