@@ -104,10 +104,6 @@ void endOnInterruption(const std::string& message, int status)
     struct sigaction action
     {
     };
-    ::sigaction(SIGINT, nullptr, &action);
-    if (action.sa_handler == SIG_IGN) {
-        return;
-    }
     action.sa_handler = interrupted;
     ::sigaction(SIGINT, &action, nullptr);
 }

@@ -43,8 +43,7 @@ private:
 };
 
 /// After this call an interruption (Ctrl-C) prints the message to standard error and ends the
-/// program with the status immediately, whatever it is waiting for. Has no effect if the program
-/// was started with interruptions ignored, as a shell starts a command in the background.
+/// program with the status immediately, whatever it is waiting for.
 void endOnInterruption(const std::string& message, int status);
 
 } // namespace verify

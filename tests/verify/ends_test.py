@@ -27,13 +27,10 @@ class Ends(VerifyTest):
         self.write("A.MP4", content)
         self.start("--card", self.make_card(A=content), *arguments)
 
-    def run_(self, *arguments, on_interruption=signal.SIG_DFL, **options):
+    def run_(self, *arguments, **options):
         options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE,
                    "stderr": subprocess.PIPE, **options}
-        # A test runner in the background of a script ignores Ctrl-C; its children inherit that.
-        process = subprocess.Popen(
-            self.command(*arguments),
-            preexec_fn=lambda: signal.signal(signal.SIGINT, on_interruption), **options)
+        process = subprocess.Popen(self.command(*arguments), **options)
         self.addCleanup(process.wait)
         self.addCleanup(process.kill)
         for stream in (process.stdout, process.stderr):
@@ -79,14 +76,6 @@ class Ends(VerifyTest):
         process = self.run_("--content")
         self.eventually(self.requested("recording"), "a recording")
         self.assertEqual((130, "", INTERRUPTED), self.interrupt(process))
-
-    def test_an_ignored_interruption_stays_ignored(self):
-        self.start_large("--rate", "20000000")
-        process = self.run_("--content", on_interruption=signal.SIG_IGN)
-        self.eventually(self.requested("recording"), "a recording")
-        process.send_signal(signal.SIGINT)
-        status, out, err = self.end(process)
-        self.assertEqual((0, 2, ""), (status, len(out.splitlines()), err))
 
     def test_an_interruption_ends_the_wait_for_a_reader(self):
         self.start("--fault", "entries=500")
