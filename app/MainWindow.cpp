@@ -30,7 +30,8 @@ QTranslator* makeLastingTranslator()
 std::vector<sys::Worker*> workersOf(const QObject& window)
 {
     std::vector<sys::Worker*> workers;
-    for (QThread* thread : window.findChildren<QThread*>()) {
+    const auto threads = window.findChildren<QThread*>();
+    for (QThread* thread : threads) {
         if (auto* worker = dynamic_cast<sys::Worker*>(thread)) {
             workers.push_back(worker);
         }

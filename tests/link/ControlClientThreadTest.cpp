@@ -542,30 +542,17 @@ void ControlClientThreadTest::stopEndsTheThread()
     if (then != "refusing") {
         QVERIFY(link.watch.waitUntilAsleep());
     }
+    QCoreApplication::processEvents();
+    const QStringList lines = link.log.lines();
+    const QStringList events = link.recorder.events;
     QElapsedTimer time;
     time.start();
     link.thread.stopAndWait();
     QVERIFY2(time.elapsed() < stopLimit, qPrintable(QString::number(time.elapsed()) + " ms"));
     QVERIFY(link.thread.isFinished());
-
-    // The stop itself is neither logged nor reported.
-    QStringList attempt{"ControlClientThread run begin", "control new socket begin",
-                        "control new socket bind ok"};
-    if (connected) {
-        attempt << "control new socket success"
-                << "Control host IP: 192.168.1.149 length: 13";
-    }
-    const QStringList lines = link.log.lines();
-    QCOMPARE(lines.mid(lines.lastIndexOf(attempt.first())), attempt);
-    QStringList events;
-    if (linkFirst) {
-        events << "linked";
-        if (!connected) {
-            events << "lost";
-        }
-    }
     QCoreApplication::processEvents();
-    QCOMPARE(link.recorder.events, events);
+    QCOMPARE(link.log.lines(), lines);      // the stop itself is neither logged
+    QCOMPARE(link.recorder.events, events); // nor reported
 }
 
 void ControlClientThreadTest::threadThatWasNeverStartedCanBeDestroyed()
