@@ -21,7 +21,7 @@ struct Row
     const char* arguments;
     const char* effect;
     /// Reads the arguments into what carries the line out. Returns an error text.
-    // cppcheck-suppress unusedStructMember // parseControlLine() calls it
+    // cppcheck-suppress unusedStructMember; parseControlLine() calls it
     std::string (*parse)(const std::string& arguments, Run& run);
 };
 
