@@ -147,6 +147,8 @@ std::size_t Connection::allowance(const Part& part, TimePoint now)
 Connection::Progress Connection::send(const Part& part, TimePoint now)
 {
     std::size_t turn = allowance(part, now);
+    // a turn that its own size cut short is followed by the next at once, or a high rate is missed
+    const bool paced = part.content && m_rate != 0 && turn < turnSize;
     std::vector<char> buffer(part.content ? pieceSize : 0);
     while (turn > 0) {
         const char* bytes = part.bytes.data() + m_sent;
@@ -187,9 +189,7 @@ Connection::Progress Connection::send(const Part& part, TimePoint now)
         noteSent(part);
         return Progress::Done;
     }
-    m_wake = now + (m_singleBytes                 ? m_byteGap
-                    : part.content && m_rate != 0 ? ratePause
-                                                  : Milliseconds(0));
+    m_wake = now + (m_singleBytes ? m_byteGap : paced ? ratePause : Milliseconds(0));
     return Progress::Later;
 }
 
