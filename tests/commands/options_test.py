@@ -32,6 +32,7 @@ COMMANDS = (
     ("tools/lint", "lint", ()),
     ("tools/private-display", "private-display", ("--dpi", "--size")),
     ("tools/private-network", "{path}", ("--netem", "--as-user")),
+    ("tools/release-check", "release-check", ()),
     ("tools/try-systems", "try-systems", ("--folder", "--cache")),
     ("tools/update-images", "update-images", ()),
     ("tools/window-images", "window-images",
