@@ -19,7 +19,7 @@ namespace {
 // Longest text of a tip, in characters: longer than any file name, and quick to lay out.
 constexpr int longestText = 4096;
 
-/// Returns the rectangle in which the style paints the text of a cell that contains nothing else.
+/// Returns the rectangle in which the style paints the text of a cell that contains only text.
 QRect paintedRect(const QTableWidget& table, const QModelIndex& cell, const QString& text)
 {
     QStyleOptionViewItem option;
@@ -36,8 +36,8 @@ QRect paintedRect(const QTableWidget& table, const QModelIndex& cell, const QStr
         .adjusted(margin, 0, -margin, 0);
 }
 
-/// Text wraps between words, as in the style: it is cut off if a word is wider than the cell or if
-/// the next line does not fit.
+/// Returns whether the text of a cell is cut off: wrapped between words, as the style wraps it, a
+/// word is wider than the cell or a line after the first does not fit.
 bool isCut(const QTableWidget& table, const QModelIndex& cell, const QString& text)
 {
     const QRect rect = paintedRect(table, cell, text);
@@ -59,7 +59,7 @@ bool isCut(const QTableWidget& table, const QModelIndex& cell, const QString& te
     return cut;
 }
 
-/// A tool tip would interpret text that looks like markup.
+/// Returns what a tool tip needs to show a text literally, since it would interpret markup.
 QString asPlainText(const QString& text)
 {
     return Qt::mightBeRichText(text)
@@ -72,7 +72,7 @@ QString asPlainText(const QString& text)
 CutTextTip::CutTextTip(QTableWidget& table) : QObject(&table), m_table(table)
 {
     table.viewport()->installEventFilter(this);
-    // The tip of a row that is gone would stay over the one that takes its place.
+    // Otherwise the tip of a removed row would stay over the row that takes its place.
     connect(table.model(), &QAbstractItemModel::rowsRemoved, this, [this] {
         if (m_isShown) {
             QToolTip::hideText();

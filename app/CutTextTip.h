@@ -6,8 +6,8 @@
 class QHelpEvent;
 class QTableWidget;
 
-/// Shows a tool tip for every cell of one table whose text is cut off, and for no other. Belongs to
-/// the table; delegate and items do not know it.
+/// A tool tip for the cells of one table whose text is cut off, and for no others. Owned by the
+/// table; the delegate and the items do not depend on it.
 class CutTextTip : public QObject
 {
     Q_OBJECT
@@ -22,5 +22,5 @@ private:
     void answer(QHelpEvent& event);
 
     QTableWidget& m_table;
-    bool m_isShown = false; // a tip of this table's was the last one asked for
+    bool m_isShown = false; // the table's last tool tip event showed a tip
 };

@@ -16,8 +16,8 @@
 
 namespace {
 
-/// Creates a translator that is never deleted: it stays installed until the process ends, when no
-/// window is left to own it. The list keeps it reachable.
+/// Creates a translator that is never deleted: it stays installed until the process ends, so no
+/// window can own it. The list keeps it reachable, so that it is not reported as a leak.
 QTranslator* makeLastingTranslator()
 {
     static auto& lasting = *new std::vector<QTranslator*>;
@@ -25,8 +25,8 @@ QTranslator* makeLastingTranslator()
     return lasting.back();
 }
 
-/// Returns the worker threads among the window's children. They have no common meta-object to
-/// search by.
+/// Returns the worker threads among the window's children. sys::Worker has no meta-object that
+/// findChildren() could search for.
 std::vector<sys::Worker*> workersOf(const QObject& window)
 {
     std::vector<sys::Worker*> workers;
@@ -58,7 +58,7 @@ MainWindow::MainWindow(QWidget* parent)
     ui->comboBox->insertItems(ui->comboBox->count(),
                               {QStringLiteral("English"), QStringLiteral("Chinese")});
     translateLanguage();
-    // By signature, as all connections to its slots are. clazy:excludeall=old-style-connect
+    // By signature, like all slots of the window. clazy:excludeall=old-style-connect
     connect(ui->comboBox, SIGNAL(currentIndexChanged(int)), this, SLOT(comboxLanguageChanged()));
 }
 
@@ -67,8 +67,8 @@ MainWindow::~MainWindow()
     stopWorkers();
 }
 
-/// A QThread must not be destroyed while it runs. All threads are asked to stop first, so that they
-/// end in parallel.
+/// Stops all worker threads, since a QThread must not be destroyed while it runs. Asks all of them
+/// to stop before it waits, so that they end in parallel.
 void MainWindow::stopWorkers()
 {
     const std::vector<sys::Worker*> workers = workersOf(*this);
@@ -97,7 +97,7 @@ void MainWindow::LineEditsInit()
     LineEditInit(ui->lineEditDownloadProgress);
 }
 
-/// Black although disabled, because the field displays a value.
+/// Sets up a field that only displays a value: disabled, but with black text.
 void MainWindow::LineEditInit(QLineEdit* Information)
 {
     QPalette palette = Information->palette();

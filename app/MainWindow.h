@@ -1,6 +1,6 @@
 // The main window. The bodies are in:
 //   MainWindow.cpp                construction, destruction, display-only fields, number conversion
-//   MainWindow_Language.cpp       language switch, all texts set again
+//   MainWindow_Language.cpp       language switch, setting all texts
 //   MainWindow_Link.cpp           link button, reachability probe, status, version fields
 //   MainWindow_Browse.cpp         the camera's commands; count, list, details; marker search, row
 //                                 filling
@@ -29,9 +29,9 @@ class QPushButton;
 class QTranslator;
 class Ui_MainWindow;
 
-/// Links to the vehicle and manages its camera's card. All slots run in the window's thread; camera
-/// commands block it until the camera has answered. The object is about a third of a megabyte:
-/// create it on the main thread's stack or on the heap.
+/// The main window: links to the vehicle and manages its camera's card. All slots run in the
+/// window's thread; a camera command blocks the thread until its exchange ends. The object is about
+/// a third of a megabyte: create it on the main thread's stack or on the heap.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -80,7 +80,7 @@ private slots:
     void GetSelectedFiles();
     // MainWindow_Browse.cpp
     /// Copies the text between two markers into `strBuf`, which has at least the size of `string`,
-    /// and returns its length. Returns 0 and writes nothing if a marker is missing.
+    /// and returns the length of that text. Returns 0 and writes nothing if a marker is missing.
     int findSubString(const char* string, char* strBuf, const char* leftSplit,
                       const char* rightSplit);
     // MainWindow_Link.cpp
@@ -98,7 +98,7 @@ private:
     /// Same, but clears httpAnswer first.
     bool askCamera(const QString& address);
     // MainWindow_Delete.cpp
-    /// Sends a command that empties the card, and clears the table if it was answered.
+    /// Sends a command that empties the card, and clears the table if the camera answers.
     void emptyCard(const QString& address, const QString& successText);
     // MainWindow_Link.cpp
     void showLinkState(bool isLinked);
@@ -115,7 +115,7 @@ private:
     /// Sets the accessible names in the current language, from the catalogue.
     void setAccessibleNames();
     void openTableToKeyboard();
-    /// Disables a button; if it has the focus, the table gets it first.
+    /// Disables a button. If the button has the focus, moves the focus to the table first.
     void disableButton(QPushButton& button);
 
     // The table uses this but does not own it.
@@ -126,7 +126,7 @@ private:
     qint32 currentFileIndex = 0;       // row whose details are being queried
     card::NameTable fileNames;
     qint32 selectedCursor = 0; // position in selectedRows of the next row to process
-    qint32 selectedCount = 0;  // valid entries; a delete decrements it, to below zero at its end
+    qint32 selectedCount = 0;  // valid entries of selectedRows; deleting counts it down to -1
     card::SelectedRows selectedRows{};
     QString getFileCountUrl;
     QString getFileListUrl;

@@ -6,8 +6,9 @@
 #include <QPushButton>
 #include <QShortcut>
 
-/// The version fields and the language combo box take their accessible names from their labels, in
-/// the current language. The texts have no mnemonics, so being a buddy has no other effect.
+/// Makes the version fields and the language combo box the buddies of their labels, from which they
+/// take their accessible names in the current language. The texts have no mnemonics, so this has no
+/// other effect.
 void MainWindow::joinLabelsToFields()
 {
     ui->label_language->setBuddy(ui->comboBox);
@@ -28,8 +29,9 @@ void MainWindow::setAccessibleNames()
     ui->tableWidgetFileInfo->setAccessibleName(tr("Browse Files in Card"));
 }
 
-/// In the table Tab moves from cell to cell and never leaves it. Ctrl+Tab and Ctrl+Shift+Tab move
-/// to the next and previous widget and keep the selection, so that a button can be reached.
+/// Adds shortcuts that leave the table, in which Tab only moves from cell to cell. Ctrl+Tab and
+/// Ctrl+Shift+Tab move to the next and previous widget and keep the selection, so that the buttons
+/// can be reached from the keyboard.
 void MainWindow::openTableToKeyboard()
 {
     const auto leaveWith = [this](const char* keys, bool forward) {
@@ -42,9 +44,9 @@ void MainWindow::openTableToKeyboard()
     leaveWith("Ctrl+Shift+Tab", false);
 }
 
-/// Qt would move the focus of a disabled button to the next widget: from Download File to Delete
-/// File, where the next press of the space bar deletes. The check uses the window's own focus
-/// widget, because the window may be inactive.
+/// Moves the focus to the table because Qt would move it from a disabled button to the next widget:
+/// from Download File to Delete File, where the next press of the space bar would delete. The check
+/// uses the window's own focus widget, because the window may be inactive.
 void MainWindow::disableButton(QPushButton& button)
 {
     if (focusWidget() == &button) {

@@ -1,4 +1,4 @@
-// The camera's commands, and the browse: count, list, details; marker search, row filling.
+// Camera commands, and browsing: count, list, details; marker search, row filling.
 #include "app/MainWindow.h"
 
 #include "card/CardAnswers.h"
@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int rowLimit = 128; // the row number is a signed byte
+constexpr int rowLimit = 128; // rows are counted in a signed byte: 0 to 127
 
 } // namespace
 

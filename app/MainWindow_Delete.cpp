@@ -20,7 +20,7 @@ void MainWindow::on_pushButtonDeleteFile_clicked()
         if (fileName && !fileName->isEmpty()) {
             DeleteFile(*fileName);
         } else {
-            // A delete without a name would address the folder.
+            // A delete command without a name would address the folder.
             ++selectedCursor;
         }
     }
@@ -52,7 +52,7 @@ void MainWindow::emptyCard(const QString& address, const QString& successText)
     if (!linked || !askCamera(address)) {
         return;
     }
-    // The message box is Chinese in both languages.
+    // The message box is in Chinese even if the window is in English.
     if (std::strcmp(httpAnswer.c_str(), card::successAnswer) == 0) {
         QMessageBox::information(this, QStringLiteral("单击消息"), successText, QMessageBox::Ok,
                                  QMessageBox::NoButton);

@@ -17,8 +17,7 @@ void MainWindow::on_pushButtonDownloadFile_clicked()
     }
 }
 
-/// A row may have been removed meanwhile, because the card may be browsed or emptied during a
-/// download.
+/// Skips rows that have been removed: the card may be browsed or emptied during a download.
 std::optional<QString> MainWindow::takeNextFile()
 {
     while (selectedCursor < selectedCount) {
@@ -42,7 +41,7 @@ void MainWindow::DownloadFile(QString fileName)
 
     auto* download = new DownloadFileThread(this);
     download->fileName = fileName;
-    // By signature, as all connections to its slots are. clazy:excludeall=old-style-connect
+    // By signature, like all slots of the window. clazy:excludeall=old-style-connect
     connect(download, SIGNAL(updateDownloadFileProgress(qint64,qint64)), this,
                              SLOT(updateDownloadFileProgress(qint64,qint64)));
     connect(download, SIGNAL(downloadFileFinished()), this, SLOT(DownloadFileFinished()));

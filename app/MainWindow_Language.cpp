@@ -1,4 +1,4 @@
-// Language switch, all texts set again.
+// Language switch, setting all texts.
 #include "app/MainWindow.h"
 
 #include "ui_MainWindow.h"
@@ -10,7 +10,7 @@ void MainWindow::comboxLanguageChanged()
     const bool isChinese = ui->comboBox->currentText() == QLatin1String("Chinese");
     const QString catalogue = isChinese ? QStringLiteral(":/translation/belun_chinese.qm")
                                         : QStringLiteral(":/translation/belun_english.qm");
-    // If none can be loaded, the English source texts remain.
+    // If the catalogue cannot be loaded, tr() returns the English source texts.
     static_cast<void>(translator->load(catalogue));
     translateLanguage();
 }

@@ -19,7 +19,7 @@ void MainWindow::on_pushButtonLinkBELUN_clicked()
                            IPLive(QStringLiteral("192.168.1.149"), 5000, 1000);
     showLinkState(reachable);
     if (reachable) {
-        // By signature, as all connections to its slots are. clazy:excludeall=old-style-connect
+        // By signature, like all slots of the window. clazy:excludeall=old-style-connect
         auto* control = new ControlClientThread(this);
         connect(control, SIGNAL(VersionInfo(char,int,int,int,int)), this,
                                 SLOT(VersionInfo(char,int,int,int,int)));

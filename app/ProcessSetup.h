@@ -4,8 +4,8 @@
 namespace app {
 
 /// Opens closed standard streams on the null device. Ignores SIGPIPE, since writing to a connection
-/// that a device has closed would end the program, and raises the soft limit of open descriptors to
-/// the hard one, since reconnections and downloads leave theirs open by design.
+/// that a device has closed would otherwise end the program. Raises the soft limit of open
+/// descriptors to the hard one, since reconnections and downloads leave descriptors open by design.
 void setUpProcess();
 
 } // namespace app

@@ -6,11 +6,11 @@
 
 namespace {
 
-/// Has everything grow with the density of the screen, by any factor; at 96 dpi nothing changes.
-/// Without this the fonts alone would grow, and texts be cut off.
+/// Scales everything with the density of the screen, by any factor; at 96 dpi nothing changes.
+/// Otherwise only the fonts would grow, and texts would be cut off.
 void scaleToTheScreen()
 {
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0) // Qt 6 does so by itself
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0) // Qt 6 does this by default
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
 #if QT_VERSION >= QT_VERSION_CHECK(5, 14, 0)
     QApplication::setHighDpiScaleFactorRoundingPolicy(
