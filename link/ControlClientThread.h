@@ -3,14 +3,14 @@
 
 #include "link/ModuleClientThread.h"
 
-/// Answers the control module's heartbeat, emits its version report and reports the state of the
-/// link. The signals are emitted in the link thread.
+/// The link thread of the control module: answers its heartbeat, emits its version report and
+/// reports the state of the link. The signals are emitted in the link thread.
 class ControlClientThread : public ModuleClientThread
 {
     Q_OBJECT
 
 public:
-    bool linkedFlag = false; ///< The module sends heartbeats. Used only by the link thread.
+    bool linkedFlag = false; ///< A heartbeat has arrived on this connection. Link thread only.
 
     explicit ControlClientThread(QObject* parent);
     ~ControlClientThread() override { finish(); }

@@ -3,8 +3,8 @@
 
 #include "link/ModuleClientThread.h"
 
-/// Answers the ground module's heartbeat. The state of the ground link is not shown anywhere, so
-/// the thread emits nothing and ignores version reports.
+/// The link thread of the ground module: answers its heartbeat. The state of the ground link is not
+/// shown anywhere, so the thread emits nothing and ignores version reports.
 class GroundClientThread : public ModuleClientThread
 {
     Q_OBJECT

@@ -69,7 +69,7 @@ void ModuleClientThread::run()
     for (;;) {
         qDebug("%s run begin", m_logNames.thread);
         const int sockfd = newTcpSocketClient(serverIP, serverPort);
-        m_calls.keep(sockfd); // a connection that ends stays open, by design
+        m_calls.keep(sockfd); // the socket of an ended connection stays open, by design
         call.waitOn(sockfd);
         if (m_calls.stopRequested()) {
             return;

@@ -8,21 +8,23 @@
 
 #include <QThread>
 
-/// Keeps a connection to one module until it is stopped and reconnects by itself. The object
-/// belongs to the thread that created it, where its one-second timer ticks; run() is the link
-/// thread. The meta-objects are those of the derived classes, so their constructors start the timer
-/// and their destructors stop the thread while their handlers still exist.
+/// A thread that keeps a connection to one module, and reconnects, until it is stopped. The object
+/// belongs to the thread that created it, in which its one-second timer runs; run() is the link
+/// thread. The slots and the handlers are those of the derived classes: their constructors start
+/// the timer, and their destructors stop the thread while the handlers still exist.
 /// clazy:exclude=missing-qobject-macro
 class ModuleClientThread : public QThread, public sys::Worker
 {
 public:
     void requestStop() noexcept final { m_calls.requestStop(); }
-    /// Ends every wait on a socket, in run() and in newTcpSocketClient() in any thread. Returns
-    /// within milliseconds, when run() has finished and the last caller has left.
+    /// Ends every wait on a socket: in run(), and in this object's other functions in any thread.
+    /// Returns, within milliseconds, once run() has finished and the calls in other threads have
+    /// returned.
     void stopAndWait() final;
 
     /// Returns a socket connected to a module; retries until it succeeds or a stop is requested.
-    /// The caller owns the descriptor; it is negative if the system has none left.
+    /// The caller owns the descriptor. After a stop the socket may not be connected, and the
+    /// descriptor is negative if no socket could be created.
     int newTcpSocketClient(const char* ip, int port);
 
     /// Writes the local address of a connected socket into `ip`, which has room for at least 16
@@ -41,7 +43,7 @@ public:
     int heartBeatCount = 0;
 
 protected:
-    /// The names of the thread and the module in the log.
+    /// The texts that identify the thread and its module in the log.
     struct LogNames
     {
         const char* thread;

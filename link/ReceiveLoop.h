@@ -10,18 +10,18 @@ namespace vehicle {
 /// Why a connection ended.
 enum class EndReason {
     ClosedByModule, ///< The module closed the connection.
-    ReceiveError,   ///< A receive failed other than by a signal.
-    HeartbeatLost,  ///< Something arrived six or more ticks after the last heartbeat.
+    ReceiveError,   ///< A receive failed, but not because of a signal.
+    HeartbeatLost,  ///< A receive returned six or more ticks after the last heartbeat.
 };
 
-/// How a connection ended. `missedTicks` is the heartbeat count that ended it, 0 otherwise.
+/// How a connection ended. `missedTicks` is the heartbeat count if the heartbeat was lost, else 0.
 struct ConnectionEnd
 {
     EndReason reason;
     int missedTicks;
 };
 
-/// Called with the bytes of every receive.
+/// Handler of the bytes of one receive.
 using ReceiveHandler = std::function<void(const Received&)>;
 
 /// Receives from the socket and calls the handler after each receive until the connection ends. The

@@ -8,8 +8,8 @@ constexpr std::uint8_t outgoingSecondByte = 0xAF;
 constexpr std::uint8_t versionReportType = 0x00;
 constexpr std::uint8_t checksumBase = 0x5A;
 
-/// Both bytes are signed, which is deliberate: a byte of 0x80 or more is negative, so 01 90 is 144
-/// and not 400.
+/// Returns the value of two bytes, high byte first. Both bytes are signed, which is deliberate: a
+/// byte of 0x80 or more is negative, so 01 90 is 144 and not 400.
 int signedPair(const Received& received, std::size_t offset)
 {
     const auto high = static_cast<std::int8_t>(received[offset]);

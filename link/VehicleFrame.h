@@ -30,8 +30,8 @@ constexpr char heartbeatType = 0x04;
 constexpr char heartbeatAnswerPayload = 0x01;
 
 constexpr std::size_t receiveLimit = 100;
-/// The bytes of one receive, padded with zeros: reading a frame never leaves the buffer, and the
-/// fields that a short receive lacks are zero.
+/// The bytes of one receive, padded with zeros, so that parsing a frame never reads outside the
+/// buffer and the fields missing from a short receive are zero.
 using Received = std::array<std::uint8_t, receiveLimit>;
 
 /// A version report as in the frame; versions are in hundredths.
@@ -44,10 +44,10 @@ struct VersionReport
     int bootVer;
 };
 
-/// Returns the version report if the bytes begin with one of the control module.
+/// Returns the version report if the bytes begin with one from the control module.
 std::optional<VersionReport> decodeVersionReport(const Received& received);
 
-/// Returns whether the bytes begin with a heartbeat of the module with that start byte.
+/// Returns whether the bytes begin with a heartbeat of the module that has this start byte.
 bool isHeartbeat(const Received& received, std::uint8_t startByte);
 
 using OutgoingFrame = std::array<std::uint8_t, 6>;

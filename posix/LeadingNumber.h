@@ -5,9 +5,9 @@
 
 namespace sys {
 
-/// Returns the value of the leading decimal digits of `text` with their sign, 0 if there are none.
-/// A number too large for an int keeps its low 32 bits, so that hostile input never causes
-/// undefined behaviour.
+/// Returns the value of the decimal digits at the start of `text`, after optional white space and
+/// an optional sign; 0 without digits. A number too large for an int becomes the low 32 bits of the
+/// nearest long, so that hostile input never causes undefined behaviour.
 inline int leadingNumber(const char* text)
 {
     return static_cast<int>(std::strtol(text, nullptr, 10));

@@ -5,8 +5,8 @@
 
 namespace sys {
 
-/// While this object exists, writing to a peer that has closed the connection fails in this thread
-/// without SIGPIPE, which would end a program that does not ignore it. Preserves errno.
+/// A scope in which writing to a peer that has closed the connection fails in this thread without
+/// SIGPIPE, which would end a program that does not ignore the signal. Preserves errno.
 class PipeSignalBlock
 {
 public:

@@ -7,7 +7,8 @@ namespace sys {
 
 namespace {
 
-/// The lower ones are open by then, so the lowest free descriptor is this one.
+/// Opens the null device as this descriptor if it is closed. All lower descriptors must be open, so
+/// that this is the lowest free one.
 void openIfClosed(int descriptor, int mode)
 {
     if (::fcntl(descriptor, F_GETFD) == -1) {

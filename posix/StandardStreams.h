@@ -1,11 +1,11 @@
-// Standard streams that are never a socket or a file of the program's own.
+// Keeps sockets and files from becoming standard streams.
 #pragma once
 
 namespace sys {
 
 /// Opens closed standard streams on the null device: input for reading, output and errors for
-/// writing. A socket or a recording would otherwise take their place and receive what is printed.
-/// To be called before anything else is opened.
+/// writing. Otherwise a socket or a recording could get the descriptor of a standard stream and
+/// receive what is printed. Must be called before anything else is opened.
 void openClosedStandardStreams();
 
 } // namespace sys

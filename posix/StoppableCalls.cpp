@@ -16,7 +16,7 @@ namespace {
 
 constexpr unsigned long wakeInterval = 5; // milliseconds
 
-/// Lets SIGURG interrupt a system call, and does nothing else.
+/// Installs an empty handler, with which SIGURG does nothing but interrupt a system call.
 void setWakeHandler()
 {
     struct sigaction action = {};
@@ -24,7 +24,7 @@ void setWakeHandler()
     ::sigaction(SIGURG, &action, nullptr);
 }
 
-/// While it lives, SIGURG reaches this thread, also where the program blocks it.
+/// A scope in which SIGURG reaches this thread even if the program blocks it.
 class WakeSignalUnblock
 {
 public:
@@ -77,7 +77,7 @@ int StoppableCalls::Call::open(const char* path, int flags, mode_t mode)
 StoppableCalls::~StoppableCalls()
 {
     for (Call* const call : m_calls) {
-        call->m_calls = nullptr; // a call of this thread that deletes the object
+        call->m_calls = nullptr; // a call in this thread is deleting the object
     }
     for (const int descriptor : m_kept) {
         ::close(descriptor);

@@ -11,33 +11,33 @@
 
 namespace sys {
 
-/// The calls into one object, from any thread, that wait in the system. All of them can be stopped,
-/// once. By design the object's sockets and files stay open after a call; those passed to keep()
-/// are closed with this object. All members may be called from any thread.
+/// The calls in progress, in any thread, to one object whose functions wait in system calls. A stop
+/// ends all of them and is final. By design sockets and files stay open after a call; those passed
+/// to keep() are closed with this object. All members may be called from any thread.
 class StoppableCalls
 {
 public:
-    /// One call into the object, in the thread that created it: stopAndWait() does not return in
-    /// another thread while this exists. In its own thread it may outlive the object.
+    /// One call, in the thread that created this object. While it exists, stopAndWait() does not
+    /// return in any other thread. In its own thread it may outlive the StoppableCalls.
     class Call
     {
     public:
         explicit Call(StoppableCalls& calls);
         ~Call();
 
-        /// Sets the socket that the call waits on; it stays open as long as the call. A negative
-        /// value means none.
+        /// Sets the socket that the call waits on, which must stay open as long as the call exists.
+        /// A negative value means none.
         void waitOn(int socket) { m_socket = socket; }
 
-        /// Calls open(2). It may block while another process holds a lease on the file; a stop ends
-        /// that by sending this thread SIGURG, which programs ignore by default. Installs an empty
-        /// handler for that signal at the first call.
+        /// Calls open(2), which may block while another process holds a lease on the file. A stop
+        /// interrupts it by sending SIGURG, which is ignored by default, to this thread; the first
+        /// call installs an empty handler for that signal.
         int open(const char* path, int flags, mode_t mode);
 
     private:
         friend StoppableCalls;
 
-        StoppableCalls* m_calls; // none once the object is gone
+        StoppableCalls* m_calls; // nullptr once that object is gone
         const pthread_t m_thread = ::pthread_self();
         std::atomic<int> m_socket{-1};
         std::atomic<bool> m_opening{false};
@@ -52,10 +52,10 @@ public:
     void requestStop() noexcept { m_stopRequested = true; }
     bool stopRequested() const noexcept { return m_stopRequested; }
 
-    /// Asks all calls to end and interrupts what they wait for every few milliseconds, until no
-    /// call of another thread is left and `finished`, which waits at most that many milliseconds,
-    /// returns true: one shutdown ends a pending connect or receive, but the next connect blocks
-    /// again.
+    /// Asks all calls to end, and interrupts their system calls every few milliseconds until
+    /// `finished` returns true and no call is left in another thread. `finished` waits at most the
+    /// milliseconds passed to it. One interruption is not enough: it ends a pending connect or
+    /// receive, but the next connect blocks again.
     void stopAndWait(const std::function<bool(unsigned long)>& finished);
 
 private:

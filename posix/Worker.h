@@ -3,8 +3,8 @@
 
 namespace sys {
 
-/// Works in a separate thread until it is stopped. Ask all workers to stop before waiting for each,
-/// so that they end in parallel.
+/// Work in a separate thread, which can be stopped. To stop several workers, call requestStop() of
+/// all before stopAndWait() of the first, so that they end in parallel.
 class Worker
 {
 public:
@@ -13,7 +13,8 @@ public:
     /// Asks the worker to end and returns immediately. May be called from any thread.
     virtual void requestStop() noexcept = 0;
 
-    /// Interrupts whatever the worker waits for and returns within milliseconds, when it has ended.
+    /// Interrupts whatever the worker waits for, and returns within milliseconds, once it has
+    /// ended.
     virtual void stopAndWait() = 0;
 };
 
