@@ -14,10 +14,10 @@
 
 #include <string>
 
-/// The operations of the client. It holds no data: everything works on the records and the session
-/// passed in. Failures are reported by return values, never by exceptions or messages. The status
-/// of an answer is not a failure; see HTTPResponse::statusCode. A text to append to may be any
-/// text, including one that the same call reads.
+/// The operations of the client. The class has no data: everything works on the records and the
+/// session passed in. Failures are reported by return values, never by exceptions or messages. The
+/// status of an answer is not a failure; see HTTPResponse::statusCode. A text that a call appends
+/// to may be one that the same call reads.
 class HTTPClient
 {
 public:
@@ -25,8 +25,8 @@ public:
 
     /// Performs one GET over a new connection. Appends the body to `body` and fills `response` on
     /// top of its previous contents. Returns false for a rejected address, if connecting or sending
-    /// fails, or if the connection ends before the body; what was received is still in `body`. A
-    /// body without a length ends with the first receive; see readBody.
+    /// fails, or if the connection ends before the body does; what was received is still in `body`.
+    /// A body without a length ends with the first receive; see readBody.
     bool get(HTTPRequest& request, HTTPResponse& response, std::string& body);
 
     /// Performs one POST of `data` over a new connection. The caller sets "Content-Length" and
@@ -56,17 +56,18 @@ public:
 
     // --- the steps ----------------------------------------------------------------------------
 
-    /// Splits the request's `url` into `host`, `port` and `path`; parts missing from the address
-    /// keep their values. Returns false and writes nothing for any scheme but plain http and for an
-    /// address with a colon after its first slash.
+    /// Splits the request's `url` into `host`, `port` and `path`; a port or path missing from the
+    /// address keeps its value. Returns false and writes nothing if the address is not "http://"
+    /// followed by something, or if its first colon after that comes after the first slash.
     bool parseUrl(HTTPRequest& request);
 
-    /// Returns the IPv4 address of a host in network byte order: for a name the resolver's first
-    /// one, or 0 if there is none; for anything without letters the result of `inet_addr`.
+    /// Returns the IPv4 address of a host in network byte order: for a name the first one that the
+    /// resolver returns, or 0 if there is none; for a host without letters, and without the
+    /// characters between "Z" and "a", the result of `inet_addr`.
     unsigned int hostToLong(std::string host);
 
     /// Appends the request's head to `out`: request line, host line (with the port unless it is
-    /// 80), the header map, and the empty line. Nothing is escaped or added.
+    /// 80), the header map, and the empty line. Nothing is escaped, and no other line is added.
     void makeHeader(HTTP_REQ_TYPE& type, HTTPRequest& request, std::string& out);
 
     /// Resolves the request's host, connects the session and sends the head completely.
@@ -76,17 +77,17 @@ public:
     bool sendBody(HTTPSession& session, const std::string& data);
 
     /// Reads the status line and header lines up to the empty line or the end of the connection
-    /// into `response`. Always returns true: an answer without a head is valid. A head that does
-    /// not fit into memory ends there.
+    /// into `response`. Always returns true: an answer without a head is valid. If memory runs out,
+    /// the head ends there.
     bool readHeader(HTTPSession& session, HTTPResponse& response);
 
     /// Appends the two parts of a head's line to `name` and `value`: a status line is split at its
-    /// first space, any other line at its first ": ". If there is none, nothing is appended.
+    /// first space, any other line at its first ": ". Without that separator nothing is appended.
     void parseLine(const std::string& line, std::string& name, std::string& value);
 
     /// Reads a body, plain up to the announced length or chunked, and appends it to `body`. A plain
     /// body without a length ends with the first receive. Returns false if the connection fails or
-    /// closes before the end of the body.
+    /// closes before the end of the body, or if memory runs out.
     bool readBody(HTTPSession& session, HTTPResponse& response, std::string& body);
 
     /// Appends a multipart body to `out`, with its parts in ascending key order.

@@ -3,7 +3,7 @@
 
 namespace {
 
-/// Starts an exchange: address, connection, head. The session stays open after a failure.
+/// Parses the address, connects and sends the head. The session stays open after a failure.
 bool sendRequest(HTTPClient& client, HTTP_REQ_TYPE type, HTTPSession& session, HTTPRequest& request)
 {
     return client.parseUrl(request) && client.sendHeader(type, session, request);

@@ -21,7 +21,7 @@ bool beginsWithStatusWord(std::string_view text)
     return text.substr(0, statusWord.size()) == statusWord;
 }
 
-/// Reads up to the empty line, or as far as there are lines.
+/// Reads header lines up to the empty line or the end of the connection.
 void readHeaderLines(HTTPClient& client, HTTPSession& session, HTTPResponse& response)
 {
     std::string line;
@@ -45,8 +45,8 @@ void readHeaderLines(HTTPClient& client, HTTPSession& session, HTTPResponse& res
     }
 }
 
-/// A plain body ends when the received count reaches the length, or after the first receive if
-/// there is none. The count belongs to the record, so it may have reached the length before.
+/// Reads until the received count reaches the announced length, but at least once; without a length
+/// only once. The count belongs to the record, so it may have reached the length before.
 bool readPlainBody(HTTPSession& session, HTTPResponse& response, std::string& body)
 {
     std::array<char, plainReceiveLimit> buffer;
@@ -61,8 +61,8 @@ bool readPlainBody(HTTPSession& session, HTTPResponse& response, std::string& bo
     return true;
 }
 
-/// Returns the size in a chunk's first line: hexadecimal digits up to anything else, 0 without
-/// digits, negative if bit 31 is set.
+/// Returns the size in a chunk's first line: its leading hexadecimal digits; 0 without digits,
+/// negative if bit 31 is set.
 int chunkSize(const std::string& line)
 {
     unsigned int size = 0;
@@ -70,8 +70,9 @@ int chunkSize(const std::string& line)
     return static_cast<int>(size);
 }
 
-/// Each iteration reads one line (a size, the line ending after a chunk's data, or the line after
-/// the last chunk) or the rest of a chunk. Only one line of trailers is read.
+/// Reads a chunked body. Each iteration reads one line (a size, the line ending after a chunk's
+/// data, or the line after the last chunk) or the rest of a chunk. Only one line of trailers is
+/// read.
 bool readChunkedBody(HTTPSession& session, HTTPResponse& response, std::string& body)
 {
     std::string text;
@@ -110,7 +111,7 @@ bool HTTPClient::readHeader(HTTPSession& session, HTTPResponse& response)
     try {
         readHeaderLines(*this, session, response);
     } catch (const std::bad_alloc&) {
-        // A device may send a head without end. It ends where the memory does; what was read
+        // A device may send an endless head. Reading ends when memory runs out; what was read
         // counts.
     }
     return true;
@@ -127,7 +128,7 @@ void HTTPClient::parseLine(const std::string& line, std::string& name, std::stri
     const std::string_view separator = beginsWithStatusWord(text) ? " " : ": ";
     const std::size_t split = text.find(separator);
     if (split != std::string_view::npos) {
-        // Copied before anything is appended: `line` may be one of the two itself.
+        // Copied before anything is appended: `line` may be the same object as `name` or `value`.
         const std::string left(text.substr(0, split));
         const std::string right(text.substr(split + separator.size()));
         name += left;
@@ -141,6 +142,6 @@ bool HTTPClient::readBody(HTTPSession& session, HTTPResponse& response, std::str
         return response.chunked ? readChunkedBody(session, response, body)
                                 : readPlainBody(session, response, body);
     } catch (const std::bad_alloc&) {
-        return false; // a device may announce, or just send, more than there is memory for
+        return false; // a device may announce, or just send, more than fits into memory
     }
 }

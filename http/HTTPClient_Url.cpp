@@ -15,7 +15,8 @@ namespace {
 constexpr std::string_view scheme = "http://";
 constexpr std::size_t shortestUrl = scheme.size() + 1;
 
-/// Letters, and the six characters between "Z" and "a", mark a host text as a name.
+/// Returns whether a host that contains this byte is a name: a letter, or one of the six characters
+/// between "Z" and "a".
 bool isNameByte(char byte)
 {
     return byte >= 0x41 && byte <= 0x7A;
@@ -39,7 +40,7 @@ bool HTTPClient::parseUrl(HTTPRequest& request)
     }
     request.host = rest.substr(0, std::min(slash, colon));
     if (hasPort) {
-        // The digits end at the slash.
+        // leadingNumber() stops at the slash.
         request.port = sys::leadingNumber(rest.c_str() + colon + 1);
     }
     if (hasPath) {

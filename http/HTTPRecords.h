@@ -18,7 +18,8 @@ enum HTTP_REQ_TYPE : int {
 using HTTPHeaders = std::map<std::string, std::string>;
 
 /// The request. The caller sets `url` and, optionally, `headers`; HTTPClient::parseUrl writes
-/// `host`, `port` and `path`, and leaves unchanged what the address does not contain.
+/// `host`, `port` and `path`, and leaves a port or path that the address does not contain
+/// unchanged.
 struct HTTPRequest
 {
     std::string version = "HTTP/1.1"; ///< Protocol word at the end of the request line.
@@ -34,8 +35,8 @@ struct HTTPRequest
     }; ///< Header lines other than the host line; the library adds and removes none.
 };
 
-/// The response. Reused without a reset, it carries every field over to the next exchange: the
-/// received count keeps growing, and after one chunked body all later ones are read as chunked.
+/// The response. If it is reused without a reset, every field is carried over to the next exchange:
+/// the received count keeps growing, and after one chunked body all later ones are read as chunked.
 struct HTTPResponse
 {
     int statusCode = 0;              ///< Number of the status line.
@@ -44,7 +45,7 @@ struct HTTPResponse
     std::uint32_t contentLength = 0; ///< Announced length in bytes; 0 when none was announced.
     std::uint32_t received = 0;      ///< Body bytes received so far; wraps at 2^32.
     int chunkLeft = 0;               ///< Bytes of the current chunk that are not read yet.
-    HTTPHeaders headers;             ///< Every header line ever received with this record.
+    HTTPHeaders headers;             ///< Header lines of all answers; the last of each name counts.
 };
 
 /// One part of a multipart body.

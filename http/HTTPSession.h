@@ -3,8 +3,8 @@
 
 #include <string>
 
-/// Owns its socket and closes it when destroyed. Sets no socket options and no timeout: every call
-/// may block as long as the system lets it. Use from one thread at a time.
+/// A connection that owns its socket and closes it when destroyed. Sets no socket options and no
+/// timeout: every call may block as long as the system lets it. Use from one thread at a time.
 class HTTPSession
 {
 public:
@@ -27,9 +27,9 @@ public:
     int read(char* buffer, int length);
 
     /// Reads into `line` (cleared first) up to and including the next line feed, or `limit` bytes
-    /// if `limit` is positive. Returns the number of bytes, which is smaller if the peer closes the
-    /// connection; -1 if receiving the first byte fails. Receives byte by byte, so that what
-    /// follows the line stays in the socket.
+    /// if `limit` is positive. Returns the number of bytes read; the line feed is missing if the
+    /// connection ends or fails first. Returns -1 if receiving the first byte fails. Receives byte
+    /// by byte, so that what follows the line stays in the socket.
     int readLine(std::string& line, int limit);
 
     /// Reads `count` bytes into `data` (cleared first), in pieces of at most 1,024. Returns the
