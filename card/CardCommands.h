@@ -15,8 +15,8 @@ constexpr char valueEnd[] = "\";";
 constexpr char fileCountCommand[] = "http://192.168.1.120/cgi-bin/hi3510/getfilecount.cgi?";
 constexpr char countStart[] = "=\"";
 
-/// Argument: the count text. Answer: entries, each with the name after directoryTag and ended by
-/// entryEnd; listEnd where another entry would begin.
+/// Argument: the count, as in the answer to the count command. Answer: entries, each with the name
+/// after directoryTag and ended by entryEnd; listEnd where another entry would begin.
 constexpr char fileListCommand[] =
     "http://192.168.1.120/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end=";
 constexpr char directoryTag[] = "ZEPNA/";
@@ -35,7 +35,7 @@ constexpr char timeStart[] = "time=\"";
 constexpr char deleteFileCommand[] =
     "http://192.168.1.120/cgi-bin/hi3510/deletefile.cgi?&-name=sd/DCIM/100ZEPNA/";
 
-/// Answer: exactly successAnswer; the same applies to the next command.
+/// Answer to this command and the next, on success: exactly successAnswer.
 constexpr char formatCardCommand[] =
     "http://192.168.1.120/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
 constexpr char deleteAllFilesCommand[] = "http://192.168.1.120/cgi-bin/hi3510/deleteallfiles.cgi?";

@@ -30,7 +30,7 @@ QString withUnit(const char* field, const char* unit)
     return QStringLiteral("%1%2").arg(QString::fromUtf8(field)).arg(QLatin1String(unit));
 }
 
-/// Replaces the size in `field` with the number that is shown.
+/// Returns the size text. Replaces the size in `field` with the number that is shown.
 QString sizeText(char* field)
 {
     constexpr int megabyte = 1048576;
@@ -63,7 +63,7 @@ ExactSize exactSize(const char* answer)
     if (!field) {
         return {ExactSize::Reading::Missing, 0};
     }
-    std::uint64_t bytes = 0; // unsigned, so that a sign is not read
+    std::uint64_t bytes = 0; // unsigned, so that a minus sign is rejected
     const char* end = field->data() + field->size();
     const auto [next, error] = std::from_chars(field->data(), end, bytes);
     if (error == std::errc::invalid_argument || next != end) {

@@ -18,13 +18,14 @@ struct FileInfoText
 /// Returns the details stated by an answer to the file information command.
 ///
 /// The date is the creation time as "2020-01-31  12:45:02": the digits missing from a shorter text
-/// are left out between the separators, excess ones of a longer text are dropped. The size is in
-/// whole megabytes from 1,048,576 bytes on and in whole kilobytes below, rounded down: for less
-/// than one kilobyte only the unit is shown, and less than minus one kilobyte is shown as received.
+/// are left out between the separators, and the excess ones of a longer text are dropped. The size
+/// is in whole megabytes from 1,048,576 bytes on and in whole kilobytes below, rounded towards
+/// zero: below one kilobyte only the unit is shown, and -1,024 bytes or less is shown as received.
 /// The duration is the text as received, followed by "s".
 ///
-/// All three are read into one scratch text, so a missing field shows the text of the one before
-/// it: a missing size the creation time, a missing duration the digits of the size.
+/// All three are read into one scratch text, so a missing field is replaced by what that text
+/// contains: a missing size is that of the creation time read as a number, a missing duration shows
+/// the digits of the size.
 FileInfoText readFileInfo(const char* answer);
 
 /// A recording's exact size.
@@ -33,7 +34,7 @@ struct ExactSize
     enum class Reading {
         Known,
         Missing,    ///< The answer has no size.
-        NotANumber, ///< The size contains something other than decimal digits, such as a sign.
+        NotANumber, ///< The size is empty or has a character that is not a digit, such as a sign.
         OutOfRange, ///< The size does not fit into 63 bits.
     };
 

@@ -9,8 +9,8 @@ namespace card {
 
 namespace {
 
-/// Tells screen readers which column the cell is in: its description is the current text of the
-/// header.
+/// A cell whose accessible description is the current header of its column, so that screen readers
+/// can announce the column.
 class Cell : public QTableWidgetItem
 {
 public:

@@ -1,4 +1,4 @@
-// The appearance of the file table and creating its cells.
+// The appearance of the file table, and the creation of its cells.
 #pragma once
 
 #include "card/NoFocusDelegate.h"
@@ -18,7 +18,7 @@ enum Column { NameColumn, DateColumn, SizeColumn, DurationColumn, ColumnCount };
 /// delegate but does not own it: keep it as long as the table.
 std::unique_ptr<NoFocusDelegate> setUpFileTable(QTableWidget& table, const QStringList& headers);
 
-/// Appends a row with a name.
+/// Inserts a row with a name.
 void addNameRow(QTableWidget& table, int row, const QString& name);
 
 /// Sets the text of a cell, in gray. Ignores a row that does not exist: the camera may count more

@@ -3,7 +3,7 @@
 
 #include <QStyledItemDelegate>
 
-/// Paints like the base delegate, but never a focus frame: users select rows, not cells.
+/// A delegate that never paints a focus frame: users select rows, not cells.
 class NoFocusDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -1,4 +1,4 @@
-// Integers as text in any base.
+// Integers as text in bases 2 to 36.
 #pragma once
 
 namespace card {

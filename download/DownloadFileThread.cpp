@@ -35,14 +35,14 @@ void DownloadFileThread::run()
 void DownloadFileThread::DownloadFile(QString name)
 {
     const sys::PipeSignalBlock block;
-    const sys::StoppableCalls::Call call(m_calls); // until the slots called directly have returned
+    const sys::StoppableCalls::Call call(m_calls); // lasts until directly called slots return
     if (fetch(name)) {
         emit downloadFileFinished(); // a slot may delete this object
     }
 }
 
-// QThread::exit() marks where the download has failed. There is no event loop that it would end:
-// the download always runs to its end, so that the next one is started.
+// QThread::exit() marks each failure but ends nothing, because there is no event loop: the download
+// always runs to its end, so that the next one is started.
 bool DownloadFileThread::fetch(const QString& name)
 {
     download::RecordingDownload recording(m_calls);
@@ -64,7 +64,7 @@ bool DownloadFileThread::fetch(const QString& name)
         QThread::exit(-1);
     }
     if (m_calls.stopRequested()) {
-        return false; // the program is closing: do not start a file
+        return false; // stopped: do not open a file
     }
     const resp_header header = get_resp_header(head.text());
     {

@@ -10,10 +10,11 @@
 #include <QString>
 #include <QThread>
 
-/// Downloads the recording `fileName` into the folder "DCIM" on the user's desktop, over a separate
-/// connection. Whatever fails, run() ends with downloadFileFinished(). The object belongs to the
-/// thread that created it; run() is the download thread and emits the signals. The destructor stops
-/// the download and waits for it.
+/// A thread that downloads the recording `fileName` into the folder "DCIM" on the user's desktop,
+/// over a separate connection. Unless it is stopped before the file is opened, run() ends with
+/// downloadFileFinished(), whatever fails. The object belongs to the thread that created it; run()
+/// is the download thread and emits the signals. The destructor stops the download and waits for
+/// it.
 class DownloadFileThread : public QThread, public sys::Worker
 {
     Q_OBJECT
@@ -23,9 +24,9 @@ public:
     ~DownloadFileThread() override;
 
     void requestStop() noexcept final { m_calls.requestStop(); }
-    /// Ends every download, in run() and in DownloadFile() in any thread. Returns within
-    /// milliseconds, when run() has finished and the last caller has left. In a slot that a
-    /// download calls directly, it does not wait for that download.
+    /// Ends every download, in run() and in DownloadFile() in any thread. Returns, within
+    /// milliseconds, once run() has finished and the calls in other threads have returned. In a
+    /// slot that a download calls directly, it does not wait for that download.
     void stopAndWait() final;
 
     QString fileName;       ///< The recording's bare name; set before start().
@@ -34,7 +35,7 @@ public:
 
 signals:
     void downloadFileFinished();
-    /// Bytes received so far, bytes announced.
+    /// Reports the bytes received so far and the bytes announced.
     void updateDownloadFileProgress(qint64, qint64);
 
 public slots:
@@ -48,7 +49,7 @@ protected:
     void run() override;
 
 private:
-    /// Downloads one recording. Returns false if it was stopped before its file was started.
+    /// Downloads one recording. Returns false if it was stopped before its file was opened.
     bool fetch(const QString& name);
 
     std::mutex m_headerMutex; // guards respHeader while it is written

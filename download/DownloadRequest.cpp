@@ -4,7 +4,7 @@ namespace download {
 
 namespace {
 
-// The fixed text after the target, up to the host's name and after it.
+// The fixed text after the target: up to the host's name, and after it.
 constexpr char headBeforeHost[] =
     " HTTP/1.1\r\n"
     "Accept:text/html,application/xhtml+xml,application/xml;q=0.9,image/webp,*/*;q=0.8\r\n"
@@ -17,7 +17,7 @@ constexpr char headAfterHost[] = "\r\nConnection:close\r\n\r\n";
 
 QByteArray requestText(const QByteArray& url, const char* host)
 {
-    // The URL is a C string to the camera: a zero byte ends it.
+    // constData(): the URL ends at its first zero byte, like a C string.
     return QByteArray("GET ") + url.constData() + headBeforeHost + host + headAfterHost;
 }
 

@@ -12,8 +12,7 @@ constexpr unsigned short cameraPort = 80;
 /// Precedes a recording's name in its URL.
 constexpr char recordingUrlPrefix[] = "http://192.168.1.120/sd/DCIM/100ZEPNA/";
 
-/// Returns the request for an absolute URL. The header lines are sent in this form, without a space
-/// after the colon.
+/// Returns the request for an absolute URL. Its header lines have no space after the colon.
 QByteArray requestText(const QByteArray& url, const char* host);
 
 } // namespace download

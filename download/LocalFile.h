@@ -9,8 +9,8 @@
 namespace download {
 
 /// Returns the folder for recordings, with a trailing slash, in the user's desktop folder. The path
-/// is in Latin-1, except that a desktop folder that exists only under its name in the file system's
-/// encoding is named in that encoding, so that no download is lost.
+/// is in Latin-1. If the desktop folder exists only under its name in the file system's encoding,
+/// the path is in that encoding, so that no download is lost.
 QByteArray recordingsFolder(const QString& desktop);
 
 /// Creates the folder unless it exists; one level only. A failure becomes visible when a file is

@@ -19,14 +19,15 @@ namespace {
 
 constexpr int errorLimit = 16; // receive errors in a row
 
-/// Flushed immediately, so that it also appears when standard output is a pipe.
+/// Prints a line and flushes it, so that it also appears immediately when standard output is a
+/// pipe.
 void print(const char* line)
 {
     std::fputs(line, stdout);
     std::fflush(stdout);
 }
 
-/// The count is a 32-bit number that wraps: recordings of 2 GiB and more are not supported.
+/// Returns the sum as a 32-bit number that wraps: recordings of 2 GiB and more are not supported.
 qint32 wrappingSum(qint32 count, qint32 more)
 {
     return static_cast<qint32>(static_cast<quint32>(count) + static_cast<quint32>(more));

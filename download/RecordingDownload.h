@@ -10,7 +10,8 @@
 
 namespace download {
 
-/// Bytes received so far and bytes announced, after each receive.
+/// Handler of the progress, called after each receive with the bytes received so far and the bytes
+/// announced.
 using ProgressHandler = std::function<void(qint64, qint64)>;
 
 /// One recording being downloaded to a local file. By design the socket and the file stay open
@@ -32,17 +33,18 @@ public:
     /// Writes the whole request in one call.
     void sendRequest(const QByteArray& request);
 
-    /// Reads the head, byte by byte so that no byte of the body is consumed, until it or the
+    /// Reads the head, byte by byte so that no byte of the body is consumed, until the head or the
     /// connection ends. Returns false after printing a message if memory runs out.
     bool readHead(ResponseHead& head);
 
     /// Opens the local file; see openLocalFile(). A longer existing file keeps its tail. Returns
-    /// false after printing a message if that fails; the body is then read and discarded.
+    /// false after printing a message if opening fails; the body is then read and discarded.
     bool openFile(const QByteArray& folder, const QByteArray& name);
 
     /// Copies the body to the file in pieces of at most 4,096 bytes until the announced length is
-    /// reached or the connection ends. The length is compared after each receive, so one more is
-    /// always made. A receive error counts as -1 byte; sixteen in a row end the body.
+    /// reached or the connection ends. The length is checked after a receive but before its bytes
+    /// are used, so one more receive is made than needed. A receive error counts as -1 byte;
+    /// sixteen in a row, other than interruptions by signals, end the body.
     void copyBody(qint64 announced, const ProgressHandler& progress);
 
 private:
