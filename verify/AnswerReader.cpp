@@ -64,8 +64,8 @@ bool AnswerReader::inLine() const
     return m_part != Part::ChunkData && m_part != Part::Length && m_part != Part::UntilClosed;
 }
 
-// A line ends in CR LF. A line feed alone ends none in the answers that the window takes, so a head
-// that ends in LF LF CR LF ends where it does for the window.
+// A line may end in LF alone, but only an empty line that ends in CR LF ends the head: a head that
+// ends in LF LF CR LF ends at the same byte as for the window.
 void AnswerReader::takeLine(std::string_view& bytes)
 {
     const std::size_t end = bytes.find('\n');
@@ -149,7 +149,7 @@ void AnswerReader::field(std::string_view line)
     if (sameWord(name, "Content-Length")) {
         const auto length = decimalNumber(value);
         if (!length || (m_announced && *m_announced != *length)) {
-            m_state = State::BadHead; // two lengths, or none that can be held
+            m_state = State::BadHead; // two different lengths, or one that is no 64-bit number
             return;
         }
         m_announced = length;
@@ -226,7 +226,7 @@ void AnswerReader::takeBody(std::string_view& bytes)
     } else if (m_part == Part::Length && m_left == 0) {
         m_state = State::Complete;
     } else if (m_part == Part::ChunkData && m_left == 0) {
-        m_lineBytes = 0; // the limit holds between two chunks
+        m_lineBytes = 0; // headLimit applies to the lines after each chunk
         m_part = Part::ChunkEnd;
     }
 }

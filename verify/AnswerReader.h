@@ -1,10 +1,10 @@
 // Parses one HTTP answer as it arrives, with a limit for every part.
 //
-//   head     lines that end in CR LF, then an empty one; interim (1xx) heads are skipped
+//   head     lines up to an empty one that ends in CR LF; interim (1xx) heads are skipped
 //   body     up to the announced length, or in chunks, or up to the end of the connection
 //
 // Stricter than the window's parsers, which accept whatever the camera sends: an invalid answer
-// must never count as a comparison.
+// must never be compared as if it were valid.
 #pragma once
 
 #include <cstddef>
@@ -20,8 +20,8 @@ class AnswerReader
 {
 public:
     enum class State {
-        Head,     ///< waits for the rest of the head
-        Body,     ///< waits for the rest of a body
+        Head,     ///< the head is not complete yet
+        Body,     ///< the body is not complete yet
         Complete, ///< the answer is complete
         Refused,  ///< the status is not 200; see status()
         BadHead,  ///< the head is invalid
@@ -41,7 +41,7 @@ public:
         std::function<bool(std::string_view)> body;
     };
 
-    /// Limit for all head lines together, and for the lines around the chunks.
+    /// Limit in bytes for all head lines together, and for all lines from one chunk to the next.
     static constexpr std::size_t headLimit = 65536;
 
     AnswerReader(std::uint64_t bodyLimit, Handlers handlers);
@@ -76,12 +76,12 @@ private:
     State m_state = State::Head;
     Part m_part = Part::HeadLine;
     std::string m_line;
-    std::size_t m_lineBytes = 0; // of all lines
+    std::size_t m_lineBytes = 0; // bytes that count towards headLimit
     bool m_statusRead = false;
     int m_status = 0;
     bool m_chunked = false;
     std::optional<std::uint64_t> m_announced;
-    std::uint64_t m_left = 0; // of the body, or of the chunk
+    std::uint64_t m_left = 0; // bytes left of the body or chunk
     std::uint64_t m_received = 0;
     bool m_more = false;
 };

@@ -13,7 +13,7 @@ bool ByteComparison::take(std::string_view bytes)
     }
     m_buffer.resize(std::max(m_buffer.size(), bytes.size()));
     const std::size_t count = m_file.read(m_buffer.data(), bytes.size());
-    if (std::memcmp(bytes.data(), m_buffer.data(), count) == 0) { // the quick way for almost all
+    if (std::memcmp(bytes.data(), m_buffer.data(), count) == 0) { // fast path: usually equal
         m_compared += count;
         m_same = count == bytes.size();
     } else {

@@ -9,15 +9,14 @@
 
 namespace verify {
 
-/// Holds no more of the file in memory than of the recording.
+/// A comparison piece by piece: of the file, no more than the largest piece is in memory.
 class ByteComparison
 {
 public:
     /// Reads the file from its current position.
     explicit ByteComparison(LocalFile& file) : m_file(file) {}
 
-    /// Compares the next bytes. Returns false from the first byte on that differs or is missing
-    /// from the file.
+    /// Compares the next bytes. Returns false once a byte differs or is missing from the file.
     bool take(std::string_view bytes);
 
     bool isSame() const { return m_same; }

@@ -16,8 +16,8 @@ namespace verify {
 namespace {
 
 constexpr qint64 receiveSize = 262'144;
-// Milliseconds in which the camera closes the connection after a recording. One that leaves it open
-// is not waited for any longer.
+// Milliseconds to wait after a complete recording for the camera to send more or close the
+// connection. If it does neither, the recording is accepted.
 constexpr int surplusWait = 200;
 
 CameraError errorOf(const AnswerReader& reader)

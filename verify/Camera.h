@@ -13,18 +13,18 @@ class QTcpSocket;
 
 namespace verify {
 
-/// The reason why there is no answer.
+/// Why a request failed.
 enum class Trouble {
     None,
-    NoRoute,      ///< the system has no route, or the network reports so
+    NoRoute,      ///< connecting failed in another way, usually for lack of a route
     Refused,      ///< the camera refuses the connection
-    NoConnection, ///< no answer within the timeout
-    Silent,       ///< connected, but no byte within the timeout
+    NoConnection, ///< connecting got no reply within the timeout
+    Silent,       ///< connected, but the camera sent nothing for the length of the timeout
     TooSlow,      ///< the answer to a command, or a head, took more than four times the timeout
     Surplus,      ///< a recording has more bytes than its head announces
     Closed,       ///< the connection ended before the answer did
     Status,       ///< the answer's status is not 200
-    TooLong,      ///< more than any card's answer has
+    TooLong,      ///< the head or the body exceeds its limit
     NotUnderstood,
 };
 
@@ -36,14 +36,14 @@ struct CameraError
     QString systemText = {}; ///< for Trouble::NoRoute: the system's message
 
     explicit operator bool() const { return trouble != Trouble::None; }
-    /// Returns whether any further request would fail in the same way.
+    /// Returns whether further requests are expected to fail in the same way.
     bool isLasting() const;
 };
 
-/// Time limit for the whole answer to a command, or for a head, in timeouts.
+/// Time limit for the whole answer to a command, or for a head, as a multiple of the timeout.
 constexpr int answerPatience = 4;
 
-/// Talks to a camera over a new connection for each request. Uses no proxy; every wait is bounded.
+/// A camera that gets a new connection for each request. Uses no proxy; every wait is bounded.
 class Camera
 {
 public:
@@ -51,8 +51,7 @@ public:
 
     enum class Kind {
         Command,
-        Recording, ///< its body may take any time as long as it keeps coming, and nothing follows
-                   ///< it
+        Recording, ///< no time limit for the whole body; bytes after it are an error
     };
 
     /// Sends the request and passes the answer to the handlers; if one returns false, the exchange

@@ -13,8 +13,8 @@ namespace verify {
 
 namespace {
 
-// Far more than any valid answer. A FAT32 folder has fewer than 65,536 entries, each with a name of
-// at most 255 characters.
+// Limits in bytes, far more than any valid answer has. A FAT32 folder has fewer than 65,536
+// entries, each with a name of at most 255 characters.
 constexpr std::uint64_t countLimit = 4096;
 constexpr std::uint64_t listLimit = 16'777'216;
 constexpr std::uint64_t detailsLimit = 65536;
@@ -25,7 +25,7 @@ QByteArray commandRequest(const char* command, const std::string& argument)
     HTTPRequest request;
     request.url = command;
     client.parseUrl(request);
-    // Set directly and not by parseUrl, which rejects a colon in a name.
+    // Appended after parseUrl, which would reject a colon in a name.
     request.path += argument;
     HTTP_REQ_TYPE method = HTTP_REQ_GET;
     std::string head;
@@ -49,7 +49,7 @@ std::optional<CardCount> readCount(const std::string& answer)
 // truncated list.
 std::optional<std::vector<std::string>> readNames(const std::string& answer)
 {
-    const std::string_view list = answer.c_str(); // up to the first zero byte, as all answers
+    const std::string_view list = answer.c_str(); // like all answers, up to the first zero byte
     std::vector<std::string> names;
     std::size_t start = 0;
     while (start < list.size() && list[start] != card::listEnd) {

@@ -30,26 +30,27 @@ struct CardCount
 /// Parses the answer to a count command; returns nothing if it is invalid.
 std::optional<CardCount> readCount(const std::string& answer);
 
-/// Returns the names in the answer to a list command, in order; an entry without its own name is
+/// Returns the names in the answer to a list command, in order; the name of an entry without one is
 /// empty. Returns nothing if the list is truncated.
 std::optional<std::vector<std::string>> readNames(const std::string& answer);
 
 /// Returns the exact size in the answer to a details command, or nothing.
 std::optional<std::uint64_t> readSize(const std::string& answer);
 
-/// Sends the same requests as the window. Names are sent unchanged.
+/// The queries about the card, sent as the same requests that the window sends. Names are sent
+/// unchanged.
 class CardReader
 {
 public:
     explicit CardReader(const Camera& camera) : m_camera(camera) {}
 
     Reply<CardCount> count() const;
-    /// Takes the text of the count.
+    /// Returns the names on the card. `countText`: the text of the count, sent unchanged.
     Reply<std::vector<std::string>> names(const std::string& countText) const;
     Reply<std::uint64_t> size(const std::string& name) const;
 
-    /// Reads a recording. The handler receives its bytes in order and returns false to stop.
-    /// Returns the announced length if it differs from `size`; nothing is read then.
+    /// Reads a recording. The handler receives its bytes in order and returns false to stop. If the
+    /// announced length differs from `size`, returns that length and reads nothing.
     Reply<std::optional<std::uint64_t>> content(const std::string& name, std::uint64_t size,
                                                 const std::function<bool(std::string_view)>&) const;
 

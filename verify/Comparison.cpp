@@ -31,7 +31,7 @@ Reason reasonAgainstFile(LocalFile::State state)
     }
 }
 
-/// Judges the sizes of a file and its recording.
+/// Sets the result of a recording according to the state and size of its file.
 void judge(Recording& recording, const LocalFile& file)
 {
     recording.reason = reasonAgainstFile(file.state());
@@ -84,8 +84,8 @@ bool Comparison::readList(CardCount& count, std::vector<std::string>& names)
     if (listed.error) {
         return fail(listed.error);
     }
-    // A list has no more entries than were asked for, so a count that is too small would hide the
-    // others. A camera that does not like to be asked for one more is not blamed.
+    // The camera lists no more entries than requested, so a count that is too small would hide
+    // recordings. Therefore one more is requested; an error in answer to that is ignored.
     Reply<std::vector<std::string>> oneMore =
         m_card.names(std::to_string(counted.value.number + 1));
     const bool hidden = !oneMore.error && oneMore.value.size() > listed.value.size();
@@ -179,7 +179,7 @@ bool Comparison::judgeContent(Recording& recording)
     LocalFile file = m_folder.open(recording.name);
     judge(recording, file);
     if (recording.result != Result::SameSize) {
-        return true; // since its size was looked at
+        return true; // the file has changed since its size was compared
     }
     const std::uint64_t size = *recording.cardBytes;
     file.readFromDisk();
@@ -214,7 +214,7 @@ bool Comparison::judgeContent(Recording& recording)
     return true;
 }
 
-/// Recordings on this computer only, and names that are on neither side.
+/// Reports recordings that are only on this computer, and requested names that are on neither side.
 void Comparison::judgeOthers()
 {
     const std::set<std::string> listed(m_listed.begin(), m_listed.end());

@@ -13,7 +13,7 @@
 
 namespace verify {
 
-/// The output of the comparison while it runs.
+/// The functions that receive the output of the comparison while it runs.
 struct Listener
 {
     /// Called for each recording when its result is known.
@@ -25,11 +25,12 @@ struct Listener
 class Comparison
 {
 public:
-    /// `names`: the recordings to compare; all, if there is none.
+    /// `names`: the recordings to compare; all if it is empty.
     Comparison(CardReader card, LocalFolder& folder, bool contents,
                const std::vector<std::string>& names, Listener listener);
 
-    /// Runs to the end, or to the first error that would repeat.
+    /// Compares everything and returns the summary. Ends early if the folder, the count or the list
+    /// cannot be read, or after an error that further requests are expected to have, too.
     Summary run();
 
 private:
@@ -57,7 +58,7 @@ private:
 
     CardCount m_count;
     std::vector<std::string> m_listed;
-    std::vector<Recording> m_recordings; // the requested recordings of the card, each name once
+    std::vector<Recording> m_recordings; // the requested ones on the card, each name once
     Advance m_advance;
     Summary m_summary;
 };

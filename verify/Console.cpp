@@ -14,7 +14,7 @@ namespace {
 constexpr qint64 progressInterval = 200; // milliseconds
 constexpr char clearLine[] = "\r\033[K";
 
-// For the signal's handler, which may use nothing that allocates.
+// For the signal handler, which must not allocate memory.
 std::string interruptionText;
 int interruptionStatus = 0;
 
@@ -25,8 +25,8 @@ void interrupted(int)
     ::_exit(interruptionStatus);
 }
 
-/// The text, cut to the terminal's width: a longer one would move on to the next line. It is cut
-/// by bytes, and before a letter that would be cut.
+/// Returns the text, cut to the width of the terminal, since a longer one would wrap to the next
+/// line. Each byte counts as one column; no UTF-8 character is split.
 std::string fitting(std::string text)
 {
     winsize size{};

@@ -8,17 +8,18 @@
 
 namespace verify {
 
-/// Writes the complete text to a descriptor. Returns 0 or the error.
+/// Writes the complete text to a descriptor. Returns 0 or errno.
 int writeAll(int descriptor, const std::string& text);
 
-/// Writes each line immediately, so that a reader sees it and nothing is lost if the program is
-/// interrupted.
+/// The output streams. Each line is written immediately, so that a reader sees it and nothing is
+/// lost if the program is interrupted.
 class Console
 {
 public:
     Console();
 
-    /// Appends the line ending. After a failure nothing more is written; see error().
+    /// Writes a line, with its line ending, to standard output. After a failure nothing more is
+    /// written; see error().
     void line(const std::string& text);
     /// Returns the error of the first failed line; 0 if everything was written.
     int error() const { return m_error; }
@@ -26,7 +27,7 @@ public:
     /// Prints a message to standard error.
     void message(const std::string& text);
 
-    /// Returns whether standard error is a terminal: only then the progress is shown.
+    /// Returns whether the progress is shown, which is the case if standard error is a terminal.
     bool showsProgress() const { return m_terminal; }
     /// Returns whether it is time to update the progress.
     bool progressIsDue() const;
@@ -42,8 +43,8 @@ private:
     int m_error = 0;
 };
 
-/// After this call an interruption (Ctrl-C) prints the message to standard error and ends the
-/// program with the status immediately, whatever it is waiting for.
+/// Makes an interruption (Ctrl-C) print the message to standard error and end the program with the
+/// status immediately, whatever the program is waiting for.
 void endOnInterruption(const std::string& message, int status);
 
 } // namespace verify

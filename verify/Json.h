@@ -11,8 +11,8 @@ namespace verify {
 /// Returns the object of a recording, without a line ending.
 std::string jsonLine(const Recording& recording);
 
-/// Returns the object of the summary, without a line end. `text` and `failure` are what a terminal
-/// shows of it.
+/// Returns the object of the summary, without a line ending. `text` and `failure`: the texts that a
+/// terminal shows, from Texts::summary() and Texts::failure().
 std::string jsonLine(const Summary& summary, const std::string& text, const std::string& failure);
 
 } // namespace verify

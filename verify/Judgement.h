@@ -15,8 +15,8 @@ enum class Result {
     SameSize,
     SameContent,
     Different, ///< the same size, but not the same bytes
-    Shorter,   ///< on this computer: the download was interrupted
-    Longer,    ///< on this computer: it has the tail of an older file
+    Shorter,   ///< on this computer, probably because the download was interrupted
+    Longer,    ///< on this computer, probably by the tail of an older file
     NotHere,
     NotOnCard,
     Nowhere, ///< requested by name, but on neither side
@@ -25,12 +25,12 @@ enum class Result {
 
 enum class Reason {
     None,
-    NoDetails, ///< the camera does not return its size; see Recording::error
-    NoContent, ///< the camera does not return its bytes; see Recording::error
+    NoDetails, ///< the camera does not return the size; see Recording::error
+    NoContent, ///< the camera does not return the bytes; see Recording::error
     LengthsDiffer,
     TwoEntries,
     NoName,
-    NotDownloadable, ///< the window requests a different name
+    NotDownloadable, ///< see reasonAgainstName()
     TooLarge,
     Link,
     Folder,
@@ -40,7 +40,7 @@ enum class Reason {
     FileChanged,
 };
 
-/// The window counts the bytes of a download in 31 bits.
+/// The window cannot download recordings of this size or more: it counts bytes in 31 bits.
 constexpr std::uint64_t downloadLimit = std::uint64_t(1) << 31;
 
 /// The window lists at most this many recordings.
@@ -60,26 +60,28 @@ struct Recording
     int systemError = 0;
 
     bool isSafe() const { return result == Result::SameSize || result == Result::SameContent; }
-    /// Bytes that still have to be downloaded, minus those that a new download would free first.
+    /// Returns the additional bytes that a complete download needs: for a missing or shorter file,
+    /// what it lacks; otherwise 0.
     std::uint64_t missingBytes() const;
 };
 
-/// Returns why the window cannot download a recording of this name, if so: it requests names in
-/// Latin-1, while the card's names are read as UTF-8, and its request ends at a line ending.
+/// Returns why the window cannot download a recording with this name, or Reason::None. The window
+/// refuses ".", ".." and names with a slash. It reads names as UTF-8 but requests them in Latin-1,
+/// which changes non-ASCII ones, and a line ending would end its request.
 Reason reasonAgainstName(const std::string& name);
 
 /// The current step of the comparison.
 enum class Step { Count, List, Details, Content };
 
-/// The progress.
+/// The progress of the comparison.
 struct Advance
 {
     Step step = Step::Count;
     std::size_t number = 0;  ///< of the recording, from 1
     std::size_t count = 0;   ///< of all recordings
     std::string name;        ///< of the recording
-    std::uint64_t bytes = 0; ///< read of all recordings, for Step::Content
-    std::uint64_t total = 0; ///< to be read
+    std::uint64_t bytes = 0; ///< read so far, in Step::Content
+    std::uint64_t total = 0; ///< to read in Step::Content
 };
 
 enum class Verdict { Safe, Empty, NotSafe, Unknown };
@@ -90,15 +92,15 @@ struct Summary
     bool contents = false; ///< contents were compared, not only sizes
     bool named = false;    ///< only the recordings requested by name
 
-    std::size_t recordings = 0;     ///< of the card, as far as they were wanted
+    std::size_t recordings = 0;     ///< on the card, and requested
     std::size_t safe = 0;           ///< of these
-    std::vector<Recording> notSafe; ///< of these, and what was asked for and is not on the card
-    std::uint64_t missingBytes = 0; ///< of these
+    std::vector<Recording> notSafe; ///< of these, and requested names that are not on the card
+    std::uint64_t missingBytes = 0; ///< of notSafe
     std::optional<std::uint64_t> freeBytes;
     std::string folder;
 
-    std::uint64_t counted = 0; ///< by the camera
-    std::size_t listed = 0;    ///< by the camera
+    std::uint64_t counted = 0; ///< the count stated by the camera
+    std::size_t listed = 0;    ///< entries in the list of the camera
     bool changed = false;      ///< the card changed during the comparison
 
     bool complete = false; ///< nothing failed
@@ -110,8 +112,9 @@ struct Summary
     bool disagrees() const { return counted != listed; }
 };
 
-/// Computes the verdict from the rest of the summary. A doubt about the whole card takes precedence
-/// over a known problem with one recording, and that over an unknown one.
+/// Returns the verdict that the rest of the summary results in. A doubt about the whole card takes
+/// precedence over a known problem with one recording, and such a problem over a recording that
+/// cannot be compared.
 Verdict verdictOf(const Summary& summary);
 
 /// Returns the exit status of the program.

@@ -10,7 +10,7 @@ namespace verify {
 
 namespace {
 
-/// The first of the variables that is set to something.
+/// Returns the value of the first variable that is not empty; an empty text if there is none.
 QByteArray firstOf(std::initializer_list<const char*> variables)
 {
     for (const char* variable : variables) {

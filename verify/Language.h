@@ -8,7 +8,7 @@
 namespace verify {
 
 /// Returns which characters the terminal can show, according to the environment: UTF-8 if the
-/// locale says so. A locale that is set but not installed counts, too.
+/// locale's name says so, even if that locale is not installed.
 Letters terminalLetters();
 
 /// Loads the Chinese texts if the user's language is Chinese and the terminal can show them, and

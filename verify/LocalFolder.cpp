@@ -49,7 +49,8 @@ std::string parentOf(std::string path)
 
 } // namespace
 
-// A link could lead out of the folder, and opening a pipe could block: neither is opened.
+// A link could lead out of the folder, so it is not followed. Opening a pipe could block, hence
+// O_NONBLOCK.
 LocalFile::LocalFile(int folder, const std::string& name)
     : m_descriptor(
           ::openat(folder, name.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY))

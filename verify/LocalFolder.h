@@ -10,7 +10,7 @@
 
 namespace verify {
 
-/// A file that is open for reading; closed with this object.
+/// A file opened for reading, closed with this object.
 class LocalFile
 {
 public:
@@ -25,7 +25,7 @@ public:
     };
 
     LocalFile() = default;
-    /// Opens a file of a folder without blocking, whatever the file is.
+    /// Opens a file in a folder without blocking, whatever kind of file it is.
     LocalFile(int folder, const std::string& name);
     ~LocalFile();
     LocalFile(LocalFile&& other) noexcept;
@@ -34,11 +34,12 @@ public:
     LocalFile& operator=(const LocalFile&) = delete;
 
     State state() const { return m_state; }
-    int error() const { return m_error; } ///< errno of what failed, else 0
+    int error() const { return m_error; } ///< errno of the failed call, else 0
     std::uint64_t size() const { return m_size; }
 
-    /// Makes read() bypass the page cache if the system allows it: errors of a faulty disk show
-    /// only on the disk itself, and a whole card would displace everything else in memory.
+    /// Makes read() read from the disk and not from the page cache, as far as the system allows it:
+    /// errors of a faulty disk show only on the disk itself, and a whole card would displace
+    /// everything else in memory.
     void readFromDisk();
 
     /// Reads the next bytes, up to `count`; fewer only at the end of the file or after an error,
@@ -56,7 +57,7 @@ private:
     std::timespec m_changed{};
     bool m_fromDisk = false;
     std::uint64_t m_position = 0;
-    std::uint64_t m_dropped = 0; // bytes from the start that are not kept in memory
+    std::uint64_t m_dropped = 0; // bytes from the start already dropped from the cache
 };
 
 class LocalFolder
@@ -69,7 +70,8 @@ public:
     LocalFolder& operator=(const LocalFolder&) = delete;
 
     const std::string& path() const { return m_path; }
-    /// errno of what keeps the folder from being read; 0 if it can be, or does not exist.
+    /// Returns the errno of the error that keeps the folder from being read; 0 if it can be read or
+    /// does not exist.
     int error() const { return m_error; }
 
     LocalFile open(const std::string& name) const;
@@ -77,8 +79,8 @@ public:
     /// Returns the sorted names of the regular files, without hidden ones.
     std::vector<std::string> names();
 
-    /// Returns how many bytes this user can still write there, or where the folder would be
-    /// created.
+    /// Returns how many bytes this user can still write in the folder or, if it does not exist, in
+    /// its parent folder; nothing if that is unknown.
     std::optional<std::uint64_t> freeBytes() const;
 
 private:

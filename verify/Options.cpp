@@ -10,7 +10,7 @@ namespace {
 
 using Kind = WrongOption::Kind;
 
-/// Whole seconds from 1 to longestTimeout, or nothing.
+/// Returns the whole seconds in a text, from 1 to longestTimeout, or nothing.
 std::optional<int> secondsIn(std::string_view text)
 {
     int seconds = 0;
@@ -26,7 +26,7 @@ std::optional<int> secondsIn(std::string_view text)
     return seconds > 0 ? std::optional(seconds) : std::nullopt;
 }
 
-/// The options that are only there or not; false for any other.
+/// Sets an option that takes no value. Returns false for any other option.
 bool setFlag(Options& options, std::string_view name)
 {
     if (name == "--content") {

@@ -30,8 +30,8 @@ struct WrongOption
     std::string option; ///< as given; for BadTimeout the value
 };
 
-/// Reads the arguments after the program's name. A value follows its option, or an equals sign;
-/// everything after `--` is a name.
+/// Reads the arguments after the program's name. The value of an option is the next argument or
+/// follows an equals sign; everything after `--` is a name.
 std::variant<Options, WrongOption> readOptions(const std::vector<std::string>& arguments);
 
 } // namespace verify

@@ -10,9 +10,9 @@ namespace verify {
 enum class Letters { Utf8, Ascii };
 
 /// Returns the text with everything escaped that a terminal would interpret or that would hide a
-/// part of it. Control characters (C0, DEL, C1), bidirectional controls, invisible characters and,
-/// for Letters::Ascii, all non-ASCII characters become \u{HEX}; bytes that are not UTF-8 become
-/// \xHH. A backslash is doubled, so that no two texts look the same.
+/// part of the text. Control characters (C0, DEL, C1), bidirectional controls, invisible characters
+/// and, for Letters::Ascii, all non-ASCII characters become \u{HEX}; bytes that are not UTF-8
+/// become \xHH. A backslash is doubled, so that no two texts look the same.
 std::string shownText(std::string_view text, Letters letters);
 
 /// Returns whether shownText() always escapes this code point.

@@ -1,4 +1,4 @@
-// The report in words, in English or Chinese.
+// The texts of the report, in English or Chinese.
 #pragma once
 
 #include "verify/Judgement.h"
@@ -12,18 +12,18 @@
 
 namespace verify {
 
-/// Returns a text in the user's language. The name is the one that the extraction tool expects; the
-/// context is always "verify".
+/// Returns a text in the user's language. The extraction tool looks for a function with this name;
+/// the context is always "verify".
 inline QString translate(const char* context, const char* text, const char* comment = nullptr)
 {
     return QCoreApplication::translate(context, text, comment);
 }
 
-/// All texts are UTF-8. In English everything but names is ASCII.
+/// The texts of the report, as UTF-8. In English everything but names is ASCII.
 class Texts
 {
 public:
-    /// `letters`: what names may show. `timeout` in seconds.
+    /// `letters`: the characters that names are shown in. `timeout` in seconds.
     Texts(Letters letters, int timeout) : m_letters(letters), m_timeout(timeout) {}
 
     /// Returns the line of a recording, without its line ending.

@@ -32,7 +32,7 @@ bool isFolder(const std::string& path)
     return ::stat(path.c_str(), &properties) == 0 && S_ISDIR(properties.st_mode);
 }
 
-/// Returns the folder for recordings, as the window determines it.
+/// Returns the folder for recordings: the one in the folder of --desktop, otherwise the window's.
 std::string recordingsFolder(const Options& options)
 {
     if (!options.desktop.empty()) {
@@ -48,7 +48,7 @@ void say(Console& console, const std::string& text)
     console.message("belun-verify: " + text);
 }
 
-/// Shows the progress on a terminal.
+/// The display of the progress on a terminal.
 class Progress
 {
 public:
@@ -129,7 +129,7 @@ void waitForEnter(Console& console)
 int main(int argc, char* argv[])
 {
     sys::openClosedStandardStreams();
-    const sys::PipeSignalBlock block; // a report without a reader is a failure with a message
+    const sys::PipeSignalBlock block; // writing to a closed pipe fails and is reported
     const QCoreApplication application(argc, argv);
     const Letters letters = terminalLetters();
     QTranslator translator;
