@@ -17,7 +17,7 @@ struct AnswerBytes
 {
     Message head;
     Message body;
-    Message held; ///< the rest of the body, after the fault "stall"
+    Message held; ///< the rest of the body, held back by the fault "stall"
     AnswerEnd end = AnswerEnd::Close;
 };
 

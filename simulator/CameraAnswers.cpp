@@ -19,7 +19,8 @@ Answer textAnswer(std::string text)
     return answer;
 }
 
-/// Returns the number of entries requested by a list command; anything but digits means none.
+/// Returns the number of entries to list, at most `all`: the decimal digits at the start of `end`,
+/// which mean 0 if there are none and `all` if there are 14 or more.
 std::size_t wantedEntries(std::string_view end, std::size_t all)
 {
     const std::size_t digits = std::min(end.find_first_not_of("0123456789"), end.size());
@@ -33,7 +34,8 @@ std::size_t wantedEntries(std::string_view end, std::size_t all)
     return std::min(number, all);
 }
 
-/// The first of the other names is that of the card's first recording, the second the second's, ...
+/// Returns the name that a recording is listed with: the first recordings on the card take the
+/// other names, in order.
 const std::string& shownName(const Recording& recording, const std::vector<std::string>& otherNames)
 {
     return recording.ordinal < otherNames.size() ? otherNames[recording.ordinal] : recording.name;

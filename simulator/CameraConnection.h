@@ -12,7 +12,7 @@
 
 namespace simulator {
 
-/// Shared by all connections of the camera; outlives them.
+/// The state shared by all connections of the camera; must outlive them.
 struct CameraState
 {
     CameraAnswers* answers;
@@ -24,7 +24,7 @@ struct CameraState
     std::function<void()> downloadEnds;                ///< called after the answer to a download
 };
 
-/// One client of the camera: one request, one answer, end.
+/// One client of the camera: one request, one answer, then the end of the connection.
 class CameraConnection : public Connection
 {
 public:

@@ -37,7 +37,7 @@ const Address* deviceAt(std::uint32_t host, std::uint16_t port)
     return nullptr;
 }
 
-/// Bytes of a packet, read from the network's order. What is beyond the end reads as zero.
+/// The bytes of a packet, with numbers in network byte order. Bytes beyond the end read as zero.
 class PacketBytes
 {
 public:
@@ -66,7 +66,7 @@ private:
     std::string_view m_bytes;
 };
 
-/// The length of the link layer's header; nothing for a kind that is not understood.
+/// Sets the length of the link layer's header. Returns false for a link type that is not supported.
 bool linkHeader(int linkType, std::size_t& length)
 {
     switch (linkType) {
@@ -107,7 +107,7 @@ struct Segment
     bool acknowledges() const { return (flags & 16U) != 0; }
 };
 
-/// Follows the connections to the three devices.
+/// The connections to the three devices, followed packet by packet.
 class CaptureFollower
 {
 public:
@@ -116,7 +116,7 @@ public:
     {
     }
 
-    /// packet: from the IP header on, as far as it was captured.
+    /// Adds a packet. packet: its bytes from the IP header on, as far as they were captured.
     void add(const PacketBytes& packet, Microseconds time)
     {
         constexpr std::uint8_t tcp = 6;
@@ -127,7 +127,7 @@ public:
         const std::size_t header = static_cast<std::size_t>(packet.byte(0) & 0x0FU) * 4;
         const PacketBytes tcpPart = packet.from(header);
         const std::size_t data = static_cast<std::size_t>(tcpPart.byte(12) >> 4) * 4;
-        // A card that cuts segments itself leaves the length of a long one empty.
+        // If the network card segments large packets, their length field may be 0.
         const std::size_t length = packet.word(2) != 0 ? packet.word(2) : packet.size();
         const std::size_t size = length > header + data ? length - header - data : 0;
         const Segment segment{tcpPart.number(4),
@@ -189,7 +189,8 @@ private:
         m_connections.erase(known);
     }
 
-    /// The connection, also one that was open before the capture began.
+    /// Returns a connection, which may have been open before the capture began; adds it if it is
+    /// unknown.
     Connection& open(const Key& key, Microseconds time)
     {
         Connection& connection = m_connections[key];
@@ -203,7 +204,7 @@ private:
     void fromClient(const Key& key, const Segment& segment)
     {
         if (segment.syn()) {
-            forget(key); // the port is used again
+            forget(key); // the port is being reused
             return;
         }
         if (segment.reset() || (segment.size == 0 && m_connections.count(key) == 0)) {

@@ -20,7 +20,7 @@ struct Recording
     std::string created;        ///< YYYYMMDDhhmmss, the camera's local time
     std::uint64_t duration = 0; ///< whole seconds
     std::shared_ptr<const Content> content;
-    std::size_t ordinal = 0; ///< its position on the full card, kept when others are deleted
+    std::size_t ordinal = 0; ///< position on the full card; deleting others does not change it
 };
 
 /// The camera's memory card. It exists only in memory: removing a recording here never touches a
@@ -46,7 +46,7 @@ private:
 /// text, empty on success.
 std::string readFolderCard(const std::string& path, Card& card);
 
-/// Creates recordings from REC00001.MP4 on, of 4,000 bytes each.
+/// Returns a card with recordings of 4,000 bytes each, from REC00001.MP4 on.
 Card uniformCard(std::size_t count, std::uint64_t seed);
 
 } // namespace simulator

@@ -14,7 +14,7 @@ namespace simulator {
 namespace {
 
 constexpr std::size_t pieceSize = 65'536;
-/// Number of bytes that one connection may send before the others are served.
+/// Maximum number of bytes that one connection sends before the others are served.
 constexpr std::size_t turnSize = 1'048'576;
 /// Longer literal bytes appear in the journal as count and checksum.
 constexpr std::uint64_t longestNoted = 65'536;
@@ -44,7 +44,7 @@ void Connection::readable()
         return;
     }
     if (m_lingering) {
-        // Closed by us and already logged: how the peer ends is not a second end.
+        // Closed by us and already logged, so the peer's end is not logged.
         if (count <= 0) {
             m_socket.reset();
         }
@@ -78,7 +78,7 @@ void Connection::advance(TimePoint now)
     m_wake = never;
     work(now);
     while (!finished() && !m_lingering && !m_steps.empty()) {
-        // a step that ends the connection empties the queue, so it is taken out of it first
+        // taken out of the queue first, because a step that ends the connection empties the queue
         Step step = std::move(m_steps.front());
         m_steps.pop_front();
         if (perform(step, now) == Progress::Later) {
@@ -147,7 +147,7 @@ std::size_t Connection::allowance(const Part& part, TimePoint now)
 Connection::Progress Connection::send(const Part& part, TimePoint now)
 {
     std::size_t turn = allowance(part, now);
-    // a turn that its own size cut short is followed by the next at once, or a high rate is missed
+    // a full turn is followed by the next one without a pause, otherwise high rates are not reached
     const bool paced = part.content && m_rate != 0 && turn < turnSize;
     std::vector<char> buffer(part.content ? pieceSize : 0);
     while (turn > 0) {
@@ -244,7 +244,7 @@ void Connection::reset(std::string_view reason)
 
 void Connection::lingerThenClose()
 {
-    // Closing with unread bytes would reset the connection and could cost the peer our answer.
+    // Closing with unread bytes would reset the connection, and the peer could lose our answer.
     ::shutdown(m_socket.get(), SHUT_WR);
     m_steps.clear();
     m_lingering = true;

@@ -25,7 +25,7 @@ struct ConnectionName
 class Connection
 {
 public:
-    /// Takes ownership of the socket. The journal outlives the connection.
+    /// Takes ownership of the socket. The journal must outlive the connection.
     Connection(FileDescriptor socket, ConnectionName name, Journal& journal);
     virtual ~Connection() = default;
     Connection(const Connection&) = delete;
@@ -39,12 +39,12 @@ public:
     void readable();
     /// Performs due steps, then sends what can be sent.
     void advance(TimePoint now);
-    /// Returns when advance must be called at the latest, apart from events.
+    /// Returns when advance must be called at the latest if poll reports nothing before.
     TimePoint nextWake() const;
-    /// Closes it from this side immediately.
+    /// Ends the connection from this side immediately; queued steps are dropped.
     void close(std::string_view reason);
     void reset(std::string_view reason);
-    /// Sends these bytes in one segment, after the queued ones.
+    /// Sends these bytes in one segment, after the queued steps.
     void sendRaw(std::string bytes) { queueBytes(std::move(bytes)); }
 
 protected:
@@ -57,9 +57,9 @@ protected:
     void queueBytes(std::string bytes);
     void queuePause(Milliseconds pause);
     std::size_t queued() const { return m_steps.size(); }
-    /// Bytes per second for recordings; 0: no limit.
+    /// Sets the bytes per second for recordings; 0: no limit.
     void setRate(std::uint64_t bytesPerSecond) { m_rate = bytesPerSecond; }
-    /// Sends single bytes from now on, this far apart.
+    /// Sends one byte at a time from now on, with this gap in between.
     void setSingleBytes(Milliseconds gap);
     const ConnectionName& name() const { return m_name; }
     Journal& journal() { return *m_journal; }
@@ -85,10 +85,10 @@ private:
     bool m_lingering = false; ///< closed by us; waiting for the peer to close
     TimePoint m_lingerEnd = never;
     TimePoint m_pauseEnd = never;
-    std::uint64_t m_sent = 0;     ///< bytes of the step being sent
-    std::uint32_t m_checksum = 0; ///< of those, when they are a recording's
+    std::uint64_t m_sent = 0;     ///< bytes of the current step sent so far
+    std::uint32_t m_checksum = 0; ///< of those bytes
     std::uint64_t m_rate = 0;
-    TimePoint m_rateStart = never; ///< of the recording being sent
+    TimePoint m_rateStart = never; ///< start of sending the recording
     std::uint64_t m_rateSent = 0;
     bool m_singleBytes = false;
     Milliseconds m_byteGap{};

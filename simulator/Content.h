@@ -10,7 +10,7 @@
 
 namespace simulator {
 
-/// Returns well-mixed 64 bits made of any 64 bits.
+/// Returns a 64-bit hash of a value.
 std::uint64_t mixed(std::uint64_t value);
 
 /// The bytes of one recording, read at any offset.
@@ -19,7 +19,7 @@ class Content
 public:
     virtual ~Content() = default;
     /// Reads up to count bytes from offset on and returns how many were read. Fewer means that the
-    /// recording ends there.
+    /// recording ends there or cannot be read.
     virtual std::size_t read(std::uint64_t offset, char* buffer, std::size_t count) const = 0;
 };
 
@@ -36,7 +36,7 @@ private:
     std::string m_name;
 };
 
-/// A head of given bytes, then noise that depends on the seed and the offset alone.
+/// The bytes of a given head, then pseudo-random bytes that depend only on the seed and the offset.
 class NoiseContent : public Content
 {
 public:

@@ -20,7 +20,7 @@ struct Row
     const char* word;
     const char* arguments;
     const char* effect;
-    /// Reads the arguments into what carries the line out. Returns an error text.
+    /// Parses the arguments and sets `run`, which executes the line. Returns an error text.
     // cppcheck-suppress unusedStructMember; parseControlLine() calls it
     std::string (*parse)(const std::string& arguments, Run& run);
 };

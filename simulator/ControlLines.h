@@ -14,7 +14,7 @@ struct ControlAnswer
 {
     std::string error;                  ///< why it was not executed; empty if it was
     std::string summary{};              ///< follows the line in the last line of the answer
-    std::vector<std::string> details{}; ///< separate lines before it
+    std::vector<std::string> details{}; ///< lines before that last line
 };
 
 /// A control line that has been parsed but not executed.
@@ -28,7 +28,7 @@ struct ControlLine
 /// Parses a control line and checks everything that can be checked before it is executed.
 ControlLine parseControlLine(const std::string& text);
 
-/// Returns true if a control line begins with this word.
+/// Returns whether there is a control line that begins with this word.
 bool isControlWord(const std::string& word);
 
 /// Returns one line per control line: its syntax and its effect.

@@ -29,7 +29,7 @@ int connectTo(const FileDescriptor& socket, const std::string& path)
     return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place);
 }
 
-/// Removes a stale socket. Returns an error text for anything else at the path.
+/// Removes a stale socket at the path. Returns an error text if something else is there.
 std::string removeDead(const std::string& path)
 {
     struct stat status
@@ -74,7 +74,7 @@ std::string ControlSocket::open(const std::string& path)
     }
     FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     const sockaddr_un place = socketAddress(path);
-    // Nobody else may connect, not even between creating the file and changing its mode.
+    // The mode is set when the file is created, so that no other user can ever connect.
     const mode_t mask = ::umask(0177);
     const int bound = ::bind(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place);
     const int bindError = errno;

@@ -19,8 +19,8 @@ namespace simulator {
 /// The longest path that a socket can have, in bytes.
 constexpr std::size_t longestSocketPath = sizeof(sockaddr_un::sun_path) - 1;
 
-/// Accepts control lines from any number of clients on a socket that only its owner can use. Never
-/// blocks; a client that does not read its answers is disconnected.
+/// A socket that accepts control lines from any number of clients and that only its owner can use.
+/// Never blocks; a client that does not read its answers is disconnected.
 class ControlSocket
 {
 public:
@@ -45,7 +45,7 @@ private:
         FileDescriptor socket;
         LineReader lines{};
         std::string unsent{};
-        bool ended = false; ///< it sends no more
+        bool ended = false; ///< the client sends no more
     };
     void acceptAll();
 

@@ -10,7 +10,8 @@ namespace simulator {
 
 namespace {
 
-/// Maximum connections of one device; the three together stay within the descriptor limit.
+/// Returns the maximum number of connections of one device; those of all three stay within the
+/// descriptor limit.
 std::size_t connectionLimit()
 {
     constexpr rlim_t otherDescriptors = 32;

@@ -24,7 +24,7 @@ public:
     using Factory =
         std::function<std::unique_ptr<Connection>(FileDescriptor, ConnectionName, TimePoint now)>;
 
-    /// kind of device: "control", "ground" or "camera"; also its name in the journal.
+    /// name: "control", "ground" or "camera"; also the name in the journal.
     Device(std::string name, std::string address, std::uint16_t port, const FaultTable& faults,
            Journal& journal, Factory factory);
 

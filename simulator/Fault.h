@@ -28,7 +28,7 @@ enum class FaultKind {
     None,   ///< takes no value
     Number, ///< a decimal number within the bounds
     Size,   ///< a Number that may end in k (1,024) or M (1,048,576)
-    Words,  ///< comma-separated words from those listed in the value's name, separated by '|'
+    Words,  ///< comma-separated words; the value's name lists those allowed, with '|' between
     Text    ///< any bytes; \r \n \t \\ and \xHH are decoded
 };
 
@@ -54,14 +54,14 @@ struct FaultDescription
     std::string result; ///< what a client sees
 };
 
-/// All faults, in the order of the enumeration.
+/// Returns all faults, in the order of the enumeration.
 const std::vector<FaultDescription>& faultDescriptions();
 
 FaultCounts counted(FaultGroup group);
 
 const FaultDescription& describe(Fault fault);
 
-/// The row with this name or old name, or nullptr.
+/// Returns the row with this name or old name, or nullptr.
 const FaultDescription* findFault(std::string_view name);
 
 /// Returns the error text "no fault is called ...".

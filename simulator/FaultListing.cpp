@@ -41,7 +41,7 @@ const Heading& heading(FaultGroup group)
     return headings[static_cast<std::size_t>(group)];
 }
 
-/// What NAME@3 counts; nullptr for faults that take no @.
+/// Returns what NAME@3 counts; nullptr for faults that take no @.
 const char* countedWord(FaultGroup group)
 {
     switch (counted(group)) {
@@ -72,7 +72,7 @@ bool isNumber(const FaultValue& value)
     return value.kind == FaultKind::Number || value.kind == FaultKind::Size;
 }
 
-/// "NAME", "NAME=VALUE" or "NAME[=VALUE]".
+/// Returns "NAME", "NAME=VALUE" or "NAME[=VALUE]".
 std::string spelled(const FaultDescription& row)
 {
     if (row.value.kind == FaultKind::None) {
@@ -90,7 +90,7 @@ std::string shownPreset(const FaultValue& value)
                      " bytes)";
 }
 
-/// "1 to 3600, default 10; once called other-name".
+/// Returns a text such as "1 to 3600, default 10; once called other-name".
 std::string details(const FaultDescription& row)
 {
     std::string text;
@@ -124,7 +124,7 @@ void forEachFault(const std::function<void(const std::string& title)>& begin,
     }
 }
 
-/// For a cell of a Markdown table.
+/// Returns a text as code for a cell of a Markdown table.
 std::string code(const std::string& text)
 {
     std::string shown = "`";

@@ -88,7 +88,7 @@ std::optional<std::string> unescape(std::string_view text)
     return bytes;
 }
 
-/// The reverse of unescape; a space is kept unless it is the first or the last byte.
+/// Reverses unescape(). A space is escaped only if it is the first or the last byte.
 std::string escape(const std::string& bytes)
 {
     std::string text;
@@ -106,7 +106,7 @@ std::string escape(const std::string& bytes)
     return text;
 }
 
-/// A decimal number, for a size with k or M after it.
+/// Parses a decimal number; that of a size may end in k or M.
 std::optional<long long> parseAmount(std::string_view text, FaultKind kind)
 {
     long long unit = 1;

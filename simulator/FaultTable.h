@@ -18,7 +18,7 @@ namespace simulator {
 class FaultTable
 {
 public:
-    /// seed: decides what is left to chance.
+    /// seed: decides when faults such as "NAME@10%" act.
     explicit FaultTable(std::uint64_t seed = 0) : m_seed(seed) {}
 
     /// Switches on a fault given as "NAME", "NAME=VALUE", "NAME@WHEN" or "NAME@WHEN=VALUE". Returns
@@ -31,7 +31,7 @@ public:
     bool active(Fault fault) const { return find(fault) != nullptr; }
     std::optional<std::string> value(Fault fault) const;
     std::optional<long long> number(Fault fault) const;
-    /// Returns true when the fault is on and its Words value holds the word.
+    /// Returns true if the fault is on and its Words value contains the word.
     bool names(Fault fault, std::string_view word) const;
     /// Returns when the fault was switched on; `never` if it is off.
     TimePoint since(Fault fault) const;
@@ -59,7 +59,8 @@ private:
     std::map<Fault, Active> m_active;
 };
 
-/// The faults that apply to one connection of a module or one camera request: others are off.
+/// The faults as they act on one connection of a module or one camera request; those that do not
+/// act on it are off.
 class FaultScope
 {
 public:

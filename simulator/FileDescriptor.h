@@ -7,7 +7,8 @@
 
 namespace simulator {
 
-/// Owns one descriptor and closes it when destroyed; movable, not copyable. -1 owns nothing.
+/// The owner of one descriptor, which it closes when destroyed; movable, not copyable. -1 means
+/// none.
 class FileDescriptor
 {
 public:
@@ -31,7 +32,7 @@ public:
 
     int get() const { return m_descriptor; }
     bool valid() const { return m_descriptor >= 0; }
-    /// Closes now; does nothing when nothing is owned.
+    /// Closes the descriptor now, if there is one.
     void reset()
     {
         if (m_descriptor >= 0) {

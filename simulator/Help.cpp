@@ -24,7 +24,7 @@ constexpr const char* statuses =
     "\"error ...\", or a request is not in the file of --replay, 2 wrong arguments,\n"
     "3 not in a private network.\n";
 
-/// "--card DIR", "--list-faults[=text|json]".
+/// Returns a text such as "--card DIR" or "--list-faults[=text|json]".
 std::string spelled(const OptionRow& row)
 {
     switch (row.takes) {

@@ -32,8 +32,8 @@ private:
 class Journal
 {
 public:
-    /// Creates or empties the file. Returns an error text, empty on success.
-    /// full: all bytes are kept, of recordings, too.
+    /// Creates or empties the file. Returns an error text, empty on success. full: keep all bytes,
+    /// including those of recordings.
     std::string open(const std::string& path, bool full);
     bool isFull() const { return m_full; }
     /// Appends a line. A write error (disk full) is reported once on standard error.

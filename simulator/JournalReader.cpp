@@ -13,7 +13,8 @@ namespace {
 using Kind = ObservedEvent::Kind;
 using Fields = std::map<std::string, std::string>;
 
-/// Takes a JSON string off the front. Journals hold no code point above FF.
+/// Removes a JSON string from the front and returns its value, or nothing if it is invalid.
+/// Journals contain no code point above FF.
 std::optional<std::string> takeString(std::string_view& text)
 {
     if (text.empty() || text.front() != '"') {
@@ -49,7 +50,7 @@ std::optional<std::string> takeString(std::string_view& text)
     return value;
 }
 
-/// One line: an object whose values are strings and numbers.
+/// Parses one line: an object whose values are strings and numbers.
 std::optional<Fields> parseLine(std::string_view text)
 {
     Fields fields;
@@ -83,7 +84,7 @@ std::optional<Fields> parseLine(std::string_view text)
     return fields;
 }
 
-/// "2026-11-21T00:41:07.532442Z" as microseconds since 1970.
+/// Parses a time such as "2026-11-21T00:41:07.532442Z" and returns the microseconds since 1970.
 std::optional<Microseconds> parseTime(const std::string& text)
 {
     std::tm parts{};
@@ -131,7 +132,7 @@ std::optional<Kind> kindOf(Fields& fields)
     return std::nullopt;
 }
 
-/// Adds what the line says. Returns false when it is no line of a journal.
+/// Adds the event in a line. Returns false if it is not a line of a journal.
 bool addLine(const std::string& text, std::vector<ObservedEvent>& events, RecordedRun& run)
 {
     auto fields = parseLine(text);
@@ -166,7 +167,7 @@ std::string readJournal(const std::string& path, std::vector<ObservedEvent>& eve
     std::ifstream file(path);
     std::string text;
     for (int number = 1; std::getline(file, text); ++number) {
-        // A run that was killed leaves the last line unfinished.
+        // A killed simulator may leave the last line unfinished.
         if (!addLine(text, events, run) && !file.eof()) {
             return path + ":" + std::to_string(number) + ": this is no line of a journal";
         }

@@ -7,7 +7,7 @@
 
 namespace simulator {
 
-/// Keeps the beginning of a line until the rest has arrived.
+/// A buffer that keeps the beginning of a line until the rest has arrived.
 class LineReader
 {
 public:

@@ -79,7 +79,8 @@ std::string Listener::listen(int backlog)
 
 std::string Listener::fillQueue()
 {
-    // When its queue is full, the system drops further connection requests without a reply.
+    // When the queue of a socket is full, the system drops further connection requests without a
+    // reply.
     m_filler = newSocket();
     const sockaddr_in place = socketAddress(m_address, m_port);
     const int result =

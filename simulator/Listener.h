@@ -25,10 +25,10 @@ public:
     /// Changes how connection attempts are treated. Returns an error text, empty on success.
     std::string become(Reachability reachability);
     Reachability reachability() const { return m_reachability; }
-    /// Returns the descriptor to poll for reading, or -1 while no connection is accepted.
+    /// Returns the descriptor to poll for reading, or -1 while connections are not accepted.
     int descriptor() const;
-    /// Returns the next pending connection with Nagle's algorithm disabled, or nothing. Sets the
-    /// peer's address as "192.168.1.148:40000".
+    /// Returns the next pending connection with Nagle's algorithm disabled, or nothing. Sets `peer`
+    /// to the peer's address, such as "192.168.1.148:40000".
     FileDescriptor accept(std::string& peer);
 
 private:

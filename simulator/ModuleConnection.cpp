@@ -18,12 +18,12 @@ constexpr std::string_view unknownFrame = "\xAA\xAF\x7F\x01\x01\xDA"sv;
 constexpr std::string_view highBitVersion =
     "\xAA\xAF\x00\x09\xFF\x01\x90\x80\x00\xFF\xFF\x00\x80\xE8"sv;
 
-/// Minimum distance between the version report and the heartbeats around it.
+/// Minimum time between the version report and the heartbeats before and after it.
 constexpr Milliseconds versionDelay{100};
 constexpr Milliseconds shortestFirstBeat{200};
 constexpr Milliseconds cutPause{60};
 constexpr Milliseconds unknownInterval{1'000};
-/// A client with this much unsent data is given up.
+/// A client with more unsent steps than this is disconnected.
 constexpr std::size_t queueLimit = 1'000;
 
 /// The heartbeat that half-close, reset-mid-frame and heartbeat-pause act on; the client has

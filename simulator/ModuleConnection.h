@@ -20,13 +20,13 @@ namespace simulator {
 //            bootloader version, each two bytes, high byte first
 //   last     checksum: type, payload bytes and 5A added up, modulo 256
 
-/// The numbers of the version report in frame order; two-byte numbers may be given signed.
+/// The numbers of the version report in frame order; each may be given as signed or unsigned.
 using Versions = std::array<int, 5>;
 
-/// Parses "7,300,600,100,10". Returns false for any other text.
+/// Parses five numbers such as "7,300,600,100,10". Returns false for an invalid text.
 bool parseVersions(std::string_view text, Versions& versions);
 
-/// Shared by all connections of one module; outlives them.
+/// The settings shared by all connections of one module; must outlive them.
 struct ModuleSettings
 {
     bool control = true; ///< otherwise the ground module, which reports no versions
@@ -34,7 +34,7 @@ struct ModuleSettings
     Versions versions{7, 300, 600, 100, 10};
 };
 
-/// One client of a module: heartbeats and version report out, heartbeat answers checked.
+/// One client of a module: sends heartbeats and version report, and checks the heartbeat answers.
 class ModuleConnection : public Connection
 {
 public:
@@ -69,7 +69,7 @@ private:
     int m_beats = 0;
     bool m_paused = false;
     std::string m_unread;             ///< bytes of an incomplete answer
-    std::deque<TimePoint> m_expected; ///< when each outstanding answer is overdue
+    std::deque<TimePoint> m_expected; ///< when each outstanding answer becomes overdue
 };
 
 } // namespace simulator

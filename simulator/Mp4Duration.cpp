@@ -72,7 +72,8 @@ std::optional<std::uint64_t> mp4Duration(const Content& content, std::uint64_t s
     if (!header) {
         return std::nullopt;
     }
-    // version and flags, creation, modification, time scale, duration; version 1 has wide times
+    // version and flags, creation, modification, time scale, duration; in version 1 times are 64
+    // bits
     char fields[32] = {};
     const auto length = static_cast<std::size_t>(
         std::min<std::uint64_t>(sizeof fields, header->end - header->begin));

@@ -12,12 +12,12 @@ namespace simulator {
 class Occasion
 {
 public:
-    /// Parses "3", "3-5", "3-" or "10%". Returns false for any other text.
+    /// Parses a text such as "3", "3-5", "3-" or "10%". Returns false for an invalid one.
     static bool parse(std::string_view text, Occasion& occasion);
 
     bool always() const { return *this == Occasion(); }
-    /// Returns whether the fault acts on the request or connection with this number. Chance depends
-    /// only on seed, salt and number, so that a run can be repeated.
+    /// Returns whether the fault acts on the request or connection with this number. Whether a
+    /// chance hits depends only on seed, salt and number, so that a run can be repeated.
     bool includes(std::uint64_t number, std::uint64_t seed, std::uint64_t salt) const;
     /// Returns the text that parse() accepts.
     std::string text() const;

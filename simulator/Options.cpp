@@ -56,7 +56,8 @@ auto nonEmpty(std::string Options::*target)
     };
 }
 
-/// An action whose output comes in several forms, the first unless another is named.
+/// Returns a function that stores an action and the form of its output: the first form unless
+/// another is named.
 auto printing(Options::Action wanted, std::vector<std::string> forms)
 {
     return [wanted, forms](Options& options, const std::string& value) {

@@ -1,5 +1,5 @@
-// The command line: one table of options, from which parser, --help, manual page and completion
-// come.
+// The command line: one table of options for the parser, --help, the manual page and the
+// completion.
 #pragma once
 
 #include "simulator/ModuleConnection.h"
@@ -44,13 +44,13 @@ struct OptionRow
         Nothing,
         Value,
         OptionalValue,
-        ValueAndRest ///< a value; all further arguments are its lines
+        ValueAndRest ///< a value; all further arguments are control lines
     };
     std::string name;
     Takes takes;
     std::string value;  ///< as --help shows it: "DIR", "text|json"
     std::string effect; ///< what it does, for --help and the manual page
-    /// Stores the value; returns false if the option does not take it.
+    /// Stores the value; returns false if the value is invalid.
     std::function<bool(Options&, const std::string&)> store;
 };
 
@@ -67,8 +67,8 @@ bool parseUnsigned(const std::string& text, std::uint64_t& number);
 bool parseSize(const std::string& text, std::uint64_t& size);
 
 /// Returns what --help prints. form: "text"; "man" or "man-lines" (the options or the control lines
-/// as parts of the manual page); "words" (one option a line) or "lines" (the first words of control
-/// lines), for completion.
+/// as parts of the manual page); "words" (one option per line) or "lines" (the first words of
+/// control lines), for completion.
 std::string help(const std::string& form);
 
 } // namespace simulator

@@ -17,7 +17,7 @@ namespace simulator {
 struct Part
 {
     std::string bytes;
-    std::shared_ptr<const Content> content; ///< when set, the range begin..end of it counts
+    std::shared_ptr<const Content> content; ///< if set, the bytes are its range begin..end
     std::uint64_t begin = 0;
     std::uint64_t end = 0;
 
@@ -29,20 +29,20 @@ struct Part
 using Message = std::vector<Part>;
 
 std::uint64_t messageSize(const Message& message);
-/// Adds a part, joining literal bytes to literal bytes.
+/// Appends a part; adjacent literal parts become one.
 void append(Message& message, Part part);
-/// Cuts a message in two: takes its first `size` bytes off and returns them.
+/// Removes the first `size` bytes from a message and returns them.
 Message takeFront(Message& message, std::uint64_t size);
 
 /// One step of a connection; executed after the steps queued before it.
 struct Step
 {
     enum class Kind {
-        Send,      ///< the part
+        Send,      ///< send `part`
         Pause,     ///< wait for `pause`
-        Hold,      ///< wait until `held` says no
+        Hold,      ///< wait until `held` returns false
         Call,      ///< call `call`
-        HalfClose, ///< close the sending side, go on receiving
+        HalfClose, ///< close the sending side, continue receiving
         Close,     ///< orderly end
         Reset      ///< end by a reset
     };

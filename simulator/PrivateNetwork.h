@@ -1,4 +1,4 @@
-// Whether this is the private network.
+// Checks that this is the private network.
 #pragma once
 
 #include <string>
@@ -6,8 +6,9 @@
 namespace simulator {
 
 /// Returns an empty text if the three device addresses are on the loopback interface and no other
-/// interface is up, otherwise what is missing and how to get it. The addresses exist on real
-/// networks, where the simulator would be mistaken for a vehicle.
+/// interface is up, otherwise a text that says what is wrong and how to start the simulator
+/// correctly. The addresses exist on real networks, where the simulator would be mistaken for a
+/// vehicle.
 std::string privateNetworkProblem();
 
 } // namespace simulator

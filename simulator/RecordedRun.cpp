@@ -12,7 +12,7 @@ namespace {
 using Kind = ObservedEvent::Kind;
 using ConnectionKey = std::pair<std::string, int>;
 
-/// Sorts the events by exchange and connection.
+/// A builder that assigns the events to exchanges and connections.
 class RunBuilder
 {
 public:

@@ -27,7 +27,7 @@ struct ObservedEvent
     int connection;     ///< its number, different for each connection of the device
     Microseconds time;
     std::string bytes{};
-    std::uint64_t unknown = 0; ///< sent, too, but only their number is known
+    std::uint64_t unknown = 0; ///< number of further bytes sent, whose values are unknown
 };
 
 /// An action of the device at a time relative to the request or the connection.
@@ -36,7 +36,7 @@ struct RecordedEvent
     ObservedEvent::Kind kind;
     Microseconds after;
     std::string bytes;
-    std::uint64_t unknown; ///< zeros to send after them
+    std::uint64_t unknown; ///< number of zeros to send after `bytes`
 };
 
 /// One request to the camera and everything after it on the connection.
@@ -52,7 +52,7 @@ struct RecordedRun
 {
     std::vector<RecordedExchange> exchanges;
     std::map<std::string, std::vector<std::vector<RecordedEvent>>> connections; ///< by module
-    /// Number of gaps in the file, and of the missing bytes; they are replaced by zeros.
+    /// Number of gaps in the file, and of the bytes missing in them, which are replaced by zeros.
     std::uint64_t filledRuns = 0;
     std::uint64_t filledBytes = 0;
 };
@@ -60,7 +60,7 @@ struct RecordedRun
 /// Reads a journal or a packet capture. Returns an error text, empty on success.
 std::string readRecordedRun(const std::string& path, RecordedRun& run);
 
-// Both read a file, append its events in order of time and count the bytes that they filled in.
+// Both read a file, append its events in order of time and count the bytes replaced by zeros.
 std::string readJournal(const std::string& path, std::vector<ObservedEvent>& events,
                         RecordedRun& run);
 std::string readCapture(const std::string& path, std::vector<ObservedEvent>& events,

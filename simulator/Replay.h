@@ -10,7 +10,7 @@
 
 namespace simulator {
 
-/// The recorded run and the current position in it. Shared by all connections; outlives them.
+/// The recorded run and the current position in it. Shared by all connections; must outlive them.
 class Replay
 {
 public:
@@ -20,9 +20,9 @@ public:
     /// sets the failure, if there is none.
     const RecordedExchange* exchange(const std::string& request);
     /// Returns what the module did on its next connection; nullptr, and sets the failure, if there
-    /// were no more.
+    /// is none.
     const std::vector<RecordedEvent>* connection(const std::string& device);
-    /// Why the run cannot continue; empty if it can.
+    /// Returns why the run cannot continue; empty if it can.
     const std::string& failure() const { return m_failure; }
 
 private:
@@ -47,10 +47,10 @@ private:
     void play(const RecordedEvent& event);
 
     Replay* m_replay;
-    const std::vector<RecordedEvent>* m_events = nullptr; ///< those of its request, or its own
+    const std::vector<RecordedEvent>* m_events = nullptr; ///< of its request or connection
     std::size_t m_next = 0;
     TimePoint m_start;
-    std::string m_request; ///< to the camera, as far as it has arrived
+    std::string m_request; ///< received so far (camera)
 };
 
 } // namespace simulator

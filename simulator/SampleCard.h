@@ -14,8 +14,8 @@ enum class Sample {
     Dive      ///< nine recordings of one trip, as a user records them
 };
 
-/// Creates a card of generated recordings, each with an MP4 head and content that depends only on
-/// the seed and its position.
+/// Returns a card of generated recordings, each with an MP4 head and content that depends only on
+/// the seed and its position on the card.
 Card sampleCard(Sample sample, std::uint64_t seed);
 
 /// Writes all recordings of the card into a folder, which is created if missing; their creation

@@ -10,7 +10,7 @@ namespace simulator {
 
 namespace {
 
-constexpr std::uint64_t longestTime = 1'000'000'000; // of a unit
+constexpr std::uint64_t longestTime = 1'000'000'000; // in any unit
 constexpr const char* triggerForms =
     "a step begins with \"after 10 s:\" (or ms, min), \"after download 3:\" or \"at exchange 12:\"";
 
@@ -23,7 +23,7 @@ bool timeUnit(const std::string& word, Milliseconds& unit)
     return unit != Milliseconds(0);
 }
 
-/// Control lines that change nothing and are therefore rejected in a scenario.
+/// Returns whether a control line changes nothing, so that it is rejected in a scenario.
 bool changesNothing(const std::string& word)
 {
     constexpr std::array<const char*, 5> words = {"faults", "card", "connections", "status",

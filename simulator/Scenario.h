@@ -11,10 +11,10 @@
 
 namespace simulator {
 
-// One step a line; what follows '#' at the beginning of a line is a comment.
-//   after 10 s: stall=50             so long after the start; also ms and min
-//   after download 3: reboot         when the answer to the third request for a recording is out
-//   at exchange 12: clear all        when the twelfth request to the camera is there, before its
+// One step per line; a line that starts with '#' is a comment.
+//   after 10 s: stall=50             this long after the start; also ms and min
+//   after download 3: reboot         when the answer to the third request for a recording was sent
+//   at exchange 12: clear all        when the twelfth request to the camera has arrived, before its
 //                                    answer
 // After the colon: a control line that changes something, or a fault without the word "fault".
 
@@ -23,7 +23,7 @@ class Scenario
 {
 public:
     /// Reads a file. Returns an error text for each invalid line ("NAME:3: ..."), or one for the
-    /// file. `speed` is the factor by which its seconds pass faster.
+    /// file. `speed` is the factor by which the scenario's time passes faster.
     std::vector<std::string> read(std::istream& file, const std::string& name, std::uint64_t speed);
 
     void start(TimePoint now) { m_start = now; }

@@ -38,7 +38,8 @@ public:
     /// Same, for a line that has already been parsed.
     std::vector<std::string> carryOut(const ControlLine& line);
 
-    // The effects of control lines; functions that return a text return an error, empty on success.
+    // The effects of control lines; functions that return a text return an error text, empty on
+    // success.
     std::string setFault(const std::string& assignment);
     std::string clearFault(const std::string& name);
     void drop(const std::string& name);
@@ -54,7 +55,7 @@ public:
 
 private:
     std::string loadCard();
-    /// name: "control", "ground" or "camera".
+    /// Returns a device by its name: "control", "ground" or "camera".
     Device& device(const std::string& name);
     void noteControl(const std::string& line);
     void readStandardInput();
@@ -81,7 +82,8 @@ private:
     TimePoint m_started = never;
     ControlSocket m_controlSocket;
     LineReader m_input;
-    /// Answers to lines on standard input; printed when their changes have taken effect.
+    /// Answers to lines on standard input; printed when the changes of these lines have taken
+    /// effect.
     std::vector<std::string> m_replies;
     bool m_inputOpen = true;
     bool m_ending = false;

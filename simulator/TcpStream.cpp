@@ -7,7 +7,7 @@ namespace simulator {
 namespace {
 
 constexpr std::uint64_t wrap = 1ULL << 32;
-/// More than a window of TCP holds: such a number belongs to another connection.
+/// Larger than any TCP window: such a number belongs to another connection.
 constexpr std::uint64_t largestGap = 1ULL << 30;
 
 } // namespace
@@ -15,7 +15,7 @@ constexpr std::uint64_t largestGap = 1ULL << 30;
 void TcpStream::begin(std::uint32_t sequence)
 {
     m_begun = true;
-    m_next = wrap + sequence; // room for numbers before it
+    m_next = wrap + sequence; // leaves room for lower numbers
 }
 
 std::uint64_t TcpStream::unwrapped(std::uint32_t sequence) const
@@ -79,7 +79,7 @@ std::string TcpStream::acknowledged(std::uint32_t sequence)
         return {};
     }
     std::string bytes;
-    // The end of the stream has a number of its own.
+    // The end of the stream takes up one sequence number but is no byte.
     const std::uint64_t end = std::min(unwrapped(sequence), m_end);
     if (end > m_next && end - m_next > largestGap) {
         return {};

@@ -9,7 +9,8 @@
 
 namespace simulator {
 
-/// Collects segments; drops repeated bytes and keeps early ones until their turn.
+/// One direction of a connection: drops repeated bytes, and keeps early segments until the bytes
+/// before them have arrived.
 class TcpStream
 {
 public:
@@ -20,21 +21,21 @@ public:
     std::string add(std::uint32_t sequence, std::string_view captured, std::uint64_t size);
     /// Sets the end of the stream. Returns true the first time.
     bool end(std::uint32_t sequence);
-    /// The peer has received everything before this number: missing captured bytes are replaced by
-    /// zeros. Returns the bytes that are now in order.
+    /// Processes an acknowledgement: the peer has received everything before this number, so bytes
+    /// missing from the capture are replaced by zeros. Returns the bytes that are now in order.
     std::string acknowledged(std::uint32_t sequence);
     /// Returns the number of gaps and of bytes filled in.
     std::uint64_t filledRuns() const { return m_filledRuns; }
     std::uint64_t filledBytes() const { return m_filledBytes; }
 
 private:
-    /// The number without its wrapping around, near to the next byte's.
+    /// Returns a sequence number without wraparound: the one nearest to m_next.
     std::uint64_t unwrapped(std::uint32_t sequence) const;
     std::string takeInOrder();
     void fill(std::uint64_t size);
 
     bool m_begun = false;
-    std::uint64_t m_next = 0; ///< the next byte's number, never wrapping around
+    std::uint64_t m_next = 0; ///< sequence number of the next byte, without wraparound
     std::uint64_t m_end = std::numeric_limits<std::uint64_t>::max();
     std::map<std::uint64_t, std::string> m_early;
     std::uint64_t m_filledRuns = 0;

@@ -33,8 +33,8 @@ int failed(int status, const std::string& error)
     return status;
 }
 
-/// Opens closed standard streams on the null device; otherwise a socket or file of ours would take
-/// their place. The lower ones must be open.
+/// Opens the null device as this descriptor if it is closed; otherwise a socket or file of ours
+/// could become a standard stream. All lower descriptors must be open.
 void openIfClosed(int descriptor, int mode)
 {
     if (::fcntl(descriptor, F_GETFD) == -1) {
@@ -52,7 +52,7 @@ simulator::FileDescriptor endingSignals()
     }
     ::sigprocmask(SIG_BLOCK, &signals, nullptr);
     ::signal(SIGPIPE, SIG_IGN);
-    ::signal(SIGTTIN, SIG_IGN); // reading the terminal in the background fails
+    ::signal(SIGTTIN, SIG_IGN); // in the background, reading from the terminal fails
     return simulator::FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
 }
 
