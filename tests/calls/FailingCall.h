@@ -8,19 +8,19 @@
 
 namespace calls {
 
-/// The calls that can fail, in the order of their counts.
+/// The calls that can fail, in the order of the numbers that counts() returns.
 constexpr std::array<const char*, 10> names = {
     "socket", "bind", "connect", "send", "recv", "read", "write", "open", "mkdir", "getsockname"};
 
-/// Makes the `number`-th call of that name, counted from 1, fail with `error`. Each error applies
-/// to one kind of descriptor; calls on other kinds are left alone. Returns false for an unknown
-/// call or error.
+/// Makes the `number`-th call of that name, counted from 1, fail with `error`. Some errors come
+/// only from sockets or only from files: a call on the other kind of descriptor does not fail.
+/// Returns false for an unknown call or error.
 bool failFromNowOn(const std::string& name, int number, const std::string& error);
 
-/// Returns whether that call was made and failed.
+/// Returns whether the call chosen with failFromNowOn() has been made and has failed.
 bool hasFailed();
 
-/// Returns how often each call was made so far.
+/// Returns how often each call has been made so far.
 std::array<int, names.size()> counts();
 
 /// Returns the paths passed to open or mkdir so far.

@@ -2,7 +2,8 @@
 //   failing_call_run [CALL NUMBER ERROR]
 // Each failed step is retried, as a user would: one failed call may fail one attempt, never the
 // next. Prints how often each call was made and what went wrong. The exit status is 0 if nothing
-// did and 2 for wrong arguments. A run that hangs is ended by SIGALRM.
+// went wrong, 1 if something did, and 2 if the session could not start. A run that hangs is ended
+// by SIGALRM.
 #include "app/ProcessSetup.h"
 #include "tests/app/UserWindow.h"
 #include "tests/calls/FailingCall.h"
@@ -58,7 +59,8 @@ bool eventually(const std::function<bool()>& condition, int limit = stepLimit)
     return support::WindowProbe::waitUntil(condition, limit);
 }
 
-/// Closes message boxes and counts those that report success.
+/// An event filter that closes every message box that opens, and counts them. The session's boxes
+/// only report success.
 class BoxCloser : public QObject
 {
 public:
@@ -103,7 +105,7 @@ public:
     }
 
 private:
-    /// Repeats the step until it succeeds.
+    /// Takes the step until it succeeds, at most three times.
     void step(const char* name, const std::function<void()>& take,
               const std::function<bool()>& succeeded)
     {
@@ -171,7 +173,8 @@ private:
     BoxCloser m_boxes;
 };
 
-/// Every file and folder other than the two expected recordings.
+/// Complains about every file and folder, existing or opened, other than the two expected
+/// recordings and their folders.
 void checkFolders()
 {
     const QString folder = desktop() + "/DCIM";

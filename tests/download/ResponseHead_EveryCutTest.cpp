@@ -48,7 +48,7 @@ struct Outcome
 class Camera
 {
 public:
-    /// Downloads in the calling thread.
+    /// Downloads these pieces in the calling thread and returns the outcome.
     Outcome deliver(const Delivery& pieces)
     {
         setPieces(pieces);
@@ -106,7 +106,7 @@ void compare(Camera& camera, const Delivery& pieces, const std::string& expected
 
 const std::string nothing = "0 [] 0 \"\"";
 
-/// From the line ending of "HTTP/1.1 200 OK" to the end of the head.
+/// Returns a head that announces five bytes; `end` is its last piece.
 Pieces headOfFive(const std::string& end)
 {
     return {{"HTTP/1.1 ", nothing},

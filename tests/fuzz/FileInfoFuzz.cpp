@@ -9,7 +9,8 @@
 
 namespace {
 
-/// Stores the value of a key. Returns false if it is missing, leaving the previous value.
+/// Stores the value of a key. Returns false and leaves the previous value if the key or the end of
+/// its value is missing.
 bool take(std::string_view answer, std::string_view key, std::string& value)
 {
     const std::size_t start = answer.find(key);
@@ -72,8 +73,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                   "the date is the creation time with separators");
     judgeExactSize(answer.get(), text);
 
-    // Texts with a percent sign followed by a digit are not checked, because it may replace the
-    // unit.
+    // Texts with a percent sign are not checked further: the unit would replace a %1 in them.
     if (text.find('%') != std::string_view::npos) {
         return 0;
     }
@@ -90,8 +90,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                       "a size is truncated to whole units, and zero units show no digit");
     }
 
-    // Without a duration the digits of the size are shown; they are known here only if they are
-    // short.
+    // Without a duration the digits of the size are shown. They are known here only if the size is
+    // a short number.
     if (take(text, "time=\"", value) || bytes) {
         fuzz::require(shown.duration == QString::fromStdString(value + "s"),
                       "the duration is the text as received");

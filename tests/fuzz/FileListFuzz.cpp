@@ -17,12 +17,12 @@ using card::NameTable;
 using Names = std::vector<std::optional<std::string_view>>;
 
 // The last slot that the names of an input can reach: as many entries as bytes, with the last name
-// running on.
+// extending into the slots after its own.
 constexpr int lastReached = fuzz::longestInput + fuzz::longestInput / NameTable::slotSize + 1;
 constexpr std::size_t reach = (lastReached + 1) * NameTable::slotSize;
-constexpr int lastSlots = 20; // at the end of the table
+constexpr int lastSlots = 20; // at the end of the table, for names that are cut there
 
-/// Walks a text in the same way.
+/// Returns the names that walking the list must give, from an independent parser.
 Names expectedNames(std::string_view list)
 {
     Names names;
@@ -49,8 +49,8 @@ Names walkedNames(const char* list)
     return names;
 }
 
-/// A table equal to a new one. Creating one for every input would take most of the time, so only
-/// the slots that an input can reach are cleared.
+/// Returns a table whose relevant slots are empty, as in a new one. Creating one for every input
+/// would take most of the time, so only the slots that an input can reach are cleared.
 NameTable& emptyTable()
 {
     static NameTable names;
@@ -63,7 +63,7 @@ NameTable& emptyTable()
     return names;
 }
 
-/// A name stored near the end of the table is cut there.
+/// Requires that a name stored near the end of the table is cut at the end.
 void requireCutAtTheEnd(NameTable& names, int slot, std::string_view name)
 {
     names.store(slot, name);
@@ -84,7 +84,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     fuzz::require(listed == expectedNames(list), "an entry for each semicolon, with its name");
 
     NameTable& names = emptyTable();
-    std::vector<char> block(reach); // the same slots
+    std::vector<char> block(reach); // the expected slots
     for (std::size_t row = 0; row < listed.size(); ++row) {
         if (listed[row]) {
             names.store(static_cast<int>(row), *listed[row]);

@@ -42,7 +42,7 @@ sockaddr_in place(quint16 port)
     return result;
 }
 
-/// The only TCP socket of this process that neither listens nor is connected.
+/// Returns the first IPv4 socket of this process that neither listens nor is connected, or -1.
 int unconnectedSocket()
 {
     constexpr int highest = 1000;
@@ -63,7 +63,7 @@ int unconnectedSocket()
     return -1;
 }
 
-/// The number of connections refused in this test's own network.
+/// Returns the number of refused connections in this test's own network.
 int refusedConnections()
 {
     QFile counters(QStringLiteral("/proc/thread-self/net/snmp"));
@@ -82,7 +82,7 @@ int refusedConnections()
     qFatal("this system does not count refused connections");
 }
 
-/// Runs connectToModule() in a separate thread.
+/// A call of connectToModule() in a separate thread.
 class Connecting
 {
 public:

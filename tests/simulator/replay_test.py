@@ -11,7 +11,8 @@ from harness import (CONTROL, COUNT, DELETE, GROUND, GROUND_HEARTBEAT, HEARTBEAT
                      RECORDING, VERSION, SimulatorTest)
 
 BIG = bytes(range(256)) * 1200
-# Faults that change what is sent, and how the answers end. A reset after bytes could overtake them.
+# Faults that change what is sent and how the answers end. The reset comes before any byte of its
+# answer, because it could overtake bytes.
 FAULTS = ("--fault", "split-version", "--fault", "close-mid-body@5=150000", "--fault",
           "reset-before-head@8", "--fault", "info-reordered")
 REQUESTS = (COUNT, LIST + b"2", INFO + b"A.MP4", RECORDING + b"B.MP4", RECORDING + b"A.MP4",
@@ -43,7 +44,7 @@ class RecordingTest(SimulatorTest):
             os.rename(self.journal_path, kept)
 
     def visit(self):
-        """Returns what a client received from the modules and the camera, and the ends."""
+        """Returns what a client received from the modules and the camera, and how answers ended."""
         modules = []
         for address, size in ((CONTROL, 26), (GROUND, 12)):
             peer = self.peer(address)
@@ -57,7 +58,7 @@ class RecordingTest(SimulatorTest):
 
 class JournalTest(RecordingTest):
     def last_words(self, process):
-        """Returns the status and the last message of a simulator that exits by itself."""
+        """Returns the output and the messages of a simulator that exits by itself."""
         try:
             return process.communicate(timeout=harness.LIMIT)
         except subprocess.TimeoutExpired:
@@ -201,7 +202,7 @@ class CaptureTest(RecordingTest):
         seen, captured = self.capture()
         packets.write(self.path(), captured)
         self.assertEqual(seen, self.replay(self.path()))
-        # Nothing was filled in.
+        # The simulator reports no missing bytes that it replaced by zeros.
         result = subprocess.run([harness.program, "--replay", self.path(), "--exit-with-stdin"],
                                 stdin=subprocess.DEVNULL, capture_output=True, check=True)
         self.assertEqual(b"", result.stderr)

@@ -37,7 +37,7 @@ constexpr qint64 growthPerDownload = 20'480; // bytes
 constexpr char controlAddress[] = "192.168.1.149";
 constexpr char groundAddress[] = "192.168.1.148";
 
-/// Scales a figure for a full run down to this run's share.
+/// Returns this run's share of a figure for a full run, at least 1.
 int share(int whole)
 {
     const double part = qEnvironmentVariable("BELUN_SOAK_SHARE", "1").toDouble();

@@ -25,7 +25,7 @@ std::string closedBehind(const std::vector<Piece>& pieces, const std::string& cl
 std::vector<std::string> cut(const std::string& bytes, const std::vector<std::size_t>& positions);
 std::vector<std::string> singleBytes(const std::string& bytes);
 
-/// Escapes line endings and non-ASCII bytes.
+/// Returns the bytes with control characters and non-ASCII bytes escaped.
 std::string printable(const std::string& bytes);
 
 } // namespace support

@@ -5,13 +5,13 @@
 
 namespace support {
 
-/// The script timed out waiting.
+/// Thrown if a wait times out, the client closes too early or sending fails.
 struct ScriptFailed
 {
     QString reason;
 };
 
-/// The server is stopping.
+/// Thrown if the server is stopping.
 struct ScriptStopped
 {
 };

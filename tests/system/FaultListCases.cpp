@@ -13,13 +13,13 @@ QString named(const QString& name)
     return name + "|2020-01-31  12:45:02|39KB|1s\n" + second;
 }
 
-/// The camera does not know the requested name.
+/// Returns the rows for a name that is in the list but that the camera does not know when asked.
 QString unknown(const QString& name)
 {
     return name + noDetails + '\n' + second;
 }
 
-/// The generated card; the last row has this number.
+/// Returns the rows for the generated card, whose last recording has this number.
 QString uniform(const QString& last)
 {
     const QString details = "|2020-01-31  12:45:02|3KB|4s";
@@ -85,7 +85,7 @@ const QList<FaultCase>& listFaultCases()
         {{"info-missing=create"},
          A::Browse,
          "REC00001.MP4|--  ::|39KB|1s\nREC00002.MP4|--  ::|KB|1s"},
-        // The dates as 32-bit numbers: 899,931,414 bytes, and a negative number.
+        // The sizes are the dates as 32-bit numbers: 899,931,414 bytes, and a negative number.
         {{"info-missing=size"},
          A::Browse,
          "REC00001.MP4|2020-01-31  12:45:02|858MB|1s\n"
@@ -124,7 +124,8 @@ const QList<FaultCase>& listFaultCases()
          detailed("2020-01-31  12:45:02|1KB|-1s")},
         {{"info-long=31"}, A::Browse, detailed("1111-11-11  11:11:11|KB|1{31}s")},
         {{"info-long=32"}, A::Browse, detailed("1111-11-11  11:11:11|KB|1{32}s")},
-        // As many bytes were received before, so the second answer ends after its first 10,240.
+        // The bytes received before reach the announced length, so the second answer ends with its
+        // first receive of 10,240 bytes.
         {{"info-long=4000"},
          A::Browse,
          "REC00001.MP4|1111-11-11  11:11:11|KB|1{4000}s\n"
@@ -137,8 +138,8 @@ const QList<FaultCase>& listFaultCases()
 const QList<FaultCase>& answerFaultCases()
 {
     using A = FaultAction;
-    // Lists the names; the details are the second or later chunked answers and arrive without a
-    // body.
+    // Names without details. After a chunked list, each answer with details ends after its first
+    // line.
     const QString namesOnly = "REC00001.MP4" + noDetails + "\nREC00002.MP4" + noDetails;
     static const QList<FaultCase> cases = {
         {{"refuse=camera"}, A::Browse, none},

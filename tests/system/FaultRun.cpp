@@ -41,7 +41,8 @@ bool writeRecording(const QString& path, int size, const char* changed)
                             QFileDevice::FileModificationTime);
 }
 
-/// Escapes control characters; shortens long runs of one character to their length.
+/// Returns the text with line endings escaped, and long runs of a character replaced by the
+/// character and their length.
 QString shown(const QString& text)
 {
     QString result;
@@ -59,7 +60,7 @@ QString shown(const QString& text)
     return result;
 }
 
-/// All rows are equal except the first and the last.
+/// Of a table with more rows only the first row, the number of rows and the last row are shown.
 constexpr int shownRows = 4;
 
 } // namespace
@@ -85,7 +86,7 @@ QList<QByteArray> FaultCase::faultNames() const
 
 FaultRun::FaultRun()
 {
-    // Results of an earlier case must not be mistaken for this one's.
+    // The files of an earlier case must not be mistaken for those of this one.
     QDir(QDir::homePath()).removeRecursively();
     QDir().mkpath(QDir::homePath() + "/Desktop");
 }

@@ -5,7 +5,7 @@
 #include <QList>
 #include <QString>
 
-/// Returns the lines of a simulator's journal, as far as they are complete.
+/// The complete lines of a simulator's journal.
 class Journal
 {
 public:
@@ -20,8 +20,9 @@ public:
     /// Returns all bytes of every connection in order, by device and connection, in readable form.
     /// Timing-dependent details are left out: times, ports, the number of heartbeats and answers
     /// (but not whether each has one), how the two directions of a module's connection interleave,
-    /// and what a module sends on a connection that its client drops without sending anything.
-    /// Whether a client closed with an end or, with unread bytes, with a reset is also left out.
+    /// and what a module sends on a connection that its client drops without sending anything. Also
+    /// left out is whether a client closed its connection normally or, because of unread bytes,
+    /// with a reset.
     QString text() const;
 
 private:

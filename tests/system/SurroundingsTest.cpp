@@ -35,7 +35,7 @@ QByteArray read(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
-/// Returns the targets of a process's open descriptors.
+/// Returns the target of a process's descriptor, or "closed".
 QByteArray openOn(qint64 process, int descriptor)
 {
     std::array<char, 256> target{};
@@ -63,7 +63,8 @@ private slots:
 
 private:
     void compileCommaLocale();
-    /// Links, browses and downloads everything; the directory b.mp4 cannot be a recording.
+    /// Links, browses and downloads everything. b.mp4 cannot be saved, because a folder has this
+    /// name.
     void useProgram();
     void start(const QString& preparation, const QString& redirections = QString());
 
@@ -168,7 +169,7 @@ void SurroundingsTest::closedStreamsAreOnTheNullDevice()
     program->close();
 }
 
-/// The locale is made here: no system has to have it.
+/// Compiles the locale for the test, so that it need not be installed on the system.
 void SurroundingsTest::compileCommaLocale()
 {
     QFile source(folder->filePath(QStringLiteral("source")));
@@ -263,7 +264,7 @@ void SurroundingsTest::useProgram()
     QCOMPARE(read(folderOfRecordings + QStringLiteral("c.mp4")), recording('c'));
     QTRY_COMPARE(program->tell("text lineEditDownloadProgress"), '\n' + done);
 
-    // No message went anywhere else.
+    // No message of the program was sent to a device.
     QCOMPARE(control->link()->received(), QByteArray::fromHex("aaaf0401015f"));
     QCOMPARE(ground->link()->received(), QByteArray());
     program->close();

@@ -27,7 +27,8 @@ constexpr NamedSize sizes[] = {
     {"25,000 B", 25000}, {"1 MB", megabyte}, {"20 MB", 20 * megabyte},
 };
 
-/// Bytes of every value, equal in each run, different for each size.
+/// Returns a body of that many pseudo-random bytes, the same in each run and different for each
+/// size.
 const QByteArray& body(int size);
 
 /// Returns the name of the file on the server.
@@ -36,7 +37,8 @@ QString fileName(int size);
 /// Publishes the bodies of all sizes in a folder; its path ends in a slash unless it is empty.
 bool publishBodies(RealServer& server, const QString& folder);
 
-/// Describes how two long bodies differ, without printing them; empty if they are equal.
+/// Returns how two long bodies differ, quoting only the beginning, or an empty text if they are
+/// equal.
 QByteArray difference(const QByteArray& actual, const QByteArray& expected);
 
 /// QCOMPARE for two bodies.

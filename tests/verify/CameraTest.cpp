@@ -152,7 +152,8 @@ void CameraTest::silenceEndsAfterTheTimeout()
     QVERIFY2(clock.elapsed() >= 900, qPrintable(QString::number(clock.elapsed())));
 }
 
-/// Sends a byte, and the next one as soon as the client has read it and some time has passed.
+/// Returns a script that sends `start`, then `limit` single bytes with a pause before each, and
+/// closes.
 ScriptedServer::Script trickling(const QByteArray& start, int limit)
 {
     return [start, limit](Peer& peer) {

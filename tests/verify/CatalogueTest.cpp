@@ -11,7 +11,8 @@ using verify::Letters;
 
 namespace {
 
-/// Source text and translation of each message of the catalogue's source.
+/// Returns the source text and the translation of each message in the catalogue's source file; an
+/// unfinished translation is empty.
 QList<QPair<QString, QString>> messages()
 {
     QList<QPair<QString, QString>> found;
@@ -45,7 +46,7 @@ QStringList placesOf(const QString& text)
     return places;
 }
 
-/// Sets the variables of the locale for a test function; unset ones are empty.
+/// Sets the locale variables for a test function. LC_MESSAGES is always empty.
 void setLocale(const char* all, const char* type, const char* lang, const char* languages = "")
 {
     qputenv("LC_ALL", all);

@@ -55,7 +55,7 @@ class VerifyTest(SimulatorTest):
         return Result(subprocess.run(self.command(*arguments), check=False, **options))
 
     def check(self, result, status, *lines, err=""):
-        """Returns the complete report, line by line."""
+        """Checks the complete report, line by line, the messages and the status."""
         self.assertEqual((list(lines), err, status), (result.lines, result.err, result.status))
 
     def snapshot(self):
@@ -71,7 +71,8 @@ class VerifyTest(SimulatorTest):
 
 
 class ScriptedCamera:
-    """Answers each request by a function of its target and its number; b"" closes at once."""
+    """Answers each request with what answer(target, number) returns: bytes, or pieces to send one
+    after the other; b"" closes at once."""
 
     def __init__(self, test, answer):
         self.answer = answer
