@@ -23,7 +23,7 @@
 
 namespace {
 
-/// Returns the catalogue's text in English and in Chinese.
+/// A text of the catalogues in English and in Chinese.
 struct Text
 {
     const char* english;
@@ -41,8 +41,8 @@ QAccessibleInterface& interfaceOf(QObject& object)
     return *found;
 }
 
-/// Qt creates these interfaces at each call and leaves them to the caller, who can delete them only
-/// through the registry.
+/// Returns the names of a cell's column headers. Each call makes Qt create new interfaces for the
+/// headers; the caller owns them and can delete them only through the registry.
 QStringList columnHeadersOf(QAccessibleInterface& cell)
 {
     QStringList names;
@@ -105,7 +105,7 @@ void AccessibilityTest::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
 }
 
-/// The translator outlives its window: leaves it with the English texts for the next one.
+/// Selects English, because the translator outlives its window and would translate the next one.
 void AccessibilityTest::cleanup()
 {
     choose(1);
@@ -167,7 +167,7 @@ void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt_data()
     QTest::newRow("lineEditBootVer") << QStringLiteral("label_5");
 }
 
-/// The combo box needs a label: its own name is the selected language.
+/// The combo box depends on its label: its own accessible name is the selected language.
 void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt()
 {
     QFETCH(QString, label);
@@ -178,7 +178,8 @@ void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt()
     }));
 }
 
-/// Every widget that accepts keys or shows a value has a name, even if the list above forgets it.
+/// Every widget that accepts keys or shows a value has a name, including any that is missing from
+/// the lists above.
 void AccessibilityTest::everyWidgetInUseHasAName()
 {
     for (const int language : {0, 1}) {

@@ -211,7 +211,8 @@ void BrowseTest::emptyCardAsksForNoDetails()
     camera->holdFiles({"a.mp4"});
     user.clickBrowse();
     QCOMPARE(user.table().rowCount(), 1);
-    // The last answer has no marker, so the text of this one is searched for the count.
+    // Details without a marker, so that the next count is found in its own answer, not in the
+    // details before it.
     camera->answer(fake::infoTarget, "nothing\r\n");
     user.clickBrowse();
     camera->forgetRequests();
@@ -328,7 +329,7 @@ void BrowseTest::nameBeyondTheWholeTableIsCut()
     camera->holdFiles({QByteArray(400000, 'n')});
     camera->answer(fake::countTarget, "=\"0\";");
     const UserWindow user;
-    user.window().hide(); // saves the time to paint it
+    user.window().hide(); // saves the time to paint the name
     user.clickBrowse();
     QCOMPARE(user.table().rowCount(), 1);
     QCOMPARE(user.row(0).first().size(), 9999 * 30 - 1);
@@ -500,7 +501,7 @@ void BrowseTest::secondBrowseReadsItsCountFromTheOlderText()
 void BrowseTest::secondBrowseReadsACreationTimeAsCount_data()
 {
     QTest::addColumn<QByteArray>("created");
-    // The low 32 bits are 899931414 and -1951630089.
+    // The low 32 bits, as signed numbers, are 899931414 and -1951630089.
     QTest::newRow("cut to 32 bits it is positive") << QByteArray("20200131124502");
     QTest::newRow("cut to 32 bits it is negative") << QByteArray("20240229235959");
 }
@@ -628,11 +629,11 @@ void BrowseTest::answerShorterThanAllBeforeEndsWithItsFirstReceive()
 {
     camera->holdFiles({"a.mp4"});
     const UserWindow user;
-    user.clickBrowse(); // more than a hundred bytes in total
+    user.clickBrowse(); // receives more than a hundred bytes in total
     camera->on(fake::listTarget, [](fake::Connection& connection) {
         connection.send("HTTP/1.1 200 OK\r\nContent-Length: 48\r\n\r\n"
                         "ZEPNA/b.mp4;ZEPNA/c.mp4;");
-        // The client has read enough; if it continued, it would block here and fail.
+        // The client has received enough. If it waited for more, this wait would time out and fail.
         connection.waitUntilClosedByClient();
     });
     user.clickBrowse();

@@ -55,7 +55,8 @@ const std::string& answerTo(const QByteArray& head, const Answers& answers)
                                           : answers.details;
 }
 
-/// What the table of a new window shows after a browse: rows in brackets, cells separated by bars.
+/// Returns what the table of a new window shows after a browse: rows in brackets, cells separated
+/// by bars.
 QString browsed(const Answers& answers, const char* command, const Pieces& pieces)
 {
     const int window = ::gettid();
@@ -129,8 +130,8 @@ void Browse_EveryCutTest::countAnswerIsWholeOrNone()
     checkEveryCut(answers, "getfilecount", row, {{1, row}}, {{43, row}});
 }
 
-// 39 bytes of head, 25 of body. The count's 5 bytes were received before: with 20 bytes of the list
-// the announced length is reached.
+// 39 bytes of head, 25 of body. The 5 bytes of the count answer still count, so 20 bytes of the
+// list reach the announced length.
 void Browse_EveryCutTest::listAnswerEndsWithACutNearItsEnd()
 {
     const Answers answers{"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n=\"2\";",
@@ -142,7 +143,7 @@ void Browse_EveryCutTest::listAnswerEndsWithACutNearItsEnd()
                   {{59, second}, {63, both}});
 }
 
-// 39 bytes of head, 45 of body. 18 bytes have been received before: 27 more end the body.
+// 39 bytes of head, 45 of body. The 18 bytes received before still count, so 27 bytes end the body.
 void Browse_EveryCutTest::detailsEndWithACutInTheirSecondHalf()
 {
     const Answers answers{"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n=\"1\";",

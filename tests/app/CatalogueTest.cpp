@@ -126,8 +126,8 @@ void CatalogueTest::compiledCatalogueHoldsNoOtherText_data()
     addCatalogues();
 }
 
-/// A compiled catalogue: a 16-byte magic number, then sections with a tag byte, a big-endian length
-/// and that many bytes. Section 0x42 has eight bytes per text.
+/// A compiled catalogue is a 16-byte magic number followed by sections: a tag byte, a big-endian
+/// length and that many bytes. Section 0x42 has eight bytes per text.
 void CatalogueTest::compiledCatalogueHoldsNoOtherText()
 {
     QFETCH(QString, name);

@@ -1,4 +1,5 @@
-// Closing the window in any state of its threads, in this process and in the whole program.
+// Tests closing the window in every state of its threads, both in this process and in the program
+// run as a separate process.
 #include "tests/app/LinkedScene.h"
 #include "tests/support/SilentAddress.h"
 #include "tests/support/TestMain.h"
@@ -28,7 +29,8 @@ using Texts = QList<QByteArray>;
 
 const qint64 closingLimit = 2000 * support::timeFactor(); // milliseconds
 
-/// Accepts one connection, the probe, and answers no further attempt.
+/// An address where one connection, the window's probe, succeeds and further attempts get no
+/// answer.
 class AddressForAProbe
 {
 public:
@@ -54,7 +56,7 @@ private:
     int m_listener;
 };
 
-/// The sockets and recordings that a process has open.
+/// Returns how many sockets and recordings a process has open.
 int openDescriptors(qint64 process)
 {
     const QDir folder(QStringLiteral("/proc/%1/fd").arg(process));
@@ -89,7 +91,7 @@ public:
     DrivenProgram(const DrivenProgram&) = delete;
     DrivenProgram& operator=(const DrivenProgram&) = delete;
 
-    /// Returns after the program has done it.
+    /// Sends a command and waits until the program has confirmed it.
     void tell(const QByteArray& command)
     {
         m_process.write(command + "\n");
@@ -157,9 +159,9 @@ private slots:
     void programKeepsTheDescriptorsOfLinksAndDownloadsOpen();
 
 private:
-    /// Destroys the window and checks that it is quick.
+    /// Destroys the window and checks that this takes less than closingLimit.
     void destroyInTime();
-    /// Starts a camera that sends this and then waits; returns when it does.
+    /// Starts a download that stalls after these bytes. Returns when the camera waits at the gate.
     void startDownload(const QByteArray& bytes);
 
     std::unique_ptr<fake::Gate> gate; // outlives the camera that waits at it
@@ -373,7 +375,8 @@ void ClosingTest::descriptorsAreReleasedWithTheWindow()
     scene->camera->answer(fake::downloadTarget, "recording");
     scene->user->clickBrowse();
     scene->user->chooseRows({0});
-    // The link, five lost ones and the ground link, with both sides open only for current ones.
+    // Sockets of the window: the control link, its five lost connections and the ground link. Of
+    // the devices: those of the two current links.
     QTRY_COMPARE(openDescriptors(::getpid()), before + 7 + 2);
     for (int download = 1; download <= 3; ++download) {
         QTRY_VERIFY(scene->user->canDownload());
@@ -432,7 +435,8 @@ void ClosingTest::programSurvivesADownloadFromACameraSwitchedOff()
     program.tell("click pushButtonEnterTFcard");
     program.tell("choose 0");
     scene->camera.reset();
-    // The request is still written; a signal would end the program here.
+    // The request is written although the connection was refused: an unhandled SIGPIPE would end
+    // the program here.
     program.tell("click pushButtonDownloadFile");
     // Printed immediately although the output is a pipe.
     QTRY_VERIFY(program.output().contains("connect failed, return: -1\n"));
@@ -473,13 +477,13 @@ void ClosingTest::programKeepsTheDescriptorsOfLinksAndDownloadsOpen()
         QTRY_COMPARE(scene->control->links(), QList<int>{1 + loss});
         QTRY_COMPARE(openDescriptors(program.id()), before + 2 + loss);
     }
-    // The second answer is sent after the window was notified of the first heartbeat.
+    // When the second answer is sent, the window has been notified of the first heartbeat.
     for (int beat = 1; beat <= 2; ++beat) {
         scene->control->link()->send(QByteArray::fromHex("aaaf04010000"));
         QTRY_COMPARE(scene->control->link()->received(),
                      QByteArray::fromHex("aaaf0401015f").repeated(beat));
     }
-    // One socket and one file each.
+    // Each download keeps one socket and one file open.
     for (int download = 1; download <= 2; ++download) {
         QTRY_COMPARE(scene->camera->heads().size(), download + 2);
         program.tell("click pushButtonDownloadFile");

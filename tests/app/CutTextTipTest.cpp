@@ -1,4 +1,5 @@
-// Tool tips in the file table: the whole text of a cell that cuts it off, and no other.
+// Tool tips in the file table: a cell whose text is cut off has a tip with the whole text, and no
+// other cell has a tip.
 #include "app/MainWindow.h"
 #include "card/FileTable.h"
 #include "tests/support/TestMain.h"
@@ -39,7 +40,7 @@ private:
     {
         return support::WindowProbe(*m_window).child<QTableWidget>("tableWidgetFileInfo");
     }
-    /// Rests the mouse there; true if a tip is shown.
+    /// Rests the mouse at a place of the table. Returns whether a tip is shown.
     bool restMouseAt(const QPoint& place) const
     {
         QHelpEvent event(QEvent::ToolTip, place, table().viewport()->mapToGlobal(place));
@@ -50,7 +51,7 @@ private:
     {
         return restMouseAt(table().visualItemRect(table().item(row, column)).center());
     }
-    /// As it reads: a tip takes markup for markup.
+    /// Returns the tip's text as displayed: a tip interprets markup.
     static QString shownTip()
     {
         QTextDocument document;

@@ -223,7 +223,7 @@ void DeleteTest::failureAmongDeletesDoesNotStopTheOthers()
                                        QByteArray(fake::deleteTarget) + "d.mp4",
                                        QByteArray(fake::deleteTarget) + "a.mp4"}));
     QCOMPARE(user->names(), (QStringList{"b.mp4", "c.mp4", "d.mp4"}));
-    // The last one succeeded.
+    // The last delete succeeded.
     QVERIFY(user->canDeleteAll());
 }
 
@@ -307,7 +307,7 @@ void DeleteTest::deleteEmptiesTheOlderAnswer()
     user->chooseRows({1});
     user->clickDelete();
     camera->forgetRequests();
-    // If the details of the browse were still there, their creation time would be the count.
+    // If the text still held the details from the browse, their creation time would be the count.
     user->clickBrowse();
     QCOMPARE(camera->targets()[1], QByteArray(fake::listTarget) + "2");
 }

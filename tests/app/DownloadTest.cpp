@@ -181,7 +181,7 @@ void DownloadTest::threeFilesGoOneAfterTheOther()
         QCOMPARE(user.downloadLabel(), QStringLiteral("Download Progress:"));
         QVERIFY(user.progressBar().isVisible());
         QVERIFY(!user.canDownload());
-        user.clickDownload(); // a disabled button
+        user.clickDownload(); // no effect, because the button is disabled
         QCOMPARE(scene->camera->heads(),
                  (Texts{head("e.mp4"), head("c.mp4"), head("b.mp4")}.mid(0, number + 1)));
         gate.open();
@@ -201,7 +201,7 @@ void DownloadTest::nextFileWaitsForTheEndOfTheOneBefore()
     scene->camera->answer(target(""), "second");
     scene->camera->on(target("b.mp4"), [&gate](fake::Connection& connection) {
         connection.send(fake::withLength("the whole recording"));
-        gate.pass(); // the connection stays open, and one more read is always made
+        gate.pass(); // the connection stays open, and the thread always reads once more
     });
     const UserWindow& user = *scene->user;
     const int before = scene->camera->connectionCount();

@@ -60,7 +60,7 @@ private:
     std::unique_ptr<MainWindow> m_window;
 };
 
-/// Three rows with only names.
+/// Creates a window whose table has three rows with only names.
 void FileInfoTest::init()
 {
     m_window = std::make_unique<MainWindow>();

@@ -1,5 +1,5 @@
-// Where the keyboard focus goes when a focused button is disabled: never by itself to a button that
-// deletes.
+// Where the keyboard focus goes when a focused button is disabled: never to a button that deletes,
+// unless the user moves it there.
 #include "tests/app/LinkedScene.h"
 #include "tests/support/TestMain.h"
 
@@ -39,7 +39,7 @@ private slots:
     void deleteLeavesTheFocusElsewhereAlone();
 
 private:
-    /// The window's own focus widget, whether the window is active or not.
+    /// Returns the name of the window's own focus widget, whether or not the window is active.
     QString focused() const
     {
         const QWidget* widget = scene->user->window().focusWidget();
@@ -54,7 +54,7 @@ private:
     {
         QTest::keyClick(QApplication::focusWidget(), key, modifiers);
     }
-    /// Presses as a screen reader does: the focus does not move.
+    /// Presses a button as a screen reader does, without moving the focus.
     void pressFromOutside(const char* button) const
     {
         QAccessible::queryAccessibleInterface(&scene->user->button(button))

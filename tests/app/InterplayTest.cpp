@@ -35,8 +35,8 @@ QByteArray recording(const QString& name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
-/// For a camera that waits for an event on the link before it answers, while the window waits for
-/// that answer. Returns false after five seconds.
+/// Waits for a condition without processing events. Returns false after five seconds. Used in a
+/// camera's thread to wait for an event on the link before the camera answers the waiting window.
 bool waitFor(const std::function<bool()>& condition)
 {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
@@ -77,7 +77,7 @@ private slots:
     void downloadGoesOnBesideAFreshPairOfLinks();
 
 private:
-    /// A camera answer that waits at the gate within the body.
+    /// Makes the camera send the recording in two parts and wait at the gate between them.
     void answerInTwo(const QByteArray& name, std::size_t gate);
 
     std::unique_ptr<std::array<fake::Gate, 3>> gates; // outlive the camera that waits at them
@@ -316,7 +316,7 @@ void InterplayTest::linkLostDuringADownloadDoesNotStopIt()
     (*gates)[0].open();
     QTRY_VERIFY(user.isIdle());
     QCOMPARE(recording("a.mp4"), QByteArray("a"));
-    // But no further one starts.
+    // No further download starts.
     user.clickDownload();
     QVERIFY(user.isIdle());
     QCOMPARE(scene->camera->targets().size(), 2);
@@ -328,7 +328,7 @@ void InterplayTest::linkLostBetweenClickAndAnswerShowsAfterTheAnswer()
     const UserWindow& user = *scene->user;
     scene->camera->on(fake::deleteAllTarget, [this](fake::Connection& connection) {
         scene->control->link()->close();
-        // The link thread has noticed once it reconnects.
+        // A second connection shows that the link thread has noticed the loss.
         if (waitFor([this] { return scene->control->links() == QList<int>{2}; })) {
             connection.send(fake::withLength("Success\r\n"));
         }

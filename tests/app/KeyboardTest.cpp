@@ -138,7 +138,7 @@ void KeyboardTest::arrowsSelectRowsInTheTable()
     QCOMPARE(selectedRows(), (QList<int>{0, 1, 2, 3, 4}));
 }
 
-/// That is why another key must leave the table.
+/// Tab moves through the cells, so another key has to leave the table.
 void KeyboardTest::tabStaysInATableWithRows()
 {
     enterTableOfFive();

@@ -16,7 +16,7 @@
 #include <QTest>
 #include <QWidget>
 
-// Outside any namespace, since the collection's functions are.
+// Outside any namespace, as Q_CLEANUP_RESOURCE and Q_INIT_RESOURCE require.
 static void withdrawResources()
 {
     Q_CLEANUP_RESOURCE(resource);
@@ -50,7 +50,8 @@ private slots:
 private:
     using Texts = QMap<QString, QString>;
 
-    /// Every translated text of the window, by object name; headers as header0 to header3.
+    /// Returns every translated text of the window by object name; the headers are header0 to
+    /// header3.
     Texts shown() const
     {
         Texts texts;
@@ -139,7 +140,7 @@ void LanguageTest::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
 }
 
-/// The translator outlives its window: leaves it with the English texts for the next one.
+/// Selects English, because the translator outlives its window and would translate the next one.
 void LanguageTest::cleanup()
 {
     choose(1);

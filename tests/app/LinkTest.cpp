@@ -290,7 +290,7 @@ void LinkTest::lostGroundLinkIsShownNowhere()
     QTRY_COMPARE(control.links(), QList<int>{1});
     ground.link()->close();
     QTRY_COMPARE(ground.links(), QList<int>{2});
-    // The window gets every signal before this answer is sent.
+    // Once this answer is sent, every earlier signal is queued for the window.
     control.link()->send(heartbeat);
     QTRY_COMPARE(control.link()->received(), heartbeatAnswer);
     QCoreApplication::processEvents();
@@ -336,7 +336,7 @@ void LinkTest::clickAfterALossStartsASecondPairBesideTheFirst()
     for (const auto* thread : user.window().findChildren<ControlClientThread*>()) {
         QVERIFY(thread->isRunning());
     }
-    // The links of the first pair and, after another probe, those of the second pair.
+    // The connections of the first pair and, after the second probe, those of the second pair.
     QTRY_COMPARE(control.links(), (QList<int>{2, 4}));
     QTRY_COMPARE(ground.links(), (QList<int>{1, 3}));
     for (const int link : {2, 4}) {

@@ -7,7 +7,7 @@
 #include <QList>
 #include <QTableWidget>
 
-/// From the top down.
+/// Returns the numbers of the selected rows in ascending order.
 inline QList<int> selectedRowsOf(const QTableWidget& table)
 {
     QList<int> rows;

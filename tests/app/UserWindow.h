@@ -12,7 +12,8 @@
 #include <QStringList>
 #include <QTableWidget>
 
-/// Shows the window, operates its widgets with mouse and keyboard, and reads what it shows.
+/// The window on screen: its widgets are operated with mouse and keyboard, and what it shows is
+/// read.
 class UserWindow
 {
 public:
@@ -43,13 +44,14 @@ public:
     QString status() const { return statusField().text(); }
     bool showsLinkSuccess() const { return status() == QLatin1String("Link Success!"); }
     bool showsLinkFail() const { return status() == QLatin1String("Link Fail!"); }
-    /// Hardware type, hardware, software, protocol and bootloader version.
+    /// Returns the texts of the version fields: hardware type, then hardware, software, protocol
+    /// and bootloader version.
     QStringList versions() const;
 
     QTableWidget& table() const;
-    /// Texts of the name column.
+    /// Returns the texts of the name column.
     QStringList names() const;
-    /// The row's four texts; empty where there is no item.
+    /// Returns the row's four texts, empty where there is no item.
     QStringList row(int number) const;
 
     QPushButton& button(const char* name) const;
@@ -59,7 +61,8 @@ public:
     QProgressBar& progressBar() const;
     bool canDownload() const { return button("pushButtonDownloadFile").isEnabled(); }
     bool canDeleteAll() const { return button("pushButtonDeleteAllFiles").isEnabled(); }
-    /// No download: the button is enabled, and bar and texts are hidden.
+    /// Returns whether no download is running: the button is enabled, the progress bar is hidden
+    /// and the texts are empty.
     bool isIdle() const;
 
 private:

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Compares the texts that the code has translated with the catalogue sources."""
+"""Compares the translatable texts of the code with the catalogue sources."""
 
 import argparse
 import pathlib

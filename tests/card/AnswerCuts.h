@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-/// Describes a received answer as a text.
+/// A function that describes a received answer as a text.
 using AnswerReader = std::function<std::string(const std::string& answer)>;
 
-/// Fails the test unless the answer, with its length announced, reads as its last piece says
-/// however it is split, and is rejected if the connection closes before its end. Without a length
-/// an answer ends with the first receive: it reads up to the first split, or the end, as the pieces
-/// say.
+/// Fails the test unless every way to deliver the answer gives the expected result. With its length
+/// announced, the answer gives the result of its last piece however it is split, and is rejected if
+/// the connection closes early. Without a length it ends with the first receive, so the result is
+/// that of the bytes before the first split, or of all bytes.
 void checkEveryCut(const std::vector<support::Piece>& pieces, const AnswerReader& read);

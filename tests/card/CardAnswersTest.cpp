@@ -41,7 +41,7 @@ private slots:
     void answerCutAnywhereIsReadToItsEnd();
 
 private:
-    /// The names in entry order, "none" for an entry without a name.
+    /// Returns the names in entry order, with "none" for an entry without a name.
     static QStringList namesIn(const char* answer)
     {
         QStringList names;

@@ -17,7 +17,7 @@ Q_DECLARE_METATYPE(Pieces)
 
 namespace {
 
-/// The names in a list, each in angle brackets, a dash for an entry without one.
+/// Returns the names in a list, each in angle brackets, with a dash for an entry without a name.
 std::string namesIn(const std::string& answer)
 {
     std::string names;

@@ -51,8 +51,8 @@ void FileInfoTextTest::answerBecomesDateSizeAndDuration_data()
     row("short-create", "2020--  ::", "1KB", "5s");
     row("empty-values", "--  ::", "KB", "s");
     row("time-no-number", date, "KB", "a whiles");
-    // A missing field shows the text of the one before it: the size is then the low 32 bits of the
-    // creation time, the duration the digits of the size.
+    // A missing field takes the text of the field before it: the size is then the low 32 bits of
+    // the creation time, and the duration shows the digits of the size.
     row("empty", "--  ::", "KB", "s");
     row("no-create", "--  ::", "1MB", "37s");
     row("no-size", date, "858MB", "37s");
@@ -60,7 +60,7 @@ void FileInfoTextTest::answerBecomesDateSizeAndDuration_data()
     row("only-create", date, "858MB", "858s");
     row("size-without-end", date, "858MB", "37s");
     row("zero-byte-ends", date, "858MB", "858s");
-    // Longer than that of any recording.
+    // Values longer than those of any recording.
     row("forty-digits", "2222-22-22  22:22:22", "KB",
         QString(40, QLatin1Char('4')) + QLatin1Char('s'));
     row("four-thousand-digits", "2222-22-22  22:22:22", "KB",

@@ -4,7 +4,7 @@
 #include <QPainter>
 #include <QProxyStyle>
 
-/// Fills the area of every focus frame with pure red.
+/// A style that fills the area of every focus frame with pure red.
 class LoudFocusStyle : public QProxyStyle
 {
 public:

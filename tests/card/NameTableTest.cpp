@@ -36,7 +36,7 @@ private slots:
     void slotOutsideTheTableIsNeitherWrittenNorRead();
 
 private:
-    /// With a canary on either side of the table.
+    /// A name table with a canary on either side.
     struct Guarded
     {
         std::array<char, 64> before;

@@ -1,4 +1,4 @@
-// Cells without a focus frame, compared pixel by pixel with the base delegate's.
+// Cells without a focus frame, compared pixel by pixel with those of the base delegate.
 #include "card/NoFocusDelegate.h"
 
 #include "tests/card/LoudFocusStyle.h"
@@ -40,7 +40,7 @@ private:
         QStyleOptionViewItem option;
         option.rect = QRect(0, 0, 120, 25);
         option.state = state;
-        option.showDecorationSelected = true; // as a table has it: the whole cell is coloured
+        option.showDecorationSelected = true; // as in a table: the whole cell is coloured
         option.palette.setColor(QPalette::Highlight, QColor(89, 153, 247));
         return option;
     }

@@ -24,7 +24,7 @@ private slots:
     void nothingIsWrittenAfterTheTerminator();
 
 private:
-    /// 64 bytes of '#' after the call.
+    /// Returns a buffer of 64 '#' into which the number has been written.
     static QByteArray written(int value, int radix)
     {
         QByteArray buffer(64, '#');

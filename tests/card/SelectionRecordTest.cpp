@@ -28,7 +28,7 @@ private slots:
     void positionInsideTheRecordHasItsRow();
 
 private:
-    /// With a canary on either side of the rows.
+    /// The selected rows with a canary on either side.
     struct Guarded
     {
         qint32 before = 0x5a5a5a5a;
@@ -114,7 +114,7 @@ void SelectionRecordTest::fullRecordKeepsItsRows()
 
 void SelectionRecordTest::countBelowZeroTakesNoRow()
 {
-    m_count = -1; // as a delete leaves it
+    m_count = -1; // as after a delete
     card::insertLargestFirst(m_guarded->rows, m_count, 3);
     QCOMPARE(m_count, -1);
     QCOMPARE(firstRows(2), (QVector<int>{0, 0}));

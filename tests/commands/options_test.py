@@ -12,7 +12,7 @@ import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
-# Each command, the name in its messages, and its options with a value.
+# Each command, the name in its messages, and its options that take a value.
 COMMANDS = (
     ("check", "check", ("--preset", "--jobs")),
     ("check --calls", "./check --calls", ("--jobs", "--only", "--program")),
@@ -38,7 +38,8 @@ COMMANDS = (
     ("tools/window-images", "window-images",
      ("--program", "--simulator", "--folder", "--scale", "--rate", "--language")),
 )
-# Called by a command of the list or by a build, or need packages that ./check does not install.
+# Not tested here: a command above or a build calls them, or they need packages that ./check does
+# not install.
 OTHERS = {"bench/run", "packaging/check-package", "tests/calls/run", "tests/coverage",
           "tests/fuzz/run", "tests/soak/run", "packaging/fill-manual", "tests/mutate",
           "tools/check-rules"}
@@ -52,7 +53,7 @@ def run(command, *arguments):
 
 class OptionsTest(unittest.TestCase):
     def refused(self, result, name, complaint):
-        """Checks for one line and the usage; a program in Python prints the usage first."""
+        """Checks for one error line and the usage, which Python programs print first."""
         self.assertEqual((2, ""), (result.returncode, result.stdout), result.stderr)
         name = re.escape(name)
         self.assertRegex(result.stderr, rf"\A{name}: ({complaint}).*\nUsage: |"

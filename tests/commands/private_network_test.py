@@ -182,7 +182,7 @@ class NameTest(unittest.TestCase):
 
 class NetemTest(unittest.TestCase):
     def with_tc(self, script, *arguments):
-        """Runs tools/private-network with this shell script in place of tc."""
+        """Runs tools/private-network with the shell script in place of tc."""
         with tempfile.TemporaryDirectory() as folder:
             with open(f"{folder}/tc", "w", encoding="ascii") as file:
                 file.write("#!/bin/sh\n" + script)

@@ -34,7 +34,7 @@ constexpr quint16 port = 80;
 const int stopLimit = 500 * support::timeFactor(); // milliseconds
 const QByteArray requestEnd = "Connection:close\r\n\r\n";
 
-/// Bytes that show where a piece is lost or duplicated.
+/// Returns `size` bytes in which a lost or duplicated piece can be recognised.
 QByteArray pattern(int size)
 {
     QByteArray bytes;
@@ -55,7 +55,7 @@ QByteArray contentOf(const QString& name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no such file");
 }
 
-/// Takes the request, sends the answer and closes.
+/// Returns a script that receives the request, sends these bytes and closes the connection.
 Script answerWith(const QByteArray& bytes)
 {
     return [bytes](Peer& peer) {

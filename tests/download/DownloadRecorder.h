@@ -10,7 +10,7 @@
 #include <QTest>
 #include <QThread>
 
-/// Receives the thread's signals through queued connections, as the window does.
+/// An object that receives the thread's signals through queued connections, as the window does.
 class DownloadRecorder : public QObject
 {
     Q_OBJECT

@@ -34,7 +34,8 @@ constexpr char address[] = "192.168.1.120";
 constexpr quint16 port = 80;
 const int stopLimit = 500 * support::timeFactor(); // milliseconds
 
-/// Everything below the home folder: relative paths as bytes, folders with a trailing slash.
+/// Returns the paths of everything in the home folder, or in its subfolder `below`, relative to the
+/// home folder and as bytes. Folders end in a slash.
 QList<QByteArray> homeContent(const QByteArray& below = QByteArray())
 {
     QList<QByteArray> paths;
@@ -90,7 +91,7 @@ unsigned modeOf(const QByteArray& path)
     return ::stat(inHome(path), &status) == 0 ? status.st_mode & 07777U : 0U;
 }
 
-/// Makes a socket in the file system.
+/// Creates a socket in the file system. Returns whether that succeeded.
 bool bindLocalSocket(const QByteArray& path)
 {
     sockaddr_un place{};
@@ -145,7 +146,8 @@ private:
     QByteArray m_path;
 };
 
-/// Blocks a signal in this thread, and so in those that it starts meanwhile; 0 blocks none.
+/// Blocks a signal in this thread, and in the threads that it starts, while this object exists.
+/// Number 0 blocks no signal.
 class BlockedSignal
 {
 public:
@@ -187,7 +189,7 @@ struct LeasedDownload
     support::Lease lease{oldRecording()};
     Camera camera;
     Download download{"a.mp4"};
-    support::SleepWatch watch{download.thread}; // from before the start
+    support::SleepWatch watch{download.thread}; // created before the thread starts
 };
 
 } // namespace
@@ -470,7 +472,7 @@ void LocalFileTest::pipeUnderTheRecordingsNameIsAFailure()
     QCOMPARE(download.recorder.received, QList<qint64>({11}));
 }
 
-// A socket represents all device files, which only root can create.
+// A socket is used in place of a device file, which only root can create.
 void LocalFileTest::deviceUnderTheRecordingsNameIsAFailure()
 {
     QVERIFY(QDir::home().mkpath("Desktop/DCIM"));

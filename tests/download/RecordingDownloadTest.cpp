@@ -162,7 +162,7 @@ void RecordingDownloadTest::socketAndFileStayOpenUntilTheObjectEnds()
 
 void RecordingDownloadTest::countOfMoreThan2GiBWraps()
 {
-    constexpr int pieces = 2049; // of a mebibyte
+    constexpr int pieces = 2049; // of one mebibyte each
     ScriptedServer server(ScriptedServer::Script([](Peer& peer) {
                               const QByteArray mebibyte(1 << 20, 'x');
                               for (int number = 0; number < pieces; ++number) {
@@ -181,7 +181,7 @@ void RecordingDownloadTest::countOfMoreThan2GiBWraps()
         last = received;
     });
     QVERIFY(largest <= std::numeric_limits<qint32>::max());
-    QCOMPARE(last, qint64{-2146435072}); // 2049 MiB, 4 GiB less
+    QCOMPARE(last, qint64{-2146435072}); // 2049 MiB minus 4 GiB
 }
 
 BELUN_NETWORK_TEST(RecordingDownloadTest)

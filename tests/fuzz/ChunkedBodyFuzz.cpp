@@ -25,7 +25,7 @@ struct Outcome
     }
 };
 
-/// Parses the same body by position in a text.
+/// Returns the expected outcome, from parsing the complete text independently of the product.
 Outcome expectedOutcome(const std::string& text)
 {
     Outcome outcome;

@@ -8,7 +8,7 @@ namespace {
 
 fuzz::MemoryPeer* current = nullptr;
 
-/// The most receives that a parser may attempt after the connection has ended.
+/// Number of receives that a parser may attempt after the connection has ended.
 constexpr int patience = 64;
 
 } // namespace

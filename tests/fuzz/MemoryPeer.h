@@ -1,6 +1,6 @@
 // A simulated peer in memory. A target is linked with --wrap for `recv`, `read` or `write`, so that
-// the product's calls on descriptor -1, which it uses while no socket is open, end up here. Other
-// descriptors go to the system.
+// the product's calls on descriptor -1, which it uses while no socket is open, end up here. Calls
+// on other descriptors go to the system.
 #pragma once
 
 #include "tests/fuzz/Require.h"
@@ -12,7 +12,7 @@
 
 namespace fuzz {
 
-/// Answers receives on descriptor -1 while this object exists; only one at a time.
+/// A peer that answers receives on descriptor -1 while this object exists; only one at a time.
 class MemoryPeer
 {
 public:
@@ -30,8 +30,8 @@ public:
 
 enum class End { Closed, Failed };
 
-/// Delivers a text in pieces of one size, then its end as often as requested. A parser that keeps
-/// asking is a finding.
+/// A peer that delivers a text in pieces of one size, and then its end to every further receive. A
+/// parser that keeps receiving after the end is a finding.
 class TextPeer : public MemoryPeer
 {
 public:

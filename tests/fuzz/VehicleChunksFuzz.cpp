@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t longestReceive = 100;
 constexpr int tickLimit = 6;
 
-/// Plays the steps. The handler must be given what was delivered last.
+/// A module that plays the steps. The handler must be given what last() returns.
 class Module : public fuzz::MemoryPeer
 {
 public:

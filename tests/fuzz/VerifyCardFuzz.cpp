@@ -1,6 +1,6 @@
-// What belun-verify reads of the camera's answers about its card.
+// What belun-verify reads from the camera's answers about its card.
 //
-// Input: an answer, taken for each of the three.
+// Input: an answer, read as a count, as a list and as details.
 #include "tests/fuzz/Require.h"
 #include "verify/CardReader.h"
 #include "verify/Numbers.h"
@@ -32,7 +32,7 @@ void judgeNames(const std::string& answer)
                       "a list without an end is none");
         return;
     }
-    // As many entries as semicolons before the end, each with the name of its own.
+    // One name for each semicolon before the end, taken from the text before that semicolon.
     std::size_t start = 0;
     for (const std::string& name : *names) {
         const std::size_t end = list.find(';', start);

@@ -270,7 +270,8 @@ void ControlClientThreadTest::otherTypesAreIgnored()
     QCOMPARE(server.received(0), QByteArray());
 }
 
-// The first piece ends before its type; the zero in its place means a version report.
+// The first piece ends before the type byte, and the zero in the buffer there means a version
+// report.
 void ControlClientThreadTest::frameSplitBetweenTwoReceivesIsNotRecognised()
 {
     ScriptedServer server(Script([](Peer& peer) {

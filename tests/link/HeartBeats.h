@@ -12,7 +12,7 @@ template <class LinkThread>
     return thread.heartBeatCount;
 }
 
-/// Simulates that this many seconds have passed.
+/// Ticks the thread's heartbeat timer, as if that many seconds had passed.
 inline void tickHeartBeats(QObject& thread, int times)
 {
     for (int number = 0; number < times; ++number) {

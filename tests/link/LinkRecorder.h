@@ -6,8 +6,8 @@
 #include <QStringList>
 #include <QTest>
 
-/// Receives the control thread's signals through queued connections, as the window does, and keeps
-/// them as texts in order: "linked", "lost", "version 7 300 600 100 10".
+/// An object that receives the control thread's signals through queued connections, as the window
+/// does, and keeps them as texts in order: "linked", "lost", "version 7 300 600 100 10".
 class LinkRecorder : public QObject
 {
     Q_OBJECT

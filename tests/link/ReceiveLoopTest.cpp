@@ -23,7 +23,7 @@ QByteArray bytesOf(const vehicle::Received& received)
                       static_cast<int>(received.size()));
 }
 
-/// The bytes, padded with zeros to a hundred.
+/// Returns the bytes, padded with zeros to a hundred.
 QByteArray filledUp(const QByteArray& bytes)
 {
     return bytes + QByteArray(100 - bytes.size(), '\0');
@@ -206,7 +206,8 @@ void ReceiveLoopTest::interruptedReceiveGoesOn()
     });
     pair.send("x");
     const bool begun = QTest::qWaitFor([&] { return handled == 1; });
-    // At least one of these interrupts the waiting thread, because it has nothing else left to do.
+    // At least one of these interrupts the waiting thread, because waiting is all that is left for
+    // it to do.
     for (int number = 0; number < 50; ++number) {
         ::pthread_kill(loop.native_handle(), SIGUSR1);
         std::this_thread::sleep_for(std::chrono::microseconds(500));

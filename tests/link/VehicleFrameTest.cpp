@@ -8,7 +8,7 @@
 
 namespace {
 
-/// The buffer after one receive of these bytes.
+/// Returns the buffer after one receive of these bytes.
 vehicle::Received receivedFrom(const QByteArray& bytes)
 {
     vehicle::Received received{};

@@ -181,7 +181,7 @@ public:
         thread.serverPort = m_server.port();
     }
 
-    /// The answers, one text per delivery.
+    /// Returns the answers, one text per delivery.
     QStringList answers()
     {
         thread.start(QThread::InheritPriority);
@@ -220,7 +220,7 @@ private:
     ScriptedServer m_server;
 };
 
-/// The control thread's signals for each delivery, up to the loss of the link at its end.
+/// Returns the control thread's signals for each delivery, up to the loss of the link at its end.
 QStringList toldBy(Receiver<ControlClientThread>& receiver)
 {
     LinkRecorder recorder;

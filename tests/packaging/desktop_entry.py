@@ -25,7 +25,7 @@ def read(path, group="Desktop Entry"):
 
 
 def start_and_close(path):
-    """Returns the program's exit status."""
+    """Starts the program, closes its window and returns the exit status."""
     entry = read(path)
     program = subprocess.Popen(shlex.split(entry["Exec"]))
     try:

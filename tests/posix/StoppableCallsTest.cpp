@@ -57,7 +57,7 @@ public:
 
 private:
     support::SocketPair m_sockets;
-    std::thread m_thread; // last, because it uses the others
+    std::thread m_thread; // last, because it uses the other members
 };
 
 } // namespace

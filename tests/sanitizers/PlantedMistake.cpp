@@ -1,4 +1,4 @@
-// Makes the error named by its argument, so that a test can check that it is reported.
+// Commits the error named by the argument, so that a test can check that it is reported.
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -9,8 +9,8 @@
 
 namespace {
 
-/// Shares a plain number with the creating thread, as the link threads share their heartbeat count,
-/// but without a suppression.
+/// A thread that shares a plain number with the creating thread, as the link threads share their
+/// heartbeat count, but without a suppression.
 class CountingThread : public QThread
 {
 public:

@@ -7,8 +7,8 @@
 #include <QObject>
 #include <QTimer>
 
-/// Ticks every five milliseconds in the thread that created it and records the longest interval
-/// between two ticks: the worst delay of a click.
+/// A timer in the creating thread that ticks every five milliseconds and records the longest
+/// interval between two ticks: the worst delay of a click.
 class StallWatch
 {
 public:
@@ -23,7 +23,7 @@ public:
         m_sinceTick.start();
     }
 
-    /// In milliseconds, including the interval up to now.
+    /// Returns the longest interval in milliseconds, including the current one up to now.
     qint64 longest() const { return std::max(m_longest, m_sinceTick.elapsed()); }
     int ticks() const { return m_ticks; }
 
