@@ -60,7 +60,7 @@ class CommandLineTest(SimulatorTest):
         self.assertIn("192.168.1.149:5000: Address already in use", result.stderr)
 
     def run_in_network(self, setUp):
-        """Runs the simulator in a new network, after these commands; 99: one of them failed."""
+        """Runs the simulator in a new network after these commands; status 99 if they failed."""
         result = self.run_(wrapper=["unshare", "--user", "--map-root-user", "--net", "sh", "-c",
                                     "(" + setUp + ') 2>/dev/null || exit 99; exec "$@"', "sh"])
         if result.returncode == 1 and "unshare" in result.stderr:

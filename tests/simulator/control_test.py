@@ -220,9 +220,11 @@ class ControlTest(SimulatorTest):
         self.assertEqual('error nothing may follow, not "now"', self.control("quit now"))
 
     def follow(self, started, sent, typed=None):
-        """Starts a simulator with the window as a page says, then sends it lines as the page says;
-        returns the answers. What is typed then must end the shell that the page opens; its output
-        is the last answer. The commands are found as in the source tree and as installed."""
+        """Follows a page: runs the command line `started`, which starts the simulator and the
+        window, then each of `sent`, which send control lines. Returns the output of each. `typed`
+        is the input of the shell that the page opens and must end it; the shell's output is then
+        the last answer. The commands are found both where the source tree has them and by their
+        installed names."""
         binaries = os.path.dirname(harness.program)
         commands = os.path.join(self.folder, "commands")
         for path, target in (("build/bin", binaries), ("tools", os.path.join(ROOT, "tools")),
@@ -231,7 +233,7 @@ class ControlTest(SimulatorTest):
                              ("commands/belun-verify", os.path.join(binaries, "belun-verify"))):
             os.makedirs(os.path.dirname(os.path.join(self.folder, path)), exist_ok=True)
             os.symlink(target, os.path.join(self.folder, path))
-        # A network of its own, as a user gets one: all that runs in it ends with the command.
+        # A network of its own, as users have: everything that runs in it ends with the command.
         with open(os.path.join(commands, "belun-private-network"), "w", encoding="utf-8") as file:
             os.fchmod(file.fileno(), 0o755)
             file.write(f'#!/bin/sh\nexec "{NETWORK}" --own "$@"\n')
@@ -239,7 +241,7 @@ class ControlTest(SimulatorTest):
                                                "PATH": f"{commands}:{os.environ['PATH']}"}}
         window = subprocess.Popen(["sh", "-c", started], start_new_session=True,
                                   stdin=subprocess.PIPE, stdout=subprocess.PIPE, **options)
-        self.addCleanup(window.stdin.close)  # what ends the line waits for it
+        self.addCleanup(window.stdin.close)  # until then it keeps the page's shell running
         self.addCleanup(window.stdout.close)
         self.addCleanup(window.wait, harness.LIMIT)
         self.addCleanup(lambda: window.poll() is None and os.killpg(window.pid, signal.SIGKILL))

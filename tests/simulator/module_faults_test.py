@@ -18,8 +18,8 @@ class ModuleFaultsTest(SimulatorTest):
     def assert_segments(self, expected, address):
         """Checks that a connection begins with these segments.
 
-        A reader that is late receives several as one: it looks again, at a new connection. The
-        bytes have to be right each time.
+        A slow reader receives several segments as one; the check is then repeated on a new
+        connection. The bytes must be right each time.
         """
         wanted = b"".join(piece for piece in expected if piece != "reset")
         for _ in range(ATTEMPTS):

@@ -22,8 +22,8 @@ void report(int news, char what)
     static_cast<void>(!::write(news, &what, 1));
 }
 
-/// Runs in the child. Calls only what is allowed after fork() in a process with threads, and has no
-/// signal handler, which a sanitizer would delay.
+/// Runs in the child. Calls only functions that are allowed after fork() in a process with threads,
+/// and uses no signal handler, which a sanitizer would delay.
 [[noreturn]] void hold(const char* path, int news, int control)
 {
     sigset_t broken;

@@ -8,7 +8,7 @@
 namespace support {
 
 /// A child process with a read lease on a file: opening the file for writing blocks until the child
-/// gives up the lease, or until the system's limit. The lease ends with this object.
+/// gives up the lease, or until the system's time limit. The lease ends with this object.
 class Lease
 {
 public:
@@ -20,7 +20,8 @@ public:
     /// Returns whether the system granted the lease.
     bool taken() const { return m_taken; }
 
-    /// Waits until somebody opens the file for writing. Returns false after five seconds.
+    /// Waits until a thread or process tries to open the file for writing. Returns false after five
+    /// seconds.
     bool waitUntilWanted() const;
 
     void giveUp();
@@ -28,7 +29,7 @@ public:
 private:
     pid_t m_child;
     int m_news;    // reports from the child
-    int m_control; // closed to end it
+    int m_control; // closed to end the child
     bool m_taken;
 };
 

@@ -6,18 +6,19 @@
 
 namespace support {
 
-/// Sockets of this process connected to the address and port, whether or not the peer has closed.
-/// Excludes sockets of a server on that port.
+/// Returns the number of sockets of this process that are connected to the address and port,
+/// whether or not the peer has closed. A server's own sockets on that port do not count.
 int socketsConnectedTo(const QByteArray& address, quint16 port);
 
-/// Descriptors of this process that refer to the file.
+/// Returns the number of descriptors of this process that refer to the file.
 int descriptorsOn(const QByteArray& path);
 
-/// All sockets of this process.
+/// Returns the number of sockets of this process.
 int openSockets();
 
-/// All descriptors of this process except event descriptors: our code creates none, while Qt
-/// creates one per thread, and the threads of its own pools outlive a window.
+/// Returns the number of descriptors of this process, not counting event descriptors: our code
+/// creates none of these, while Qt creates one per thread, and the threads of Qt's pools outlive a
+/// window.
 int openDescriptors();
 
 } // namespace support

@@ -15,17 +15,18 @@ struct Delivery
     bool closeAtTheEnd = false;
 };
 
-/// Sends from a separate thread, each piece only after the reader has emptied its socket and waits
+/// A separate thread that sends each piece only after the reader has emptied its socket and waits
 /// for more, so that no receive spans a split and none waits longer than necessary. An empty socket
 /// alone is not enough, because the receive that emptied it checks once more before it returns. A
 /// reader that does not return within five seconds is stopped.
 class PieceSender
 {
 public:
-    /// Must be created by the reading thread. All three arguments outlive the object.
+    /// Must be called by the reading thread. The descriptors and the delivery must outlive the
+    /// object.
     PieceSender(int descriptor, int readersDescriptor, const Delivery& delivery);
 
-    /// Call this after the reader has returned. Returns what was not sent.
+    /// Returns the pieces that were not sent, joined. Must be called after the reader has returned.
     std::string finish();
     bool readerHadToBeStopped() const { return m_readerHadToBeStopped; }
 

@@ -9,7 +9,7 @@
 namespace support {
 
 /// An address and port where connecting neither succeeds nor fails while this object exists: the
-/// queue of the listening socket is full and nobody accepts.
+/// queue of the listening socket is full and no connection is accepted.
 class SilentAddress
 {
 public:

@@ -11,7 +11,8 @@ namespace support {
 /// called from any thread.
 bool threadIsAsleep(int id);
 
-/// Watches a thread from before its start, so that a test knows when it blocks in a call.
+/// An observer of a thread, created before the thread starts, that tells a test when the thread
+/// blocks in a call.
 class SleepWatch
 {
 public:

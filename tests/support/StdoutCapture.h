@@ -24,7 +24,7 @@ public:
     /// milliseconds.
     bool waitFor(const QByteArray& part, int limit = 5000) const;
 
-    /// The debug log during the same time.
+    /// Returns the debug log captured during the same time.
     const LogCapture& log() const { return m_log; }
 
 private:

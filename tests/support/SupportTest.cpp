@@ -54,7 +54,7 @@ public:
                MSG_NOSIGNAL);
     }
 
-    /// One receive: its bytes, "end" or "error".
+    /// Returns the bytes of one receive, "end" or "error".
     QByteArray receive() const
     {
         std::array<char, 100> buffer;

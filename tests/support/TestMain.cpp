@@ -47,7 +47,7 @@ TestEnvironment::TestEnvironment()
     }
     qputenv("HOME", m_home.toLocal8Bit());
     qputenv("XDG_RUNTIME_DIR", m_home.toLocal8Bit());
-    // Fontconfig writes there what the system's cache lacks.
+    // Fontconfig stores in this folder what the system's cache lacks.
     qputenv("XDG_CACHE_HOME", m_caches.path().toLocal8Bit());
 }
 
@@ -68,11 +68,12 @@ int runTest(QObject& test, int argc, char** argv, bool needsNetwork)
     }
     std::vector<char*> arguments(argv, argv + argc);
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-    // There it takes over SIGPIPE too, although that is ignored, and halts to print a stack trace.
+    // Qt 6 also handles SIGPIPE, although it is ignored, and stops the process to print a stack
+    // trace.
     char withoutCrashHandler[] = "-nocrashhandler";
     arguments.push_back(withoutCrashHandler);
 #endif
-    // Between these two steps Qt Test has its own message handler in place, which ours then calls.
+    // After qInit() Qt Test's own message handler is installed; ours, installed after it, calls it.
     QTest::qInit(&test, static_cast<int>(arguments.size()), arguments.data());
     MessageLog::instance().install();
     const int failed = QTest::qRun();

@@ -12,9 +12,9 @@
 
 namespace support {
 
-/// Makes all runs equal: offscreen windows, UTC, the C locale with UTF-8, SIGPIPE ignored, standard
-/// output fully buffered as on a pipe, and a temporary home folder in HOME with an empty folder
-/// Desktop. Does not use the user's files.
+/// The same environment for every run: offscreen windows, UTC, the C locale with UTF-8, SIGPIPE
+/// ignored, standard output fully buffered as on a pipe, and a temporary home folder in HOME with
+/// an empty folder Desktop. The user's files are not used.
 class TestEnvironment
 {
 public:
@@ -39,7 +39,8 @@ using TestApplication = QApplication;
 using TestApplication = QCoreApplication;
 #endif
 
-/// Runs one test class with a program's arguments; the first is the program's name.
+/// A function that runs one test class with a program's arguments, the first of which is the
+/// program's name.
 using TestRun = int (*)(int argc, char** argv);
 
 template <class Test, bool NeedsNetwork>
@@ -51,7 +52,7 @@ int runTestClass(int argc, char** argv)
     return runTest(test, argc, argv, NeedsNetwork);
 }
 
-/// Registers a class with the test program that its file belongs to.
+/// The registration of a class with the test program that its file belongs to.
 class TestRegistration
 {
 public:
@@ -66,8 +67,8 @@ public:
     static const support::TestRegistration registration##Class(                                    \
         #Class, support::runTestClass<Class, false>);
 
-/// Same, for a test that uses the devices' addresses: it refuses to start outside a private
-/// network.
+/// Like BELUN_TEST, for a test that uses the devices' addresses: it refuses to start outside a
+/// private network.
 #define BELUN_NETWORK_TEST(Class)                                                                  \
     static const support::TestRegistration registration##Class(                                    \
         #Class, support::runTestClass<Class, true>);

@@ -9,8 +9,8 @@ namespace support {
 
 namespace {
 
-/// Indexed by name, such as "VehicleFrame" for VehicleFrameTest. A function, because the classes
-/// register before main() in unspecified order.
+/// Returns the registered classes by name, such as "VehicleFrame" for VehicleFrameTest. This is a
+/// function because the classes register before main() in unspecified order.
 std::map<std::string, TestRun>& testClasses()
 {
     static std::map<std::string, TestRun> classes;

@@ -10,8 +10,8 @@
 
 namespace support {
 
-/// Finds a window's widgets by object name and calls its private slots. The window outlives it. A
-/// missing widget ends the test program, because nothing after it would make sense.
+/// Access to a window's widgets by object name, and to its private slots. The window must outlive
+/// the probe. A missing widget ends the test program, because no later step would make sense.
 class WindowProbe
 {
 public:

@@ -1,4 +1,4 @@
-// The built program on screens of other densities: everything grows with them.
+// The program on screens of various densities: the window scales with the density.
 #include "tests/support/TestMain.h"
 #include "tests/system/DrivenProcess.h"
 
@@ -23,7 +23,7 @@ void DensityTest::everythingGrowsWithTheDensity_data()
     QTest::newRow("192") << 2.0;
 }
 
-/// In its own pixels the window is as at 96 dpi, texts included.
+/// In window pixels, the window's size and the screen's density are the same as at 96 dpi.
 void DensityTest::everythingGrowsWithTheDensity()
 {
     QFETCH(double, scale);
@@ -41,7 +41,7 @@ void DensityTest::everythingGrowsWithTheDensity()
     const QByteArray before("795 x 712, 96 dpi, scale ");
     QVERIFY2(answer.startsWith(before), answer);
     const double seen = answer.mid(before.size()).split('\n').first().toDouble();
-    QVERIFY2(qAbs(seen - scale) < 1.0 / 65536, answer); // Qt's steps
+    QVERIFY2(qAbs(seen - scale) < 1.0 / 65536, answer); // the resolution of Qt's factor
     program.close();
 }
 

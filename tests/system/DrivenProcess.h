@@ -8,7 +8,7 @@
 #include <QProcessEnvironment>
 #include <QString>
 
-/// Runs the program as a process and operates its window from inside (tests/app/DrivenProgram.cpp)
+/// The program as a process, whose window is operated from inside (tests/app/DrivenProgram.cpp)
 /// through a socket, so that its standard streams are unused. A failed step fails the calling test
 /// function.
 class DrivenProcess
@@ -32,7 +32,7 @@ public:
     /// Closes the window; the program has to end with status 0.
     void close();
 
-    /// Milliseconds that a step may take on a busy machine.
+    /// Returns how many milliseconds a step may take on a busy machine.
     static int limit();
 
 private:

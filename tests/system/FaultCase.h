@@ -8,21 +8,21 @@
 /// What the user does.
 enum class FaultAction {
     Link,          ///< switches the faults on, then clicks the link button
-    Linked,        ///< the same in the opposite order
+    Linked,        ///< links, then switches the faults on
     Browse,        ///< switches the faults on, then lists the card for the first time
     BrowseAgain,   ///< lists the card, switches the faults on, lists it again
     Delete,        ///< links, lists, switches the faults on, deletes the first recording
-    DeleteAll,     ///< the same with all recordings
-    Format,        ///< the same, formats the card
-    Download,      ///< the same, downloads the first recording of 40,000 bytes
-    DownloadSmall, ///< the same, downloads the second recording of 500 bytes
-    Stalled        ///< as Download, checked while it is in progress
+    DeleteAll,     ///< as Delete, but deletes all recordings
+    Format,        ///< as Delete, but formats the card
+    Download,      ///< as Delete, but downloads the first recording, of 40,000 bytes
+    DownloadSmall, ///< as Delete, but downloads the second recording, of 500 bytes
+    Stalled        ///< as Download, but is checked while the download is in progress
 };
 
 struct FaultCase
 {
-    /// Faults in the simulator's syntax, "NAME" or "NAME=VALUE"; other control lines ("drop
-    /// control") are sent unchanged.
+    /// Faults in the simulator's syntax, "NAME" or "NAME=VALUE". Control lines that begin with
+    /// "drop" or "clear" are sent unchanged.
     QList<QByteArray> faults;
     FaultAction action;
     /// What the user then sees; see the tables.
@@ -31,7 +31,7 @@ struct FaultCase
     /// heartbeats and the version report.
     int watched = 450;
 
-    /// The row's tag.
+    /// Returns the row's tag.
     QByteArray tag() const;
     /// Returns the names of the faults without their values.
     QList<QByteArray> faultNames() const;

@@ -16,7 +16,7 @@ const QList<FaultCase>& downloadFaultCases()
         {{"odd-head-end"}, A::Download, "whole"},
         {{"split-head"}, A::Download, "whole"},
         {{"byte-by-byte=0"}, A::DownloadSmall, "whole"},
-        // Bytes after the announced length are saved if they come in the same receive.
+        // Bytes after the announced length are saved if they arrive in the same receive.
         {{"growing-recording=3000"}, A::DownloadSmall, "3500 other bytes"},
         {{"no-card"}, A::Download, "41 other bytes"},
         {{"swapped-card"}, A::Download, "4000 other bytes"},
@@ -61,7 +61,7 @@ const QList<FaultCase>& downloadFaultCases()
         {{"name-line-end"}, A::Download, "43 other bytes"},
         {{"name-utf8"}, A::Download, "41 other bytes"},
 
-        // Each of these is closed during the download.
+        // In each of these cases the window is closed during the download.
         {{"stall=95"}, A::Stalled, "Download Progress: 1/1, bar 38000 of 40000, button disabled"},
         {{"silent=camera"}, A::Stalled, "Download Progress: 1/1, bar 0 of 100, button disabled"},
         {{"never-accept=camera"},

@@ -17,7 +17,7 @@ namespace support {
 class StdoutCapture;
 }
 
-/// The real window with the built simulator, whose card holds REC00001.MP4 (40,000 bytes) and
+/// The real window with the built simulator, whose card contains REC00001.MP4 (40,000 bytes) and
 /// REC00002.MP4 (500 bytes). Created for each case, with an empty home folder; a failed step fails
 /// the calling test function.
 class FaultRun
@@ -34,8 +34,8 @@ public:
     /// Switches faults on (see FaultCase).
     void set(const QList<QByteArray>& faults);
     void control(const QByteArray& line);
-    /// Selects the row and downloads it. Returns when the window is idle again; the output
-    /// meanwhile is in printed().
+    /// Selects the row and downloads it. Returns when the window is idle again; printed() then
+    /// returns the output of the download.
     void download(int row);
     /// Destroys the window, which must take less than two seconds, and stops the simulator.
     void close();

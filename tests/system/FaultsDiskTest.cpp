@@ -52,7 +52,8 @@ QByteArray native(const QString& path)
     return QFile::encodeName(path);
 }
 
-/// A user who may write only world-writable folders; the caller, unless that is root.
+/// Makes root an ordinary user while this object exists, so that file permissions apply; changes
+/// nothing for any other user.
 class OrdinaryUser
 {
 public:
@@ -73,7 +74,8 @@ private:
     bool m_changed;
 };
 
-/// Limits the file size of this process; writing more is an error and not a signal.
+/// Limits the size of the files that this process writes, while this object exists. Writing more is
+/// an error, not a signal.
 class FileSizeLimit
 {
 public:
@@ -93,7 +95,7 @@ private:
     rlimit m_former{};
 };
 
-/// Mounts a disk of that size over the folder, for this thread and those it starts.
+/// Mounts a disk of that size over the folder, for this thread and the threads that it starts.
 class SmallDisk
 {
 public:

@@ -1,4 +1,4 @@
-// Every fault has a case, and every case is a fault.
+// Every fault of the simulator has a case, and every case names existing faults.
 #include "tests/support/TestMain.h"
 #include "tests/system/FaultCase.h"
 

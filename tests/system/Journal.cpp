@@ -26,8 +26,8 @@ QString heartbeatOf(const QString& device)
     return device == "ground" ? QStringLiteral("bbaf0401005e") : QStringLiteral("aaaf0401005e");
 }
 
-/// Formats bytes as text, one output line per line, with special characters escaped. Each output
-/// line begins with the mark.
+/// Returns the bytes as lines of text with special characters escaped. Each line begins with the
+/// mark.
 QStringList shownText(const QString& mark, const QByteArray& bytes)
 {
     QStringList lines;
@@ -67,7 +67,7 @@ QString shownOpen(const QJsonObject& line)
 QStringList cameraLines(const QList<QJsonObject>& connection)
 {
     QStringList lines;
-    QByteArray received; // one text for all receives
+    QByteArray received; // consecutive receives are shown as one
     for (const QJsonObject& line : connection) {
         const QString event = value(line, "event");
         const QByteArray bytes = QByteArray::fromHex(value(line, "bytes").toLatin1());
@@ -98,7 +98,7 @@ QStringList cameraLines(const QList<QJsonObject>& connection)
     return lines + shownText("> ", received);
 }
 
-/// Formats both directions of a module's connection separately.
+/// The two directions of a module's connection, formatted separately.
 class ModuleTalk
 {
 public:
@@ -190,7 +190,8 @@ Journal::Journal(const QString& path)
     for (int i = 0; i + 1 < lines.size(); ++i) {
         const QJsonObject line = QJsonDocument::fromJson(lines[i]).object();
         if (value(line, "event") == "close") {
-            // A client that leaves unread bytes resets a connection that the device has closed.
+            // A client with unread bytes resets a connection that the device has already closed,
+            // which adds a second "close".
             const auto connection =
                 qMakePair(value(line, "device"), line.value("connection").toInt());
             if (closed.contains(connection)) {

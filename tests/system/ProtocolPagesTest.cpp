@@ -81,7 +81,7 @@ QString meaning(const vehicle::Received& received, std::uint8_t startByte, bool 
     return readsReports && vehicle::decodeVersionReport(received) ? "report" : "nothing";
 }
 
-/// Plays the module's side of the conversations on a page.
+/// The module's side of a conversation on a page, as the function of a scripted server.
 struct Conversation
 {
     std::vector<ScriptedServer::Script> connections;

@@ -17,14 +17,15 @@ constexpr int startLimit = 5000; // milliseconds
 constexpr int endLimit = 3000;
 constexpr int probeInterval = 5;
 
-/// Also finds servers outside the search path of an ordinary user.
+/// Returns the path of a server program, even outside the search path of an ordinary user.
 QString programPath(const QString& name)
 {
     const QString found = QStandardPaths::findExecutable(name);
     return found.isEmpty() ? QStandardPaths::findExecutable(name, {"/usr/sbin", "/sbin"}) : found;
 }
 
-/// The modules of an unpacked, not installed package are beside it, not in the default folder.
+/// Returns the option for lighttpd's module folder. If the package was unpacked instead of
+/// installed, the modules are near the program and not in the default folder.
 QStringList moduleFolderOption(const QString& program)
 {
     const QDir folder(QFileInfo(program).absolutePath() + "/../lib/lighttpd");

@@ -6,9 +6,9 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// Runs nginx, lighttpd or busybox httpd in the foreground, with the test's privileges and all
-/// files in a temporary folder; the system's own service and its files are not touched. Ended with
-/// this object, by its own process id. Use from one thread only.
+/// A process of nginx, lighttpd or busybox httpd in the foreground, with the test's privileges and
+/// all files in a temporary folder; the system's own service and its files are not touched. The
+/// destructor ends the server by its own process id. Use from one thread only.
 class RealServer
 {
 public:
@@ -37,10 +37,10 @@ public:
     /// Returns the address of a path, including scheme and port.
     std::string url(const QString& path) const;
 
-    // Path prefixes. nginx only: the file without an announced length.
+    // Prefixed paths. nginx only: the file, sent without an announced length.
     static QString chunkedPath(const QString& path) { return "chunked/" + path; }
     static QString closingPath(const QString& path) { return "closing/" + path; }
-    // lighttpd only: the CGI program, its answer streamed.
+    // lighttpd only: the CGI program, with its answer streamed.
     static QString streamedPath(const QString& path) { return "streamed/" + path; }
 
 private:

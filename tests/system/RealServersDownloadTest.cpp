@@ -40,7 +40,7 @@ private:
 
     std::unique_ptr<RealServer> m_camera;
     resp_header m_head;          // of the last download
-    QVariantList m_lastProgress; // of the last download; empty without any
+    QVariantList m_lastProgress; // of the last download; empty if it reported no progress
 };
 
 void RealServersDownloadTest::cleanup()
@@ -101,8 +101,7 @@ void RealServersDownloadTest::aRecordingArrivesWhole()
     COMPARE_BODIES(recording("BELUN_0001.bin"), body(size));
 }
 
-// busybox does not accept a request with scheme and host in its target, and its pages have no
-// length.
+// busybox rejects a request with scheme and host in its target, and its error pages have no length.
 void RealServersDownloadTest::aRefusedRequestLeavesAnEmptyRecording()
 {
     QVERIFY(startCamera(RealServer::Busybox));

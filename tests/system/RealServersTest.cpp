@@ -100,8 +100,8 @@ Outcome RealServersTest::get(RealServer& server, const QString& path)
     return getOn(server, path, {});
 }
 
-/// A GET that reads the body after a given number of bytes have arrived, so that the size of the
-/// first receive is known.
+/// Performs a GET that reads the body only after `bytes` bytes of it have arrived, so that the size
+/// of the first receive is known.
 Outcome RealServersTest::getWhenThereAre(int bytes, RealServer& server, const QString& path,
                                          HTTPResponse response)
 {
@@ -226,7 +226,7 @@ void RealServersTest::aBodyWithoutALengthEndsWithTheFirstReceive()
     QCOMPARE(outcome.response.contentLength, 0U);
     COMPARE_BODIES(outcome.bytes(), body(size).left(taken));
 
-    // One GET takes the result of exactly one receive, however much has arrived.
+    // A GET returns the bytes of exactly one receive, however many those are.
     outcome = get(server(kind), path);
     QVERIFY(outcome.result);
     QVERIFY2(!outcome.body.empty() && outcome.body.size() <= 10240,

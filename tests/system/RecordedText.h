@@ -7,12 +7,12 @@
 
 #include <QString>
 
-/// Returns why the test must not run as requested, or an empty text.
+/// Returns an error text if recording is requested while CI is set, otherwise an empty text.
 QString whyNotToRecord();
 
 /// Compares the text with the recording of that name ("wire/healthy.txt"), or records it. Returns
-/// an empty text if they are equal, otherwise the first differing line and where the complete text
-/// was saved, beside the test program.
+/// an empty text if they are equal. Otherwise returns a message: the first differing line and where
+/// the complete text was saved, next to the test program; or that the text was recorded.
 QString differenceToRecorded(const QString& name, const QString& text);
 
 /// Returns the path of a recording.

@@ -28,7 +28,8 @@ private slots:
     void windowSeesTheSameFromAFullJournal();
 
 private:
-    /// What the window shows and writes, with the simulator started in this way.
+    /// Appends to `seen` what the window shows and saves with a simulator started with these
+    /// arguments.
     void use(const QStringList& arguments, QStringList& seen);
 
     QTemporaryDir m_folder;
@@ -72,7 +73,7 @@ void ReplayTest::windowSeesTheSameFromAFullJournal()
     }
     const QString journal = m_folder.filePath("journal");
     QStringList recorded;
-    // The last row is fetched first.
+    // The last row is downloaded first: request 5 is for B.MP4, request 6 for A.MP4.
     use({"--card", card, "--journal", journal, "--journal-full", "--fault", "info-reordered@3",
          "--fault", "close-mid-body@6=10000", "--fault", "split-head@5"},
         recorded);

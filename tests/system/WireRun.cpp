@@ -26,8 +26,8 @@ struct CardFile
     const char* changed;
 };
 
-// In list order. The downloaded ones fit the system's connection buffer, so that all of each is
-// sent whether or not it is read.
+// In list order. Those that are downloaded fit the system's connection buffer, so that each is sent
+// completely whether or not it is read.
 constexpr CardFile cardFiles[] = {
     {"REC 3 & 4.MP4", 12'345, "2020-02-29T23:59:58Z"},
     {"REC00001.MP4", 500, "2020-01-31T12:45:02Z"},
@@ -214,8 +214,8 @@ void WireRun::loseLink()
     noteLink();
 }
 
-// The existing link reconnects by itself. Without heartbeats the window does not know, and a click
-// creates a second link to each module.
+// The existing link reconnects by itself. Without heartbeats the window does not learn of that, and
+// a click creates a second link to each module.
 void WireRun::linkAgain()
 {
     control("fault no-heartbeat=control");
@@ -239,7 +239,7 @@ void WireRun::linkAgain()
 void WireRun::close()
 {
     m_user.reset();
-    // A connection that stays open shows in the text.
+    // A connection that stays open appears in the text.
     eventually([this] { return journal().isEveryConnectionClosed(); });
     QVERIFY2(m_simulator.end(), qPrintable(m_simulator.error()));
 }

@@ -24,7 +24,7 @@ public:
 
     /// Performs the session. A failed step fails the calling test function.
     void play();
-    /// The simulator's journal and what the window showed.
+    /// Returns the simulator's journal and what the window showed.
     QString text() const;
 
 private:

@@ -22,7 +22,7 @@ struct Read
     bool headSeen = false;
 };
 
-/// Feeds an answer in pieces and then closes the connection.
+/// Returns the result of reading an answer in pieces from a connection that then closes.
 Read readInPieces(const QByteArray& answer, int piece, bool stopAtHead = false)
 {
     Read read;

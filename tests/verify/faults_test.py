@@ -37,7 +37,8 @@ def neither(why):
 
 
 def renamed(name):
-    """The recording with the new name can be downloaded; the old file is only on this computer."""
+    """Returns the output if the card has A.MP4 under this name: it can be downloaded, and
+    A.MP4 itself is only on this computer."""
     return (1, [f"{name}: not on this computer (500 bytes)", BOTH[1], "A.MP4: not on the card",
                 f"Do not delete yet: not known to be safe (1 of 2): {name}. Missing here: 500 "
                 "bytes; free in DCIM: ROOM bytes."], "")
@@ -178,8 +179,8 @@ CASES = [
                           "Do not delete yet: not known to be safe (1 of 2): B.MP4."], "")),
 ]
 
-# Groups whose faults affect the modules or requests that this program never sends, and the limit,
-# which is not a fault itself.
+# Groups of faults that affect the modules, or requests that this program never sends; then a fault
+# of the modules in another group, and the limit, which is not a fault itself.
 ELSEWHERE = ("Frames of the modules", "Delete and format")
 NO_FAULTS_OF_THE_CAMERA = {"flapping", "only"}
 
