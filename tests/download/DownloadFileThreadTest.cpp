@@ -346,7 +346,7 @@ void DownloadFileThreadTest::answerWithoutALengthSavesNoBody()
 
 void DownloadFileThreadTest::refusedConnectionStillFinishes()
 {
-    const support::DeadlyPipeSignal deadly; // the request is still written
+    const support::DeadlyPipeSignal deadly; // the request is written to the refused connection
     Download download("a.mp4");
     QVERIFY(download.run());
     QCOMPARE(download.output.text(), QByteArray("connect failed, return: -1\n"));

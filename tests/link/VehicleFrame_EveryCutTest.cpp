@@ -56,7 +56,7 @@ const QByteArray filler(94, 'x'); // fills up a hundred bytes, the most that one
 
 // The signals of the control module's thread.
 const QString linked = QStringLiteral("linked");
-const QString zeros = QStringLiteral("version 0 0 0 0 0"); // a receive that ends before its type
+const QString zeros = QStringLiteral("version 0 0 0 0 0"); // if the type byte is missing
 const QString report = QStringLiteral("version 7 300 600 100 10");
 
 // The answers of the ground module's thread.

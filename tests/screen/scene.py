@@ -37,7 +37,7 @@ def without(rows, *numbers):
 class ScreenTest(harness.SimulatorTest):
     """One vehicle and one program for each test, in the language of the class."""
 
-    texts = None  # of the class's language
+    texts = None  # set by the class of each language
     maxDiff = None
 
     def setUp(self):

@@ -36,7 +36,7 @@ void report(int news, char what)
         pollfd ready[] = {{control, POLLIN, 0}, {::signalfd(-1, &broken, 0), POLLIN, 0}};
         while (::poll(ready, 2, -1) >= 0 && ready[0].revents == 0) {
             report(news, wanted);
-            ready[1].fd = -1; // once is enough
+            ready[1].fd = -1; // one report is enough
         }
         ::fcntl(file, F_SETLEASE, F_UNLCK);
     }

@@ -29,7 +29,7 @@ public:
 
 private:
     LogCapture m_log;
-    int m_collected; // an unnamed file
+    int m_collected; // descriptor of an unnamed file
     int m_real;
 };
 

@@ -37,6 +37,6 @@ public:
 
 private:
     QLocalServer m_server;
-    QLocalSocket* m_socket = nullptr; // the server's
+    QLocalSocket* m_socket = nullptr; // owned by m_server
     QProcess m_process;
 };

@@ -270,7 +270,7 @@ void RealServersTest::aMissingFileIsAnAnswerWithItsStatusAndPage()
     const Outcome outcome = get(server(kind), "no/such/file");
     QVERIFY(outcome.result);
     QCOMPARE(outcome.response.statusCode, 404);
-    if (kind != RealServer::Busybox) { // its pages have no length
+    if (kind != RealServer::Busybox) { // its error pages have no length
         QCOMPARE(outcome.body.size(), static_cast<std::size_t>(outcome.response.contentLength));
         QVERIFY2(outcome.body.find("404 Not Found") != std::string::npos, outcome.body.c_str());
     }

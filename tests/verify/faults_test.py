@@ -197,7 +197,7 @@ class Faults(VerifyTest):
         self.assertEqual(before, self.snapshot())
         for text in (result.out, result.err):
             self.assertTrue(all(letter.isprintable() or letter == "\n" for letter in text), text)
-        if expected is None:  # the second request to the wrong camera depends on the order
+        if expected is None:  # which requests have even numbers depends on their order
             self.assertIn(result.status, (1, 2))
             self.assertTrue(result.summary.startswith("Do not delete yet: "))
             return
