@@ -10,7 +10,8 @@ QByteArray contents(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// This is in an archive, whose initialisers run after those of the program's own objects.
+// This file is in a static library, whose initialisers run after those of the program's own
+// objects.
 const EarlyReading reading{contents(QStringLiteral(":/Images/appicon.png")),
                            contents(QStringLiteral(":/translation/belun_chinese.qm")),
                            contents(QStringLiteral(":/translation/belun_english.qm"))};

@@ -1,4 +1,4 @@
-// Scripts for modules that send nothing, or nothing more.
+// Scripts for modules that send nothing or only the given bytes, and then keep receiving.
 #pragma once
 
 #include "tests/support/ScriptedServer.h"
@@ -11,7 +11,7 @@ inline void hold(support::Peer& peer)
     peer.holdOpen();
 }
 
-/// Sends the bytes, then holds.
+/// Returns a script that sends the bytes and then keeps receiving.
 inline support::ScriptedServer::Script sendAndHold(const QByteArray& bytes)
 {
     return [bytes](support::Peer& peer) {

@@ -11,7 +11,7 @@ ETHERNET = 1
 
 
 class Capture:
-    """A capture that runs in a separate thread from `start` to `stop`."""
+    """A capture that runs in a separate thread until `stop` is called."""
 
     ALL = 0x0003
     OUTGOING = 4

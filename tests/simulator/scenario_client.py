@@ -15,7 +15,7 @@ sys.dont_write_bytecode = True
 import harness  # noqa: E402
 
 QUIET = 0.15  # seconds without a further step
-PATIENCE = 0.4  # seconds: more than a fault delays an answer
+PATIENCE = 0.4  # seconds; longer than a fault delays an answer
 TARGETS = (harness.COUNT, harness.LIST + b"2", harness.INFO + b"A.MP4",
            harness.RECORDING + b"A.MP4", harness.DELETE + b"NONE.MP4")
 

@@ -10,7 +10,7 @@
 namespace support {
 
 /// Collects the qDebug and qInfo lines of all threads, in order, while this object exists; they are
-/// not printed. Requires a main function from TestMain.h.
+/// not printed. Works only in tests that runTest() runs (TestMain.h).
 class LogCapture
 {
 public:

@@ -27,7 +27,7 @@ struct FaultCase
     FaultAction action;
     /// What the user then sees; see the tables.
     QString expected;
-    /// How long the link must then stay in that state, in milliseconds. The minimum covers two
+    /// How long the link must then stay in that state, in milliseconds. The default covers two
     /// heartbeats and the version report.
     int watched = 450;
 
@@ -37,7 +37,7 @@ struct FaultCase
     QList<QByteArray> faultNames() const;
 };
 
-// One test class for each.
+// The tables; each has its own test class.
 const QList<FaultCase>& linkFaultCases();
 const QList<FaultCase>& heartbeatKeptFaultCases();
 const QList<FaultCase>& heartbeatLostFaultCases();
