@@ -59,9 +59,10 @@ def mutants_of(file, text):
         for rule, new in changes_of_line(code, following):
             if file.endswith(".h") and "statement" in rule:
                 continue  # a declaration
-            last = number + (2 if rule == "swapped statements" else 1)
+            # comments at the end stay out of it, so that rewording them leaves the mutant usable
+            place = [line, following] if rule == "swapped statements" else [code]
             for first in range(number, max(-1, number - CONTEXT - 1), -1):
-                old = "\n".join(lines[first:last])
+                old = "\n".join(lines[first:number] + place)
                 if text.count(old) == 1:
                     before = "".join(f"{each}\n" for each in lines[first:number])
                     mutants.append({"name": f"{rule}: {code.strip()}", "file": file, "old": old,
