@@ -1,8 +1,8 @@
-# Completion for belun-simulator, belun-private-network and belun-verify, in bash. All that is offered
-# comes from the commands themselves: their options from --help, the faults from --list-faults.
+# Bash completion for belun-simulator, belun-private-network and belun-verify. Everything offered comes
+# from the commands themselves: the options from --help, the faults from --list-faults.
 # shellcheck shell=bash
 
-# Prints each option of a command on a line, as --help spells it: "--card DIR", "--sample[=a|b]".
+# Prints the options of a command, one per line, as --help shows them: "--card DIR", "--sample[=a|b]".
 _belun_options()
 {
     if [[ ${1##*/} == belun-simulator ]]; then
@@ -15,7 +15,8 @@ _belun_options()
     fi 2>/dev/null
 }
 
-# Prints the placeholder of an option's value or its words: "DIR", "boundary|dive", ...
+# Prints the completions of an option's value. The second argument is the value as --help shows it:
+# "DIR", "boundary|dive", ...
 _belun_values()
 {
     local command=$1 value=$2 current=$3
@@ -37,7 +38,8 @@ _belun()
     current=${words[-1]} previous=${words[-2]}
     mapfile -t forms < <(_belun_options "$command")
 
-    # Words that are neither options nor their values: a command, a recording, lines to send.
+    # Counts the words before the current one that are neither options nor their values: a command, a
+    # recording, lines to send.
     for ((i = 1; i < ${#words[@]} - 1; ++i)); do
         option=${words[i]}
         if [[ $option != -* ]]; then
@@ -75,7 +77,7 @@ _belun()
         mapfile -t COMPREPLY < <(compgen -W "${forms[*]%%[ \[]*}" -- "$current")
     fi
 
-    # Bash takes what follows an equals sign for a word of its own.
+    # Bash splits words at equals signs: completions must not repeat the part before the last one.
     if [[ $current == *=* && $COMP_WORDBREAKS == *=* ]]; then
         prefix=${current#"$prefix"} prefix=${prefix%"${prefix##*=}"}
         COMPREPLY=("${COMPREPLY[@]#"$prefix"}")
