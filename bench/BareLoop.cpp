@@ -1,4 +1,4 @@
-// A download in reads of 4,096 bytes with nothing else: one request, then read and write.
+// The bare loop: downloads with one request and then only reads of at most 4,096 bytes and writes.
 #include "bench/Camera.h"
 #include "bench/Report.h"
 

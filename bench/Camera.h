@@ -3,7 +3,7 @@
 
 namespace bench {
 
-/// Returns a socket that is connected to the camera; negative on failure.
+/// Returns a socket connected to the camera, or -1 on failure.
 int connectToCamera();
 
 /// Requests `path` and reads the head of the answer. Returns the announced length in bytes, 0 if

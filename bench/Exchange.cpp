@@ -1,4 +1,4 @@
-// Repeats one GET, each over a new connection, with this project's client or with libcurl.
+// Repeats one GET, each time over a new connection, with this project's client or with libcurl.
 #include "bench/Report.h"
 #include "http/HTTPClient.h"
 

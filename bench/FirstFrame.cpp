@@ -1,5 +1,5 @@
-// Linked to a program with its own main function: reports when the first window has been painted
-// and how much memory the program uses half a second later, then ends it.
+// Linked into a program that has its own main function: reports when the first window has been
+// painted and how much memory the program uses half a second later, then ends the program.
 #include "bench/Report.h"
 
 #include <QApplication>
@@ -16,7 +16,8 @@ constexpr int settleTime = 500; // milliseconds
 class FirstFrame : public QObject
 {
 public:
-    /// The window paints while it handles its first exposure; a queued call runs after it.
+    /// Queues the report on the first exposure: the window paints while it handles this event, and
+    /// the queued call runs afterwards.
     bool eventFilter(QObject* receiver, QEvent* event) override
     {
         const auto* window = qobject_cast<QWindow*>(receiver);

@@ -1,5 +1,5 @@
 // The smallest window that does the required work of a download: a thread reads at most 4,096 bytes
-// at a time, writes them and emits a queued signal, and each signal sets a plain progress bar.
+// at a time, writes them and emits a queued signal, and each signal updates a plain progress bar.
 #include "bench/Camera.h"
 #include "bench/Report.h"
 

@@ -1,4 +1,4 @@
-// Times single functions, without a connection if they need none.
+// Measures single functions; none uses the network.
 #include "card/CardAnswers.h"
 #include "card/FileInfoText.h"
 #include "card/NameTable.h"
@@ -35,7 +35,7 @@ void downloadHead(benchmark::State& state)
     }
 }
 
-/// Reads a head that is already in the socket: one system call per byte.
+/// Measures reading a head that is already in the socket, with one system call per byte.
 void clientHead(benchmark::State& state)
 {
     int ends[2];
@@ -95,7 +95,7 @@ void frame(benchmark::State& state)
 
 } // namespace
 
-/// Does what the library's macros do, about which Clang 22 warns.
+/// Does what the library's macros do; Clang 22 warns about the macros.
 int main(int argc, char** argv)
 {
     benchmark::RegisterBenchmark("downloadHead", downloadHead);

@@ -32,8 +32,8 @@ double cpuSeconds()
     return seconds(taken.ru_utime) + seconds(taken.ru_stime);
 }
 
-// Not from getrusage(), which includes the memory that the process had before it executed this
-// program.
+// Does not use getrusage(), whose peak includes the memory that the process used before it executed
+// this program.
 double peakKilobytes()
 {
     double peak = 0;

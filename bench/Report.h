@@ -12,10 +12,10 @@ double now();
 /// Returns the CPU time of this process in seconds, in user and kernel mode.
 double cpuSeconds();
 
-/// Returns the peak memory of this process in kilobytes.
+/// Returns the peak resident memory of this process in kilobytes.
 double peakKilobytes();
 
-/// Returns the current memory of this process in kilobytes.
+/// Returns the resident memory of this process in kilobytes.
 double residentKilobytes();
 
 /// Prints named figures as one line of JSON on standard output.

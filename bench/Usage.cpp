@@ -1,5 +1,5 @@
-// Runs another program and reports the time and memory that it used. Small, because the memory that
-// a new process shares with its parent counts as the other program's.
+// Runs another program and reports the time and memory that it used. This program is small, because
+// the memory that a new process shares with its parent counts as the other program's.
 #include "bench/Report.h"
 
 #include <cstdio>

@@ -25,7 +25,7 @@ constexpr char usage[] =
     "  idle N        stay open for N seconds; linked with 'linked N'\n"
     "Prints one line of JSON per result. Needs the private network.\n";
 
-/// Measures the delay of a timer of five milliseconds in the thread that creates this object.
+/// Measures the delays of a five-millisecond timer in the thread that creates this object.
 class TimerDelays : public QObject
 {
 public:
@@ -41,7 +41,7 @@ public:
         m_timer.start(interval);
     }
 
-    /// Returns the delay in milliseconds that this share of all ticks did not exceed.
+    /// Returns the delay in milliseconds that was not exceeded by a given share of all ticks.
     double percentile(double share)
     {
         if (m_delays.empty()) {
@@ -114,8 +114,8 @@ void download(WindowUser& user, int rounds)
     }
 }
 
-/// Downloads with a timer running and reports its delays and how late the full bar was painted. The
-/// last byte counts as written when the download thread emits its end.
+/// Downloads while a timer runs, and reports the delays of the timer and when the full bar was
+/// painted. topic_alive.py compares that moment with the last modification of the file.
 void watch(WindowUser& user)
 {
     user.link();

@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Ends an event loop when the download button is enabled and no further download has started:
-/// between two files the button is enabled and disabled again.
+/// Ends an event loop once the download button is enabled and no further download has started:
+/// between two files, the button is enabled only to be disabled again.
 class EndOfDownloads : public QObject
 {
 public:

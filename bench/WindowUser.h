@@ -1,4 +1,4 @@
-// Operates the program's window from inside.
+// Operates the program's window from inside the process.
 #pragma once
 
 #include "app/MainWindow.h"
@@ -7,12 +7,12 @@
 #include <QProgressBar>
 #include <QTableWidget>
 
-/// Shows the window as the program does and clicks in it. Ends the process with a message if
-/// something cannot be done. Must be used by one thread.
+/// Shows the window as the program does, and clicks in it. Ends the process with a message if an
+/// operation fails. Must be used in the thread of the application.
 class WindowUser
 {
 public:
-    /// Waits until the window has been painted.
+    /// Shows the window and waits long enough for it to be painted.
     WindowUser();
 
     template <class Widget>
@@ -31,7 +31,7 @@ public:
     void browse();
     /// Selects and downloads all rows and waits until the last download has finished.
     void downloadAll();
-    /// Runs the event loop.
+    /// Runs the event loop for the given time.
     static void wait(int milliseconds);
 
     MainWindow& window() { return m_window; }

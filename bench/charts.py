@@ -9,7 +9,7 @@ matplotlib.rcParams.update({
     "svg.hashsalt": "belun", "svg.fonttype": "none", "font.size": 9,
     "axes.spines.top": False, "axes.spines.right": False, "axes.spines.bottom": False,
     "figure.facecolor": "white", "savefig.facecolor": "white"})
-import matplotlib.pyplot as plt  # noqa: E402  after the choice of what it draws with
+import matplotlib.pyplot as plt  # noqa: E402  imported after the backend has been chosen
 
 import topic_alive  # noqa: E402
 
@@ -45,7 +45,7 @@ def of(results, name, factor=1):
 
 
 def times(limit, reference):
-    """Returns the limit of a ratio in the unit of the axis: the ratio times the median."""
+    """Returns the limit of a ratio in the unit of the axis: limit times median of the reference."""
     return limit * statistics.median(reference)
 
 

@@ -6,8 +6,8 @@ import statistics
 
 @dataclasses.dataclass
 class Line:
-    """One line of the table. A line without a limit is only informative; a ratio is relative to the
-    named reference. `why` explains the figure in a few words."""
+    """One line of the table. A line without a limit is only informative. `what` names the reference
+    of a ratio, and `why` explains the figure in a few words."""
 
     topic: str
     what: str
@@ -25,14 +25,14 @@ class Line:
 
 def at_most(topic, what, values, limit, unit="", places=2, why=""):
     """Returns a line with the median, the lowest and the highest of the values. The verdict is
-    "unsettled" if the values spread widely and the limit is within their middle half."""
+    "unsettled" if the values are widely spread and the limit lies within their middle half."""
     middle = statistics.median(values)
     figure = f"{middle:.{places}f}{unit}"
     if len(values) > 1:
         figure += f" ({min(values):.{places}f} to {max(values):.{places}f})"
     if limit is None:
         return Line(topic, what, figure)
-    # Compares the rounded figure, as it is printed, so that a reader can check the verdict.
+    # Compares the limit with the rounded figure, as printed, so that readers can check the verdict.
     reached = round(middle, places) <= limit
     if len(values) > 2:
         lower, _, upper = statistics.quantiles(values, n=4, method="inclusive")
@@ -43,7 +43,7 @@ def at_most(topic, what, values, limit, unit="", places=2, why=""):
 
 
 def ratios(measured, reference):
-    """Returns the ratio of each pair; both of a pair were measured one after the other."""
+    """Returns the ratio of each pair of values, which were measured one after the other."""
     return [ours / theirs for ours, theirs in zip(measured, reference)]
 
 

@@ -22,7 +22,7 @@ TOPICS = ("download", "alive", "browse", "start", "idle", "exchange", "growth")
 
 
 def machine():
-    """Describes the machine on which the figures were measured."""
+    """Returns a description of the machine on which the figures were measured."""
     processor = next((line.split(":", 1)[1].strip() for line in open("/proc/cpuinfo")
                       if line.startswith("model name")), platform.machine())
     memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES") / 2**30
@@ -32,7 +32,7 @@ def machine():
 
 
 def publish(text):
-    """Replaces the text between the two marks in docs/performance.md."""
+    """Replaces the text between the two marker comments in docs/performance.md."""
     page = ROOT / "docs/performance.md"
     begin, end = "<!-- figures: begin -->", "<!-- figures: end -->"
     before, _, rest = page.read_text(encoding="utf-8").partition(begin)
@@ -41,7 +41,7 @@ def publish(text):
 
 
 def wait_for_rest():
-    """Waits until the load of the preceding build has decreased; returns the load."""
+    """Waits, for a limited time, until the load of the build has decreased; returns the load."""
     deadline = time.monotonic() + LONGEST_WAIT
     while os.getloadavg()[0] > QUIET and time.monotonic() < deadline:
         time.sleep(5)

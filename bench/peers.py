@@ -1,5 +1,5 @@
-"""The surroundings of a measurement: the built programs, a web server in the place of the camera,
-the simulated modules, and the network between them. Each ends with its `with` block."""
+"""The environment of a measurement: the built programs, a web server in place of the camera, the
+simulated modules, and the network between them. What a `with` block starts ends with the block."""
 
 import contextlib
 import json
@@ -47,11 +47,11 @@ http {{
 
 
 class Failed(Exception):
-    """A program failed to do its job."""
+    """A program failed, or a file has the wrong size."""
 
 
 def folder_in_memory():
-    """A temporary folder, in memory if the system has a place for it."""
+    """Returns a temporary folder, in memory if /dev/shm is writable."""
     shared = "/dev/shm"
     return tempfile.TemporaryDirectory(prefix="belun-bench-",
                                        dir=shared if os.access(shared, os.W_OK) else None)
@@ -82,13 +82,13 @@ def driver(name, *arguments, **environment):
 
 
 def usage_of(command, **environment):
-    """Returns time and memory of a program that does not report them itself."""
+    """Runs a program that does not report its time and memory itself, and returns both."""
     return driver("bench_usage", *command, **environment)[0]
 
 
 @contextlib.contextmanager
 def started(command, ready, **options):
-    """A program that runs until the block ends; `ready(process)` waits until it can be used."""
+    """Runs a program until the block ends; `ready(process)` waits until it can be used."""
     process = subprocess.Popen([str(word) for word in command], stdin=subprocess.PIPE,
                                stderr=subprocess.DEVNULL, **options)
     try:
@@ -111,7 +111,8 @@ def nginx_program():
 
 @contextlib.contextmanager
 def camera(sizes, bytes_per_second=0):
-    """nginx with recordings of these sizes, in megabytes, on its card."""
+    """Runs nginx as a camera whose card has recordings of these sizes in megabytes. Yields nginx's
+    folder and process."""
     with folder_in_memory() as folder:
         card = pathlib.Path(folder, "www" + RECORDINGS)
         card.mkdir(parents=True)
@@ -145,7 +146,7 @@ def camera(sizes, bytes_per_second=0):
 
 @contextlib.contextmanager
 def vehicle(*options):
-    """The simulated vehicle."""
+    """Runs the simulated vehicle. Yields its process."""
     def ready(process):
         readable, _, _ = select.select([process.stdout], [], [], 20)
         if not readable or process.stdout.readline() != b"belun-simulator ready\n":
@@ -157,14 +158,14 @@ def vehicle(*options):
 
 
 def modules():
-    """The simulated modules without the camera, whose place another program takes."""
+    """Runs the simulated modules without the camera, so that another program can take its place."""
     return vehicle("--fault", "refuse=camera")
 
 
 @contextlib.contextmanager
 def shaped(bits_per_second):
-    """Limits the network's rate with a token bucket on the loopback interface. Yields False if the
-    system does not allow that."""
+    """Limits the network's rate with a token bucket on the loopback interface; a rate of 0 means no
+    limit. Yields False if the system does not allow this."""
     if not bits_per_second:
         yield True
         return
@@ -182,7 +183,7 @@ def shaped(bits_per_second):
 
 @contextlib.contextmanager
 def home():
-    """A home folder with a desktop, in memory. Yields it and its folder for recordings."""
+    """Creates a home folder with a desktop, in memory. Yields it and the folder for recordings."""
     with folder_in_memory() as folder:
         recordings = pathlib.Path(folder, "Desktop/DCIM")
         recordings.mkdir(parents=True)

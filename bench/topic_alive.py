@@ -11,7 +11,8 @@ LIMITS = {"1 Gbit/s": 5, "unthrottled": 16}  # milliseconds
 
 
 def watched(folder, recordings, clock_offset):
-    """One download; `late` is the time from the last byte to the full bar, in seconds."""
+    """Returns the figures of one download; `late` is the time in seconds from the last modification
+    of the file until the bar is painted full."""
     result, = driver("bench_window", "watch", HOME=str(folder))
     file = recordings / NAME
     result["late"] = result["shownAt"] - (file.stat().st_mtime - clock_offset)

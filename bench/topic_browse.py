@@ -1,4 +1,4 @@
-"""Browsing a card, compared with one curl process that sends the same requests, each over a new
+"""Browsing a card, compared with one curl process that makes the same requests, each over a new
 connection."""
 
 import os
@@ -22,7 +22,7 @@ def addresses(names):
 
 def curl_browse(folder, count):
     """Returns the seconds that one curl process reports for the requests of a browse of `count`
-    files, without its start. "Connection: close" prevents it from reusing a connection."""
+    files, without its start-up. "Connection: close" keeps curl from reusing a connection."""
     configuration = pathlib.Path(folder, "requests")
     configuration.write_text(
         'silent\nhttp1.1\nheader = "Connection: close"\nwrite-out = "%{time_total}\\n"\n' + "".join(
@@ -32,7 +32,7 @@ def curl_browse(folder, count):
 
 
 def measure_card(options, count):
-    """Returns the seconds per request, of the window and of curl."""
+    """Returns the seconds per request, for the window and for curl."""
     requests = count + 2
     with folder_in_memory() as folder:
         card = pathlib.Path(folder, "card")

@@ -1,5 +1,5 @@
-"""Downloading one recording from nginx, compared with the least window that does the same, a bare
-loop of reads and writes, curl, wget and aria2c."""
+"""Downloading one recording from nginx, compared with the smallest window that does the same, a
+bare loop of reads and writes, curl, wget and aria2c."""
 
 import time
 
@@ -9,7 +9,7 @@ from peers import (CAMERA, RECORDINGS, Failed, camera, driver, home, modules, sh
 TOPIC = "download"
 NAME = "REC00000.MP4"
 TARGET = RECORDINGS + NAME
-# Name, bits per second, megabytes, megabytes in a quick run.
+# Name, bits per second (0: unlimited), megabytes, megabytes in a quick run.
 SPEEDS = (("100 Mbit/s", 100_000_000, 128, 8), ("1 Gbit/s", 1_000_000_000, 512, 64),
           ("unthrottled", 0, 512, 128))
 
@@ -32,7 +32,7 @@ LIMITS = {
 
 
 class Download:
-    """Downloads with one of the programs, into a new file."""
+    """Downloads with each of the programs, into a new file that is removed afterwards."""
 
     def __init__(self, folder, recordings, megabytes, starts_of_second):
         self.folder = folder
@@ -47,7 +47,7 @@ class Download:
         return result
 
     def begin(self):
-        """Waits for a whole second if the rate is limited: nginx counts it per second."""
+        """Waits for the start of a second if nginx limits the rate, which it does per second."""
         if self.starts_of_second:
             time.sleep(1 - time.time() % 1)
 

@@ -1,4 +1,5 @@
-"""The HTTP client: small GETs, each over a new connection, compared with libcurl; and its parts."""
+"""Small GETs of the HTTP client, each over a new connection, compared with libcurl; and single
+functions of the libraries."""
 
 import json
 import pathlib
@@ -16,7 +17,7 @@ def exchanges(options, by):
 
 
 def parts(options):
-    """Returns the nanoseconds of each function, measured by Google Benchmark."""
+    """Returns the nanoseconds that each function takes, measured by Google Benchmark."""
     output = run([BUILT / "bench_micro", "--benchmark_format=json",
                   f"--benchmark_min_time={0.05 if options.quick else 0.5}"])["output"]
     return {part["name"]: part["cpu_time"] for part in json.loads(output)["benchmarks"]}

@@ -12,7 +12,7 @@ KILOBYTES = (1, 10, 100, 1000, 20_000)
 
 
 def selection(options):
-    """Returns the microseconds per row, by the number of rows."""
+    """Returns, for each number of rows, the microseconds per row of collecting the selection."""
     result = {}
     for count in ROWS:
         with folder_in_memory() as folder:
@@ -26,7 +26,7 @@ def selection(options):
 
 
 def answers(options):
-    """Returns seconds and memory of one answer, by its kilobytes."""
+    """Returns, for each size in kilobytes, the seconds per answer and the growth of the memory."""
     result = {}
     with camera([1]) as (folder, _):
         for size in KILOBYTES:
@@ -46,8 +46,8 @@ def downloads(options):
 
 
 def thirds(values):
-    """Returns the medians of the last and of the first third, without the first values, which
-    include work done only once."""
+    """Returns the medians of the last and of the first third. Leaves out the first values, which
+    include work that is done only once."""
     part = len(values) // 3
     return statistics.median(values[-part:]), statistics.median(values[5:5 + part])
 

@@ -1,4 +1,4 @@
-"""What the idle window costs: only opened, and linked to the vehicle."""
+"""CPU time and wake-ups of the idle window, when only opened and when linked to the vehicle."""
 
 import os
 import pathlib
@@ -12,7 +12,7 @@ TOPIC = "idle"
 
 
 def threads(process):
-    """Returns the CPU seconds and the voluntary waits so far, of each thread by its name."""
+    """Returns, for each thread by name and number, its CPU seconds and voluntary waits so far."""
     result = {}
     for task in pathlib.Path(f"/proc/{process}/task").iterdir():
         fields = (task / "stat").read_text().rpartition(")")[2].split()
@@ -30,7 +30,7 @@ def watch(job, seconds):
     try:
         if b"begin" not in process.stdout.readline():
             raise Failed(f"bench_window {job} does not run")
-        time.sleep(2)  # work after the start is not idling
+        time.sleep(2)  # so that work done after the start is not measured
         before = threads(process.pid)
         time.sleep(seconds)
         after = threads(process.pid)

@@ -1,4 +1,4 @@
-"""From the start of the process to the first painted frame, compared with a bare window."""
+"""Time from the start of the process to the first painted frame, compared with a bare window."""
 
 import json
 import statistics
