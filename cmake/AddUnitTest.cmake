@@ -5,14 +5,14 @@
 # A test marked PRIVATE_NETWORK also gets the label `network` and runs in its own private network, so
 # that such tests can run in parallel.
 
-# Compile-only tests are built once; they find nothing new with Qt 6 or under a sanitizer.
+# Compile-only tests are not built with Qt 6 or with a sanitizer, where they would find nothing new.
 if(BELUN_SANITIZE OR BELUN_QT_MAJOR EQUAL 6)
   set(BELUN_EVERY_VARIANT OFF)
 else()
   set(BELUN_EVERY_VARIANT ON)
 endif()
 
-# Always a new network, even if the caller is already inside one.
+# Creates a new network for each test, even if the caller is already inside one.
 set(BELUN_PRIVATE_NETWORK "${PROJECT_SOURCE_DIR}/tools/private-network" --own)
 
 math(EXPR BELUN_TIMEOUT_unit "60 * ${BELUN_TIME_FACTOR}")
@@ -42,7 +42,7 @@ function(add_test_program folder)
     AUTOMOC ON
     RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
   target_link_libraries(${target} PRIVATE project_options test_kit Qt::Test ${arg_LIBRARIES})
-  # Clang builds without it, so that missing includes are found.
+  # Only with GCC: Clang builds without precompiled headers, so that missing includes are found.
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_precompile_headers(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support/Precompiled.h")
   endif()
@@ -56,7 +56,8 @@ function(add_unit_test)
   list(GET parts 0 folder)
   list(GET parts 1 class)
   target_sources(test_${folder} PRIVATE ${class}Test.cpp)
-  # A cross build has an emulator; CTest would add it only in front of a target.
+  # In a cross build the program runs in an emulator, which CMake adds by itself only where the command is
+  # the name of a target.
   set(command ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:test_${folder}> ${class})
   if(arg_PRIVATE_NETWORK)
     list(PREPEND command ${BELUN_PRIVATE_NETWORK})

@@ -1,7 +1,7 @@
 # cmake -DFROM=<file.qm> -DTO=<file.qm> -P DropLanguage.cmake
 #
-# Copies a compiled catalogue without its language section: tag A7, the length 5 in four bytes and a
-# name like zh_CN, directly after the 16-byte magic number. Fails if there is none.
+# Copies a compiled catalogue without its language section, which follows the 16-byte magic number: tag A7,
+# the length 5 in four bytes, and a name such as zh_CN. Fails if there is no such section.
 cmake_minimum_required(VERSION 3.22)
 
 set(magic 3cb86418caef9c95cd211cbf60a1bddd)

@@ -1,5 +1,5 @@
-# The Debian packages belun-download and belun-simulator: cpack -G DEB in the build folder of the
-# preset `release` writes them into packages/ there.
+# The Debian packages belun-download and belun-simulator: run in a build folder, cpack -G DEB writes them
+# into packages/ there.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
@@ -8,7 +8,7 @@ set(CPACK_PROJECT_CONFIG_FILE "${PROJECT_BINARY_DIR}/SourceDate.cmake")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL program simulator)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-# Independent of the caller's umask.
+# Folders get these permissions, whatever the caller's umask is.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
@@ -16,7 +16,7 @@ set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${BELUN_MAINTAINER}")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 
-# Each package has its own summary; this one would precede both.
+# CPack would put this summary before that of each package.
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME belun-download)
 set(CPACK_DEBIAN_PROGRAM_FILE_NAME DEB-DEFAULT)

@@ -1,4 +1,4 @@
-# Language level, warnings and include root: one interface target that all our targets link.
+# An interface target with language level, warnings and include root, which all our targets link.
 option(BELUN_WERROR "Treat compiler warnings as errors" OFF)
 
 add_library(project_options INTERFACE)

@@ -1,8 +1,9 @@
 # belun_add_resources(<target> <collection> <catalogues> [<file>...])
 #
 # Compiles the resource collection <collection>.qrc into an object library. The paths in it are relative
-# to the build folder, which has the catalogues of belun_add_translations and copies of the other files:
-# Qt's functions do not escape an absolute path, in which an ampersand is no valid XML.
+# to the build folder, which contains the catalogues of belun_add_translations and copies of the other
+# files. They are not absolute because Qt's functions do not escape them: an ampersand in a path would make
+# the XML invalid.
 function(belun_add_resources target collection catalogues)
   foreach(file ${collection}.qrc ${ARGN})
     configure_file("${file}" "${CMAKE_CURRENT_BINARY_DIR}/${file}" COPYONLY)
@@ -16,8 +17,8 @@ function(belun_add_resources target collection catalogues)
     qt_add_resources(compiled "${collection_file}" OPTIONS --format-version 1)
   endif()
 
-  # An object library, not an archive: the linker would drop an archive's members, because nothing
-  # refers to them, and the window's paths must be valid before main.
+  # An object library, not an archive: nothing refers to the members, so the linker would drop them from an
+  # archive; and the resources must be registered before main() runs.
   add_library(${target} OBJECT ${compiled} ${catalogues})
   target_link_libraries(${target} PRIVATE Qt::Core)
 endfunction()

@@ -1,7 +1,7 @@
 # -DBELUN_SANITIZE=address,undefined (or thread) instruments all our targets.
 #
-# BELUN_SANITIZER_ENVIRONMENT contains the run-time options. Every test gets it and passes it on to
-# the programs it starts.
+# BELUN_SANITIZER_ENVIRONMENT contains the run-time options as environment variables. Every test gets them
+# and passes them on to the programs that it starts.
 set(BELUN_SANITIZE "" CACHE STRING "Sanitizers to build with, separated by commas")
 
 set(BELUN_SANITIZER_ENVIRONMENT)
@@ -14,9 +14,10 @@ if(BELUN_SANITIZE)
   target_link_options(project_options INTERFACE -fsanitize=${BELUN_SANITIZE})
 
   set(suppressions "${PROJECT_SOURCE_DIR}/cmake/sanitizers")
-  # ignore_noninstrumented_modules: Qt's locks and atomics are invisible, so accesses that they
-  # protect must be ignored as well.
-  # halt_on_error: reports a race even in a program that its test kills at the end.
+  # ignore_noninstrumented_modules: the sanitizer does not see Qt's locks and atomics, so accesses that
+  # they protect must be ignored as well.
+  # halt_on_error: a race ends the program at once, so that it is noticed even in a program that is later
+  # killed by its test.
   set(BELUN_TIME_FACTOR 6)
   set(BELUN_SANITIZER_ENVIRONMENT
     "BELUN_TIME_FACTOR=${BELUN_TIME_FACTOR}"
@@ -27,7 +28,7 @@ if(BELUN_SANITIZE)
 endif()
 
 if(BELUN_SANITIZE MATCHES "thread")
-  # See QtThreads.cpp. Every target that links Qt gets it.
+  # Links QtThreads.cpp, which explains why, into every target that links Qt.
   set(qt_core "Qt${BELUN_QT_MAJOR}::Core")
   add_library(qt_threads STATIC "${PROJECT_SOURCE_DIR}/cmake/sanitizers/QtThreads.cpp")
   target_include_directories(qt_threads SYSTEM PRIVATE
@@ -40,12 +41,12 @@ if(BELUN_SANITIZE MATCHES "thread")
   endforeach()
 endif()
 
-# For tests on a display: only the slow unwinder attributes leaks in the xcb plugin to the plugin. It
-# would make all other tests eight times slower.
+# The environment for tests on a display: only the slow unwinder attributes leaks of the xcb plugin to the
+# plugin. For all other tests it is not used, because it makes them eight times slower.
 set(BELUN_DISPLAY_ENVIRONMENT ${BELUN_SANITIZER_ENVIRONMENT})
 list(TRANSFORM BELUN_DISPLAY_ENVIRONMENT
   REPLACE "^ASAN_OPTIONS=" "ASAN_OPTIONS=fast_unwind_on_malloc=0:")
 
-# The same for programs not started by CTest: one variable per line.
+# Writes the variables to a file, one per line, for programs that CTest does not start.
 list(JOIN BELUN_SANITIZER_ENVIRONMENT "\n" lines)
 file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/test-environment" CONTENT "${lines}\n" @ONLY)

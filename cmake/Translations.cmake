@@ -1,12 +1,12 @@
 # belun_add_translations(<variable> <update target> <code> <file.ts>...)
 #
 # Compiles each catalogue source to a .qm in the build folder and lists the results in <variable>.
-# lrelease writes the source's language into the .qm. Nothing reads it, because the catalogue is chosen
-# by its file name, so that section is removed.
+# lrelease writes the language of the source into a section of the .qm. Nothing reads this section, because
+# a catalogue is chosen by its file name, so it is removed.
 #
-# The update target updates the sources from the code, a pattern of file names. It is run by hand, never
-# by a build, and removes no entry: lupdate marks entries that are not in the code as vanished, and
-# lrelease would drop them. The mark is removed again, because an entry may have been added by hand.
+# The update target updates the sources from <code>, a pattern of file names. It is run by hand, never by a
+# build, and removes no entry: lupdate marks entries that are not in the code as vanished, and lrelease
+# would drop them. The target removes this mark, because an entry may have been added by hand.
 function(belun_add_translations variable update code)
   set(with_language "${CMAKE_CURRENT_BINARY_DIR}/with_language")
   file(MAKE_DIRECTORY "${with_language}")

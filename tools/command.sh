@@ -1,5 +1,5 @@
-# What the commands of this tree share: messages, options, installing packages. A command sources this
-# file, which changes to the root of the tree, and defines a function "usage" that prints its help.
+# Functions common to the commands of this tree: messages, options, installing packages. A command sources
+# this file, which changes to the root of the tree, and defines a function "usage" that prints its help.
 # shellcheck shell=bash
 
 commandName=$(readlink -f "$0")
@@ -13,7 +13,7 @@ say()
     printf '%s: %s\n' "$commandName" "$*" >&2
 }
 
-# Exits after a message about a wrong call.
+# Prints a message about wrong arguments and the usage, and exits with status 2.
 refuse()
 {
     say "$@"
@@ -24,9 +24,9 @@ refuse()
 # readOptions "$@": accepts the arguments that the usage describes and refuses all others.
 #   "  --quick  ..."         an option: given[--quick] is 1 if it was given, otherwise empty
 #   "  --jobs N  ..."        an option with a value: given[--jobs] is the value, or empty
-#   "[OPTION...] TOPIC..."   further arguments, named by a capital word: they are in operands
-#   "[OPTION...] COMMAND"    a command, which ends the options: it is in operands with its arguments
-#   "[-- CTEST-OPTION...]"   arguments after "--": they are in passedOn
+#   "[OPTION...] TOPIC..."   further arguments, described by a word in capitals: stored in operands
+#   "[OPTION...] COMMAND"    a command, which ends the options: stored with its arguments in operands
+#   "[-- CTEST-OPTION...]"   arguments after "--": stored in passedOn
 readOptions()
 {
     local help line

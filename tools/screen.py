@@ -1,7 +1,7 @@
 """Mouse, keyboard and screenshots on an X display, as a user would use them.
 
-window.py reads texts and places. Every wait has a time limit and raises NotSeen with a description
-of what was expected.
+window.py reads texts and positions. Every wait has a time limit and raises NotSeen with a
+description of what was expected.
 """
 
 import subprocess
@@ -100,7 +100,7 @@ def click(point, holding=None):
     held = ["keydown", holding] if holding else []
     released = ["keyup", holding] if holding else []
     x, y = (str(number) for number in point)
-    # Without --sync, which times out slowly if the pointer is already there.
+    # Without --sync, which waits for a long time if the pointer is already at the point.
     _run("xdotool", "mousemove", x, y, *held, "click", "1", *released)
 
 

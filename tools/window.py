@@ -1,4 +1,4 @@
-"""Reads the program's window through the accessibility interface: texts, places and states.
+"""Reads the program's window through the accessibility interface: texts, positions and states.
 
 Read-only; screen.py acts with mouse and keyboard. Needs a message bus.
 """
@@ -12,13 +12,13 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
-Unreadable = GLib.Error  # raised where the box of an item that is gone is read
+Unreadable = GLib.Error  # raised when the box of an item that no longer exists is read
 
 Atspi.set_timeout(2000, 5000)
 
 _STATES = {name: getattr(Atspi.StateType, name)
            for name in ("ENABLED", "SHOWING", "FOCUSED", "CHECKED", "SELECTED")}
-# By number, because their names differ between versions of the interface.
+# By number, because the names of the roles differ between versions of the interface.
 _ROLES = {int(number): name for number, name in (
     (Atspi.Role.ALERT, "alert"), (Atspi.Role.CHECK_BOX, "check box"),
     (Atspi.Role.COMBO_BOX, "combo box"), (Atspi.Role.DIALOG, "dialog"),
@@ -31,7 +31,8 @@ _ROLES = {int(number): name for number, name in (
     (Atspi.Role.TABLE_COLUMN_HEADER, "table column header"),
     (Atspi.Role.TABLE_ROW_HEADER, "table row header"), (Atspi.Role.TEXT, "text"),
     (Atspi.Role.TOOL_BAR, "tool bar"))}
-# Their contents are shown by the widget itself, or only while it is open.
+# _walk() does not descend into these: the widget shows their contents itself, or only while it is
+# open.
 _CLOSED = ("combo box", "status bar", "tool bar", "menu bar")
 _WITHOUT_PARTS = ("push button", "check box", "label", "text", "progress bar",
                   "table column header", "table row header", "table cell", "list item")
@@ -40,8 +41,8 @@ _READ_BY_NAME = ("push button", "check box", "label", "panel", "combo box", "tab
 
 
 def start_bus(log):
-    """Starts a message bus for this process and its children, with its messages in the log. Keep
-    the result; the bus ends with the private network."""
+    """Starts a message bus for this process and its children, whose messages go to the log. The
+    caller keeps the returned process. The bus ends with the private network."""
     with open(log, "wb") as file:
         bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"],
                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=file)
@@ -98,7 +99,7 @@ def _walk(accessible, items, closed=_CLOSED):
 
 
 class Program:
-    """The windows of the process with this id."""
+    """The windows of the process with a given id."""
 
     def __init__(self, process):
         self.process = process
@@ -109,7 +110,7 @@ class Program:
         for index in range(desktop.get_child_count()):
             child = desktop.get_child_at_index(index)
             if child is not None and child.get_process_id() == self.process:
-                # Each look queries again: no event loop runs here that would update a cache.
+                # Without a cache: no event loop runs here that would update one.
                 child.set_cache_mask(Atspi.Cache.NONE)
                 self.application = child
                 return
@@ -132,12 +133,12 @@ class Program:
         return []
 
     def items(self):
-        """Returns everything shown in the window, from top to bottom; nothing without a window."""
+        """Returns everything shown in the window, from top to bottom; empty without a window."""
         return self._patiently(lambda: self._look(lambda top: _role_of(top) == "frame"))
 
     def find(self, role, name=None, number=0):
-        """Returns an item shown in the window, or None: by its number among those of this role, or
-        of this role and name."""
+        """Returns the item shown in the window that has this number among those with the role, and
+        with the name if one is given; None if there are fewer."""
         found = [item for item in self.items() if item.role == role and name in (None, item.name)]
         return found[number] if number < len(found) else None
 
@@ -155,7 +156,7 @@ class Program:
 
     @staticmethod
     def _patiently(look):
-        """Returns no items if the program changes while it is being read."""
+        """Returns the result of look(), or no items if the program changes while it is read."""
         try:
             return look()
         except (GLib.Error, LookupError):

@@ -1,6 +1,6 @@
-// Declares to the thread sanitizer what it cannot see in an uninstrumented Qt: everything a thread
-// has done happens before the QThread::wait() that waited for it returns. The linker redirects our
-// calls of start() and wait() to this file (Sanitizers.cmake).
+// Tells the thread sanitizer what it cannot see in an uninstrumented Qt: everything that a thread
+// has done happens before a QThread::wait() for this thread returns. The linker redirects our calls
+// of start() and wait() to this file (Sanitizers.cmake).
 #include <sanitizer/tsan_interface.h>
 
 #include <QThread>
@@ -31,7 +31,7 @@ bool isOver(QThread* thread, bool waited)
 
 void tellingStart(QThread* thread, QThread::Priority priority)
 {
-    // Emitted by the thread itself, after run().
+    // Emitted in the thread itself, after run() has returned.
     QObject::connect(
         thread, &QThread::finished, thread, [thread] { __tsan_release(thread); },
         Qt::DirectConnection);
