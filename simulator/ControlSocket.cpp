@@ -39,7 +39,7 @@ std::string removeDead(const std::string& path)
         return errno == ENOENT ? std::string() : path + ": " + std::strerror(errno);
     }
     if (!S_ISSOCK(status.st_mode)) {
-        return path + " is a file and no socket; it is left alone";
+        return path + " is a file, not a socket; it was not changed";
     }
     const FileDescriptor probe(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     if (connectTo(probe, path) == 0 || errno != ECONNREFUSED) {

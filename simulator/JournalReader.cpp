@@ -169,7 +169,7 @@ std::string readJournal(const std::string& path, std::vector<ObservedEvent>& eve
     for (int number = 1; std::getline(file, text); ++number) {
         // A killed simulator may leave the last line unfinished.
         if (!addLine(text, events, run) && !file.eof()) {
-            return path + ":" + std::to_string(number) + ": this is no line of a journal";
+            return path + ":" + std::to_string(number) + ": not a line of a journal";
         }
     }
     return {};

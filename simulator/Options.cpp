@@ -91,10 +91,10 @@ const std::vector<OptionRow>& optionRows()
              return v.empty() || v == "dive" || v == "boundary";
          }},
         {"--sample-to", Takes::Value, "DIR",
-         "write these recordings into DIR; without --sample that is all",
+         "write these recordings into DIR; without --sample, then exit",
          nonEmpty(&Options::sampleFolder)},
         {"--seed", Takes::Value, "NUMBER",
-         "seed of the contents of the sample card and of the chances of faults (default 1)",
+         "seed for the sample card's contents and for random faults (default 1)",
          [](Options& options, const std::string& v) { return parseUnsigned(v, options.seed); }},
         {"--versions", Takes::Value, "LIST",
          "hardware type, hardware, software, protocol and bootloader version (default "

@@ -26,8 +26,8 @@ const std::vector<RecordedEvent>* Replay::connection(const std::string& device)
     const auto& connections = m_run.connections[device];
     const std::size_t number = m_connectionsPlayed[device]++;
     if (number >= connections.size()) {
-        m_failure = "the " + device + " module had " + std::to_string(connections.size()) +
-                    " connections in the recorded run, and here is one more";
+        m_failure = "the recorded run has no connection " + std::to_string(number + 1) +
+                    " to the " + device + " module";
         return nullptr;
     }
     return &connections[number];

@@ -14,7 +14,7 @@ std::string_view reachabilityText(Reachability reachability)
     case Reachability::Listening:
         return "listening";
     case Reachability::Unheard:
-        return "accepting nobody";
+        return "not accepting";
     case Reachability::Refusing:
         return "refusing";
     case Reachability::Deaf:
@@ -154,8 +154,8 @@ ControlAnswer Simulator::showStatus()
     };
     add("running", std::to_string(seconds) + " s");
     for (const Device* each : {&m_control, &m_ground, &m_camera}) {
-        add(each->name(), std::string(reachabilityText(each->reachability())) + ", " +
-                              std::to_string(each->connections().size()) + " connections open");
+        add(each->name(), std::string(reachabilityText(each->reachability())) +
+                              ", open connections: " + std::to_string(each->connections().size()));
     }
     add("requests", std::to_string(m_cameraState.exchanges) + " to the camera");
     add("downloads", std::to_string(m_downloads));

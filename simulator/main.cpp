@@ -79,8 +79,8 @@ void printFilled(const std::string& path, const simulator::RecordedRun& run)
 {
     if (run.filledBytes > 0) {
         std::fprintf(stderr,
-                     "belun-simulator: %s: %llu bytes in %llu runs are not in the file, and zeros "
-                     "take their place\n",
+                     "belun-simulator: %s: %llu bytes in %llu runs are not in the file, and are "
+                     "replaced by zeros\n",
                      path.c_str(), static_cast<unsigned long long>(run.filledBytes),
                      static_cast<unsigned long long>(run.filledRuns));
     }

@@ -81,8 +81,8 @@ class ControlTest(SimulatorTest):
                      lambda: os.symlink("nowhere", self.path)):
             make()
             before = os.lstat(self.path)
-            self.assertEqual((1, f"belun-simulator: {self.path} is a file and no socket; it is "
-                                 "left alone\n"), self.refused(self.path))
+            self.assertEqual((1, f"belun-simulator: {self.path} is a file, not a socket; it was "
+                                 "not changed\n"), self.refused(self.path))
             self.assertEqual(before.st_ino, os.lstat(self.path).st_ino)
             (os.rmdir if stat.S_ISDIR(before.st_mode) else os.unlink)(self.path)
 
@@ -191,12 +191,12 @@ class ControlTest(SimulatorTest):
         self.eventually(lambda: self.journal(device="camera", event="open"), "the connection")
         self.ask(COUNT)
         text = "\n".join(self.details("status"))
-        for line in ("control     listening, 0 connections open",
-                     "ground      refusing, 0 connections open", "requests    1 to the camera",
+        for line in ("control     listening, open connections: 0",
+                     "ground      refusing, open connections: 0", "requests    1 to the camera",
                      "card        11 recordings", "rate        3072 bytes a second",
                      "faults      1 on"):
             self.assertIn(line, text)
-        self.assertRegex(text, r"camera      listening, [12] connections open")
+        self.assertRegex(text, r"camera      listening, open connections: [12]")
 
     def test_help_shows_every_line(self):
         self.start()
