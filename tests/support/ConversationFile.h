@@ -1,0 +1,75 @@
+// Conversations of a client with its peer, written as plain text:
+//
+//   # what a broken chunk left is taken from the next body
+//   client readBody given chunked left=2 | false chunked left=2
+//   < 5                                  | false chunked received=1 left=1 "5"
+//   < \r                                 | false chunked received=2 "5\r"
+//   < \n                                 | false chunked last received=2 "5\r"
+//   < hello\r\nnext                      = true chunked last received=2 "5\r" unread "next"
+//
+// `#` is a comment; the one right above `client` names the conversation. `client` states the call,
+// `<` what the peer sends, `=`, in the last of these lines or below it, the result and, after
+// `unread`, the bytes that the client leaves. A further call of the same conversation follows
+// without an empty line. The words of a call and of a result are the player's.
+//
+// `|` states the result if the connection ends there: before any byte, or after a byte of the line.
+// It is in every line above the last `<` or in none.
+//
+// A `<` line may state an action after its bytes. `! close`: the peer closes. `! pause`: the peer
+// waits until the client has received everything; the conversation is then played only with these
+// pauses.
+//
+// `then as in: NAME` continues like a conversation above in the same file, after its first `<`
+// line.
+//
+// Bytes are escaped: \r \n \\ \xFF, \s (a space at the start or the end), \(25000 x) (a repeated
+// character).
+#pragma once
+
+#include "tests/support/Cuts.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace support {
+
+/// One call and the peer's part of it.
+struct Exchange
+{
+    std::string call;
+    std::string closedAtStart; ///< Result if the connection closes without a byte; or empty.
+    std::vector<Piece> pieces; ///< One for each `<` line; the last one's outcome is the result.
+    std::vector<std::size_t> pauses; ///< Positions in the bytes.
+    bool peerCloses;
+    std::string result;
+    std::string unread; ///< In quotes; empty if there is nothing.
+};
+
+struct Conversation
+{
+    std::string name; ///< "FILE: NAME", without the file's extension.
+    std::vector<Exchange> exchanges;
+
+    bool mayEndAnywhere() const
+    {
+        return !exchanges.empty() && !exchanges.front().closedAtStart.empty();
+    }
+    bool hasPauses() const
+    {
+        return std::any_of(exchanges.begin(), exchanges.end(),
+                           [](const Exchange& exchange) { return !exchange.pauses.empty(); });
+    }
+};
+
+struct Conversations
+{
+    std::vector<Conversation> all;
+    std::string error; ///< "FILE:LINE: REASON", or empty.
+};
+
+/// Parses every file of a folder, up to the first error.
+Conversations readConversations(const std::string& folder);
+
+} // namespace support
