@@ -1,30 +1,23 @@
-// Valid and invalid input from devices, with the outcome for each point at which the connection may
-// end.
+// The conversations in tests/data/conversations/http as rows of a test.
 #pragma once
 
-#include "tests/http/WireOutcome.h"
-#include "tests/support/Cuts.h"
+#include "tests/support/ConversationFile.h"
 
-#include <string>
-#include <vector>
+#include <QByteArray>
+#include <QTest>
 
-using support::Piece;
+Q_DECLARE_METATYPE(support::Conversation)
 
-/// One answer or a part of one. The outcome of the last piece is that of the complete answer.
-/// Splitting does not change any of these outcomes.
-struct Conversation
+/// Adds a row "conversation" for each one that fits.
+inline void addConversations(bool (*fits)(const support::Conversation&))
 {
-    const char* name;
-    Reader reader;
-    HTTPResponse before;       ///< The response record before reading.
-    bool endsByItself;         ///< The parser returns although the connection is still open.
-    std::string closedAtStart; ///< Outcome if the connection is closed without a byte.
-    std::vector<Piece> pieces;
-    std::string unread; ///< Unread bytes after everything was delivered.
-};
-
-std::vector<Conversation> headConversations();
-std::vector<Conversation> plainConversations();
-std::vector<Conversation> chunkedConversations();
-std::vector<Conversation> oddChunkConversations();
-std::vector<Conversation> carriedOverConversations();
+    const support::Conversations conversations =
+        support::readConversations(TEST_DATA "/conversations/http");
+    QVERIFY2(conversations.error.empty(), conversations.error.c_str());
+    QTest::addColumn<support::Conversation>("conversation");
+    for (const support::Conversation& conversation : conversations.all) {
+        if (fits(conversation)) {
+            QTest::newRow(conversation.name.c_str()) << conversation;
+        }
+    }
+}

@@ -3,7 +3,9 @@
 #include "http/HTTPClient.h"
 #include "tests/support/Cuts.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdlib>
 
 #include <sys/socket.h>
 #include <unistd.h>
@@ -12,33 +14,23 @@ using support::printable;
 
 namespace {
 
-std::string describe(bool result, const HTTPResponse& response, const std::string& body)
+/// Writes a run of a hundred characters or more as "\(100 x)".
+std::string shortened(const std::string& text)
 {
-    std::string text = result ? "true" : "false";
-    const auto number = [&text](const char* name, long long value) {
-        if (value != 0) {
-            text += std::string(" ") + name + "=" + std::to_string(value);
-        }
-    };
-    number("status", response.statusCode);
-    text += response.chunked ? " chunked" : "";
-    text += response.lastChunkSeen ? " last" : "";
-    number("length", response.contentLength);
-    number("received", response.received);
-    number("left", response.chunkLeft);
-    if (!response.headers.empty()) {
-        text += " {";
-        const char* comma = "";
-        for (const auto& [name, value] : response.headers) {
-            text += comma + printable(name) + ": " + printable(value);
-            comma = ", ";
-        }
-        text += "}";
+    std::string result;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find_first_not_of(text[at], at), text.size());
+        const std::string run = text.substr(at, end - at);
+        result +=
+            run.size() < 100 ? run : "\\(" + std::to_string(run.size()) + " " + text[at] + ")";
+        at = end;
     }
-    if (!body.empty()) {
-        text += " \"" + printable(body) + "\"";
-    }
-    return text;
+    return result;
+}
+
+std::string quoted(const std::string& bytes)
+{
+    return bytes.empty() ? "" : "\"" + shortened(printable(bytes)) + "\"";
 }
 
 std::string receivedByNow(int descriptor)
@@ -56,8 +48,65 @@ std::string receivedByNow(int descriptor)
 
 } // namespace
 
-Outcome readFrom(Reader reader, const HTTPResponse& before, const support::Delivery& delivery)
+std::string describe(bool result, const Record& record)
 {
+    const HTTPResponse& response = record.response;
+    std::string text = result ? "true" : "false";
+    const auto number = [&text](const char* name, long long value) {
+        if (value != 0) {
+            text += std::string(" ") + name + "=" + std::to_string(value);
+        }
+    };
+    number("status", response.statusCode);
+    text += response.chunked ? " chunked" : "";
+    text += response.lastChunkSeen ? " last" : "";
+    number("length", response.contentLength);
+    number("received", response.received);
+    number("left", response.chunkLeft);
+    if (!response.headers.empty()) {
+        text += " {";
+        const char* comma = "";
+        for (const auto& [name, value] : response.headers) {
+            text += comma + shortened(printable(name)) + ": " + shortened(printable(value));
+            comma = ", ";
+        }
+        text += "}";
+    }
+    return record.body.empty() ? text : text + " " + quoted(record.body);
+}
+
+std::string prepared(const std::string& call, Record& record)
+{
+    const std::size_t end = call.find(" given ");
+    if (end == std::string::npos) {
+        return call;
+    }
+    const std::string given = call.substr(end + 6) + " ";
+    const auto number = [&given](const std::string& name) {
+        const std::size_t at = given.find(" " + name + "=");
+        return at == std::string::npos ? 0 : std::atoll(&given[at + name.size() + 2]);
+    };
+    const std::size_t quote = std::min(given.find('"'), given.size() - 1);
+    record = {};
+    record.response.statusCode = static_cast<int>(number("status"));
+    record.response.chunked = given.find(" chunked ") != std::string::npos;
+    record.response.lastChunkSeen = given.find(" last ") != std::string::npos;
+    record.response.contentLength = static_cast<std::uint32_t>(number("length"));
+    record.response.received = static_cast<std::uint32_t>(number("received"));
+    record.response.chunkLeft = static_cast<int>(number("left"));
+    record.body = given.substr(quote + 1, given.rfind('"') - quote - 1);
+    const bool understood = describe(false, record) + " " == "false" + given;
+    return understood ? call.substr(0, end) : "unknown word in: " + call;
+}
+
+Outcome readFrom(const std::string& call, Record& record, const support::Delivery& delivery)
+{
+    const std::string operation = prepared(call, record);
+    const bool readsHead = operation != "readBody";
+    const bool readsBody = operation != "readHeader";
+    if (readsHead && readsBody && operation.rfind("get /", 0) != 0) {
+        return {operation + ": unknown", ""};
+    }
     int ends[2];
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         return {"no socket pair", ""};
@@ -67,19 +116,17 @@ Outcome readFrom(Reader reader, const HTTPResponse& before, const support::Deliv
     support::PieceSender sender(ends[1], ends[0], delivery);
 
     HTTPClient client;
-    HTTPResponse response = before;
-    std::string body;
     bool result = true;
-    if (reader != Reader::Body) {
-        result = client.readHeader(session, response);
+    if (readsHead) {
+        result = client.readHeader(session, record.response);
     }
-    if (reader != Reader::Head) {
-        result = client.readBody(session, response, body);
+    if (readsBody) {
+        result = client.readBody(session, record.response, record.body);
     }
 
     const std::string unsent = sender.finish();
     const std::string stopped = sender.readerHadToBeStopped() ? "NEVER RETURNED, then " : "";
     const std::string unread = receivedByNow(session.socketDescriptor) + unsent;
     ::close(ends[1]);
-    return {stopped + describe(result, response, body), printable(unread)};
+    return {stopped + describe(result, record), quoted(unread)};
 }

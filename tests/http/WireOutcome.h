@@ -1,5 +1,4 @@
-// Reads from a connection that delivers given bytes in given pieces, and describes the outcome in
-// one line.
+// Makes one call of the HTTP client and describes the result in one line.
 #pragma once
 
 #include "http/HTTPRecords.h"
@@ -7,18 +6,28 @@
 
 #include <string>
 
-/// What to read.
-enum class Reader { Head, Body, Answer };
+/// What a client passes from one call to the next.
+struct Record
+{
+    HTTPResponse response;
+    std::string body;
+};
 
-/// Returns the outcome of reading as a text: the result, every field of the response that differs
-/// from a new one, the header map in braces, the body in quotes, and the unread bytes. Line endings
-/// and non-ASCII bytes are escaped.
+/// Describes a result: every field of the response that differs from a new one, the header map in
+/// braces, the body in quotes. Line endings and non-ASCII bytes are escaped, long runs of one
+/// character are shortened.
+std::string describe(bool result, const Record& record);
+
+/// Returns a call's text up to "given". The record becomes what follows it, which is in the words
+/// of a result: "readBody given length=5 received=3". If it does not, the text returned says so.
+std::string prepared(const std::string& call, Record& record);
+
 struct Outcome
 {
     std::string text;
-    std::string unread;
+    std::string unread; ///< In quotes; empty if everything was read.
 };
 
-/// Reads over a socket pair into the given response. If the parser does not return within five
-/// seconds it is stopped, and the text says so.
-Outcome readFrom(Reader reader, const HTTPResponse& before, const support::Delivery& delivery);
+/// Makes the call over a socket pair: readHeader, readBody, or both for "get PATH". If the client
+/// does not return within five seconds it is stopped, and the text says so.
+Outcome readFrom(const std::string& call, Record& record, const support::Delivery& delivery);
