@@ -1,7 +1,9 @@
 // Complete GET exchanges over a connection: sendHeader, get, startGet, getData, stopGet.
 #include "http/HTTPClient.h"
 
+#include "tests/http/Conversations.h"
 #include "tests/http/SendPlan.h"
+#include "tests/http/WireOutcome.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/TestMain.h"
 
@@ -11,6 +13,8 @@
 #include <QDir>
 #include <QTest>
 
+using support::Conversation;
+using support::Exchange;
 using support::Peer;
 using support::ScriptedServer;
 
@@ -52,6 +56,56 @@ int refusingPort()
     return ScriptedServer([](Peer&) {}).port();
 }
 
+bool isOfGet(const Conversation& conversation)
+{
+    return conversation.exchanges.front().call.rfind("get ", 0) == 0;
+}
+
+void sendWithPauses(Peer& peer, const Exchange& exchange)
+{
+    for (const std::string& piece :
+         support::cut(support::allBytes(exchange.pieces), exchange.pauses)) {
+        peer.waitUntilRead();
+        peer.send(QByteArray::fromStdString(piece));
+    }
+}
+
+void sendBytewise(Peer& peer, const Exchange& exchange)
+{
+    peer.sendBytewise(QByteArray::fromStdString(support::allBytes(exchange.pieces)));
+}
+
+/// Makes the calls of a conversation, each with a server's script that ends when the connection is
+/// closed.
+void play(const Conversation& conversation, void (*send)(Peer&, const Exchange&))
+{
+    std::vector<ScriptedServer::Script> scripts;
+    for (const Exchange& exchange : conversation.exchanges) {
+        scripts.emplace_back([&exchange, send](Peer& peer) {
+            peer.receiveUntil("\r\n\r\n");
+            send(peer, exchange);
+            if (exchange.peerCloses) {
+                peer.close();
+            } else {
+                peer.waitUntilClosedByClient();
+            }
+        });
+    }
+    ScriptedServer server(scripts);
+    Record record;
+    int calls = 0;
+    for (const Exchange& exchange : conversation.exchanges) {
+        const std::string path = prepared(exchange.call, record).substr(sizeof "get");
+        HTTPRequest request = requestTo(server, path);
+        const bool result = HTTPClient().get(request, record.response, record.body);
+        QCOMPARE(QByteArray::fromStdString(describe(result, record)),
+                 QByteArray::fromStdString(exchange.result));
+        QVERIFY(server.waitForScripts(++calls));
+        QCOMPARE(server.connectionCount(), calls);
+        QCOMPARE(server.received(calls - 1), defaultHead(QByteArray::fromStdString(path), server));
+    }
+}
+
 } // namespace
 
 class HTTPClient_ExchangeTest : public QObject
@@ -69,33 +123,21 @@ private slots:
     void headIsSentInAsManySendsAsItTakes();
     void headOfAMegabyteIsSentWhole();
 
+    void getReadsTheAnswerAndCloses_data() { addConversations(isOfGet); }
+    void getReadsTheAnswerAndCloses();
+    void getReadsAnAnswerThatComesByteByByte_data();
+    void getReadsAnAnswerThatComesByteByByte();
+    void getOfAServerThatClosesEarlyFailsWithWhatArrived_data();
+    void getOfAServerThatClosesEarlyFailsWithWhatArrived();
     void getOfTheRootOverPort80();
-    void getFetchesTheBody();
-    void getOfAChunkedAnswerFetchesTheBody();
-    void getOfAnErrorStatusIsNoFailure();
     void getOfAnotherSchemeOpensNoSocket();
     void getOfARefusedConnectionFails();
     void getWhoseHeadCannotBeSentFails();
-    void getClosesItsConnectionAfterEachBody();
     void getClosesItsConnectionAfterAFailure();
-    void getAppendsToTheBody();
     void getMayAppendToTheAddress();
-    void getReadsAnAnswerThatComesByteByByte();
-    void getOfAServerThatClosesAtOnceFails();
-    void getOfAServerThatClosesInsideTheBodyFailsWithWhatArrived();
-    void getOfAServerThatClosesInsideAChunkFailsWithWhatArrived();
     void getOfAServerThatResetsInsideTheBodyFails();
-    void getWithoutLengthEndsWithTheFirstBytes();
-    void getOfLength0WaitsForTheServer();
 
-    void receivedCountKeepsGrowing();
     void bodyEndsWithItsFirstReceiveOnceTheCountHasReachedItsLength();
-    void chunkedStaysForLaterAnswers();
-    void afterOneChunkedAnswerALaterBodyEndsWithOneLine();
-    void unfinishedChunkContinuesInTheNextAnswer();
-    void statusWithoutReasonKeepsTheOlderStatus();
-    void headersOfEarlierAnswersStay();
-    void lengthOfAnEarlierAnswerStays();
     void portAndPathOfAnEarlierAddressStay();
 
     void startGetReadsTheHeadOnly();
@@ -250,6 +292,51 @@ void HTTPClient_ExchangeTest::headOfAMegabyteIsSentWhole()
 
 // --- get ---------------------------------------------------------------------------------------
 
+void HTTPClient_ExchangeTest::getReadsTheAnswerAndCloses()
+{
+    QFETCH(Conversation, conversation);
+    play(conversation, sendWithPauses);
+}
+
+void HTTPClient_ExchangeTest::getReadsAnAnswerThatComesByteByByte_data()
+{
+    addConversations([](const Conversation& conversation) {
+        return isOfGet(conversation) && conversation.exchanges.size() == 1 &&
+               conversation.exchanges.front().unread.empty() && !conversation.hasPauses();
+    });
+}
+
+void HTTPClient_ExchangeTest::getReadsAnAnswerThatComesByteByByte()
+{
+    QFETCH(Conversation, conversation);
+    play(conversation, sendBytewise);
+}
+
+void HTTPClient_ExchangeTest::getOfAServerThatClosesEarlyFailsWithWhatArrived_data()
+{
+    addConversations([](const Conversation& conversation) {
+        return isOfGet(conversation) && conversation.mayEndAnywhere();
+    });
+}
+
+void HTTPClient_ExchangeTest::getOfAServerThatClosesEarlyFailsWithWhatArrived()
+{
+    QFETCH(Conversation, conversation);
+    const Exchange whole = conversation.exchanges.front();
+    const std::string bytes = support::allBytes(whole.pieces);
+    for (std::size_t count = 0; count < bytes.size(); ++count) {
+        Exchange& exchange = conversation.exchanges.front();
+        exchange.pieces = {{bytes.substr(0, count), ""}};
+        exchange.peerCloses = true;
+        exchange.result = support::closedBehind(whole.pieces, whole.closedAtStart, count);
+        play(conversation, sendWithPauses);
+        if (QTest::currentTestFailed()) {
+            qInfo("closed after %zu of %zu bytes", count, bytes.size());
+            return;
+        }
+    }
+}
+
 void HTTPClient_ExchangeTest::getOfTheRootOverPort80()
 {
     ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"),
@@ -264,45 +351,6 @@ void HTTPClient_ExchangeTest::getOfTheRootOverPort80()
                                             "Accept: */*\r\nAccept-Language: zh-CN\r\n"
                                             "Connection: Keep-Alive\r\n"
                                             "User-Agent: SDK C++ http client\r\n\r\n"));
-}
-
-void HTTPClient_ExchangeTest::getFetchesTheBody()
-{
-    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"));
-    HTTPRequest request = requestTo(server, "/cgi-bin/a.cgi?-b=1&-c");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(response.statusCode, 200);
-    QCOMPARE(response.contentLength, 5u);
-    QCOMPARE(response.received, 5u);
-    QVERIFY((response.headers == HTTPHeaders{{"Content-Length", "5"}}));
-    QCOMPARE(body, std::string("hello"));
-    QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), defaultHead("/cgi-bin/a.cgi?-b=1&-c", server));
-}
-
-void HTTPClient_ExchangeTest::getOfAChunkedAnswerFetchesTheBody()
-{
-    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
-                                    "5\r\nhello\r\na;x\r\n0123456789\r\n0\r\n\r\n"));
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("hello0123456789"));
-    QCOMPARE(response.received, 15u);
-}
-
-void HTTPClient_ExchangeTest::getOfAnErrorStatusIsNoFailure()
-{
-    ScriptedServer server(answering("HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\ngone"));
-    HTTPRequest request = requestTo(server, "/missing");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(response.statusCode, 404);
-    QCOMPARE(body, std::string("gone"));
 }
 
 void HTTPClient_ExchangeTest::getOfAnotherSchemeOpensNoSocket()
@@ -345,22 +393,6 @@ void HTTPClient_ExchangeTest::getWhoseHeadCannotBeSentFails()
     QCOMPARE(server.received(0), QByteArray());
 }
 
-void HTTPClient_ExchangeTest::getClosesItsConnectionAfterEachBody()
-{
-    // Each script ends only when the client has closed.
-    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\na"),
-                           answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nbb")});
-    HTTPRequest request = requestTo(server, "/");
-    for (const int number : {1, 2}) {
-        HTTPResponse response;
-        std::string body;
-        QVERIFY(HTTPClient().get(request, response, body));
-        QVERIFY(server.waitForScripts(number));
-        QCOMPARE(server.connectionCount(), number);
-        QVERIFY(server.received(number - 1).contains("\r\nConnection: Keep-Alive\r\n"));
-    }
-}
-
 void HTTPClient_ExchangeTest::getClosesItsConnectionAfterAFailure()
 {
     const auto openDescriptors = [] {
@@ -378,19 +410,6 @@ void HTTPClient_ExchangeTest::getClosesItsConnectionAfterAFailure()
     QCOMPARE(openDescriptors(), before);
 }
 
-void HTTPClient_ExchangeTest::getAppendsToTheBody()
-{
-    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nfirst"),
-                           answering("HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nsecond")});
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    response = HTTPResponse();
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("firstsecond"));
-}
-
 void HTTPClient_ExchangeTest::getMayAppendToTheAddress()
 {
     ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"));
@@ -404,63 +423,6 @@ void HTTPClient_ExchangeTest::getMayAppendToTheAddress()
     QCOMPARE(request.path, std::string("/ahello"));
     QVERIFY(server.waitForScripts(2));
     QCOMPARE(server.received(1), defaultHead("/a", server));
-}
-
-void HTTPClient_ExchangeTest::getReadsAnAnswerThatComesByteByByte()
-{
-    ScriptedServer server([](Peer& peer) {
-        peer.receiveUntil("\r\n\r\n");
-        peer.sendBytewise("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello");
-        peer.waitUntilClosedByClient();
-    });
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("hello"));
-}
-
-void HTTPClient_ExchangeTest::getOfAServerThatClosesAtOnceFails()
-{
-    ScriptedServer server([](Peer& peer) {
-        peer.receiveUntil("\r\n\r\n");
-        peer.close();
-    });
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body = "before";
-    QVERIFY(!HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("before"));
-    QVERIFY(response.headers.empty());
-}
-
-void HTTPClient_ExchangeTest::getOfAServerThatClosesInsideTheBodyFailsWithWhatArrived()
-{
-    ScriptedServer server([](Peer& peer) {
-        peer.receiveUntil("\r\n\r\n");
-        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel");
-        peer.close();
-    });
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(!HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("hel"));
-}
-
-void HTTPClient_ExchangeTest::getOfAServerThatClosesInsideAChunkFailsWithWhatArrived()
-{
-    ScriptedServer server([](Peer& peer) {
-        peer.receiveUntil("\r\n\r\n");
-        peer.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhel");
-        peer.close();
-    });
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(!HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("hel"));
-    QCOMPARE(response.chunkLeft, 2);
 }
 
 void HTTPClient_ExchangeTest::getOfAServerThatResetsInsideTheBodyFails()
@@ -479,51 +441,7 @@ void HTTPClient_ExchangeTest::getOfAServerThatResetsInsideTheBodyFails()
     QCOMPARE(response.received, 3u);
 }
 
-void HTTPClient_ExchangeTest::getWithoutLengthEndsWithTheFirstBytes()
-{
-    ScriptedServer server([](Peer& peer) {
-        peer.receiveUntil("\r\n\r\n");
-        peer.sendInPieces("HTTP/1.1 200 OK\r\n\r\nfirstsecond", {19, 24});
-        peer.waitUntilClosedByClient();
-    });
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("first"));
-}
-
-void HTTPClient_ExchangeTest::getOfLength0WaitsForTheServer()
-{
-    ScriptedServer server([](Peer& peer) {
-        peer.receiveUntil("\r\n\r\n");
-        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
-        peer.waitUntilRead();
-        peer.send("x");
-        peer.waitUntilClosedByClient();
-    });
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("x"));
-}
-
 // --- a response that is used again -------------------------------------------------------------
-
-void HTTPClient_ExchangeTest::receivedCountKeepsGrowing()
-{
-    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nabc"),
-                           answering("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n123456")});
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(response.received, 3u);
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(response.received, 9u);
-    QCOMPARE(body, std::string("abc123456"));
-}
 
 void HTTPClient_ExchangeTest::bodyEndsWithItsFirstReceiveOnceTheCountHasReachedItsLength()
 {
@@ -552,102 +470,6 @@ void HTTPClient_ExchangeTest::bodyEndsWithItsFirstReceiveOnceTheCountHasReachedI
     body.clear();
     QVERIFY(HTTPClient().get(request, response, body));
     QVERIFY2(!body.empty() && body.size() <= 10240, qPrintable(QString::number(body.size())));
-}
-
-void HTTPClient_ExchangeTest::chunkedStaysForLaterAnswers()
-{
-    ScriptedServer server(
-        {answering("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nok\r\n0\r\n\r\n"),
-         [](Peer& peer) {
-             peer.receiveUntil("\r\n\r\n");
-             peer.send("HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nA\r\n123");
-             peer.close();
-         }});
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    // If lastChunkSeen were false, "A" would be parsed as a chunk size.
-    response.lastChunkSeen = false;
-    QVERIFY(!HTTPClient().get(request, response, body));
-    QVERIFY(response.chunked);
-    QCOMPARE(response.contentLength, 6u);
-    QCOMPARE(response.chunkLeft, 7);
-    QCOMPARE(body, std::string("ok123"));
-}
-
-void HTTPClient_ExchangeTest::afterOneChunkedAnswerALaterBodyEndsWithOneLine()
-{
-    ScriptedServer server(
-        {answering("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nok\r\n0\r\n\r\n"),
-         answering("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nno\r\n0\r\n\r\n"),
-         answering("HTTP/1.1 200 OK\r\nContent-Length: 12\r\n\r\nline\r\nsecond")});
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("ok"));
-    QVERIFY(HTTPClient().get(request, response, body));
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("ok"));
-    QCOMPARE(response.received, 2u);
-    QCOMPARE(response.contentLength, 12u);
-}
-
-void HTTPClient_ExchangeTest::unfinishedChunkContinuesInTheNextAnswer()
-{
-    ScriptedServer server(
-        {[](Peer& peer) {
-             peer.receiveUntil("\r\n\r\n");
-             peer.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhel");
-             peer.close();
-         },
-         answering("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nAB\r\n0\r\n\r\n")});
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(!HTTPClient().get(request, response, body));
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("helAB"));
-}
-
-void HTTPClient_ExchangeTest::statusWithoutReasonKeepsTheOlderStatus()
-{
-    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\na"),
-                           answering("HTTP/1.1 404\r\nContent-Length: 2\r\n\r\nbb")});
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(response.statusCode, 200);
-}
-
-void HTTPClient_ExchangeTest::headersOfEarlierAnswersStay()
-{
-    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nA: 1\r\nContent-Length: 1\r\n\r\na"),
-                           answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\nB: 2\r\n\r\nb")});
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QVERIFY(HTTPClient().get(request, response, body));
-    QVERIFY((response.headers == HTTPHeaders{{"A", "1"}, {"B", "2"}, {"Content-Length", "2"}}));
-}
-
-void HTTPClient_ExchangeTest::lengthOfAnEarlierAnswerStays()
-{
-    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"),
-                           answering("HTTP/1.1 200 OK\r\n\r\nx")});
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    response.received = 4;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(response.contentLength, 5u);
-    QCOMPARE(response.received, 5u);
-    QCOMPARE(body, std::string("hellox"));
 }
 
 void HTTPClient_ExchangeTest::portAndPathOfAnEarlierAddressStay()
