@@ -3,7 +3,7 @@
 
 #include "tests/http/Conversations.h"
 #include "tests/http/SendPlan.h"
-#include "tests/http/WireOutcome.h"
+#include "tests/http/TcpPlay.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/TestMain.h"
 
@@ -37,14 +37,6 @@ HTTPRequest requestTo(const ScriptedServer& server, const std::string& path)
     return request;
 }
 
-/// The head of a request with the default headers.
-QByteArray defaultHead(const QByteArray& path, const ScriptedServer& server)
-{
-    return "GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) +
-           "\r\nAccept: */*\r\nAccept-Language: zh-CN\r\nConnection: Keep-Alive\r\n"
-           "User-Agent: SDK C++ http client\r\n\r\n";
-}
-
 bool isOpen(int descriptor)
 {
     return ::fcntl(descriptor, F_GETFD) != -1;
@@ -59,51 +51,6 @@ int refusingPort()
 bool isOfGet(const Conversation& conversation)
 {
     return conversation.exchanges.front().call.rfind("get ", 0) == 0;
-}
-
-void sendWithPauses(Peer& peer, const Exchange& exchange)
-{
-    for (const std::string& piece :
-         support::cut(support::allBytes(exchange.pieces), exchange.pauses)) {
-        peer.waitUntilRead();
-        peer.send(QByteArray::fromStdString(piece));
-    }
-}
-
-void sendBytewise(Peer& peer, const Exchange& exchange)
-{
-    peer.sendBytewise(QByteArray::fromStdString(support::allBytes(exchange.pieces)));
-}
-
-/// Makes the calls of a conversation, each with a server's script that ends when the connection is
-/// closed.
-void play(const Conversation& conversation, void (*send)(Peer&, const Exchange&))
-{
-    std::vector<ScriptedServer::Script> scripts;
-    for (const Exchange& exchange : conversation.exchanges) {
-        scripts.emplace_back([&exchange, send](Peer& peer) {
-            peer.receiveUntil("\r\n\r\n");
-            send(peer, exchange);
-            if (exchange.peerCloses) {
-                peer.close();
-            } else {
-                peer.waitUntilClosedByClient();
-            }
-        });
-    }
-    ScriptedServer server(scripts);
-    Record record;
-    int calls = 0;
-    for (const Exchange& exchange : conversation.exchanges) {
-        const std::string path = prepared(exchange.call, record).substr(sizeof "get");
-        HTTPRequest request = requestTo(server, path);
-        const bool result = HTTPClient().get(request, record.response, record.body);
-        QCOMPARE(QByteArray::fromStdString(describe(result, record)),
-                 QByteArray::fromStdString(exchange.result));
-        QVERIFY(server.waitForScripts(++calls));
-        QCOMPARE(server.connectionCount(), calls);
-        QCOMPARE(server.received(calls - 1), defaultHead(QByteArray::fromStdString(path), server));
-    }
 }
 
 } // namespace
@@ -271,7 +218,7 @@ void HTTPClient_ExchangeTest::headIsSentInAsManySendsAsItTakes()
         QVERIFY(plan.used());
     }
     QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), defaultHead("/p", server));
+    QCOMPARE(server.received(0), defaultHead("GET /p", server));
 }
 
 void HTTPClient_ExchangeTest::headOfAMegabyteIsSentWhole()
@@ -295,7 +242,7 @@ void HTTPClient_ExchangeTest::headOfAMegabyteIsSentWhole()
 void HTTPClient_ExchangeTest::getReadsTheAnswerAndCloses()
 {
     QFETCH(Conversation, conversation);
-    play(conversation, sendWithPauses);
+    playOverTcp(conversation);
 }
 
 void HTTPClient_ExchangeTest::getReadsAnAnswerThatComesByteByByte_data()
@@ -309,7 +256,7 @@ void HTTPClient_ExchangeTest::getReadsAnAnswerThatComesByteByByte_data()
 void HTTPClient_ExchangeTest::getReadsAnAnswerThatComesByteByByte()
 {
     QFETCH(Conversation, conversation);
-    play(conversation, sendBytewise);
+    playOverTcp(conversation, sendBytewise);
 }
 
 void HTTPClient_ExchangeTest::getOfAServerThatClosesEarlyFailsWithWhatArrived_data()
@@ -329,7 +276,7 @@ void HTTPClient_ExchangeTest::getOfAServerThatClosesEarlyFailsWithWhatArrived()
         exchange.pieces = {{bytes.substr(0, count), ""}};
         exchange.peerCloses = true;
         exchange.result = support::closedBehind(whole.pieces, whole.closedAtStart, count);
-        play(conversation, sendWithPauses);
+        playOverTcp(conversation);
         if (QTest::currentTestFailed()) {
             qInfo("closed after %zu of %zu bytes", count, bytes.size());
             return;
@@ -422,7 +369,7 @@ void HTTPClient_ExchangeTest::getMayAppendToTheAddress()
     QVERIFY(HTTPClient().get(request, response, request.path));
     QCOMPARE(request.path, std::string("/ahello"));
     QVERIFY(server.waitForScripts(2));
-    QCOMPARE(server.received(1), defaultHead("/a", server));
+    QCOMPARE(server.received(1), defaultHead("GET /a", server));
 }
 
 void HTTPClient_ExchangeTest::getOfAServerThatResetsInsideTheBodyFails()
@@ -483,7 +430,7 @@ void HTTPClient_ExchangeTest::portAndPathOfAnEarlierAddressStay()
     request.url = "http://127.0.0.1";
     QVERIFY(HTTPClient().get(request, response, body));
     QVERIFY(server.waitForScripts(2));
-    QCOMPARE(server.received(1), defaultHead("/first", server));
+    QCOMPARE(server.received(1), defaultHead("GET /first", server));
 }
 
 // --- in steps ----------------------------------------------------------------------------------
@@ -504,7 +451,7 @@ void HTTPClient_ExchangeTest::startGetReadsTheHeadOnly()
     QCOMPARE(line, std::string("hello"));
     session.closeSession();
     QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), defaultHead("/p", server));
+    QCOMPARE(server.received(0), defaultHead("GET /p", server));
 }
 
 void HTTPClient_ExchangeTest::startGetOfARefusedAddressOpensNoSocket()

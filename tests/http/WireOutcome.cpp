@@ -102,11 +102,6 @@ std::string prepared(const std::string& call, Record& record)
 Outcome readFrom(const std::string& call, Record& record, const support::Delivery& delivery)
 {
     const std::string operation = prepared(call, record);
-    const bool readsHead = operation != "readBody";
-    const bool readsBody = operation != "readHeader";
-    if (readsHead && readsBody && operation.rfind("get /", 0) != 0) {
-        return {operation + ": unknown", ""};
-    }
     int ends[2];
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         return {"no socket pair", ""};
@@ -115,18 +110,28 @@ Outcome readFrom(const std::string& call, Record& record, const support::Deliver
     session.socketDescriptor = ends[0];
     support::PieceSender sender(ends[1], ends[0], delivery);
 
+    const int kept = ::dup(ends[0]); // stopPost closes the other one
+
     HTTPClient client;
     bool result = true;
-    if (readsHead) {
+    std::string unknown;
+    if (operation == "readHeader") {
         result = client.readHeader(session, record.response);
-    }
-    if (readsBody) {
+    } else if (operation == "readBody") {
         result = client.readBody(session, record.response, record.body);
+    } else if (operation.rfind("get /", 0) == 0) {
+        client.readHeader(session, record.response);
+        result = client.readBody(session, record.response, record.body);
+    } else if (operation.rfind("post /", 0) == 0) {
+        client.stopPost(session, record.response, record.body);
+    } else {
+        unknown = "unknown call, so ";
     }
 
     const std::string unsent = sender.finish();
     const std::string stopped = sender.readerHadToBeStopped() ? "NEVER RETURNED, then " : "";
-    const std::string unread = receivedByNow(session.socketDescriptor) + unsent;
+    const std::string unread = receivedByNow(kept) + unsent;
+    ::close(kept);
     ::close(ends[1]);
-    return {stopped + describe(result, record), quoted(unread)};
+    return {unknown + stopped + describe(result, record), quoted(unread)};
 }

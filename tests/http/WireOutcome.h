@@ -28,6 +28,7 @@ struct Outcome
     std::string unread; ///< In quotes; empty if everything was read.
 };
 
-/// Makes the call over a socket pair: readHeader, readBody, or both for "get PATH". If the client
-/// does not return within five seconds it is stopped, and the text says so.
+/// Makes the call over a socket pair: readHeader, readBody, both for "get PATH", or stopPost for
+/// "post PATH DATA". If the client does not return within five seconds it is stopped, and the text
+/// says so.
 Outcome readFrom(const std::string& call, Record& record, const support::Delivery& delivery);
