@@ -11,10 +11,10 @@ Q_DECLARE_METATYPE(support::Conversation)
 /// Adds a row "conversation" for each one that fits.
 inline void addConversations(bool (*fits)(const support::Conversation&))
 {
+    QTest::addColumn<support::Conversation>("conversation");
     const support::Conversations conversations =
         support::readConversations(TEST_DATA "/conversations/http");
     QVERIFY2(conversations.error.empty(), conversations.error.c_str());
-    QTest::addColumn<support::Conversation>("conversation");
     for (const support::Conversation& conversation : conversations.all) {
         if (fits(conversation)) {
             QTest::newRow(conversation.name.c_str()) << conversation;

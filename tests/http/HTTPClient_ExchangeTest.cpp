@@ -84,7 +84,6 @@ private slots:
     void getMayAppendToTheAddress();
     void getOfAServerThatResetsInsideTheBodyFails();
 
-    void bodyEndsWithItsFirstReceiveOnceTheCountHasReachedItsLength();
     void portAndPathOfAnEarlierAddressStay();
 
     void startGetReadsTheHeadOnly();
@@ -386,37 +385,6 @@ void HTTPClient_ExchangeTest::getOfAServerThatResetsInsideTheBodyFails()
     QVERIFY(!HTTPClient().get(request, response, body));
     QCOMPARE(body, std::string("hel"));
     QCOMPARE(response.received, 3u);
-}
-
-// --- a response that is used again -------------------------------------------------------------
-
-void HTTPClient_ExchangeTest::bodyEndsWithItsFirstReceiveOnceTheCountHasReachedItsLength()
-{
-    const auto second = [](Peer& peer) {
-        peer.receiveUntil("\r\n\r\n");
-        // Split after the head and after the third byte of the body.
-        peer.sendInPieces(
-            "HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n" + QByteArray(20000, 'b'), {42, 45});
-        peer.waitUntilClosedByClient();
-    };
-    ScriptedServer server(
-        {answering("HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n" + QByteArray(20000, 'a')),
-         second,
-         answering("HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n" + QByteArray(20000, 'c'))});
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QVERIFY(body == std::string(20000, 'a'));
-
-    body.clear();
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("bbb"));
-    QCOMPARE(response.received, 20003u);
-
-    body.clear();
-    QVERIFY(HTTPClient().get(request, response, body));
-    QVERIFY2(!body.empty() && body.size() <= 10240, qPrintable(QString::number(body.size())));
 }
 
 void HTTPClient_ExchangeTest::portAndPathOfAnEarlierAddressStay()
