@@ -1,4 +1,4 @@
-// parseLine, and what is no conversation: sizes of receives, failing receives, memory.
+// parseLine, and what is no conversation: long lines, sizes of receives, failing receives, memory.
 #include "http/HTTPClient.h"
 
 #include "tests/support/SocketPair.h"
@@ -117,6 +117,7 @@ private slots:
     void halvesOfALineAreAppended();
 
     void halvesMayBeAppendedToTheLineItself();
+    void headLineEndsAt102400Bytes();
     void failingConnectionEndsTheHeadWithoutAnError();
 
     void plainBodyIsReceivedInPiecesOfAtMost10240Bytes();
@@ -221,6 +222,18 @@ void HTTPClient_ResponseTest::halvesMayBeAppendedToTheLineItself()
     other.clear();
     HTTPClient().parseLine(line, other, other);
     QCOMPARE(other, name + value);
+}
+
+// No conversation: byte by byte, this takes a busy machine longer than a player waits.
+void HTTPClient_ResponseTest::headLineEndsAt102400Bytes()
+{
+    Incoming incoming;
+    incoming.deliver("A: " + std::string(102397, 'x') + "B: y\r\n\r\n");
+    HTTPResponse response;
+    QVERIFY(HTTPClient().readHeader(incoming.session, response));
+    QCOMPARE(response.headers.size(), std::size_t(2));
+    QCOMPARE(response.headers.at("A"), std::string(102397, 'x'));
+    QCOMPARE(response.headers.at("B"), std::string("y"));
 }
 
 void HTTPClient_ResponseTest::failingConnectionEndsTheHeadWithoutAnError()
