@@ -54,7 +54,7 @@ std::string Texts::line(const Recording& recording) const
         text = translate("verify", "%1: the same, byte for byte (%2)").arg(name, bytes(card));
         break;
     case Result::Different:
-        text = translate("verify", "%1: same size, but different from byte %2 on")
+        text = translate("verify", "%1: same size, but the contents differ from byte %2 onwards")
                    .arg(name, number(recording.difference.value_or(0) + 1));
         break;
     case Result::Shorter:

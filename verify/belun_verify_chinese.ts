@@ -24,7 +24,7 @@
         <translation>%1：逐字节相同（%2）</translation>
     </message>
     <message>
-        <source>%1: same size, but different from byte %2 on</source>
+        <source>%1: same size, but the contents differ from byte %2 onwards</source>
         <translation>%1：大小相同，但从第 %2 字节起内容不同</translation>
     </message>
     <message>

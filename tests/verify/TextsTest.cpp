@@ -100,7 +100,7 @@ void TextsTest::lineSaysWhatIsKnownOfARecording_data()
     row(judged(Result::SameSize, 1572864, 1572864), "A.MP4: same size (1,572,864 bytes)");
     row(judged(Result::SameSize, 1, 1), "A.MP4: same size (1 byte)");
     row(judged(Result::SameContent, 0, 0), "A.MP4: the same, byte for byte (0 bytes)");
-    row(different, "A.MP4: same size, but different from byte 5 on");
+    row(different, "A.MP4: same size, but the contents differ from byte 5 onwards");
     row(judged(Result::Shorter, 5000, 4000), "A.MP4: shorter by 1,000 bytes: the download was cut");
     row(judged(Result::Longer, 4, 5), "A.MP4: longer by 1 byte: the tail of an older file");
     row(judged(Result::NotHere, 4), "A.MP4: not on this computer (4 bytes)");

@@ -42,7 +42,7 @@ class TwoHundred(VerifyTest):
         lines[9] = "REC_0010.MP4: shorter by 410 bytes: the download was cut"
         lines[19] = "REC_0020.MP4: longer by 300 bytes: the tail of an older file"
         if contents:
-            lines[29] = "REC_0030.MP4: same size, but different from byte 701 on"
+            lines[29] = "REC_0030.MP4: same size, but the contents differ from byte 701 onwards"
         lines[39] = "REC_0040.MP4: not on this computer (1,040 bytes)"
         lines[149] = "REC_0150.MP4: not on this computer (1,150 bytes)"
         return [*lines, "REC_0150 (1).MP4: not on the card"]
@@ -342,7 +342,7 @@ class ChangingCard(VerifyTest):
             file.truncate(size)
         ScriptedCamera(self, answer)
         result = self.verify("--content")
-        self.assertEqual((1, "A: same size, but different from byte 1 on"),
+        self.assertEqual((1, "A: same size, but the contents differ from byte 1 onwards"),
                          (result.status, result.lines[0]))
         self.assertLess(len(sent), 100, f"of {size // 1_000_000} pieces, within {LIMIT} s")
 
