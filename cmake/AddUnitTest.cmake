@@ -44,7 +44,7 @@ function(add_test_program folder)
   target_link_libraries(${target} PRIVATE project_options test_kit Qt::Test ${arg_LIBRARIES})
   # Only with GCC: Clang builds without precompiled headers, so that missing includes are found.
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    target_precompile_headers(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support/Precompiled.h")
+    target_precompile_headers(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests/kit/Precompiled.h")
   endif()
 endfunction()
 

@@ -1,8 +1,8 @@
 // The window's accessible names and descriptions, in both languages.
 #include "app/MainWindow.h"
 #include "card/FileTable.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/WindowProbe.h"
 
 #include <algorithm>
 #include <memory>

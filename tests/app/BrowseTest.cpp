@@ -1,7 +1,7 @@
 // "Browse Files in Card" with a scripted camera at the real address: commands sent, rows shown.
-#include "tests/app/FakeVehicle.h"
-#include "tests/app/UserWindow.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/FakeVehicle.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/UserWindow.h"
 
 #include <array>
 #include <optional>

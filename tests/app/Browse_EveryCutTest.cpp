@@ -1,11 +1,11 @@
 // What the window shows after a browse whose answers arrive in two pieces, split anywhere, or end
 // anywhere. One response record serves all exchanges of a window and its received count is not
 // reset, so a split near the end of a later answer ends that answer.
-#include "tests/app/UserWindow.h"
-#include "tests/support/Cuts.h"
-#include "tests/support/PacedSending.h"
-#include "tests/support/SleepWatch.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/Cuts.h"
+#include "tests/kit/PacedSending.h"
+#include "tests/kit/SleepWatch.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/UserWindow.h"
 
 #include <string>
 #include <vector>

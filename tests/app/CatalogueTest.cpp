@@ -1,5 +1,5 @@
 // Compares both catalogues, source and compiled, with the table of texts.
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <QByteArray>
 #include <QFile>

@@ -1,9 +1,9 @@
 // Tests closing the window in every state of its threads, both in this process and in the program
 // run as a separate process.
-#include "tests/app/LinkedScene.h"
-#include "tests/support/SilentAddress.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/TimeFactor.h"
+#include "tests/kit/LinkedScene.h"
+#include "tests/kit/SilentAddress.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/TimeFactor.h"
 
 #include <algorithm>
 #include <array>

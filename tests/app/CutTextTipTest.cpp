@@ -2,8 +2,8 @@
 // other cell has a tip.
 #include "app/MainWindow.h"
 #include "card/FileTable.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/WindowProbe.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 // Delete, delete all and format, with scripted devices at their real addresses.
-#include "tests/app/FakeVehicle.h"
-#include "tests/app/UserWindow.h"
-#include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/FakeVehicle.h"
+#include "tests/kit/MessageBoxWatcher.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/UserWindow.h"
 
 #include <optional>
 

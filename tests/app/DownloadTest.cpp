@@ -1,7 +1,7 @@
 // Downloads from the window, with scripted devices at their real addresses.
-#include "tests/app/LinkedScene.h"
-#include "tests/support/StdoutCapture.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/LinkedScene.h"
+#include "tests/kit/StdoutCapture.h"
+#include "tests/kit/TestMain.h"
 
 #include <array>
 #include <memory>

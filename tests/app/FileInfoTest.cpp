@@ -1,7 +1,7 @@
 // A recording's details in the window's table; marker search and number conversion.
 #include "app/MainWindow.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/WindowProbe.h"
 
 #include <memory>
 

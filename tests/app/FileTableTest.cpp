@@ -1,9 +1,9 @@
 // The window's file table: its setup and the check box that selects all rows.
 #include "app/MainWindow.h"
-#include "tests/app/SelectedRows.h"
-#include "tests/card/LoudFocusStyle.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
+#include "tests/kit/LoudFocusStyle.h"
+#include "tests/kit/SelectedRows.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/WindowProbe.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 // Where the keyboard focus goes when a focused button is disabled: never to a button that deletes,
 // unless the user moves it there.
-#include "tests/app/LinkedScene.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/LinkedScene.h"
+#include "tests/kit/TestMain.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 // The form: its objects, their places, their properties and their connections by name.
 #include "app/MainWindow.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/WindowProbe.h"
 #include "ui_MainWindow.h"
 
 #include <array>

@@ -1,7 +1,7 @@
 // Concurrent operations of the window: link, browse, download, delete and language.
-#include "tests/app/LinkedScene.h"
-#include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/LinkedScene.h"
+#include "tests/kit/MessageBoxWatcher.h"
+#include "tests/kit/TestMain.h"
 
 #include <array>
 #include <chrono>

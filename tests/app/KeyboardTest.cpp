@@ -1,9 +1,9 @@
 // The window without a mouse: the tab order, and entering and leaving the table.
 #include "app/MainWindow.h"
 #include "card/FileTable.h"
-#include "tests/app/SelectedRows.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
+#include "tests/kit/SelectedRows.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/WindowProbe.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 // Switching between English and Chinese while the window is open.
 #include "app/MainWindow.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/WindowProbe.h"
 
 #include <memory>
 

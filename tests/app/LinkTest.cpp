@@ -1,10 +1,10 @@
 // "Link Device" with scripted modules at the real addresses: probes, status, versions.
 #include "link/ControlClientThread.h"
 #include "link/GroundClientThread.h"
-#include "tests/app/FakeVehicle.h"
-#include "tests/app/UserWindow.h"
-#include "tests/support/SilentAddress.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/FakeVehicle.h"
+#include "tests/kit/SilentAddress.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/UserWindow.h"
 
 #include <optional>
 

@@ -1,6 +1,6 @@
 // The window's signals and slots, entry by entry.
 #include "app/MainWindow.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <QByteArray>
 #include <QCoreApplication>

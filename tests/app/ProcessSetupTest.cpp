@@ -1,7 +1,7 @@
 // The process setup before anything else runs.
 #include "app/ProcessSetup.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <cerrno>
 #include <csignal>

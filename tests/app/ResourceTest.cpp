@@ -1,6 +1,6 @@
 // The icon and the catalogues at their fixed paths.
 #include "tests/app/EarlyReading.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <QByteArray>
 #include <QDir>

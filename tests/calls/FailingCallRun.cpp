@@ -5,13 +5,13 @@
 // went wrong, 1 if something did, and 2 if the session could not start. A run that hangs is ended
 // by SIGALRM.
 #include "app/ProcessSetup.h"
-#include "tests/app/UserWindow.h"
 #include "tests/calls/FailingCall.h"
-#include "tests/support/NetworkGuard.h"
-#include "tests/support/OpenDescriptors.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/TimeFactor.h"
-#include "tests/system/SimulatorProcess.h"
+#include "tests/kit/NetworkGuard.h"
+#include "tests/kit/OpenDescriptors.h"
+#include "tests/kit/SimulatorProcess.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/TimeFactor.h"
+#include "tests/kit/UserWindow.h"
 
 #include <cstdio>
 #include <cstdlib>

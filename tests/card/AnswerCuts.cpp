@@ -1,8 +1,8 @@
 #include "tests/card/AnswerCuts.h"
 
 #include "http/HTTPClient.h"
-#include "tests/support/PieceSender.h"
-#include "tests/support/SocketPair.h"
+#include "tests/kit/PieceSender.h"
+#include "tests/kit/SocketPair.h"
 
 #include <cstdint>
 #include <utility>

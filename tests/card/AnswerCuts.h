@@ -1,7 +1,7 @@
 // The body of a camera answer, split and closed at every byte.
 #pragma once
 
-#include "tests/support/Cuts.h"
+#include "tests/kit/Cuts.h"
 
 #include <functional>
 #include <string>

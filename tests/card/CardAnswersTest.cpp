@@ -1,8 +1,8 @@
 // Marker search, count and list walk. The lists are recorded answers, one case per file.
 #include "card/CardAnswers.h"
 
-#include "tests/support/TestMain.h"
-#include "tests/support/TimeFactor.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/TimeFactor.h"
 
 #include <algorithm>
 #include <cstring>

@@ -3,7 +3,7 @@
 
 #include "card/CardCommands.h"
 #include "tests/card/AnswerCuts.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <string>
 #include <vector>

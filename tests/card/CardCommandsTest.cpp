@@ -1,7 +1,7 @@
 // The exact addresses of the camera commands.
 #include "card/CardCommands.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <QByteArray>
 #include <QObject>

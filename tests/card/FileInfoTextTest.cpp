@@ -1,7 +1,7 @@
 // Date, size and duration as shown in the table. The answers are recorded, one case per file.
 #include "card/FileInfoText.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <QByteArray>
 #include <QFile>

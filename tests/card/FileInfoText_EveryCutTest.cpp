@@ -2,7 +2,7 @@
 #include "card/FileInfoText.h"
 
 #include "tests/card/AnswerCuts.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 // Creating the table's cells. The setup of the window's table is tested with the window.
 #include "card/FileTable.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <memory>
 

@@ -2,7 +2,7 @@
 // written.
 #include "card/NameTable.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <array>
 #include <climits>

@@ -1,8 +1,8 @@
 // Cells without a focus frame, compared pixel by pixel with those of the base delegate.
 #include "card/NoFocusDelegate.h"
 
-#include "tests/card/LoudFocusStyle.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/LoudFocusStyle.h"
+#include "tests/kit/TestMain.h"
 
 #include <QApplication>
 #include <QColor>

@@ -1,7 +1,7 @@
 // Integers as text in any base.
 #include "card/NumberText.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <climits>
 

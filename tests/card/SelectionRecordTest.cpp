@@ -1,7 +1,7 @@
 // The selected rows: their order, and a full record.
 #include "card/SelectionRecord.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <climits>
 #include <memory>

@@ -2,16 +2,16 @@
 #include "download/DownloadFileThread.h"
 
 #include "tests/download/DownloadRecorder.h"
-#include "tests/support/MetaMethods.h"
-#include "tests/support/NoDescriptorsLeft.h"
-#include "tests/support/OpenDescriptors.h"
-#include "tests/support/PipeSignal.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/SilentAddress.h"
-#include "tests/support/SleepWatch.h"
-#include "tests/support/StdoutCapture.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/TimeFactor.h"
+#include "tests/kit/MetaMethods.h"
+#include "tests/kit/NoDescriptorsLeft.h"
+#include "tests/kit/OpenDescriptors.h"
+#include "tests/kit/PipeSignal.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/SilentAddress.h"
+#include "tests/kit/SleepWatch.h"
+#include "tests/kit/StdoutCapture.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/TimeFactor.h"
 
 #include <atomic>
 #include <csignal>

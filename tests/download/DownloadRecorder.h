@@ -2,7 +2,7 @@
 #pragma once
 
 #include "download/DownloadFileThread.h"
-#include "tests/support/StdoutCapture.h"
+#include "tests/kit/StdoutCapture.h"
 
 #include <QList>
 #include <QObject>

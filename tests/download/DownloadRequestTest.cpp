@@ -1,6 +1,6 @@
 #include "download/DownloadRequest.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 class DownloadRequestTest : public QObject
 {

@@ -2,11 +2,11 @@
 #include "download/LocalFile.h"
 
 #include "tests/download/DownloadRecorder.h"
-#include "tests/support/Lease.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/SleepWatch.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/TimeFactor.h"
+#include "tests/kit/Lease.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/SleepWatch.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/TimeFactor.h"
 
 #include <algorithm>
 #include <csignal>

@@ -1,10 +1,10 @@
 #include "download/RecordingDownload.h"
 
-#include "tests/support/NoDescriptorsLeft.h"
-#include "tests/support/OpenDescriptors.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/StdoutCapture.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/NoDescriptorsLeft.h"
+#include "tests/kit/OpenDescriptors.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/StdoutCapture.h"
+#include "tests/kit/TestMain.h"
 
 #include <limits>
 

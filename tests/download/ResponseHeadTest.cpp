@@ -1,6 +1,6 @@
 #include "download/ResponseHead.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // Valid and invalid answers to a download, split and closed at every byte: the parsed head and the
 // resulting local file.
 #include "tests/download/DownloadRecorder.h"
-#include "tests/support/Cuts.h"
-#include "tests/support/PacedSending.h"
-#include "tests/support/SleepWatch.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/Cuts.h"
+#include "tests/kit/PacedSending.h"
+#include "tests/kit/SleepWatch.h"
+#include "tests/kit/TestMain.h"
 
 #include <mutex>
 #include <string>

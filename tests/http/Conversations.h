@@ -1,7 +1,7 @@
 // The conversations in tests/data/conversations/http as rows of a test.
 #pragma once
 
-#include "tests/support/ConversationFile.h"
+#include "tests/kit/ConversationFile.h"
 
 #include <QByteArray>
 #include <QTest>

@@ -1,7 +1,7 @@
 // Plays every conversation over a socket pair, split and closed at every byte.
 #include "tests/http/Conversations.h"
 #include "tests/http/WireOutcome.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <algorithm>
 #include <functional>

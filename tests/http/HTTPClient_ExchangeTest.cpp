@@ -4,8 +4,8 @@
 #include "tests/http/Conversations.h"
 #include "tests/http/SendPlan.h"
 #include "tests/http/TcpPlay.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/TestMain.h"
 
 #include <fcntl.h>
 

@@ -1,7 +1,7 @@
 // hostToLong. No name server can be reached here, so unknown names fail immediately.
 #include "http/HTTPClient.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <cstring>
 

@@ -4,9 +4,9 @@
 #include "tests/http/Conversations.h"
 #include "tests/http/SendPlan.h"
 #include "tests/http/TcpPlay.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/SocketPair.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/SocketPair.h"
+#include "tests/kit/TestMain.h"
 
 #include <utility>
 

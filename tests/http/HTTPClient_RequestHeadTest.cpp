@@ -1,7 +1,7 @@
 // makeHeader. Sending the head is tested in HTTPClient_ExchangeTest.
 #include "http/HTTPClient.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <QByteArray>
 #include <QObject>

@@ -1,8 +1,8 @@
 // parseLine, and what is no conversation: long lines, sizes of receives, failing receives, memory.
 #include "http/HTTPClient.h"
 
-#include "tests/support/SocketPair.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/SocketPair.h"
+#include "tests/kit/TestMain.h"
 
 #include <exception>
 #include <fstream>

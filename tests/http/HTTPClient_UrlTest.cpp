@@ -1,6 +1,6 @@
 #include "http/HTTPClient.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <QByteArray>
 #include <QObject>

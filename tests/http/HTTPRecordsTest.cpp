@@ -1,7 +1,7 @@
 #include "http/HTTPRecords.h"
 
 #include "http/HTTPClient.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <type_traits>
 

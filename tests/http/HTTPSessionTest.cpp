@@ -1,9 +1,9 @@
 #include "http/HTTPSession.h"
 
-#include "tests/support/NoDescriptorsLeft.h"
-#include "tests/support/PipeSignal.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/NoDescriptorsLeft.h"
+#include "tests/kit/PipeSignal.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/TestMain.h"
 
 #include <cerrno>
 #include <climits>

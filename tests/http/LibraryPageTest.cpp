@@ -1,8 +1,8 @@
 // Runs the examples of docs/http-library.md, which the build extracts from the page, with a device
 // that expects the documented behaviour.
 #include "http/HTTPClient.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/TestMain.h"
 
 #include <arpa/inet.h>
 

@@ -1,8 +1,8 @@
 // Plays conversations of `get PATH` and `post PATH DATA` over TCP, in the private network.
 #pragma once
 
-#include "tests/support/ConversationFile.h"
-#include "tests/support/ScriptedServer.h"
+#include "tests/kit/ConversationFile.h"
+#include "tests/kit/ScriptedServer.h"
 
 #include <QByteArray>
 

@@ -1,7 +1,7 @@
 #include "tests/http/WireOutcome.h"
 
 #include "http/HTTPClient.h"
-#include "tests/support/Cuts.h"
+#include "tests/kit/Cuts.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "http/HTTPRecords.h"
-#include "tests/support/PieceSender.h"
+#include "tests/kit/PieceSender.h"
 
 #include <string>
 

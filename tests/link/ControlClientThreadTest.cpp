@@ -1,18 +1,18 @@
 #include "link/ControlClientThread.h"
 
+#include "tests/kit/LogCapture.h"
+#include "tests/kit/MetaMethods.h"
+#include "tests/kit/OpenDescriptors.h"
+#include "tests/kit/PipeSignal.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/SilentAddress.h"
+#include "tests/kit/SleepWatch.h"
+#include "tests/kit/SocketPair.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/TimeFactor.h"
 #include "tests/link/HeartBeats.h"
 #include "tests/link/LinkRecorder.h"
 #include "tests/link/ModuleScripts.h"
-#include "tests/support/LogCapture.h"
-#include "tests/support/MetaMethods.h"
-#include "tests/support/OpenDescriptors.h"
-#include "tests/support/PipeSignal.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/SilentAddress.h"
-#include "tests/support/SleepWatch.h"
-#include "tests/support/SocketPair.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/TimeFactor.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,7 +1,7 @@
 // Scripts for modules that send nothing or only the given bytes, and then keep receiving.
 #pragma once
 
-#include "tests/support/ScriptedServer.h"
+#include "tests/kit/ScriptedServer.h"
 
 #include <QByteArray>
 

@@ -1,13 +1,13 @@
 #include "link/ModuleSocket.h"
 
-#include "tests/support/LogCapture.h"
-#include "tests/support/OpenDescriptors.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/SilentAddress.h"
-#include "tests/support/SocketPair.h"
-#include "tests/support/StdoutCapture.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/TimeFactor.h"
+#include "tests/kit/LogCapture.h"
+#include "tests/kit/OpenDescriptors.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/SilentAddress.h"
+#include "tests/kit/SocketPair.h"
+#include "tests/kit/StdoutCapture.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/TimeFactor.h"
 
 #include <array>
 #include <atomic>

@@ -1,7 +1,7 @@
 #include "link/ReceiveLoop.h"
 
-#include "tests/support/SocketPair.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/SocketPair.h"
+#include "tests/kit/TestMain.h"
 
 #include <atomic>
 #include <csignal>

@@ -1,6 +1,6 @@
 #include "link/VehicleFrame.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <algorithm>
 

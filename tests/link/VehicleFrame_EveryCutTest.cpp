@@ -2,12 +2,12 @@
 // of a receive, so the position of a split decides the result.
 #include "link/ControlClientThread.h"
 #include "link/GroundClientThread.h"
+#include "tests/kit/Cuts.h"
+#include "tests/kit/PacedSending.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/SleepWatch.h"
+#include "tests/kit/TestMain.h"
 #include "tests/link/LinkRecorder.h"
-#include "tests/support/Cuts.h"
-#include "tests/support/PacedSending.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/SleepWatch.h"
-#include "tests/support/TestMain.h"
 
 #include <atomic>
 #include <cstring>

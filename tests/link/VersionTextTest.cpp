@@ -1,6 +1,6 @@
 #include "link/VersionText.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 class VersionTextTest : public QObject
 {

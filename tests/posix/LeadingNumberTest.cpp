@@ -1,6 +1,6 @@
 #include "posix/LeadingNumber.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <climits>
 

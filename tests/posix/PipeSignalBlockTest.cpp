@@ -1,8 +1,8 @@
 #include "posix/PipeSignalBlock.h"
 
-#include "tests/support/PipeSignal.h"
-#include "tests/support/SocketPair.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/PipeSignal.h"
+#include "tests/kit/SocketPair.h"
+#include "tests/kit/TestMain.h"
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,10 @@
 #include "posix/StoppableCalls.h"
 
-#include "tests/support/OpenDescriptors.h"
-#include "tests/support/SilentAddress.h"
-#include "tests/support/SocketPair.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/TimeFactor.h"
+#include "tests/kit/OpenDescriptors.h"
+#include "tests/kit/SilentAddress.h"
+#include "tests/kit/SocketPair.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/TimeFactor.h"
 
 #include <atomic>
 #include <thread>

@@ -1,11 +1,11 @@
 // Soak test: hundreds of lost links and downloads and thousands of heartbeats in one window. Only
 // what is designed to grow may grow, and the window must always respond.
 #include "link/ControlClientThread.h"
-#include "tests/app/UserWindow.h"
+#include "tests/kit/OpenDescriptors.h"
+#include "tests/kit/SimulatorProcess.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/UserWindow.h"
 #include "tests/soak/StallWatch.h"
-#include "tests/support/OpenDescriptors.h"
-#include "tests/support/TestMain.h"
-#include "tests/system/SimulatorProcess.h"
 
 #include <cstdio>
 

@@ -1,5 +1,5 @@
 // The program on screens of various densities: the window scales with the density.
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 #include "tests/system/DrivenProcess.h"
 
 #include <QProcessEnvironment>

@@ -1,6 +1,6 @@
 #include "tests/system/DrivenProcess.h"
 
-#include "tests/support/TimeFactor.h"
+#include "tests/kit/TimeFactor.h"
 
 #include <QTest>
 

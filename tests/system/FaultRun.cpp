@@ -1,7 +1,7 @@
 #include "tests/system/FaultRun.h"
 
-#include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/StdoutCapture.h"
+#include "tests/kit/MessageBoxWatcher.h"
+#include "tests/kit/StdoutCapture.h"
 
 #include <QByteArray>
 #include <QDateTime>

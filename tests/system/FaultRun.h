@@ -1,9 +1,9 @@
 // Runs one fault case as a user would.
 #pragma once
 
-#include "tests/app/UserWindow.h"
+#include "tests/kit/SimulatorProcess.h"
+#include "tests/kit/UserWindow.h"
 #include "tests/system/FaultCase.h"
-#include "tests/system/SimulatorProcess.h"
 
 #include <functional>
 #include <optional>

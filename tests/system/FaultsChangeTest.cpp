@@ -1,4 +1,4 @@
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 #include "tests/system/FaultRun.h"
 
 class FaultsChangeTest : public QObject

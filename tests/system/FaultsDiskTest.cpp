@@ -1,5 +1,5 @@
 // Downloads to unusual local disks.
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 #include "tests/system/FaultRun.h"
 
 #include <csignal>

@@ -1,5 +1,5 @@
 // Every fault of the simulator has a case, and every case names existing faults.
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 #include "tests/system/FaultCase.h"
 
 #include <QJsonArray>

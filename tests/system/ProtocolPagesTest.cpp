@@ -6,10 +6,10 @@
 #include "link/GroundClientThread.h"
 #include "link/VehicleFrame.h"
 #include "link/VersionText.h"
-#include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
+#include "tests/kit/MessageBoxWatcher.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/WindowProbe.h"
 
 #include <algorithm>
 #include <memory>

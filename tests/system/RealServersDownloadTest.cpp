@@ -2,7 +2,7 @@
 #include "RealServer.h"
 #include "TestBodies.h"
 #include "download/DownloadFileThread.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <memory>
 

@@ -3,7 +3,7 @@
 #include "RealServer.h"
 #include "TestBodies.h"
 #include "http/HTTPClient.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <map>
 #include <memory>

@@ -1,9 +1,9 @@
 // A run of the window with the simulator, played again from its journal.
-#include "tests/app/UserWindow.h"
-#include "tests/support/StdoutCapture.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/SimulatorProcess.h"
+#include "tests/kit/StdoutCapture.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/UserWindow.h"
 #include "tests/system/FaultRun.h"
-#include "tests/system/SimulatorProcess.h"
 
 #include <QDir>
 #include <QFile>

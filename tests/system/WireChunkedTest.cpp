@@ -1,7 +1,7 @@
 // The run of WireTest with a camera that sends chunked answers. The response record is never reset:
 // after one chunked answer each later one ends after its first line, so that the window finds
 // nothing in it.
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 #include "tests/system/RecordedText.h"
 #include "tests/system/WireRun.h"
 

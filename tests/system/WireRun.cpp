@@ -1,6 +1,6 @@
 #include "tests/system/WireRun.h"
 
-#include "tests/support/MessageBoxWatcher.h"
+#include "tests/kit/MessageBoxWatcher.h"
 
 #include <QByteArray>
 #include <QDateTime>

@@ -1,9 +1,9 @@
 // One user session with the simulated vehicle, from the first link to closing the window.
 #pragma once
 
-#include "tests/app/UserWindow.h"
+#include "tests/kit/SimulatorProcess.h"
+#include "tests/kit/UserWindow.h"
 #include "tests/system/Journal.h"
-#include "tests/system/SimulatorProcess.h"
 
 #include <functional>
 #include <optional>

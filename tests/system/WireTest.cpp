@@ -1,5 +1,5 @@
 // Compares every byte between the window and the vehicle in one user session with a recording.
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 #include "tests/system/RecordedText.h"
 #include "tests/system/WireRun.h"
 

@@ -1,6 +1,6 @@
 #include "verify/AnswerReader.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 using verify::AnswerReader;
 using State = AnswerReader::State;

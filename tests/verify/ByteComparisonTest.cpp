@@ -1,6 +1,6 @@
 #include "verify/ByteComparison.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <QFile>
 #include <QTemporaryDir>

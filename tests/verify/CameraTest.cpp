@@ -1,9 +1,9 @@
 // One exchange: how each kind of end is recognised, and its time limit.
 #include "verify/Camera.h"
 
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/SilentAddress.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/SilentAddress.h"
+#include "tests/kit/TestMain.h"
 
 #include <atomic>
 

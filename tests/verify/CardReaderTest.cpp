@@ -1,8 +1,8 @@
 // The exact requests, and what is read from the answers.
 #include "verify/CardReader.h"
 
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/TestMain.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/TestMain.h"
 
 using support::Peer;
 using support::ScriptedServer;

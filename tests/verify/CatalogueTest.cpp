@@ -1,5 +1,5 @@
 // The Chinese texts, and when they are shown.
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 #include "verify/Language.h"
 #include "verify/Texts.h"
 

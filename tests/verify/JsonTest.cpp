@@ -1,7 +1,7 @@
 // The lines of --json, letter for letter: other programs read them.
 #include "verify/Json.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -1,6 +1,6 @@
 #include "verify/Judgement.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 using verify::Reason;
 using verify::Recording;

@@ -1,7 +1,7 @@
 // Reading the folder for recordings: what is there, and what is never followed or waited for.
 #include "verify/LocalFolder.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <cerrno>
 

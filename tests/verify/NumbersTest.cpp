@@ -1,6 +1,6 @@
 #include "verify/Numbers.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 class NumbersTest : public QObject
 {

@@ -1,6 +1,6 @@
 #include "verify/Options.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 using verify::Options;
 using verify::WrongOption;

@@ -1,6 +1,6 @@
 #include "verify/ShownText.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 using verify::Letters;
 

@@ -1,7 +1,7 @@
 // What a pilot reads, in English.
 #include "verify/Texts.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 using verify::Advance;
 using verify::CameraError;

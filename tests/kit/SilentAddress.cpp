@@ -1,4 +1,4 @@
-#include "tests/support/SilentAddress.h"
+#include "tests/kit/SilentAddress.h"
 
 #include <cerrno>
 

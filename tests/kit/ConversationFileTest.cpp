@@ -1,6 +1,6 @@
-#include "tests/support/ConversationFile.h"
+#include "tests/kit/ConversationFile.h"
 
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
 #include <QByteArray>
 #include <QFile>

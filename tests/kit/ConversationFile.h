@@ -26,7 +26,7 @@
 // character).
 #pragma once
 
-#include "tests/support/Cuts.h"
+#include "tests/kit/Cuts.h"
 
 #include <algorithm>
 #include <cstddef>

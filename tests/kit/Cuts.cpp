@@ -1,4 +1,4 @@
-#include "tests/support/Cuts.h"
+#include "tests/kit/Cuts.h"
 
 #include <cstdio>
 

@@ -1,4 +1,4 @@
-#include "tests/system/SimulatorProcess.h"
+#include "tests/kit/SimulatorProcess.h"
 
 #include <QDeadlineTimer>
 

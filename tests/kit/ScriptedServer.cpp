@@ -1,6 +1,6 @@
-#include "tests/support/ScriptedServer.h"
+#include "tests/kit/ScriptedServer.h"
 
-#include "tests/support/ScriptEnd.h"
+#include "tests/kit/ScriptEnd.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
-#include "tests/support/MessageLog.h"
+#include "tests/kit/MessageLog.h"
 
-#include "tests/support/LogCapture.h"
+#include "tests/kit/LogCapture.h"
 
 #include <algorithm>
 

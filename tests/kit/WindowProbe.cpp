@@ -1,4 +1,4 @@
-#include "tests/support/WindowProbe.h"
+#include "tests/kit/WindowProbe.h"
 
 #include <cstdlib>
 

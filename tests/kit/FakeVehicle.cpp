@@ -1,4 +1,4 @@
-#include "tests/app/FakeVehicle.h"
+#include "tests/kit/FakeVehicle.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-#include "tests/support/TestMain.h"
+#include "tests/kit/TestMain.h"
 
-#include "tests/support/MessageLog.h"
-#include "tests/support/NetworkGuard.h"
+#include "tests/kit/MessageLog.h"
+#include "tests/kit/NetworkGuard.h"
 
 #include <clocale>
 #include <csignal>

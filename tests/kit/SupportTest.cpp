@@ -1,12 +1,12 @@
 // Tests of the shared test code.
-#include "tests/support/LogCapture.h"
-#include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/SilentAddress.h"
-#include "tests/support/SocketPair.h"
-#include "tests/support/StdoutCapture.h"
-#include "tests/support/TestMain.h"
-#include "tests/support/WindowProbe.h"
+#include "tests/kit/LogCapture.h"
+#include "tests/kit/MessageBoxWatcher.h"
+#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/SilentAddress.h"
+#include "tests/kit/SocketPair.h"
+#include "tests/kit/StdoutCapture.h"
+#include "tests/kit/TestMain.h"
+#include "tests/kit/WindowProbe.h"
 
 #include <array>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "tests/support/MessageBoxWatcher.h"
+#include "tests/kit/MessageBoxWatcher.h"
 
 #include <QAbstractButton>
 #include <QApplication>

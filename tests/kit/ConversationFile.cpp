@@ -1,4 +1,4 @@
-#include "tests/support/ConversationFile.h"
+#include "tests/kit/ConversationFile.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/MainWindow.h"
-#include "tests/support/WindowProbe.h"
+#include "tests/kit/WindowProbe.h"
 
 #include <memory>
 

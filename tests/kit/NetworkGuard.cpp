@@ -1,4 +1,4 @@
-#include "tests/support/NetworkGuard.h"
+#include "tests/kit/NetworkGuard.h"
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 // The script's side of a connection.
-#include "tests/support/ScriptEnd.h"
-#include "tests/support/ScriptedServer.h"
+#include "tests/kit/ScriptEnd.h"
+#include "tests/kit/ScriptedServer.h"
 
 #include <cerrno>
 #include <cstring>

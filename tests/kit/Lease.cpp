@@ -1,4 +1,4 @@
-#include "tests/support/Lease.h"
+#include "tests/kit/Lease.h"
 
 #include <csignal>
 

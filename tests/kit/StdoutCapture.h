@@ -1,7 +1,7 @@
 // Captures standard output.
 #pragma once
 
-#include "tests/support/LogCapture.h"
+#include "tests/kit/LogCapture.h"
 
 #include <QByteArray>
 

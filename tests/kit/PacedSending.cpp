@@ -1,4 +1,4 @@
-#include "tests/support/PacedSending.h"
+#include "tests/kit/PacedSending.h"
 
 #include <cstddef>
 

@@ -1,4 +1,4 @@
-#include "tests/support/StdoutCapture.h"
+#include "tests/kit/StdoutCapture.h"
 
 #include <cstdio>
 

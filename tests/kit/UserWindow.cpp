@@ -1,4 +1,4 @@
-#include "tests/app/UserWindow.h"
+#include "tests/kit/UserWindow.h"
 
 #include <QComboBox>
 #include <QLineEdit>

@@ -1,6 +1,6 @@
-#include "tests/support/PieceSender.h"
+#include "tests/kit/PieceSender.h"
 
-#include "tests/support/SleepWatch.h"
+#include "tests/kit/SleepWatch.h"
 
 #include <chrono>
 

@@ -1,4 +1,4 @@
-#include "tests/support/SleepWatch.h"
+#include "tests/kit/SleepWatch.h"
 
 #include <fstream>
 #include <string>

@@ -1,4 +1,4 @@
-#include "tests/support/OpenDescriptors.h"
+#include "tests/kit/OpenDescriptors.h"
 
 #include <filesystem>
 #include <string>

@@ -1,7 +1,7 @@
 // Sends to a reader in this process so that it receives each piece separately.
 #pragma once
 
-#include "tests/support/ScriptedServer.h"
+#include "tests/kit/ScriptedServer.h"
 
 #include <functional>
 #include <string>

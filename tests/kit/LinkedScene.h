@@ -1,8 +1,8 @@
 // The complete scene: both modules, the camera, and the window linked to them.
 #pragma once
 
-#include "tests/app/FakeVehicle.h"
-#include "tests/app/UserWindow.h"
+#include "tests/kit/FakeVehicle.h"
+#include "tests/kit/UserWindow.h"
 
 #include <optional>
 
