@@ -3,6 +3,7 @@
 #include "card/FileTable.h"
 #include "tests/kit/TestMain.h"
 #include "tests/kit/WindowProbe.h"
+#include "tests/kit/WindowTexts.h"
 
 #include <algorithm>
 #include <memory>
@@ -22,13 +23,6 @@
 #include <QWidget>
 
 namespace {
-
-/// A text of the catalogues in English and in Chinese.
-struct Text
-{
-    const char* english;
-    const char* chinese;
-};
 
 const QString shownName = QStringLiteral("VID_0001.MP4");
 
@@ -118,29 +112,13 @@ void AccessibilityTest::widgetIsNamedInBothLanguages_data()
     QTest::addColumn<QString>("english");
     QTest::addColumn<QString>("chinese");
 
-    const auto row = [](const char* widget, const Text& text) {
-        QTest::newRow(widget) << QString::fromUtf8(text.english) << QString::fromUtf8(text.chinese);
-    };
-    row("pushButtonLinkBELUN", {"Link Device", "连接设备"});
-    row("lineEditLinkBELUN", {"Link Device", "连接设备"});
-    row("label_language", {"language:", "语言\uFF1A"});
-    row("groupBoxVersionInfo", {"Version Information", "版本信息"});
-    row("lineEditHardType", {"HardwareType:", "硬件类型\uFF1A"});
-    row("lineEditHardVer", {"HardwareVersion:", "硬件版本\uFF1A"});
-    row("lineEditSoftVer", {"SoftwareVersion:", "软件版本\uFF1A"});
-    row("lineEditProtocolVer", {"ProtocolVersion:", "协议版本\uFF1A"});
-    row("lineEditBootVer", {"BootloaderVersion:", "Bootloader版本\uFF1A"});
-    row("groupBoxFile", {"File Operate", "文件操作"});
-    row("pushButtonEnterTFcard", {"Browse Files in Card", "浏览相机卡内文件"});
-    row("pushButtonDownloadFile", {"Download File", "下载选中文件"});
-    row("pushButtonDeleteFile", {"Delete File", "删除选中文件"});
-    row("pushButtonFormatCard", {"Format Card", "格式化卡"});
-    row("pushButtonDeleteAllFiles", {"Delete All Files", "删除卡内所有文件"});
-    row("lineEditDownloadLabel", {"Download Progress:", "下载进度\uFF1A"});
-    row("progressBarDownLoad", {"Download Progress:", "下载进度\uFF1A"});
-    row("lineEditDownloadProgress", {"Download Progress:", "下载进度\uFF1A"});
-    row("checkBoxSelectAllFiles", {"Select All", "全选"});
-    row("tableWidgetFileInfo", {"Browse Files in Card", "浏览相机卡内文件"});
+    for (const support::WindowText& text : support::windowTexts()) {
+        for (const QString& widget : text.shownBy + text.accessibleNameOf) {
+            if (!widget.startsWith("column")) {
+                QTest::newRow(qPrintable(widget)) << text.english << text.chinese;
+            }
+        }
+    }
 }
 
 void AccessibilityTest::widgetIsNamedInBothLanguages()
@@ -208,28 +186,19 @@ void AccessibilityTest::cellIsNamedByItsTextAndDescribedByItsHeader_data()
 {
     QTest::addColumn<int>("column");
     QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("english");
-    QTest::addColumn<QString>("chinese");
 
-    QTest::newRow("name") << 0 << shownName << "Name"
-                          << "名称";
-    QTest::newRow("date") << 1 << "2020-01-31  12:45:02"
-                          << "Date"
-                          << "日期";
-    QTest::newRow("size") << 2 << "3MB"
-                          << "Size"
-                          << "大小";
-    QTest::newRow("duration") << 3 << "61s"
-                              << "Duration"
-                              << "时长";
+    QTest::newRow("file_name") << 0 << shownName;
+    QTest::newRow("file_date") << 1 << "2020-01-31  12:45:02";
+    QTest::newRow("file_size") << 2 << "3MB";
+    QTest::newRow("file_duration") << 3 << "61s";
 }
 
 void AccessibilityTest::cellIsNamedByItsTextAndDescribedByItsHeader()
 {
     QFETCH(int, column);
     QFETCH(QString, text);
-    QFETCH(QString, english);
-    QFETCH(QString, chinese);
+    const support::WindowText& columnHeader =
+        support::windowText(QString::fromLatin1(QTest::currentDataTag()));
     addRow();
     QAccessibleTableInterface* cells = interfaceOf(table()).tableInterface();
     QVERIFY(cells != nullptr);
@@ -238,7 +207,7 @@ void AccessibilityTest::cellIsNamedByItsTextAndDescribedByItsHeader()
         QAccessibleInterface* cell = cells->cellAt(0, column);
         QVERIFY(cell != nullptr);
         QCOMPARE(cell->text(QAccessible::Name), text);
-        const QString header = language == 0 ? english : chinese;
+        const QString header = language == 0 ? columnHeader.english : columnHeader.chinese;
         QCOMPARE(cell->text(QAccessible::Description), header);
         QCOMPARE(columnHeadersOf(*cell), QStringList{header});
     }

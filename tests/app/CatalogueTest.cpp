@@ -1,5 +1,8 @@
 // Compares both catalogues, source and compiled, with the table of texts.
 #include "tests/kit/TestMain.h"
+#include "tests/kit/WindowTexts.h"
+
+#include <vector>
 
 #include <QByteArray>
 #include <QFile>
@@ -29,50 +32,27 @@ private slots:
     void sourceHoldsTheTableAndNothingUnfinished();
 
 private:
-    struct Text
-    {
-        const char* source;
-        const char* chinese;
-    };
-    static constexpr Text texts[] = {
-        {"BootloaderVersion:", "Bootloader版本\uFF1A"},
-        {"Browse Files in Card", "浏览相机卡内文件"},
-        {"Date", "日期"},
-        {"Delete All Files", "删除卡内所有文件"},
-        {"Delete File", "删除选中文件"},
-        {"Download File", "下载选中文件"},
-        {"Download Progress:", "下载进度\uFF1A"},
-        {"Duration", "时长"},
-        {"File Operate", "文件操作"},
-        {"Format Card", "格式化卡"},
-        {"HardwareType:", "硬件类型\uFF1A"},
-        {"HardwareVersion:", "硬件版本\uFF1A"},
-        {"Link Device", "连接设备"},
-        {"Link Fail!", "连接失败\uFF01"},
-        {"Link Success!", "连接成功\uFF01"},
-        {"Name", "名称"},
-        {"ProtocolVersion:", "协议版本\uFF1A"},
-        {"Select All", "全选"},
-        {"Size", "大小"},
-        {"SoftwareVersion:", "软件版本\uFF1A"},
-        {"Version Information", "版本信息"},
-        {"language:", "语言\uFF1A"},
-        {"MainWindow", "口"},
-    };
-    static constexpr int englishTexts = 22; // all but the last
-
-    static QString inChinese(const Text& text) { return QString::fromUtf8(text.chinese); }
     static void addCatalogues();
-    static void addTexts(int count);
+    static std::vector<support::WindowText> texts(bool chinese);
+    static void addTexts(bool chinese);
 };
 
-void CatalogueTest::addTexts(int count)
+/// The form's own title, the last of the table, is in the Chinese catalogue only.
+std::vector<support::WindowText> CatalogueTest::texts(bool chinese)
+{
+    std::vector<support::WindowText> texts = support::windowTexts();
+    if (!chinese) {
+        texts.pop_back();
+    }
+    return texts;
+}
+
+void CatalogueTest::addTexts(bool chinese)
 {
     QTest::addColumn<QByteArray>("source");
     QTest::addColumn<QString>("chinese");
-    for (int index = 0; index < count; ++index) {
-        QTest::newRow(texts[index].source)
-            << QByteArray(texts[index].source) << inChinese(texts[index]);
+    for (const support::WindowText& text : texts(chinese)) {
+        QTest::newRow(qPrintable(text.english)) << text.english.toUtf8() << text.chinese;
     }
 }
 
@@ -88,7 +68,7 @@ void CatalogueTest::addCatalogues()
 
 void CatalogueTest::chineseTextIsTranslated_data()
 {
-    addTexts(23);
+    addTexts(true);
 }
 
 void CatalogueTest::chineseTextIsTranslated()
@@ -102,7 +82,7 @@ void CatalogueTest::chineseTextIsTranslated()
 
 void CatalogueTest::englishTextIsTranslatedToItself_data()
 {
-    addTexts(englishTexts);
+    addTexts(false);
 }
 
 void CatalogueTest::englishTextIsTranslatedToItself()
@@ -158,9 +138,8 @@ void CatalogueTest::sourceHoldsTheTableAndNothingUnfinished()
     QFETCH(int, count);
     QFETCH(bool, isChinese);
     QMap<QString, QString> expected;
-    for (int index = 0; index < count; ++index) {
-        const QString source = QString::fromUtf8(texts[index].source);
-        expected.insert(source, isChinese ? inChinese(texts[index]) : source);
+    for (const support::WindowText& text : texts(isChinese)) {
+        expected.insert(text.english, isChinese ? text.chinese : text.english);
     }
 
     QFile file(QStringLiteral(TRANSLATION_SOURCES "/%1.ts").arg(name));

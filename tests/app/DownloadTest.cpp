@@ -2,6 +2,7 @@
 #include "tests/kit/LinkedScene.h"
 #include "tests/kit/StdoutCapture.h"
 #include "tests/kit/TestMain.h"
+#include "tests/kit/WindowTexts.h"
 
 #include <array>
 #include <memory>
@@ -178,7 +179,7 @@ void DownloadTest::threeFilesGoOneAfterTheOther()
         fake::Gate& gate = (*gates)[static_cast<std::size_t>(number)];
         QTRY_VERIFY(gate.isReached());
         QCOMPARE(user.downloadCount(), QStringLiteral("%1/3").arg(number + 1));
-        QCOMPARE(user.downloadLabel(), QStringLiteral("Download Progress:"));
+        QCOMPARE(user.downloadLabel(), support::windowText("progress").english);
         QVERIFY(user.progressBar().isVisible());
         QVERIFY(!user.canDownload());
         user.clickDownload(); // no effect, because the button is disabled
@@ -296,12 +297,12 @@ void DownloadTest::windowIsAliveDuringADownload()
     timer.start(1);
     QTRY_VERIFY(ticks.count() >= 20);
     user.chooseChinese();
-    QCOMPARE(user.button("pushButtonDownloadFile").text(), QStringLiteral("下载选中文件"));
+    QCOMPARE(user.button("pushButtonDownloadFile").text(), support::windowText("download").chinese);
     auto& selectAll = user.probe().child<QCheckBox>(QStringLiteral("checkBoxSelectAllFiles"));
     QTest::keyClick(&selectAll, Qt::Key_Space);
     QCOMPARE(user.table().selectionModel()->selectedRows().size(), 5);
     scene->control->link()->send(QByteArray::fromHex("aaaf04010000"));
-    QTRY_COMPARE(user.status(), QStringLiteral("连接成功！"));
+    QTRY_COMPARE(user.status(), support::windowText("linked").chinese);
     QVERIFY(!user.canDownload());
     (*gates)[0].open();
     QTRY_VERIFY(user.isIdle());
@@ -323,9 +324,9 @@ void DownloadTest::labelKeepsItsLanguageUntilTheNextFile()
     user.clickDownload();
     QTRY_VERIFY((*gates)[0].isReached());
     user.chooseChinese();
-    QCOMPARE(user.downloadLabel(), QStringLiteral("Download Progress:"));
+    QCOMPARE(user.downloadLabel(), support::windowText("progress").english);
     (*gates)[0].open();
-    QTRY_COMPARE(user.downloadLabel(), QStringLiteral("下载进度："));
+    QTRY_COMPARE(user.downloadLabel(), support::windowText("progress").chinese);
     QCOMPARE(user.downloadCount(), QStringLiteral("2/2"));
     (*gates)[1].open();
     QTRY_VERIFY(user.isIdle());

@@ -36,7 +36,6 @@ private slots:
     void cleanup();
 
     void hasFourColumnsAndNoRow();
-    void headersAreNameDateSizeDuration();
     void headerIsBoldAndOtherwiseAsItWas();
     void columnsShareTheWidth();
     void rowsAre25High();
@@ -103,14 +102,6 @@ void FileTableTest::hasFourColumnsAndNoRow()
 {
     QCOMPARE(table().columnCount(), 4);
     QCOMPARE(table().rowCount(), 0);
-}
-
-void FileTableTest::headersAreNameDateSizeDuration()
-{
-    const char* const texts[] = {"Name", "Date", "Size", "Duration"};
-    for (int column = 0; column < 4; ++column) {
-        QCOMPARE(table().horizontalHeaderItem(column)->text(), QString::fromLatin1(texts[column]));
-    }
 }
 
 void FileTableTest::headerIsBoldAndOtherwiseAsItWas()

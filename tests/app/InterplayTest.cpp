@@ -2,6 +2,7 @@
 #include "tests/kit/LinkedScene.h"
 #include "tests/kit/MessageBoxWatcher.h"
 #include "tests/kit/TestMain.h"
+#include "tests/kit/WindowTexts.h"
 
 #include <array>
 #include <chrono>
@@ -285,17 +286,17 @@ void InterplayTest::languageSwitchesWhileLinkedAndDownloading()
     QTRY_COMPARE(user.progressBar().value(), 5);
 
     user.chooseChinese();
-    QCOMPARE(user.status(), QStringLiteral("Link Success!"));
-    QCOMPARE(user.downloadLabel(), QStringLiteral("Download Progress:"));
+    QCOMPARE(user.status(), support::windowText("linked").english);
+    QCOMPARE(user.downloadLabel(), support::windowText("progress").english);
     QCOMPARE(user.table().horizontalHeaderItem(0)->text(), QStringLiteral("名称"));
     QCOMPARE(user.names(), (QStringList{"a.mp4", "b.mp4"}));
     scene->control->link()->send(heartbeat);
-    QTRY_COMPARE(user.status(), QStringLiteral("连接成功！"));
+    QTRY_COMPARE(user.status(), support::windowText("linked").chinese);
     (*gates)[0].open();
     QTRY_VERIFY((*gates)[1].isReached());
-    QCOMPARE(user.downloadLabel(), QStringLiteral("下载进度："));
+    QCOMPARE(user.downloadLabel(), support::windowText("progress").chinese);
     user.chooseEnglish();
-    QCOMPARE(user.downloadLabel(), QStringLiteral("下载进度："));
+    QCOMPARE(user.downloadLabel(), support::windowText("progress").chinese);
     QCOMPARE(user.downloadCount(), QStringLiteral("2/2"));
     (*gates)[1].open();
     QTRY_VERIFY(user.isIdle());

@@ -2,6 +2,7 @@
 #include "app/MainWindow.h"
 #include "tests/kit/TestMain.h"
 #include "tests/kit/WindowProbe.h"
+#include "tests/kit/WindowTexts.h"
 
 #include <memory>
 
@@ -50,80 +51,49 @@ private slots:
 private:
     using Texts = QMap<QString, QString>;
 
-    /// Returns every translated text of the window by object name; the headers are header0 to
-    /// header3.
+    /// Returns every translated text of the window by what shows it.
     Texts shown() const
     {
         Texts texts;
-        for (const char* name :
-             {"label_language", "label_1", "label_2", "label_3", "label_4", "label_5",
-              "pushButtonLinkBELUN", "pushButtonEnterTFcard", "pushButtonDownloadFile",
-              "pushButtonDeleteFile", "pushButtonDeleteAllFiles", "pushButtonFormatCard",
-              "checkBoxSelectAllFiles"}) {
-            texts[name] = child<QWidget>(name).property("text").toString();
-        }
-        for (const char* name : {"groupBoxFile", "groupBoxVersionInfo"}) {
-            texts[name] = child<QGroupBox>(name).title();
-        }
-        const QTableWidget& table = child<QTableWidget>("tableWidgetFileInfo");
-        for (int column = 0; column < table.columnCount(); ++column) {
-            texts[QStringLiteral("header%1").arg(column)] =
-                table.model()->headerData(column, Qt::Horizontal).toString();
+        for (const support::WindowText& text : support::windowTexts()) {
+            for (const QString& place : text.shownBy) {
+                texts[place] = textAt(place);
+            }
         }
         return texts;
     }
-    static Texts english()
+    QString textAt(const QString& place) const
     {
-        return {{"label_language", "language:"},
-                {"label_1", "HardwareType:"},
-                {"label_2", "HardwareVersion:"},
-                {"label_3", "SoftwareVersion:"},
-                {"label_4", "ProtocolVersion:"},
-                {"label_5", "BootloaderVersion:"},
-                {"pushButtonLinkBELUN", "Link Device"},
-                {"pushButtonEnterTFcard", "Browse Files in Card"},
-                {"pushButtonDownloadFile", "Download File"},
-                {"pushButtonDeleteFile", "Delete File"},
-                {"pushButtonDeleteAllFiles", "Delete All Files"},
-                {"pushButtonFormatCard", "Format Card"},
-                {"checkBoxSelectAllFiles", "Select All"},
-                {"groupBoxFile", "File Operate"},
-                {"groupBoxVersionInfo", "Version Information"},
-                {"header0", "Name"},
-                {"header1", "Date"},
-                {"header2", "Size"},
-                {"header3", "Duration"}};
+        if (place.startsWith("column")) {
+            const QTableWidget& table = child<QTableWidget>("tableWidgetFileInfo");
+            return table.model()->headerData(place.mid(6).toInt(), Qt::Horizontal).toString();
+        }
+        const auto* box = qobject_cast<QGroupBox*>(&child<QWidget>(place));
+        return box != nullptr ? box->title() : child<QWidget>(place).property("text").toString();
     }
-    static Texts chinese()
+    static Texts expected(QString support::WindowText::*language)
     {
-        return {{"label_language", "语言\uFF1A"},
-                {"label_1", "硬件类型\uFF1A"},
-                {"label_2", "硬件版本\uFF1A"},
-                {"label_3", "软件版本\uFF1A"},
-                {"label_4", "协议版本\uFF1A"},
-                {"label_5", "Bootloader版本\uFF1A"},
-                {"pushButtonLinkBELUN", "连接设备"},
-                {"pushButtonEnterTFcard", "浏览相机卡内文件"},
-                {"pushButtonDownloadFile", "下载选中文件"},
-                {"pushButtonDeleteFile", "删除选中文件"},
-                {"pushButtonDeleteAllFiles", "删除卡内所有文件"},
-                {"pushButtonFormatCard", "格式化卡"},
-                {"checkBoxSelectAllFiles", "全选"},
-                {"groupBoxFile", "文件操作"},
-                {"groupBoxVersionInfo", "版本信息"},
-                {"header0", "名称"},
-                {"header1", "日期"},
-                {"header2", "大小"},
-                {"header3", "时长"}};
+        Texts texts;
+        for (const support::WindowText& text : support::windowTexts()) {
+            for (const QString& place : text.shownBy) {
+                texts[place] = text.*language;
+            }
+        }
+        return texts;
     }
+    static Texts english() { return expected(&support::WindowText::english); }
+    static Texts chinese() { return expected(&support::WindowText::chinese); }
 
     template <class Widget>
-    Widget& child(const char* name) const
+    Widget& child(const QString& name) const
     {
-        return support::WindowProbe(*m_window).child<Widget>(QString::fromLatin1(name));
+        return support::WindowProbe(*m_window).child<Widget>(name);
     }
     QComboBox& combo() const { return child<QComboBox>("comboBox"); }
     void choose(int index) const { combo().setCurrentIndex(index); }
+    static const support::WindowText& linked() { return support::windowText("linked"); }
+    static const support::WindowText& unlinked() { return support::windowText("unlinked"); }
+    static const support::WindowText& date() { return support::windowText("file_date"); }
     QString status() const { return child<QLineEdit>("lineEditLinkBELUN").text(); }
     void report(bool isLinked) const
     {
@@ -204,13 +174,13 @@ void LanguageTest::sameLanguageAgainIsHarmless()
 void LanguageTest::everySwitchReloadsTheOneTranslator()
 {
     choose(1);
-    QCOMPARE(QCoreApplication::translate("MainWindow", "Date"), QStringLiteral("日期"));
+    QCOMPARE(QCoreApplication::translate("MainWindow", "Date"), date().chinese);
     for (int times = 0; times < 3; ++times) {
         choose(0);
-        QCOMPARE(QCoreApplication::translate("MainWindow", "Date"), QStringLiteral("Date"));
+        QCOMPARE(QCoreApplication::translate("MainWindow", "Date"), date().english);
         choose(1);
     }
-    QCOMPARE(QCoreApplication::translate("MainWindow", "Date"), QStringLiteral("日期"));
+    QCOMPARE(QCoreApplication::translate("MainWindow", "Date"), date().chinese);
 }
 
 void LanguageTest::titleStaysAsTheProgramSetIt()
@@ -223,24 +193,24 @@ void LanguageTest::titleStaysAsTheProgramSetIt()
 void LanguageTest::linkStatusOnScreenChangesLanguageWhenItIsNextSet()
 {
     report(true);
-    QCOMPARE(status(), QStringLiteral("Link Success!"));
+    QCOMPARE(status(), linked().english);
     choose(1);
-    QCOMPARE(status(), QStringLiteral("Link Success!"));
+    QCOMPARE(status(), linked().english);
     report(true);
-    QCOMPARE(status(), QStringLiteral("连接成功\uFF01"));
+    QCOMPARE(status(), linked().chinese);
     choose(0);
-    QCOMPARE(status(), QStringLiteral("连接成功\uFF01"));
+    QCOMPARE(status(), linked().chinese);
     report(true);
-    QCOMPARE(status(), QStringLiteral("Link Success!"));
+    QCOMPARE(status(), linked().english);
 }
 
 void LanguageTest::linkFailureIsShownInTheSelectedLanguage()
 {
     report(false);
-    QCOMPARE(status(), QStringLiteral("Link Fail!"));
+    QCOMPARE(status(), unlinked().english);
     choose(1);
     report(false);
-    QCOMPARE(status(), QStringLiteral("连接失败\uFF01"));
+    QCOMPARE(status(), unlinked().chinese);
 }
 
 void LanguageTest::missingCatalogueShowsTheEnglishTexts()

@@ -5,6 +5,7 @@
 #include "tests/kit/SilentAddress.h"
 #include "tests/kit/TestMain.h"
 #include "tests/kit/UserWindow.h"
+#include "tests/kit/WindowTexts.h"
 
 #include <optional>
 
@@ -22,6 +23,9 @@ const QByteArray versionReport = QByteArray::fromHex("aaaf000907012c02580064000a
 constexpr char idleStyle[] = "border:1px;background:transparent";
 constexpr char linkedStyle[] = "border:1px;background:transparent;color:green";
 constexpr char notLinkedStyle[] = "border:1px;background:transparent;color:red";
+
+const support::WindowText& linked = support::windowText("linked");
+const support::WindowText& unlinked = support::windowText("unlinked");
 
 const QStringList noVersions{QString(), QString(), QString(), QString(), QString()};
 
@@ -82,7 +86,7 @@ void LinkTest::refusingGroundModuleFailsWithoutASecondProbe()
     fake::Module control(fake::controlAddress);
     const UserWindow user;
     user.clickLink();
-    QCOMPARE(user.status(), QStringLiteral("Link Fail!"));
+    QCOMPARE(user.status(), unlinked.english);
     QCOMPARE(control.connectionCount(), 0);
     QCOMPARE(controlThreads(user), 0);
     QCOMPARE(groundThreads(user), 0);
@@ -93,7 +97,7 @@ void LinkTest::refusingControlModuleFailsAfterOneProbeOfEach()
     fake::Module ground(fake::groundAddress);
     const UserWindow user;
     user.clickLink();
-    QCOMPARE(user.status(), QStringLiteral("Link Fail!"));
+    QCOMPARE(user.status(), unlinked.english);
     QCOMPARE(ground.connectionCount(), 1);
     QCOMPARE(controlThreads(user), 0);
     QCOMPARE(groundThreads(user), 0);
@@ -133,7 +137,7 @@ void LinkTest::silentModuleFailsAfterASecond()
     user.clickLink();
     const qint64 elapsed = clock.elapsed();
 
-    QCOMPARE(user.status(), QStringLiteral("Link Fail!"));
+    QCOMPARE(user.status(), unlinked.english);
     QVERIFY2(elapsed >= 950 && elapsed < 1800, qPrintable(QString::number(elapsed) + " ms"));
     QCOMPARE(controlThreads(user), 0);
     if (control) {
@@ -147,7 +151,7 @@ void LinkTest::bothReachableShowSuccessAndStartTwoThreads()
     fake::Module control(fake::controlAddress);
     const UserWindow user;
     user.clickLink();
-    QCOMPARE(user.status(), QStringLiteral("Link Success!"));
+    QCOMPARE(user.status(), linked.english);
     QCOMPARE(controlThreads(user), 1);
     QCOMPARE(groundThreads(user), 1);
     QVERIFY(user.window().findChild<ControlClientThread*>()->isRunning());
@@ -177,8 +181,8 @@ void LinkTest::failureAndSuccessLookExactlyAsDesigned_data()
     QTest::addColumn<bool>("reachable");
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("styleSheet");
-    QTest::newRow("success") << true << "Link Success!" << linkedStyle;
-    QTest::newRow("failure") << false << "Link Fail!" << notLinkedStyle;
+    QTest::newRow("success") << true << linked.english << linkedStyle;
+    QTest::newRow("failure") << false << unlinked.english << notLinkedStyle;
 }
 
 void LinkTest::failureAndSuccessLookExactlyAsDesigned()
@@ -230,18 +234,18 @@ void LinkTest::secondClickWhileLinkedDoesNothing()
     QCOMPARE(control.connectionCount(), 2);
     QCOMPARE(controlThreads(user), 1);
     QCOMPARE(groundThreads(user), 1);
-    QCOMPARE(user.status(), QStringLiteral("Link Success!"));
+    QCOMPARE(user.status(), linked.english);
 }
 
 void LinkTest::clickAfterAFailureProbesAgain()
 {
     const UserWindow user;
     user.clickLink();
-    QCOMPARE(user.status(), QStringLiteral("Link Fail!"));
+    QCOMPARE(user.status(), unlinked.english);
     fake::Module ground(fake::groundAddress);
     fake::Module control(fake::controlAddress);
     user.clickLink();
-    QCOMPARE(user.status(), QStringLiteral("Link Success!"));
+    QCOMPARE(user.status(), linked.english);
     QCOMPARE(user.statusField().styleSheet(), QString(linkedStyle));
     QTRY_COMPARE(control.links(), QList<int>{1});
 }
@@ -258,7 +262,7 @@ void LinkTest::heartbeatIsAnsweredOnBothLinks()
     ground.link()->send(QByteArray::fromHex("bbaf04010000"));
     QTRY_COMPARE(control.link()->received(), heartbeatAnswer);
     QTRY_COMPARE(ground.link()->received(), heartbeatAnswer);
-    QCOMPARE(user.status(), QStringLiteral("Link Success!"));
+    QCOMPARE(user.status(), linked.english);
 }
 
 void LinkTest::lostLinkTurnsRedAndTheNextHeartbeatGreen()
@@ -269,13 +273,13 @@ void LinkTest::lostLinkTurnsRedAndTheNextHeartbeatGreen()
     user.clickLink();
     QTRY_COMPARE(control.links(), QList<int>{1});
     control.link()->close();
-    QTRY_COMPARE(user.status(), QStringLiteral("Link Fail!"));
+    QTRY_COMPARE(user.status(), unlinked.english);
     QCOMPARE(user.statusField().styleSheet(), QString(notLinkedStyle));
     // The thread has reconnected by itself; a connection alone is not a link.
     QTRY_COMPARE(control.links(), QList<int>{2});
-    QCOMPARE(user.status(), QStringLiteral("Link Fail!"));
+    QCOMPARE(user.status(), unlinked.english);
     control.link()->send(heartbeat);
-    QTRY_COMPARE(user.status(), QStringLiteral("Link Success!"));
+    QTRY_COMPARE(user.status(), linked.english);
     QCOMPARE(user.statusField().styleSheet(), QString(linkedStyle));
     QCOMPARE(controlThreads(user), 1);
 }
@@ -294,7 +298,7 @@ void LinkTest::lostGroundLinkIsShownNowhere()
     control.link()->send(heartbeat);
     QTRY_COMPARE(control.link()->received(), heartbeatAnswer);
     QCoreApplication::processEvents();
-    QCOMPARE(user.status(), QStringLiteral("Link Success!"));
+    QCOMPARE(user.status(), linked.english);
 }
 
 void LinkTest::sixTicksWithoutHeartbeatLoseTheLinkWithTheNextBytes()
@@ -311,9 +315,9 @@ void LinkTest::sixTicksWithoutHeartbeatLoseTheLinkWithTheNextBytes()
         QMetaObject::invokeMethod(thread, "heartBeatTimer", Qt::DirectConnection);
     }
     QCoreApplication::processEvents();
-    QCOMPARE(user.status(), QStringLiteral("Link Success!"));
+    QCOMPARE(user.status(), linked.english);
     control.link()->send(versionReport);
-    QTRY_COMPARE(user.status(), QStringLiteral("Link Fail!"));
+    QTRY_COMPARE(user.status(), unlinked.english);
     QTRY_COMPARE(control.connectionCount(), 3);
 }
 
@@ -327,10 +331,10 @@ void LinkTest::clickAfterALossStartsASecondPairBesideTheFirst()
     QTRY_COMPARE(control.links(), QList<int>{1});
     control.link()->close();
     QTRY_COMPARE(control.links(), QList<int>{2});
-    QTRY_COMPARE(user.status(), QStringLiteral("Link Fail!"));
+    QTRY_COMPARE(user.status(), unlinked.english);
 
     user.clickLink();
-    QCOMPARE(user.status(), QStringLiteral("Link Success!"));
+    QCOMPARE(user.status(), linked.english);
     QCOMPARE(controlThreads(user), 2);
     QCOMPARE(groundThreads(user), 2);
     for (const auto* thread : user.window().findChildren<ControlClientThread*>()) {
@@ -367,7 +371,7 @@ void LinkTest::versionReportOfAnUnlinkedWindowChangesNothing()
                       Q_ARG(int, 100), Q_ARG(int, 10));
     QCOMPARE(user.versions(), noVersions);
     user.clickLink();
-    QCOMPARE(user.status(), QStringLiteral("Link Fail!"));
+    QCOMPARE(user.status(), unlinked.english);
     user.probe().call("VersionInfo", Q_ARG(char, 7), Q_ARG(int, 300), Q_ARG(int, 600),
                       Q_ARG(int, 100), Q_ARG(int, 10));
     QCOMPARE(user.versions(), noVersions);
@@ -383,13 +387,13 @@ void LinkTest::versionReportAfterALossChangesNothing()
     control.link()->send(versionReport);
     QTRY_COMPARE(user.versions().first(), QStringLiteral("v7"));
     control.link()->close();
-    QTRY_COMPARE(user.status(), QStringLiteral("Link Fail!"));
+    QTRY_COMPARE(user.status(), unlinked.english);
     QTRY_COMPARE(control.links(), QList<int>{2});
     control.link()->send(QByteArray::fromHex("aaaf000909000100020003000400"));
     QTRY_VERIFY(control.link()->isAllReadByClient());
     // The report has been processed when the heartbeat after it shows.
     control.link()->send(heartbeat);
-    QTRY_COMPARE(user.status(), QStringLiteral("Link Success!"));
+    QTRY_COMPARE(user.status(), linked.english);
     QCOMPARE(user.versions(), (QStringList{"v7", "v3", "v6", "v1", "v0.1"}));
 }
 
@@ -444,15 +448,15 @@ void LinkTest::statusKeepsItsLanguageUntilItIsSetAgain()
     user.clickLink();
     QTRY_COMPARE(control.links(), QList<int>{1});
     user.chooseChinese();
-    QCOMPARE(user.button("pushButtonLinkBELUN").text(), QStringLiteral("连接设备"));
-    QCOMPARE(user.status(), QStringLiteral("Link Success!"));
+    QCOMPARE(user.button("pushButtonLinkBELUN").text(), support::windowText("link").chinese);
+    QCOMPARE(user.status(), linked.english);
     control.link()->send(heartbeat);
-    QTRY_COMPARE(user.status(), QStringLiteral("连接成功！"));
+    QTRY_COMPARE(user.status(), linked.chinese);
     user.chooseEnglish();
-    QCOMPARE(user.status(), QStringLiteral("连接成功！"));
+    QCOMPARE(user.status(), linked.chinese);
     QTRY_VERIFY(control.link()->isAllReadByClient());
     control.link()->send(heartbeat);
-    QTRY_COMPARE(user.status(), QStringLiteral("Link Success!"));
+    QTRY_COMPARE(user.status(), linked.english);
 }
 
 void LinkTest::failureIsShownInTheSelectedLanguage()
@@ -460,11 +464,11 @@ void LinkTest::failureIsShownInTheSelectedLanguage()
     const UserWindow user;
     user.chooseChinese();
     user.clickLink();
-    QCOMPARE(user.status(), QStringLiteral("连接失败！"));
+    QCOMPARE(user.status(), unlinked.chinese);
     user.chooseEnglish();
-    QCOMPARE(user.status(), QStringLiteral("连接失败！"));
+    QCOMPARE(user.status(), unlinked.chinese);
     user.clickLink();
-    QCOMPARE(user.status(), QStringLiteral("Link Fail!"));
+    QCOMPARE(user.status(), unlinked.english);
 }
 
 void LinkTest::probeReturnsWhetherAnAddressAnswers()

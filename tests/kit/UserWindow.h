@@ -3,6 +3,7 @@
 
 #include "app/MainWindow.h"
 #include "tests/kit/WindowProbe.h"
+#include "tests/kit/WindowTexts.h"
 
 #include <memory>
 
@@ -42,8 +43,8 @@ public:
 
     QLineEdit& statusField() const { return lineEdit("lineEditLinkBELUN"); }
     QString status() const { return statusField().text(); }
-    bool showsLinkSuccess() const { return status() == QLatin1String("Link Success!"); }
-    bool showsLinkFail() const { return status() == QLatin1String("Link Fail!"); }
+    bool showsLinkSuccess() const { return status() == support::windowText("linked").english; }
+    bool showsLinkFail() const { return status() == support::windowText("unlinked").english; }
     /// Returns the texts of the version fields: hardware type, then hardware, software, protocol
     /// and bootloader version.
     QStringList versions() const;

@@ -1,6 +1,13 @@
-"""The window's texts in each language, independent of the program's catalogues."""
+"""The window's texts in each language, from the table of them, not the program's catalogues."""
 
+import csv
 import dataclasses
+import pathlib
+
+TABLE = pathlib.Path(__file__).resolve().parents[1] / "data/texts.tsv"
+VERSIONS = ("hardware_type", "hardware_version", "software_version", "protocol_version",
+            "bootloader_version")
+HEADERS = ("file_name", "file_date", "file_size", "file_duration")
 
 
 @dataclasses.dataclass(frozen=True)
@@ -23,45 +30,20 @@ class Texts:
     headers: tuple
 
 
-ENGLISH = Texts(
-    chosen="English",
-    language="language:",
-    link="Link Device",
-    linked="Link Success!",
-    unlinked="Link Fail!",
-    version_info="Version Information",
-    versions=("HardwareType:", "HardwareVersion:", "SoftwareVersion:", "ProtocolVersion:",
-              "BootloaderVersion:"),
-    file_operate="File Operate",
-    browse="Browse Files in Card",
-    download="Download File",
-    delete="Delete File",
-    format="Format Card",
-    delete_all="Delete All Files",
-    progress="Download Progress:",
-    select_all="Select All",
-    headers=("Name", "Date", "Size", "Duration"))
+def read(column, chosen):
+    """Returns the texts of one column of the table. Language names stay English."""
+    with open(TABLE, encoding="utf-8", newline="") as file:
+        shown = {row["name"]: row[column] for row in csv.DictReader(file, delimiter="\t")}
+    names = [field.name for field in dataclasses.fields(Texts)]
+    return Texts(
+        chosen=chosen,
+        versions=tuple(shown[name] for name in VERSIONS),
+        headers=tuple(shown[name] for name in HEADERS),
+        **{name: shown[name] for name in names if name in shown})
 
-# Language names stay English. Colons and exclamation marks are full-width.
-CHINESE = Texts(
-    chosen="Chinese",
-    language="语言\uff1a",
-    link="连接设备",
-    linked="连接成功\uff01",
-    unlinked="连接失败\uff01",
-    version_info="版本信息",
-    versions=("硬件类型\uff1a", "硬件版本\uff1a", "软件版本\uff1a", "协议版本\uff1a",
-              "Bootloader版本\uff1a"),
-    file_operate="文件操作",
-    browse="浏览相机卡内文件",
-    download="下载选中文件",
-    delete="删除选中文件",
-    format="格式化卡",
-    delete_all="删除卡内所有文件",
-    progress="下载进度\uff1a",
-    select_all="全选",
-    headers=("名称", "日期", "大小", "时长"))
 
+ENGLISH = read("English", "English")
+CHINESE = read("Chinese", "Chinese")
 LANGUAGES = (ENGLISH, CHINESE)  # as the combo box lists them
 
 # The message boxes are Chinese in both languages.

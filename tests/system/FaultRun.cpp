@@ -2,6 +2,7 @@
 
 #include "tests/kit/MessageBoxWatcher.h"
 #include "tests/kit/StdoutCapture.h"
+#include "tests/kit/WindowTexts.h"
 
 #include <QByteArray>
 #include <QDateTime>
@@ -136,7 +137,7 @@ void FaultRun::link()
     m_user->clickLink();
     QVERIFY(eventuallyReported(
         [this] { return m_user->lineEdit("lineEditBootVer").text() == "v0.1"; }));
-    QCOMPARE(m_user->status(), QStringLiteral("Link Success!"));
+    QCOMPARE(m_user->status(), support::windowText("linked").english);
 }
 
 void FaultRun::browse()

@@ -1,5 +1,6 @@
 // Downloads to unusual local disks.
 #include "tests/kit/TestMain.h"
+#include "tests/kit/WindowTexts.h"
 #include "tests/system/FaultRun.h"
 
 #include <csignal>
@@ -182,7 +183,7 @@ void FaultsDiskTest::download(int row, const QByteArray& printed)
     run->download(row);
     QCOMPARE(run->printed(), printed);
     QCOMPARE(run->user().table().rowCount(), 2);
-    QCOMPARE(run->user().status(), QStringLiteral("Link Success!"));
+    QCOMPARE(run->user().status(), support::windowText("linked").english);
 }
 
 void FaultsDiskTest::missingFolderIsCreated()
