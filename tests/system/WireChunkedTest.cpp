@@ -1,8 +1,8 @@
 // The run of WireTest with a camera that sends chunked answers. The response record is never reset:
 // after one chunked answer each later one ends after its first line, so that the window finds
 // nothing in it.
+#include "tests/kit/RecordedText.h"
 #include "tests/kit/TestMain.h"
-#include "tests/system/RecordedText.h"
 #include "tests/system/WireRun.h"
 
 class WireChunkedTest : public QObject
@@ -18,7 +18,7 @@ private slots:
 
 void WireChunkedTest::initTestCase()
 {
-    const QString reason = whyNotToRecord();
+    const QString reason = support::whyNotToRecord();
     QVERIFY2(reason.isEmpty(), qPrintable(reason));
 }
 
@@ -41,7 +41,7 @@ void WireChunkedTest::runIsAsRecorded()
     if (QTest::currentTestFailed()) {
         return;
     }
-    const QString difference = differenceToRecorded(recorded, run.text());
+    const QString difference = support::differenceToRecorded(recorded, run.text());
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
 }
 

@@ -1,6 +1,6 @@
 // Compares every byte between the window and the vehicle in one user session with a recording.
+#include "tests/kit/RecordedText.h"
 #include "tests/kit/TestMain.h"
-#include "tests/system/RecordedText.h"
 #include "tests/system/WireRun.h"
 
 #include <QCoreApplication>
@@ -22,13 +22,13 @@ private slots:
 
 void WireTest::initTestCase()
 {
-    const QString reason = whyNotToRecord();
+    const QString reason = support::whyNotToRecord();
     QVERIFY2(reason.isEmpty(), qPrintable(reason));
 }
 
 void WireTest::continuousIntegrationDoesNotRecord()
 {
-    const QString path = recordedPath("wire/healthy.txt");
+    const QString path = support::dataPath("wire/healthy.txt");
     const QDateTime before = QFileInfo(path).lastModified();
     QProcess other;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -50,7 +50,7 @@ void WireTest::runIsAsRecorded()
     if (QTest::currentTestFailed()) {
         return;
     }
-    const QString difference = differenceToRecorded("wire/healthy.txt", run.text());
+    const QString difference = support::differenceToRecorded("wire/healthy.txt", run.text());
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
 }
 

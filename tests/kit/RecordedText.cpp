@@ -1,10 +1,12 @@
-#include "tests/system/RecordedText.h"
+#include "tests/kit/RecordedText.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
+
+namespace support {
 
 namespace {
 
@@ -29,12 +31,12 @@ QString lineOf(const QStringList& lines, int number)
     return number < lines.size() ? lines[number] : QStringLiteral("(the end)");
 }
 
-/// Returns the heading, in brackets, of the section that contains a line.
+/// Returns the heading, in brackets, of the section that contains a line, if there is one.
 QString sectionOf(const QStringList& lines, int number)
 {
     for (int i = qMin(number, static_cast<int>(lines.size()) - 1); i >= 0; --i) {
         if (lines[i].startsWith('[')) {
-            return lines[i];
+            return ", in " + lines[i];
         }
     }
     return {};
@@ -50,39 +52,47 @@ QString whyNotToRecord()
                : QString();
 }
 
-QString recordedPath(const QString& name)
+QString dataPath(const QString& name)
 {
     return TEST_DATA "/" + name;
 }
 
 QString differenceToRecorded(const QString& name, const QString& text)
 {
-    const QString path = recordedPath(name);
-    if (isRecording()) {
-        return write(path, text)
-                   ? path + " was recorded again; review the changes and run again without " +
-                         recordVariable
-                   : "cannot write " + path;
+    if (!isRecording()) {
+        return differenceToData(name, text);
     }
+    const QString path = dataPath(name);
+    return write(path, text)
+               ? path + " was recorded again; review the changes and run again without " +
+                     recordVariable
+               : "cannot write " + path;
+}
+
+QString differenceToData(const QString& name, const QString& text)
+{
+    const QString path = dataPath(name);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         return path + ": " + file.errorString();
     }
-    const QStringList recorded = QString::fromUtf8(file.readAll()).split('\n');
+    const QStringList expected = QString::fromUtf8(file.readAll()).split('\n');
     const QStringList seen = text.split('\n');
-    if (recorded == seen) {
+    if (expected == seen) {
         return {};
     }
     int number = 0;
-    while (lineOf(recorded, number) == lineOf(seen, number)) {
+    while (lineOf(expected, number) == lineOf(seen, number)) {
         ++number;
     }
     const QString kept = QCoreApplication::applicationDirPath() + "/seen/" + name;
-    return QStringLiteral("%1, line %2, in %3\n   recorded: %4\n   seen:     %5\n   %6 %7")
+    return QStringLiteral("%1, line %2%3\n   expected: %4\n   seen:     %5\n   %6 %7")
         .arg(path)
         .arg(number + 1)
-        .arg(sectionOf(seen, number), lineOf(recorded, number), lineOf(seen, number),
+        .arg(sectionOf(seen, number), lineOf(expected, number), lineOf(seen, number),
              write(kept, text) ? QStringLiteral("all that was seen:")
                                : QStringLiteral("cannot write"),
              kept);
 }
+
+} // namespace support
