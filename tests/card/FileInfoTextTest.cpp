@@ -20,6 +20,8 @@ class FileInfoTextTest : public QObject
 private slots:
     void answerBecomesDateSizeAndDuration_data();
     void answerBecomesDateSizeAndDuration();
+    void missingFieldShowsTheTextBefore_data();
+    void missingFieldShowsTheTextBefore();
     void creationTimeShowsAsDateAndTime_data();
     void creationTimeShowsAsDateAndTime();
     void sizeShowsInWholeUnits_data();
@@ -79,6 +81,33 @@ void FileInfoTextTest::answerBecomesDateSizeAndDuration()
     QTEST(texts.duration, "duration");
 }
 
+void FileInfoTextTest::missingFieldShowsTheTextBefore_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QString>("shown");
+
+    QTest::newRow("no size: the creation text is read as one")
+        << QByteArray("create=\"00000000500000\";time=\"37\";") << "0000-00-00  50:00:00|488KB|37s";
+    QTest::newRow("no time: the size's digits")
+        << QByteArray("create=\"20200131124502\";size=\"3145728\";")
+        << "2020-01-31  12:45:02|3MB|3s";
+    QTest::newRow("no time, small size: nothing")
+        << QByteArray("create=\"20200131124502\";size=\"12\";") << "2020-01-31  12:45:02|KB|s";
+    QTest::newRow("no time, negative size: the size as received")
+        << QByteArray("create=\"20200131124502\";size=\"-2048\";")
+        << "2020-01-31  12:45:02|-2048KB|-2048s";
+    QTest::newRow("value not closed: up to the next closing")
+        << QByteArray("create=\"20200131124502\";size=\"4096;time=\"3\";")
+        << "2020-01-31  12:45:02|4KB|3s";
+}
+
+void FileInfoTextTest::missingFieldShowsTheTextBefore()
+{
+    QFETCH(QByteArray, answer);
+    const card::FileInfoText texts = card::readFileInfo(answer.constData());
+    QTEST(texts.date + '|' + texts.size + '|' + texts.duration, "shown");
+}
+
 void FileInfoTextTest::creationTimeShowsAsDateAndTime_data()
 {
     QTest::addColumn<QByteArray>("field");
@@ -92,6 +121,7 @@ void FileInfoTextTest::creationTimeShowsAsDateAndTime_data()
     QTest::newRow("no range is checked") << QByteArray("99999999999999") << "9999-99-99  99:99:99";
     QTest::newRow("no digit is asked for")
         << QByteArray("abcdefghijklmn") << "abcd-ef-gh  ij:kl:mn";
+    QTest::newRow("six digits") << QByteArray("202001") << "2020-01-  ::";
     QTest::newRow("eight digits") << QByteArray("20200131") << "2020-01-31  ::";
     QTest::newRow("thirteen digits") << QByteArray("2020013112450") << "2020-01-31  12:45:0";
     QTest::newRow("four digits") << QByteArray("2020") << "2020--  ::";
@@ -123,14 +153,18 @@ void FileInfoTextTest::sizeShowsInWholeUnits_data()
     row("1572864", "1MB");
     row("67108864", "64MB");
     row("2147483647", "2047MB");
+    row("2147483648", "2147483648KB"); // negative in 32 bits, shown as received
     row("-1", "KB");
     row("-1023", "KB");
     row("-1024", "-1024KB");
     row("-2048", "-2048KB");
     row("-2147483648", "-2147483648KB");
-    row("3221225472", "3221225472KB"); // negative in 32 bits, shown as received
+    row("-5000", "-5000KB");
+    row("-5000x", "-5000xKB");
+    row("3221225472", "3221225472KB");
     row("12 bytes", "KB");
     row("2048 bytes", "2KB");
+    row("large", "KB");
 }
 
 void FileInfoTextTest::sizeShowsInWholeUnits()

@@ -46,8 +46,12 @@ void VersionTextTest::versionIsShownInUnits_data()
     QTest::newRow("largest of a report") << 32639 << "v326.39";
     QTest::newRow("smallest of a report") << -32896 << "v-328.96";
     QTest::newRow("minus one hundredth") << -1 << "v-0.01";
+    QTest::newRow("101") << 101 << "v1.01";
+    QTest::newRow("negative") << -257 << "v-2.57";
     QTest::newRow("six digits") << 123456 << "v1234.56";
     QTest::newRow("a seventh digit is rounded away") << 1234567 << "v12345.7";
+    QTest::newRow("single precision rounds this one up") << 1234565 << "v12345.7";
+    QTest::newRow("a million") << 100000000 << "v1e+06";
 }
 
 void VersionTextTest::versionIsShownInUnits()
