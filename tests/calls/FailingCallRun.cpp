@@ -54,11 +54,6 @@ QByteArray contentOf(const QString& name)
     return content;
 }
 
-bool eventually(const std::function<bool()>& condition, int limit = stepLimit)
-{
-    return support::WindowProbe::waitUntil(condition, limit);
-}
-
 /// An event filter that closes every message box that opens, and counts them. The session's boxes
 /// only report success.
 class BoxCloser : public QObject
@@ -110,7 +105,7 @@ private:
               const std::function<bool()>& succeeded)
     {
         for (int attempt = 0; attempt < attempts; ++attempt) {
-            if (!eventually([this] { return m_user.showsLinkSuccess(); })) {
+            if (!support::eventually([this] { return m_user.showsLinkSuccess(); }, stepLimit)) {
                 complain(QStringLiteral("no link before: %1").arg(name));
                 return;
             }
@@ -128,7 +123,7 @@ private:
         // A link thread without a socket tries to connect forever: no versions, but no failure
         // either.
         const QStringList none = {QString(), QString(), QString(), QString(), QString()};
-        eventually([&] { return m_user.versions() != none; }, versionsLimit);
+        support::eventually([&] { return m_user.versions() != none; }, versionsLimit);
     }
 
     void browse() { m_user.clickBrowse(); }
@@ -145,7 +140,7 @@ private:
     {
         m_user.chooseRows({0, 1});
         m_user.clickDownload();
-        if (!eventually([this] { return m_user.isIdle(); })) {
+        if (!support::eventually([this] { return m_user.isIdle(); }, stepLimit)) {
             complain("a download does not end");
         }
     }

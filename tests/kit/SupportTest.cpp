@@ -265,7 +265,7 @@ void SupportTest::windowProbeReachesChildrenAndSlots()
     QCOMPARE(clicks, 1);
     probe.call("setDisabled", Q_ARG(bool, true));
     QVERIFY(!window.isEnabled());
-    QVERIFY(support::WindowProbe::waitUntil([&] { return !window.isEnabled(); }));
+    QVERIFY(support::eventually([&] { return !window.isEnabled(); }));
 }
 
 void SupportTest::socketPairIsConnected()

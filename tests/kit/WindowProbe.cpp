@@ -19,11 +19,6 @@ void WindowProbe::click(const QString& name) const
     QTest::mouseClick(&child<QWidget>(name), Qt::LeftButton);
 }
 
-bool WindowProbe::waitUntil(const std::function<bool()>& condition, int limit)
-{
-    return QTest::qWaitFor(condition, limit);
-}
-
 void WindowProbe::missing(const QString& name) const
 {
     qFatal("the window has no widget %s of that type", qPrintable(name));
@@ -37,6 +32,11 @@ void WindowProbe::checkCalled(bool called, const char* slot)
                                     .arg(QString::fromLatin1(slot))),
                      __FILE__, __LINE__);
     }
+}
+
+bool eventually(const std::function<bool()>& condition, int limit)
+{
+    return QTest::qWaitFor(condition, limit);
 }
 
 } // namespace support

@@ -42,9 +42,6 @@ public:
                     slot);
     }
 
-    /// Processes events until the condition holds. Returns false after the limit in milliseconds.
-    static bool waitUntil(const std::function<bool()>& condition, int limit = 5000);
-
     QWidget& window() const { return m_window; }
 
 private:
@@ -53,5 +50,12 @@ private:
 
     QWidget& m_window;
 };
+
+/// Milliseconds after which what a window does with the simulator has failed, even on a busy
+/// machine.
+constexpr int busyLimit = 30'000;
+
+/// Processes events until the condition holds. Returns false after the limit in milliseconds.
+bool eventually(const std::function<bool()>& condition, int limit = busyLimit);
 
 } // namespace support

@@ -30,7 +30,6 @@
 
 namespace {
 
-constexpr int limit = 30'000;                // milliseconds for any expected event
 constexpr qint64 answersWithin = 100;        // milliseconds
 constexpr qint64 answersWhileRefused = 200;  // milliseconds; two link threads are busy at that time
 constexpr qint64 growthPerDownload = 20'480; // bytes
@@ -57,11 +56,6 @@ qint64 residentBytes()
     return file.open(QIODevice::ReadOnly)
                ? file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE)
                : -1;
-}
-
-bool eventually(const std::function<bool()>& condition, int milliseconds = limit)
-{
-    return support::WindowProbe::waitUntil(condition, milliseconds);
 }
 
 bool writeCard(const QString& folder, int count, int size)
@@ -136,7 +130,7 @@ void SoakTest::start(const QStringList& options)
 void SoakTest::link()
 {
     m_user->clickLink();
-    QVERIFY(eventually([this] {
+    QVERIFY(support::eventually([this] {
         return m_user->showsLinkSuccess() && connectionsTo(controlAddress) == 1 &&
                connectionsTo(groundAddress) == 1;
     }));
@@ -146,7 +140,7 @@ void SoakTest::waitForNextConnection(const char* device, const char* address)
 {
     const int before = connectionsTo(address);
     QVERIFY2(m_simulator->control(QByteArray("drop ") + device), qPrintable(m_simulator->error()));
-    QVERIFY2(eventually([&] { return connectionsTo(address) == before + 1; }),
+    QVERIFY2(support::eventually([&] { return connectionsTo(address) == before + 1; }),
              qPrintable(QStringLiteral("%1: no connection after %2").arg(device).arg(before)));
     // Process events even if the condition already holds.
     QCoreApplication::processEvents();
@@ -162,7 +156,7 @@ void SoakTest::modulesDropAndReturn()
     for (int i = 0; i < drops && !QTest::currentTestFailed(); ++i) {
         waitForNextConnection("control", controlAddress);
         waitForNextConnection("ground", groundAddress);
-        QVERIFY2(eventually([this] { return m_user->showsLinkSuccess(); }),
+        QVERIFY2(support::eventually([this] { return m_user->showsLinkSuccess(); }),
                  "the status is not green again");
     }
     const int grown = support::openDescriptors() - before;
@@ -181,14 +175,14 @@ void SoakTest::windowAnswersWhileModulesRefuse()
     for (const char* line : {"fault refuse=control,ground", "drop control", "drop ground"}) {
         QVERIFY2(m_simulator->control(line), qPrintable(m_simulator->error()));
     }
-    QVERIFY(eventually([this] { return m_user->showsLinkFail(); }));
+    QVERIFY(support::eventually([this] { return m_user->showsLinkFail(); }));
     const StallWatch watch;
     QTest::qWait(share(30) * 1000);
     tell(QStringLiteral("%1 s of refusal: longest wait %2 ms").arg(share(30)).arg(watch.longest()));
     QVERIFY(watch.ticks() > 0);
     QVERIFY2(watch.longest() <= answersWhileRefused, "the window did not respond in time");
     QVERIFY2(m_simulator->control("clear refuse"), qPrintable(m_simulator->error()));
-    QVERIFY(eventually([this] { return m_user->showsLinkSuccess(); }));
+    QVERIFY(support::eventually([this] { return m_user->showsLinkSuccess(); }));
 }
 
 void SoakTest::heartbeats()
@@ -201,7 +195,8 @@ void SoakTest::heartbeats()
     const int before = support::openDescriptors();
     const int wanted = share(10'000);
     const StallWatch watch;
-    QVERIFY2(eventually([&] { return heard.size() >= wanted; }, limit + wanted * 20),
+    QVERIFY2(support::eventually([&] { return heard.size() >= wanted; },
+                                 support::busyLimit + wanted * 20),
              qPrintable(QStringLiteral("%1 of %2 heartbeats").arg(heard.size()).arg(wanted)));
     tell(QStringLiteral("%1 heartbeats: longest wait %2 ms").arg(wanted).arg(watch.longest()));
     QVERIFY2(watch.longest() <= answersWithin, "the window did not respond in time");
@@ -215,8 +210,9 @@ void SoakTest::downloadAll(int count)
     m_user->probe().click("checkBoxSelectAllFiles");
     m_user->clickDownload();
     QVERIFY(!m_user->canDownload());
-    QVERIFY2(eventually([this] { return m_user->isIdle(); }, limit + count * 1000),
-             qPrintable(QStringLiteral("stuck at %1").arg(m_user->downloadCount())));
+    QVERIFY2(
+        support::eventually([this] { return m_user->isIdle(); }, support::busyLimit + count * 1000),
+        qPrintable(QStringLiteral("stuck at %1").arg(m_user->downloadCount())));
     m_user->probe().click("checkBoxSelectAllFiles");
 }
 

@@ -21,17 +21,11 @@
 
 namespace {
 
-constexpr int limit = 20'000;         // milliseconds, for a busy machine
 constexpr qint64 closingLimit = 2000; // milliseconds
 constexpr int steadyTime = 450;       // milliseconds
 constexpr int reportInterval = 2000;  // milliseconds, much longer than a report takes
 constexpr int largeSize = 40'000;
 constexpr int smallSize = 500;
-
-bool eventually(const std::function<bool()>& condition)
-{
-    return support::WindowProbe::waitUntil(condition, limit);
-}
 
 bool writeRecording(const QString& path, int size, const char* changed)
 {
@@ -152,7 +146,7 @@ void FaultRun::download(int row)
     const support::StdoutCapture standardOutput;
     m_user->clickDownload();
     QCOMPARE(m_user->downloadCount(), QStringLiteral("1/1"));
-    QVERIFY(eventually([this] { return m_user->isIdle(); }));
+    QVERIFY(support::eventually([this] { return m_user->isIdle(); }));
     m_printed = standardOutput.text();
 }
 
@@ -201,8 +195,8 @@ QString FaultRun::seenFile(const QString& path, int size)
 
 bool FaultRun::eventuallyReported(const std::function<bool()>& condition)
 {
-    for (int waited = 0; waited < limit; waited += reportInterval) {
-        if (support::WindowProbe::waitUntil(condition, reportInterval)) {
+    for (int waited = 0; waited < support::busyLimit; waited += reportInterval) {
+        if (support::eventually(condition, reportInterval)) {
             return true;
         }
         control("versions 7,300,600,100,10");
@@ -281,7 +275,7 @@ void FaultRun::playStalled(const FaultCase& faultCase)
             .arg(m_user->progressBar().maximum())
             .arg(m_user->canDownload() ? "enabled" : "disabled");
     };
-    eventually([&] { return seen() == faultCase.expected; });
+    support::eventually([&] { return seen() == faultCase.expected; });
     QTest::qWait(steadyTime);
     QCOMPARE(seen(), faultCase.expected);
 }
@@ -317,7 +311,7 @@ void FaultRun::playChange(const FaultCase& faultCase)
     QCOMPARE(seen, faultCase.expected);
     if (faultCase.faultNames().contains("link-lost-mid-command")) {
         const QString after = statusesBefore + ", Link Fail!, Link Success!";
-        QVERIFY2(eventually([&] { return m_statuses.join(", ").startsWith(after); }),
+        QVERIFY2(support::eventually([&] { return m_statuses.join(", ").startsWith(after); }),
                  qPrintable(m_statuses.join(", ")));
     }
 }

@@ -9,17 +9,6 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-namespace {
-
-constexpr int limit = 20'000; // milliseconds, for a busy machine
-
-bool eventually(const std::function<bool()>& condition)
-{
-    return support::WindowProbe::waitUntil(condition, limit);
-}
-
-} // namespace
-
 class ReplayTest : public QObject
 {
     Q_OBJECT
@@ -43,7 +32,7 @@ void ReplayTest::use(const QStringList& arguments, QStringList& seen)
     QVERIFY2(simulator.start(arguments), qPrintable(simulator.error()));
     UserWindow user;
     user.clickLink();
-    QVERIFY(eventually([&user] { return user.showsLinkSuccess(); }));
+    QVERIFY(support::eventually([&user] { return user.showsLinkSuccess(); }));
     user.clickBrowse();
     for (int row = 0; row < user.table().rowCount(); ++row) {
         seen += user.row(row).join('|');
@@ -52,7 +41,7 @@ void ReplayTest::use(const QStringList& arguments, QStringList& seen)
     user.chooseRows({0, 1});
     const support::StdoutCapture standardOutput;
     user.clickDownload();
-    QVERIFY(eventually([&user] { return user.isIdle(); }));
+    QVERIFY(support::eventually([&user] { return user.isIdle(); }));
     for (const QString& name : user.names()) {
         QFile file(FaultRun::downloadPath(name));
         QVERIFY(file.open(QIODevice::ReadOnly));

@@ -17,8 +17,6 @@
 
 namespace {
 
-constexpr int limit = 20'000; // milliseconds, for a busy machine
-
 struct CardFile
 {
     const char* name;
@@ -86,11 +84,6 @@ QStringList downloadedFiles()
     return lines;
 }
 
-bool eventually(const std::function<bool()>& condition)
-{
-    return support::WindowProbe::waitUntil(condition, limit);
-}
-
 } // namespace
 
 WireRun::WireRun(const QString& fault, bool emptyingIsTold)
@@ -133,8 +126,8 @@ void WireRun::link()
 {
     const QStringList before = m_user->versions();
     m_user->clickLink();
-    QVERIFY(eventually([&] { return m_user->versions() != before; }));
-    QVERIFY(eventually([this] {
+    QVERIFY(support::eventually([&] { return m_user->versions() != before; }));
+    QVERIFY(support::eventually([this] {
         return journal().isHeartbeatAnswered("control", 2) &&
                journal().isHeartbeatAnswered("ground", 2);
     }));
@@ -159,7 +152,7 @@ void WireRun::download()
         QObject::connect(&m_user->lineEdit("lineEditDownloadProgress"), &QLineEdit::textChanged,
                          [&counts](const QString& text) { counts += text; });
     m_user->clickDownload();
-    QVERIFY(eventually([this] { return m_user->isIdle(); }));
+    QVERIFY(support::eventually([this] { return m_user->isIdle(); }));
     QObject::disconnect(connection);
     m_seen += "downloaded";
     m_seen += "counts: " + counts.join(' ').trimmed();
@@ -206,7 +199,7 @@ void WireRun::loseLink()
 {
     control("fault refuse=control");
     control("drop control");
-    QVERIFY(eventually([this] { return m_user->showsLinkFail(); }));
+    QVERIFY(support::eventually([this] { return m_user->showsLinkFail(); }));
     m_seen += "link lost";
     noteLink();
     m_user->clickLink();
@@ -220,15 +213,15 @@ void WireRun::linkAgain()
 {
     control("fault no-heartbeat=control");
     control("clear refuse");
-    QVERIFY(eventually([this] { return journal().isVersionReported(3); }));
+    QVERIFY(support::eventually([this] { return journal().isVersionReported(3); }));
     m_seen += "control module back";
     noteLink();
     m_user->clickLink();
-    QVERIFY(eventually([this] {
+    QVERIFY(support::eventually([this] {
         return journal().isVersionReported(5) && journal().isHeartbeatAnswered("ground", 5);
     }));
     control("clear no-heartbeat");
-    QVERIFY(eventually([this] {
+    QVERIFY(support::eventually([this] {
         return journal().isHeartbeatAnswered("control", 3) &&
                journal().isHeartbeatAnswered("control", 5);
     }));
@@ -240,7 +233,7 @@ void WireRun::close()
 {
     m_user.reset();
     // A connection that stays open appears in the text.
-    eventually([this] { return journal().isEveryConnectionClosed(); });
+    support::eventually([this] { return journal().isEveryConnectionClosed(); });
     QVERIFY2(m_simulator.end(), qPrintable(m_simulator.error()));
 }
 
