@@ -2,6 +2,7 @@
 // run as a separate process.
 #include "tests/kit/LinkedScene.h"
 #include "tests/kit/SilentAddress.h"
+#include "tests/kit/TcpTable.h"
 #include "tests/kit/TestMain.h"
 #include "tests/kit/TimeFactor.h"
 
@@ -39,10 +40,7 @@ public:
     {
         const int on = 1;
         ::setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-        sockaddr_in place{};
-        place.sin_family = AF_INET;
-        place.sin_addr.s_addr = inet_addr(address);
-        place.sin_port = htons(fake::modulePort);
+        const sockaddr_in place = support::socketAddress(address, fake::modulePort);
         if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0 ||
             ::listen(m_listener, 0) != 0) {
             qFatal("cannot listen on %s", address);
@@ -195,8 +193,8 @@ void ClosingTest::destroyInTime()
 
 void ClosingTest::startDownload(const QByteArray& bytes)
 {
-    scene->camera->on(fake::downloadTarget, [this, bytes](fake::Connection& connection) {
-        connection.send(bytes);
+    scene->camera->on(fake::downloadTarget, [this, bytes](support::Peer& peer) {
+        peer.send(bytes);
         gate->pass();
     });
     scene->user->chooseRows({0});
@@ -228,8 +226,8 @@ void ClosingTest::atOnceAfterTheLinkClick()
 void ClosingTest::linkedWindow()
 {
     scene->link();
-    scene->control->link()->send(QByteArray::fromHex("aaaf04010000"));
-    QTRY_COMPARE(scene->control->link()->received(), QByteArray::fromHex("aaaf0401015f"));
+    scene->control->link().send(QByteArray::fromHex("aaaf04010000"));
+    QTRY_COMPARE(scene->control->link().received(), QByteArray::fromHex("aaaf0401015f"));
     destroyInTime();
     // The modules notice the end of their links.
     QTRY_COMPARE(scene->control->links(), QList<int>());
@@ -239,7 +237,7 @@ void ClosingTest::linkedWindow()
 void ClosingTest::twoPairsOfLinks()
 {
     scene->link();
-    scene->control->link()->close();
+    scene->control->link().close();
     QTRY_VERIFY(scene->user->showsLinkFail());
     scene->user->clickLink();
     QTRY_COMPARE(scene->control->links().size(), 2);
@@ -264,7 +262,7 @@ void ClosingTest::controlThreadConnectingToASilentAddress()
     const AddressForAProbe control(fake::controlAddress);
     scene->user->clickLink();
     QVERIFY(scene->user->showsLinkSuccess());
-    QTRY_VERIFY(fake::isConnectPending(fake::controlAddress, fake::modulePort));
+    QTRY_VERIFY(support::isConnectPending(fake::controlAddress, fake::modulePort));
     destroyInTime();
 }
 
@@ -274,14 +272,15 @@ void ClosingTest::groundThreadConnectingToASilentAddress()
     const AddressForAProbe ground(fake::groundAddress);
     scene->user->clickLink();
     QVERIFY(scene->user->showsLinkSuccess());
-    QTRY_VERIFY(fake::isConnectPending(fake::groundAddress, fake::modulePort));
+    QTRY_VERIFY(support::isConnectPending(fake::groundAddress, fake::modulePort));
     destroyInTime();
 }
 
 void ClosingTest::linkThreadReconnectingAgainAndAgain()
 {
     scene->control.reset();
-    fake::Listener closing(fake::controlAddress, fake::modulePort, [](fake::Connection&) {});
+    support::ScriptedServer closing(support::ScriptedServer::Script([](support::Peer&) {}),
+                                    fake::controlAddress, fake::modulePort);
     scene->user->clickLink();
     QVERIFY(closing.connectionCount() >= 1);
     QTRY_VERIFY(closing.connectionCount() >= 10);
@@ -295,7 +294,7 @@ void ClosingTest::downloadConnectingToASilentCamera()
     const support::SilentAddress camera(fake::cameraAddress, fake::cameraPort);
     scene->user->chooseRows({0});
     scene->user->clickDownload();
-    QTRY_VERIFY(fake::isConnectPending(fake::cameraAddress, fake::cameraPort));
+    QTRY_VERIFY(support::isConnectPending(fake::cameraAddress, fake::cameraPort));
     QCOMPARE(scene->user->downloadCount(), QStringLiteral("1/1"));
     destroyInTime();
 }
@@ -326,10 +325,10 @@ void ClosingTest::downloadInFlight()
 {
     scene->linkAndBrowse({"a.mp4", "b.mp4"});
     std::atomic<bool> goOn{true};
-    scene->camera->on(fake::downloadTarget, [&goOn](fake::Connection& connection) {
-        connection.send("HTTP/1.1 200 OK\r\nContent-Length: 2000000000\r\n\r\n");
+    scene->camera->on(fake::downloadTarget, [&goOn](support::Peer& peer) {
+        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 2000000000\r\n\r\n");
         for (int piece = 0; piece < 10000 && goOn; ++piece) {
-            connection.send(QByteArray(4096, 'x'));
+            peer.send(QByteArray(4096, 'x'));
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     });
@@ -354,7 +353,7 @@ void ClosingTest::downloadStalledBesideRefusedAndSilentLinks()
     startDownload("HTTP/1.1 200 OK\r\n");
     scene->control.reset();
     QTRY_VERIFY(scene->user->showsLinkFail());
-    QTRY_VERIFY(fake::isConnectPending(fake::groundAddress, fake::modulePort));
+    QTRY_VERIFY(support::isConnectPending(fake::groundAddress, fake::modulePort));
     destroyInTime();
 }
 
@@ -365,11 +364,11 @@ void ClosingTest::descriptorsAreReleasedWithTheWindow()
     scene->user.emplace();
     scene->link();
     for (int loss = 0; loss < 5; ++loss) {
-        scene->control->link()->close();
+        scene->control->link().close();
         QTRY_VERIFY(scene->user->showsLinkFail());
         QTRY_VERIFY(scene->control->links().contains(loss + 2));
     }
-    scene->control->link()->send(QByteArray::fromHex("aaaf04010000"));
+    scene->control->link().send(QByteArray::fromHex("aaaf04010000"));
     QTRY_VERIFY(scene->user->showsLinkSuccess());
     scene->camera->holdFiles({"a.mp4"});
     scene->camera->answer(fake::downloadTarget, "recording");
@@ -417,7 +416,7 @@ void ClosingTest::programClosedWithItsModulesGone()
 void ClosingTest::programClosedWithAStalledDownload()
 {
     scene->camera->holdFiles({"a.mp4"});
-    scene->camera->on(fake::downloadTarget, [this](fake::Connection&) { gate->pass(); });
+    scene->camera->on(fake::downloadTarget, [this](support::Peer&) { gate->pass(); });
     DrivenProgram program;
     program.tell("click pushButtonLinkBELUN");
     program.tell("click pushButtonEnterTFcard");
@@ -452,8 +451,8 @@ void ClosingTest::programSurvivesAModuleThatResetsAfterItsHeartbeats()
     // Many heartbeats, each filling a receive, so that answers are still sent after the reset.
     const QByteArray heartbeat = QByteArray::fromHex("aaaf04010000") + QByteArray(94, '\0');
     for (int loss = 0; loss < 5; ++loss) {
-        scene->control->link()->send(heartbeat.repeated(500));
-        scene->control->link()->reset();
+        scene->control->link().send(heartbeat.repeated(500));
+        scene->control->link().reset();
         QTRY_COMPARE(scene->control->links(), QList<int>{loss + 2});
     }
     program.tell("click checkBoxSelectAllFiles");
@@ -473,14 +472,14 @@ void ClosingTest::programKeepsTheDescriptorsOfLinksAndDownloadsOpen()
     QTRY_COMPARE(scene->ground->links(), QList<int>{1});
     QTRY_COMPARE(openDescriptors(program.id()), before + 2);
     for (int loss = 1; loss <= 3; ++loss) {
-        scene->control->link()->close();
+        scene->control->link().close();
         QTRY_COMPARE(scene->control->links(), QList<int>{1 + loss});
         QTRY_COMPARE(openDescriptors(program.id()), before + 2 + loss);
     }
     // When the second answer is sent, the window has been notified of the first heartbeat.
     for (int beat = 1; beat <= 2; ++beat) {
-        scene->control->link()->send(QByteArray::fromHex("aaaf04010000"));
-        QTRY_COMPARE(scene->control->link()->received(),
+        scene->control->link().send(QByteArray::fromHex("aaaf04010000"));
+        QTRY_COMPARE(scene->control->link().received(),
                      QByteArray::fromHex("aaaf0401015f").repeated(beat));
     }
     // Each download keeps one socket and one file open.

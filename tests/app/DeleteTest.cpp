@@ -122,7 +122,7 @@ void DeleteTest::afterALossNoButtonSendsAnything()
 {
     linkAndBrowse(fiveFiles);
     const int before = camera->connectionCount();
-    control->link()->close();
+    control->link().close();
     QTRY_VERIFY(user->showsLinkFail());
     user->chooseRows({0});
     user->clickDelete();

@@ -123,7 +123,7 @@ void DownloadTest::afterALossNothingHappens()
 {
     scene->linkAndBrowse(fiveFiles);
     const int before = scene->camera->connectionCount();
-    scene->control->link()->close();
+    scene->control->link().close();
     QTRY_VERIFY(scene->user->showsLinkFail());
     scene->user->chooseRows({0, 1});
     scene->user->clickDownload();
@@ -167,9 +167,9 @@ void DownloadTest::threeFilesGoOneAfterTheOther()
     for (int number = 0; number < 3; ++number) {
         fake::Gate& gate = (*gates)[static_cast<std::size_t>(number)];
         const QByteArray body = QByteArray("recording ") + names[number] + QByteArray(9000, 'x');
-        scene->camera->on(target(names[number]), [&gate, body](fake::Connection& connection) {
+        scene->camera->on(target(names[number]), [&gate, body](support::Peer& peer) {
             gate.pass();
-            connection.send(fake::withLength(body));
+            peer.send(fake::withLength(body));
         });
     }
     const UserWindow& user = *scene->user;
@@ -200,8 +200,8 @@ void DownloadTest::nextFileWaitsForTheEndOfTheOneBefore()
     scene->linkAndBrowse(fiveFiles);
     fake::Gate& gate = gates->front();
     scene->camera->answer(target(""), "second");
-    scene->camera->on(target("b.mp4"), [&gate](fake::Connection& connection) {
-        connection.send(fake::withLength("the whole recording"));
+    scene->camera->on(target("b.mp4"), [&gate](support::Peer& peer) {
+        peer.send(fake::withLength("the whole recording"));
         gate.pass(); // the connection stays open, and the thread always reads once more
     });
     const UserWindow& user = *scene->user;
@@ -223,13 +223,13 @@ void DownloadTest::nextFileWaitsForTheEndOfTheOneBefore()
 void DownloadTest::progressFollowsTheBytes()
 {
     scene->linkAndBrowse({"a.mp4"});
-    scene->camera->on(target("a.mp4"), [this](fake::Connection& connection) {
+    scene->camera->on(target("a.mp4"), [this](support::Peer& peer) {
         (*gates)[0].pass();
-        connection.send("HTTP/1.1 200 OK\r\nContent-Length: 4000\r\n\r\n" + QByteArray(1000, 'a'));
+        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 4000\r\n\r\n" + QByteArray(1000, 'a'));
         (*gates)[1].pass();
-        connection.send(QByteArray(2000, 'b'));
+        peer.send(QByteArray(2000, 'b'));
         (*gates)[2].pass();
-        connection.send(QByteArray(1000, 'c'));
+        peer.send(QByteArray(1000, 'c'));
     });
     const UserWindow& user = *scene->user;
     user.chooseRows({0});
@@ -265,9 +265,9 @@ void DownloadTest::eachFileStartsAtZero()
 {
     scene->linkAndBrowse({"a.mp4", "b.mp4"});
     scene->camera->answer(target("b.mp4"), QByteArray(5000, 'b'));
-    scene->camera->on(target("a.mp4"), [this](fake::Connection& connection) {
+    scene->camera->on(target("a.mp4"), [this](support::Peer& peer) {
         (*gates)[0].pass();
-        connection.send(fake::withLength("a"));
+        peer.send(fake::withLength("a"));
     });
     const UserWindow& user = *scene->user;
     user.chooseRows({0, 1});
@@ -282,10 +282,10 @@ void DownloadTest::eachFileStartsAtZero()
 void DownloadTest::windowIsAliveDuringADownload()
 {
     scene->linkAndBrowse(fiveFiles);
-    scene->camera->on(target(""), [this](fake::Connection& connection) {
-        connection.send("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nab");
+    scene->camera->on(target(""), [this](support::Peer& peer) {
+        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nab");
         (*gates)[0].pass();
-        connection.send("cd");
+        peer.send("cd");
     });
     const UserWindow& user = *scene->user;
     user.chooseRows({0});
@@ -301,7 +301,7 @@ void DownloadTest::windowIsAliveDuringADownload()
     auto& selectAll = user.probe().child<QCheckBox>(QStringLiteral("checkBoxSelectAllFiles"));
     QTest::keyClick(&selectAll, Qt::Key_Space);
     QCOMPARE(user.table().selectionModel()->selectedRows().size(), 5);
-    scene->control->link()->send(QByteArray::fromHex("aaaf04010000"));
+    scene->control->link().send(QByteArray::fromHex("aaaf04010000"));
     QTRY_COMPARE(user.status(), support::windowText("linked").chinese);
     QVERIFY(!user.canDownload());
     (*gates)[0].open();
@@ -314,9 +314,9 @@ void DownloadTest::labelKeepsItsLanguageUntilTheNextFile()
     scene->linkAndBrowse({"a.mp4", "b.mp4"});
     for (const int number : {0, 1}) {
         scene->camera->on(target(number == 0 ? "b.mp4" : "a.mp4"),
-                          [this, number](fake::Connection& connection) {
+                          [this, number](support::Peer& peer) {
                               (*gates)[static_cast<std::size_t>(number)].pass();
-                              connection.send(fake::withLength("x"));
+                              peer.send(fake::withLength("x"));
                           });
     }
     const UserWindow& user = *scene->user;
@@ -356,10 +356,10 @@ void DownloadTest::failedFileIsFollowedByTheNext()
     QFETCH(QByteArray, content);
     scene->linkAndBrowse({"a.mp4", "b.mp4"});
     scene->camera->answer(target("a.mp4"), "good");
-    scene->camera->on(target("b.mp4"), [answer, reset](fake::Connection& connection) {
-        connection.send(answer);
+    scene->camera->on(target("b.mp4"), [answer, reset](support::Peer& peer) {
+        peer.send(answer);
         if (reset) {
-            connection.reset();
+            peer.reset();
         }
     });
     scene->user->chooseRows({0, 1});
@@ -398,10 +398,10 @@ void DownloadTest::nameThatIsNoFileNameIsRequestedButNotWritten()
     scene->linkAndBrowse({name});
     QCOMPARE(scene->user->row(0).first(), QString::fromLatin1(name));
     QVERIFY(QDir(QDir::homePath() + "/Desktop").mkpath("DCIM/x"));
-    scene->camera->on(target(""), [this](fake::Connection& connection) {
-        connection.send("HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nabc");
+    scene->camera->on(target(""), [this](support::Peer& peer) {
+        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nabc");
         (*gates)[0].pass();
-        connection.send("def");
+        peer.send("def");
     });
     const support::StdoutCapture output;
     scene->user->chooseRows({0});
@@ -422,13 +422,13 @@ void DownloadTest::rowsGoneAfterABrowseAreSkipped()
 {
     scene->linkAndBrowse(fiveFiles);
     scene->camera->answer(target(""), "x");
-    scene->camera->on(target("e.mp4"), [this](fake::Connection& connection) {
+    scene->camera->on(target("e.mp4"), [this](support::Peer& peer) {
         (*gates)[0].pass();
-        connection.send(fake::withLength("e"));
+        peer.send(fake::withLength("e"));
     });
-    scene->camera->on(target("new.mp4"), [this](fake::Connection& connection) {
+    scene->camera->on(target("new.mp4"), [this](support::Peer& peer) {
         (*gates)[1].pass();
-        connection.send(fake::withLength("new"));
+        peer.send(fake::withLength("new"));
     });
     const UserWindow& user = *scene->user;
     user.chooseRows({0, 2, 4});
@@ -451,9 +451,9 @@ void DownloadTest::rowsGoneAfterABrowseAreSkipped()
 void DownloadTest::noRowLeftEndsTheDownload()
 {
     scene->linkAndBrowse(fiveFiles);
-    scene->camera->on(target("e.mp4"), [this](fake::Connection& connection) {
+    scene->camera->on(target("e.mp4"), [this](support::Peer& peer) {
         (*gates)[0].pass();
-        connection.send(fake::withLength("e"));
+        peer.send(fake::withLength("e"));
     });
     const UserWindow& user = *scene->user;
     user.chooseRows({0, 2, 4});
@@ -472,9 +472,9 @@ void DownloadTest::noRowLeftEndsTheDownload()
 void DownloadTest::rowWithoutAnItemIsSkippedAtTheStart()
 {
     scene->linkAndBrowse({"a.mp4", "b.mp4"});
-    scene->camera->on(target("a.mp4"), [this](fake::Connection& connection) {
+    scene->camera->on(target("a.mp4"), [this](support::Peer& peer) {
         (*gates)[0].pass();
-        connection.send(fake::withLength("a"));
+        peer.send(fake::withLength("a"));
     });
     const UserWindow& user = *scene->user;
     user.chooseRows({0, 1});

@@ -75,11 +75,10 @@ void FocusTest::init()
     scene->linkAndBrowse(threeFiles);
     scene->camera->answer(fake::deleteTarget, "deleted");
     scene->camera->answer(fake::downloadTarget, "recording");
-    scene->camera->on(QByteArray(fake::downloadTarget) + "c.mp4",
-                      [this](fake::Connection& connection) {
-                          gate->pass();
-                          connection.send(fake::withLength("recording"));
-                      });
+    scene->camera->on(QByteArray(fake::downloadTarget) + "c.mp4", [this](support::Peer& peer) {
+        gate->pass();
+        peer.send(fake::withLength("recording"));
+    });
 }
 
 void FocusTest::cleanup()

@@ -103,11 +103,11 @@ void InterplayTest::cleanup()
 
 void InterplayTest::answerInTwo(const QByteArray& name, std::size_t gate)
 {
-    scene->camera->on(target(name), [this, name, gate](fake::Connection& connection) {
-        connection.send("HTTP/1.1 200 OK\r\nContent-Length: " +
-                        QByteArray::number(5 + name.size()) + "\r\n\r\nfrom ");
+    scene->camera->on(target(name), [this, name, gate](support::Peer& peer) {
+        peer.send("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(5 + name.size()) +
+                  "\r\n\r\nfrom ");
         (*gates)[gate].pass();
-        connection.send(name);
+        peer.send(name);
     });
 }
 
@@ -290,7 +290,7 @@ void InterplayTest::languageSwitchesWhileLinkedAndDownloading()
     QCOMPARE(user.downloadLabel(), support::windowText("progress").english);
     QCOMPARE(user.table().horizontalHeaderItem(0)->text(), QStringLiteral("名称"));
     QCOMPARE(user.names(), (QStringList{"a.mp4", "b.mp4"}));
-    scene->control->link()->send(heartbeat);
+    scene->control->link().send(heartbeat);
     QTRY_COMPARE(user.status(), support::windowText("linked").chinese);
     (*gates)[0].open();
     QTRY_VERIFY((*gates)[1].isReached());
@@ -312,7 +312,7 @@ void InterplayTest::linkLostDuringADownloadDoesNotStopIt()
     user.chooseRows({0, 1});
     user.clickDownload();
     QTRY_COMPARE(user.progressBar().value(), 5);
-    scene->control->link()->close();
+    scene->control->link().close();
     QTRY_VERIFY(user.showsLinkFail());
     (*gates)[0].open();
     QTRY_VERIFY(user.isIdle());
@@ -327,11 +327,11 @@ void InterplayTest::linkLostBetweenClickAndAnswerShowsAfterTheAnswer()
 {
     scene->linkAndBrowse(fiveFiles);
     const UserWindow& user = *scene->user;
-    scene->camera->on(fake::deleteAllTarget, [this](fake::Connection& connection) {
-        scene->control->link()->close();
+    scene->camera->on(fake::deleteAllTarget, [this](support::Peer& peer) {
+        scene->control->link().close();
         // A second connection shows that the link thread has noticed the loss.
         if (waitFor([this] { return scene->control->links() == QList<int>{2}; })) {
-            connection.send(fake::withLength("Success\r\n"));
+            peer.send(fake::withLength("Success\r\n"));
         }
     });
     support::MessageBoxWatcher watcher;
@@ -347,13 +347,12 @@ void InterplayTest::linkLostBetweenTwoDeletesDoesNotStopTheSecond()
     scene->linkAndBrowse(fiveFiles);
     const UserWindow& user = *scene->user;
     scene->camera->answer(fake::deleteTarget, "Success\r\n");
-    scene->camera->on(QByteArray(fake::deleteTarget) + "e.mp4",
-                      [this](fake::Connection& connection) {
-                          scene->control->link()->close();
-                          if (waitFor([this] { return scene->control->links().contains(2); })) {
-                              connection.send(fake::withLength("Success\r\n"));
-                          }
-                      });
+    scene->camera->on(QByteArray(fake::deleteTarget) + "e.mp4", [this](support::Peer& peer) {
+        scene->control->link().close();
+        if (waitFor([this] { return scene->control->links().contains(2); })) {
+            peer.send(fake::withLength("Success\r\n"));
+        }
+    });
     user.chooseRows({0, 4});
     user.clickDelete();
     QCOMPARE(user.names(), (QStringList{"b.mp4", "c.mp4", "d.mp4"}));
@@ -368,10 +367,10 @@ void InterplayTest::linkLostDuringABrowseShowsAfterTheLastDetails()
     scene->link();
     const UserWindow& user = *scene->user;
     scene->camera->holdFiles({"a.mp4", "b.mp4"});
-    scene->camera->on(fake::listTarget, [&](fake::Connection& connection) {
-        scene->control->link()->close();
+    scene->camera->on(fake::listTarget, [&](support::Peer& peer) {
+        scene->control->link().close();
         if (waitFor([this] { return scene->control->links() == QList<int>{2}; })) {
-            connection.send(fake::withLength("ZEPNA/a.mp4;ZEPNA/b.mp4;\r\n"));
+            peer.send(fake::withLength("ZEPNA/a.mp4;ZEPNA/b.mp4;\r\n"));
         }
     });
     user.clickBrowse();
@@ -387,14 +386,14 @@ void InterplayTest::heartbeatIsAnsweredWhileTheWindowWaitsForTheCamera()
     const UserWindow& user = *scene->user;
     scene->camera->holdFiles({"a.mp4"});
     bool answered = false;
-    scene->camera->on(fake::countTarget, [this, &answered](fake::Connection& connection) {
-        scene->control->link()->send(heartbeat);
-        scene->ground->link()->send(QByteArray::fromHex("bbaf04010000"));
+    scene->camera->on(fake::countTarget, [this, &answered](support::Peer& peer) {
+        scene->control->link().send(heartbeat);
+        scene->ground->link().send(QByteArray::fromHex("bbaf04010000"));
         answered = waitFor([this] {
-            return scene->control->link()->received() == heartbeatAnswer &&
-                   scene->ground->link()->received() == heartbeatAnswer;
+            return scene->control->link().received() == heartbeatAnswer &&
+                   scene->ground->link().received() == heartbeatAnswer;
         });
-        connection.send(fake::withLength("=\"1\";"));
+        peer.send(fake::withLength("=\"1\";"));
     });
     user.clickBrowse();
     QVERIFY(answered);
@@ -407,7 +406,7 @@ void InterplayTest::twoPairsOfLinksBothAnswer()
     const UserWindow& user = *scene->user;
     fake::Module& control = *scene->control;
     fake::Module& ground = *scene->ground;
-    control.link()->close();
+    control.link().close();
     QTRY_VERIFY(user.showsLinkFail());
     QTRY_COMPARE(control.links(), QList<int>{2});
     user.clickLink();
@@ -417,18 +416,18 @@ void InterplayTest::twoPairsOfLinksBothAnswer()
 
     for (int beat = 1; beat <= 3; ++beat) {
         for (const int link : {2, 4}) {
-            control[link]->send(heartbeat);
-            QTRY_COMPARE(control[link]->received(), heartbeatAnswer.repeated(beat));
+            control[link].send(heartbeat);
+            QTRY_COMPARE(control[link].received(), heartbeatAnswer.repeated(beat));
         }
         for (const int link : {1, 3}) {
-            ground[link]->send(QByteArray::fromHex("bbaf04010000"));
-            QTRY_COMPARE(ground[link]->received(), heartbeatAnswer.repeated(beat));
+            ground[link].send(QByteArray::fromHex("bbaf04010000"));
+            QTRY_COMPARE(ground[link].received(), heartbeatAnswer.repeated(beat));
         }
     }
     QVERIFY(user.showsLinkSuccess());
-    control[2]->send(QByteArray::fromHex("aaaf000907012c02580064000a00"));
+    control[2].send(QByteArray::fromHex("aaaf000907012c02580064000a00"));
     QTRY_COMPARE(user.versions(), (QStringList{"v7", "v3", "v6", "v1", "v0.1"}));
-    control[4]->send(QByteArray::fromHex("aaaf000901000100020003000400"));
+    control[4].send(QByteArray::fromHex("aaaf000901000100020003000400"));
     QTRY_COMPARE(user.versions(), (QStringList{"v1", "v0.01", "v0.02", "v0.03", "v0.04"}));
 }
 
@@ -437,16 +436,16 @@ void InterplayTest::eitherPairMovesTheStatus()
     scene->link();
     const UserWindow& user = *scene->user;
     fake::Module& control = *scene->control;
-    control.link()->close();
+    control.link().close();
     QTRY_VERIFY(user.showsLinkFail());
     QTRY_COMPARE(control.links(), QList<int>{2});
     user.clickLink();
     QTRY_COMPARE(control.links(), (QList<int>{2, 4}));
-    control[2]->close();
+    control[2].close();
     QTRY_VERIFY(user.showsLinkFail());
-    control[4]->send(heartbeat);
+    control[4].send(heartbeat);
     QTRY_VERIFY(user.showsLinkSuccess());
-    control[4]->close();
+    control[4].close();
     QTRY_VERIFY(user.showsLinkFail());
     QTRY_COMPARE(control.links().size(), 2);
 }
@@ -459,7 +458,7 @@ void InterplayTest::downloadGoesOnBesideAFreshPairOfLinks()
     user.chooseRows({0});
     user.clickDownload();
     QTRY_COMPARE(user.progressBar().value(), 5);
-    scene->control->link()->close();
+    scene->control->link().close();
     QTRY_VERIFY(user.showsLinkFail());
     user.clickLink();
     QVERIFY(user.showsLinkSuccess());

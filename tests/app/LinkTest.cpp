@@ -170,8 +170,8 @@ void LinkTest::probeSendsNothingAndIsClosed()
     user.clickLink();
     for (fake::Module* module : {&ground, &control}) {
         QTRY_COMPARE(module->links(), QList<int>{1});
-        QVERIFY(!(*module)[0]->isOpen());
-        QCOMPARE((*module)[0]->received(), QByteArray());
+        QVERIFY(!(*module)[0].isOpen());
+        QCOMPARE((*module)[0].received(), QByteArray());
     }
 }
 
@@ -257,10 +257,10 @@ void LinkTest::heartbeatIsAnsweredOnBothLinks()
     user.clickLink();
     QTRY_COMPARE(control.links(), QList<int>{1});
     QTRY_COMPARE(ground.links(), QList<int>{1});
-    control.link()->send(heartbeat);
-    ground.link()->send(QByteArray::fromHex("bbaf04010000"));
-    QTRY_COMPARE(control.link()->received(), heartbeatAnswer);
-    QTRY_COMPARE(ground.link()->received(), heartbeatAnswer);
+    control.link().send(heartbeat);
+    ground.link().send(QByteArray::fromHex("bbaf04010000"));
+    QTRY_COMPARE(control.link().received(), heartbeatAnswer);
+    QTRY_COMPARE(ground.link().received(), heartbeatAnswer);
     QCOMPARE(user.status(), linked.english);
 }
 
@@ -271,13 +271,13 @@ void LinkTest::lostLinkTurnsRedAndTheNextHeartbeatGreen()
     const UserWindow user;
     user.clickLink();
     QTRY_COMPARE(control.links(), QList<int>{1});
-    control.link()->close();
+    control.link().close();
     QTRY_COMPARE(user.status(), unlinked.english);
     QCOMPARE(user.statusField().styleSheet(), QString(notLinkedStyle));
     // The thread has reconnected by itself; a connection alone is not a link.
     QTRY_COMPARE(control.links(), QList<int>{2});
     QCOMPARE(user.status(), unlinked.english);
-    control.link()->send(heartbeat);
+    control.link().send(heartbeat);
     QTRY_COMPARE(user.status(), linked.english);
     QCOMPARE(user.statusField().styleSheet(), QString(linkedStyle));
     QCOMPARE(controlThreads(user), 1);
@@ -291,11 +291,11 @@ void LinkTest::lostGroundLinkIsShownNowhere()
     user.clickLink();
     QTRY_COMPARE(ground.links(), QList<int>{1});
     QTRY_COMPARE(control.links(), QList<int>{1});
-    ground.link()->close();
+    ground.link().close();
     QTRY_COMPARE(ground.links(), QList<int>{2});
     // Once this answer is sent, every earlier signal is queued for the window.
-    control.link()->send(heartbeat);
-    QTRY_COMPARE(control.link()->received(), heartbeatAnswer);
+    control.link().send(heartbeat);
+    QTRY_COMPARE(control.link().received(), heartbeatAnswer);
     QCoreApplication::processEvents();
     QCOMPARE(user.status(), linked.english);
 }
@@ -307,15 +307,15 @@ void LinkTest::sixTicksWithoutHeartbeatLoseTheLinkWithTheNextBytes()
     const UserWindow user;
     user.clickLink();
     QTRY_COMPARE(control.links(), QList<int>{1});
-    control.link()->send(heartbeat);
-    QTRY_COMPARE(control.link()->received(), heartbeatAnswer);
+    control.link().send(heartbeat);
+    QTRY_COMPARE(control.link().received(), heartbeatAnswer);
     auto* thread = user.window().findChild<ControlClientThread*>();
     for (int tick = 0; tick < 6; ++tick) {
         QMetaObject::invokeMethod(thread, "heartBeatTimer", Qt::DirectConnection);
     }
     QCoreApplication::processEvents();
     QCOMPARE(user.status(), linked.english);
-    control.link()->send(versionReport);
+    control.link().send(versionReport);
     QTRY_COMPARE(user.status(), unlinked.english);
     QTRY_COMPARE(control.connectionCount(), 3);
 }
@@ -328,7 +328,7 @@ void LinkTest::clickAfterALossStartsASecondPairBesideTheFirst()
     user.clickLink();
     QTRY_COMPARE(ground.links(), QList<int>{1});
     QTRY_COMPARE(control.links(), QList<int>{1});
-    control.link()->close();
+    control.link().close();
     QTRY_COMPARE(control.links(), QList<int>{2});
     QTRY_COMPARE(user.status(), unlinked.english);
 
@@ -343,8 +343,8 @@ void LinkTest::clickAfterALossStartsASecondPairBesideTheFirst()
     QTRY_COMPARE(control.links(), (QList<int>{2, 4}));
     QTRY_COMPARE(ground.links(), (QList<int>{1, 3}));
     for (const int link : {2, 4}) {
-        control[link]->send(heartbeat);
-        QTRY_COMPARE(control[link]->received(), heartbeatAnswer);
+        control[link].send(heartbeat);
+        QTRY_COMPARE(control[link].received(), heartbeatAnswer);
     }
 }
 
@@ -355,11 +355,11 @@ void LinkTest::versionReportFillsTheFiveFields()
     const UserWindow user;
     user.clickLink();
     QTRY_COMPARE(control.links(), QList<int>{1});
-    control.link()->send(versionReport);
+    control.link().send(versionReport);
     QTRY_COMPARE(user.versions(), (QStringList{"v7", "v3", "v6", "v1", "v0.1"}));
-    QTRY_VERIFY(control.link()->isAllReadByClient());
+    QTRY_VERIFY(control.link().isAllRead());
     // Low bytes of 0x80 or more lower the value: 256 - 112.
-    control.link()->send(QByteArray::fromHex("aaaf0009ff0190012c0000ffff00"));
+    control.link().send(QByteArray::fromHex("aaaf0009ff0190012c0000ffff00"));
     QTRY_COMPARE(user.versions(), (QStringList{"v-1", "v1.44", "v3", "v0", "v-2.57"}));
 }
 
@@ -383,15 +383,15 @@ void LinkTest::versionReportAfterALossChangesNothing()
     const UserWindow user;
     user.clickLink();
     QTRY_COMPARE(control.links(), QList<int>{1});
-    control.link()->send(versionReport);
+    control.link().send(versionReport);
     QTRY_COMPARE(user.versions().first(), QStringLiteral("v7"));
-    control.link()->close();
+    control.link().close();
     QTRY_COMPARE(user.status(), unlinked.english);
     QTRY_COMPARE(control.links(), QList<int>{2});
-    control.link()->send(QByteArray::fromHex("aaaf000909000100020003000400"));
-    QTRY_VERIFY(control.link()->isAllReadByClient());
+    control.link().send(QByteArray::fromHex("aaaf000909000100020003000400"));
+    QTRY_VERIFY(control.link().isAllRead());
     // The report has been processed when the heartbeat after it shows.
-    control.link()->send(heartbeat);
+    control.link().send(heartbeat);
     QTRY_COMPARE(user.status(), linked.english);
     QCOMPARE(user.versions(), (QStringList{"v7", "v3", "v6", "v1", "v0.1"}));
 }
@@ -416,12 +416,12 @@ void LinkTest::statusKeepsItsLanguageUntilItIsSetAgain()
     user.chooseChinese();
     QCOMPARE(user.button("pushButtonLinkBELUN").text(), support::windowText("link").chinese);
     QCOMPARE(user.status(), linked.english);
-    control.link()->send(heartbeat);
+    control.link().send(heartbeat);
     QTRY_COMPARE(user.status(), linked.chinese);
     user.chooseEnglish();
     QCOMPARE(user.status(), linked.chinese);
-    QTRY_VERIFY(control.link()->isAllReadByClient());
-    control.link()->send(heartbeat);
+    QTRY_VERIFY(control.link().isAllRead());
+    control.link().send(heartbeat);
     QTRY_COMPARE(user.status(), linked.english);
 }
 

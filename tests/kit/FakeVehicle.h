@@ -1,14 +1,14 @@
 // Simulated devices at the vehicle's real addresses: two modules whose connections the test
-// controls, and a camera that answers by request target. All run in separate threads, so that they
-// answer while the window's thread waits.
+// controls, and a camera that answers by request target. Both are scripted servers, so they answer
+// while the window's thread waits.
 #pragma once
+
+#include "tests/kit/ScriptedServer.h"
 
 #include <atomic>
 #include <condition_variable>
-#include <functional>
 #include <memory>
 #include <mutex>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -49,97 +49,39 @@ private:
     bool m_open = false;
 };
 
-/// One accepted connection, served by a separate thread, which alone closes the descriptor. Every
-/// wait ends after ten seconds or when the server is destroyed.
-class Connection
-{
-public:
-    Connection(int descriptor, quint16 clientPort);
-    ~Connection();
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
-
-    // May be called from any thread:
-    quint16 clientPort() const { return m_clientPort; }
-    void send(const QByteArray& bytes);
-    /// Everything received so far.
-    QByteArray received() const;
-    /// Neither side has closed it.
-    bool isOpen() const { return m_open; }
-    /// The client has read every byte sent so far.
-    bool isAllReadByClient() const;
-    /// Makes the serving thread close the connection.
-    void close() { m_closeWanted = true; }
-    /// Same, but with a reset.
-    void reset();
-
-    // Called by the serving thread:
-    /// Waits for the end of a request head; returns false if it times out.
-    bool receiveHead();
-    bool waitUntilClosedByClient();
-    /// Receives until either side closes.
-    void serve();
-
-private:
-    void receiveOnce();
-    void closeDescriptor();
-
-    const quint16 m_clientPort;
-    mutable std::mutex m_mutex;
-    int m_descriptor;
-    QByteArray m_received;
-    std::atomic<bool> m_open{true};
-    std::atomic<bool> m_closeWanted{false};
-    std::atomic<bool> m_resetWanted{false};
-};
-
-/// A listening socket that hands over each connection, in order of arrival.
-class Listener
-{
-public:
-    using Handler = std::function<void(Connection&)>;
-
-    Listener(const char* address, int port, Handler handler);
-    ~Listener();
-    Listener(const Listener&) = delete;
-    Listener& operator=(const Listener&) = delete;
-
-    /// Returns the connections made so far. The count is exact, because this call makes its own
-    /// connection, which is accepted after them.
-    int connectionCount();
-    std::shared_ptr<Connection> connection(int index) const;
-    QList<int> openConnections() const;
-
-private:
-    void acceptConnections();
-
-    const QByteArray m_address;
-    const int m_port;
-    const Handler m_handler;
-    int m_descriptor;
-    std::atomic<bool> m_stopping{false};
-    mutable std::mutex m_mutex;
-    std::vector<std::shared_ptr<Connection>> m_connections;
-    int m_serving = 0; // active threads
-    std::condition_variable m_served;
-    std::thread m_acceptor;
-};
-
 /// A module: it accepts every connection and sends only what the test tells it to.
 class Module
 {
 public:
+    /// A connection, controlled by the test.
+    class Link
+    {
+    public:
+        explicit Link(support::Peer& peer) : m_peer(peer) {}
+
+        /// Sends, unless the client has closed.
+        void send(const QByteArray& bytes) const { m_peer.trySend(bytes); }
+        QByteArray received() const { return m_peer.received(); }
+        bool isOpen() const { return m_peer.isOpen(); }
+        bool isAllRead() const { return m_peer.isAllRead(); }
+        void close() const { m_peer.wantClose(); }
+        void reset() const { m_peer.wantReset(); }
+
+    private:
+        support::Peer& m_peer;
+    };
+
     explicit Module(const char* address);
 
-    int connectionCount() { return m_listener.connectionCount(); }
+    int connectionCount() const { return m_server.connectionCount(); }
     /// The open connections: the links, without the probes.
-    QList<int> links() const { return m_listener.openConnections(); }
-    std::shared_ptr<Connection> operator[](int index) const { return m_listener.connection(index); }
+    QList<int> links() const { return m_server.openConnections(); }
+    Link operator[](int index) const { return Link(m_server.peer(index)); }
     /// The newest link; there must be one.
-    std::shared_ptr<Connection> link() const;
+    Link link() const;
 
 private:
-    Listener m_listener;
+    support::ScriptedServer m_server;
 };
 
 /// A camera: each connection carries one request. Sends the answer set for the longest matching
@@ -147,7 +89,7 @@ private:
 class Camera
 {
 public:
-    using Answer = std::function<void(Connection&)>;
+    using Answer = support::ScriptedServer::Script;
 
     Camera();
 
@@ -161,7 +103,7 @@ public:
     /// Answers count, list and details as a card with these files; all have the same details.
     void holdFiles(const QList<QByteArray>& names);
 
-    int connectionCount() { return m_listener->connectionCount(); }
+    int connectionCount() const { return m_server->connectionCount(); }
     /// Request heads in order of arrival, as received.
     QList<QByteArray> heads() const;
     /// The text between "GET " and " HTTP/1.1".
@@ -171,21 +113,19 @@ public:
     QList<QByteArray> errors() const;
 
 private:
-    void serve(Connection& connection);
+    void serve(support::Peer& peer);
+    void note(const QByteArray& error);
 
     mutable std::mutex m_mutex;
     std::vector<std::pair<QByteArray, Answer>> m_answers;
     QList<QByteArray> m_heads;
     QList<QByteArray> m_errors;
-    std::unique_ptr<Listener> m_listener; // last, because its threads use all above
+    std::unique_ptr<support::ScriptedServer> m_server; // last, because its threads use all above
 };
 
 /// An answer with its length announced.
 QByteArray withLength(const QByteArray& body);
 /// The body of a list answer.
 QByteArray fileList(const QList<QByteArray>& names);
-
-/// Returns whether a connection attempt to that address is pending.
-bool isConnectPending(const char* address, int port);
 
 } // namespace fake

@@ -1,4 +1,4 @@
-// Exceptions that end a script early. Used only by the scripted server.
+// Exceptions that end a script early.
 #pragma once
 
 #include <QString>

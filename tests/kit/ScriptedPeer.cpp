@@ -1,14 +1,11 @@
 // The script's side of a connection.
 #include "tests/kit/ScriptEnd.h"
 #include "tests/kit/ScriptedServer.h"
+#include "tests/kit/TcpTable.h"
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <sstream>
-#include <string>
 
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -23,15 +20,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds patience{5};
-constexpr int step = 20; // milliseconds between checks of the stop flag
-
-/// An endpoint in the format of /proc/net/tcp.
-std::string procText(const sockaddr_in& end)
-{
-    char text[32];
-    std::snprintf(text, sizeof text, "%08X:%04X", end.sin_addr.s_addr, ntohs(end.sin_port));
-    return text;
-}
+constexpr int step = 5; // milliseconds between checks of the stop flag
 
 } // namespace
 
@@ -76,6 +65,7 @@ bool Peer::takeArrived()
     char buffer[4096];
     const ssize_t count = ::recv(m_descriptor, buffer, sizeof buffer, 0);
     if (count <= 0) {
+        m_open = m_open && count < 0 && errno == EAGAIN;
         return false;
     }
     m_pending.append(buffer, static_cast<int>(count));
@@ -130,32 +120,48 @@ void Peer::waitUntilClosedByClient()
 
 void Peer::send(const QByteArray& bytes)
 {
+    const QString reason = trySend(bytes);
+    if (!reason.isEmpty()) {
+        throw ScriptFailed{reason};
+    }
+}
+
+QString Peer::trySend(const QByteArray& bytes)
+{
     const Clock::time_point deadline = Clock::now() + patience;
     int sent = 0;
     while (sent < bytes.size()) {
-        const ssize_t count =
-            ::send(m_descriptor, bytes.constData() + sent,
-                   static_cast<std::size_t>(bytes.size() - sent), MSG_NOSIGNAL | MSG_DONTWAIT);
+        const ssize_t count = sendNow(bytes.constData() + sent, bytes.size() - sent);
         if (count >= 0) {
             sent += static_cast<int>(count);
             continue;
         }
-        if (errno != EAGAIN && errno != EINTR) {
-            throw ScriptFailed{QStringLiteral("sending failed after %1 of %2 bytes: %3")
-                                   .arg(sent)
-                                   .arg(bytes.size())
-                                   .arg(QString::fromLocal8Bit(std::strerror(errno)))};
+        if (count != -EAGAIN && count != -EINTR) {
+            return QStringLiteral("sending failed after %1 of %2 bytes: %3")
+                .arg(sent)
+                .arg(bytes.size())
+                .arg(QString::fromLocal8Bit(std::strerror(static_cast<int>(-count))));
         }
         if (m_stopping) {
             throw ScriptStopped{};
         }
         if (Clock::now() > deadline) {
-            throw ScriptFailed{
-                QStringLiteral("the client took %1 of %2 bytes only").arg(sent).arg(bytes.size())};
+            return QStringLiteral("the client took %1 of %2 bytes only")
+                .arg(sent)
+                .arg(bytes.size());
         }
         pollfd state{m_descriptor, POLLOUT, 0};
         ::poll(&state, 1, step);
     }
+    return {};
+}
+
+ssize_t Peer::sendNow(const char* bytes, qint64 count)
+{
+    const std::lock_guard<std::mutex> lock(m_descriptorMutex);
+    const ssize_t sent =
+        ::send(m_descriptor, bytes, static_cast<std::size_t>(count), MSG_NOSIGNAL | MSG_DONTWAIT);
+    return sent >= 0 ? sent : -errno;
 }
 
 void Peer::sendInPieces(const QByteArray& bytes, const std::vector<int>& cuts)
@@ -178,38 +184,15 @@ void Peer::sendBytewise(const QByteArray& bytes)
     }
 }
 
-bool Peer::clientHasRead() const
+bool Peer::isAllRead() const
 {
-    sockaddr_in own{};
-    sockaddr_in client{};
-    socklen_t size = sizeof own;
-    ::getsockname(m_descriptor, reinterpret_cast<sockaddr*>(&own), &size);
-    size = sizeof client;
-    ::getpeername(m_descriptor, reinterpret_cast<sockaddr*>(&client), &size);
-    // sl local remote state tx_queue:rx_queue ..., of the client's socket and of ours
-    std::ifstream table("/proc/net/tcp");
-    std::string line;
-    bool pending = false;
-    while (std::getline(table, line)) {
-        std::istringstream fields(line);
-        std::string slot;
-        std::string local;
-        std::string remote;
-        std::string state;
-        std::string queues;
-        fields >> slot >> local >> remote >> state >> queues;
-        if (local == procText(client) && remote == procText(own)) {
-            pending = pending || queues.substr(queues.find(':') + 1) != "00000000";
-        } else if (local == procText(own) && remote == procText(client)) {
-            pending = pending || queues.substr(0, queues.find(':')) != "00000000";
-        }
-    }
-    return !pending;
+    const std::lock_guard<std::mutex> lock(m_descriptorMutex);
+    return isAllReadByOtherSide(m_descriptor);
 }
 
 void Peer::waitUntilRead()
 {
-    waitUntil([this] { return clientHasRead(); });
+    waitUntil([this] { return isAllRead(); });
 }
 
 void Peer::waitUntil(const std::function<bool()>& condition)
@@ -237,6 +220,28 @@ void Peer::holdOpen()
     throw ScriptStopped{};
 }
 
+void Peer::serve()
+{
+    while (m_wantedEnd == End::None) {
+        if (m_stopping) {
+            throw ScriptStopped{};
+        }
+        pollfd state{m_descriptor, POLLIN, 0};
+        if (::poll(&state, 1, step) > 0 && !takeArrived()) {
+            return;
+        }
+    }
+    if (m_wantedEnd == End::Reset) {
+        reset();
+    }
+}
+
+QByteArray Peer::received() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_received;
+}
+
 void Peer::close()
 {
     if (m_descriptor < 0) {
@@ -253,6 +258,8 @@ void Peer::close()
 
 void Peer::closeDescriptor()
 {
+    const std::lock_guard<std::mutex> lock(m_descriptorMutex);
+    m_open = false;
     ::close(m_descriptor);
     m_descriptor = -1;
 }

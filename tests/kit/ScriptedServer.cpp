@@ -1,11 +1,15 @@
 #include "tests/kit/ScriptedServer.h"
 
 #include "tests/kit/ScriptEnd.h"
+#include "tests/kit/TcpTable.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <utility>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -21,6 +25,7 @@ namespace support {
 
 namespace {
 
+constexpr std::chrono::seconds patience{5};
 constexpr int queueLength = 64;
 constexpr int step = 5; // milliseconds between checks of the stop flag
 
@@ -60,13 +65,11 @@ ScriptedServer::~ScriptedServer()
 
 void ScriptedServer::listenOn(quint16 port)
 {
-    m_listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    // Not blocking, because a client may give up between poll and accept.
+    m_listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     const int on = 1;
     ::setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-    sockaddr_in place{};
-    place.sin_family = AF_INET;
-    place.sin_addr.s_addr = inet_addr(m_address.constData());
-    place.sin_port = htons(port);
+    sockaddr_in place = socketAddress(m_address.constData(), port);
     socklen_t size = sizeof place;
     if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&place), size) != 0 ||
         ::listen(m_listener, queueLength) != 0 ||
@@ -84,11 +87,12 @@ void ScriptedServer::acceptConnections()
         if (::poll(&state, 1, step) <= 0) {
             continue;
         }
+        joinFinished();
+        const std::lock_guard<std::mutex> lock(m_mutex);
         const int descriptor = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
         if (descriptor < 0) {
             continue;
         }
-        const std::lock_guard<std::mutex> lock(m_mutex);
         const std::size_t number = m_connections.size();
         m_connections.push_back(
             std::make_unique<Connection>(descriptor, static_cast<int>(number), m_stopping));
@@ -102,6 +106,7 @@ void ScriptedServer::acceptConnections()
         const Script& script = m_scripts[m_oneForAll ? 0 : number];
         connection.thread =
             std::thread([this, &connection, &script] { runScript(connection, script); });
+        m_running.push_back(&connection);
     }
 }
 
@@ -119,6 +124,15 @@ void ScriptedServer::runScript(Connection& connection, const Script& script)
     connection.finished = true;
 }
 
+/// Joins the threads whose scripts have ended, because thousands of them would be too many.
+void ScriptedServer::joinFinished()
+{
+    const auto ended = std::partition(m_running.begin(), m_running.end(),
+                                      [](const Connection* one) { return !one->finished; });
+    std::for_each(ended, m_running.end(), [](Connection* one) { one->thread.join(); });
+    m_running.erase(ended, m_running.end());
+}
+
 void ScriptedServer::stop()
 {
     // In this order, so that a client that reconnects immediately is already refused.
@@ -128,28 +142,69 @@ void ScriptedServer::stop()
         ::close(m_listener);
     }
     m_stopping = true;
-    for (const auto& connection : m_connections) {
-        if (connection->thread.joinable()) {
-            connection->thread.join();
-        }
+    for (Connection* connection : m_running) {
+        connection->thread.join();
     }
+    m_running.clear();
 }
 
-int ScriptedServer::connectionCount() const
+int ScriptedServer::acceptedConnections() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return static_cast<int>(m_connections.size());
 }
 
+bool ScriptedServer::isConnectionWaiting() const
+{
+    pollfd state{m_listener, POLLIN, 0};
+    if (::poll(&state, 1, 0) > 0) {
+        return true;
+    }
+    const std::uint32_t address = inet_addr(m_address.constData());
+    const std::vector<TcpSocket> sockets = tcpSockets();
+    return std::any_of(sockets.begin(), sockets.end(), [&](const TcpSocket& socket) {
+        return socket.state == TCP_SYN_RECV && socket.localAddress == address &&
+               socket.localPort == m_port;
+    });
+}
+
+int ScriptedServer::connectionCount() const
+{
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (m_listening && std::chrono::steady_clock::now() < deadline) {
+        {
+            // With the lock, no connection is between the kernel and the list.
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            if (!isConnectionWaiting()) {
+                return static_cast<int>(m_connections.size());
+            }
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+    return acceptedConnections();
+}
+
 QByteArray ScriptedServer::received(int connection) const
 {
+    return connection < acceptedConnections() ? peer(connection).received() : QByteArray();
+}
+
+Peer& ScriptedServer::peer(int connection) const
+{
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (connection >= static_cast<int>(m_connections.size())) {
-        return QByteArray();
+    return m_connections.at(static_cast<std::size_t>(connection))->peer;
+}
+
+QList<int> ScriptedServer::openConnections() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    QList<int> open;
+    for (const auto& connection : m_connections) {
+        if (connection->peer.isOpen()) {
+            open.append(connection->peer.number());
+        }
     }
-    const Peer& peer = m_connections[static_cast<std::size_t>(connection)]->peer;
-    const std::lock_guard<std::mutex> peerLock(peer.m_mutex);
-    return peer.m_received;
+    return open;
 }
 
 QStringList ScriptedServer::errors() const
@@ -161,7 +216,7 @@ QStringList ScriptedServer::errors() const
 
 bool ScriptedServer::waitForConnections(int count, int limit) const
 {
-    return QTest::qWaitFor([&] { return connectionCount() >= count; }, limit);
+    return QTest::qWaitFor([&] { return acceptedConnections() >= count; }, limit);
 }
 
 bool ScriptedServer::waitForReceived(int connection, const QByteArray& bytes, int limit) const

@@ -3,14 +3,17 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
 
+#include <sys/types.h>
+
 #include <QByteArray>
+#include <QList>
+#include <QString>
 #include <QStringList>
 
 namespace support {
@@ -47,8 +50,25 @@ public:
     /// Keeps the connection open until the server stops; received bytes are only recorded.
     void holdOpen();
 
+    /// Receives until the client closes or the test wants the connection to end.
+    void serve();
+
+    // These may be called from any thread:
+
     /// The number of this connection, starting at 0.
     int number() const { return m_number; }
+    /// Returns everything received so far.
+    QByteArray received() const;
+    /// Returns whether no side has closed; a close of the client's is noticed when receiving.
+    bool isOpen() const { return m_open; }
+    /// Returns whether the client has read everything sent so far.
+    bool isAllRead() const;
+    /// Sends. Returns an empty text, or why not everything was sent.
+    QString trySend(const QByteArray& bytes);
+    /// Makes serve() close the connection.
+    void wantClose() { m_wantedEnd = End::Close; }
+    /// Makes serve() reset the connection.
+    void wantReset() { m_wantedEnd = End::Reset; }
 
     ~Peer();
     Peer(const Peer&) = delete;
@@ -63,12 +83,19 @@ private:
     bool takeArrived();
     void waitUntilReadable(std::chrono::steady_clock::time_point deadline, const char* waitedFor);
     void closeDescriptor();
-    bool clientHasRead() const;
+    /// Returns how many bytes were sent, or the error as a negative number.
+    ssize_t sendNow(const char* bytes, qint64 count);
     QByteArray takePending(int count);
 
-    int m_descriptor;
+    enum class End { None, Close, Reset };
+
+    // Guards the descriptor, which only the script's thread closes, while another thread uses it.
+    mutable std::mutex m_descriptorMutex;
+    std::atomic<int> m_descriptor;
     const int m_number;
     const std::atomic<bool>& m_stopping;
+    std::atomic<bool> m_open{true};
+    std::atomic<End> m_wantedEnd{End::None};
     QByteArray m_pending;
     mutable std::mutex
         m_mutex; // for m_received: written by the script's thread, read by the test's thread
@@ -96,7 +123,12 @@ public:
     QByteArray address() const { return m_address; }
     quint16 port() const { return m_port; } ///< The chosen port, if 0 was requested.
 
+    /// Returns the connections made so far, including those that the kernel has not handed over.
     int connectionCount() const;
+    /// Returns a connection that exists. It lives as long as the server.
+    Peer& peer(int connection) const;
+    /// Returns the numbers of the open connections.
+    QList<int> openConnections() const;
     /// Returns everything received on a connection so far; empty for one that does not exist yet.
     QByteArray received(int connection) const;
     /// Failed scripts and connections without a script, one text each.
@@ -117,6 +149,9 @@ private:
     void listenOn(quint16 port);
     void acceptConnections();
     void runScript(Connection& connection, const Script& script);
+    void joinFinished();
+    int acceptedConnections() const;
+    bool isConnectionWaiting() const;
     int finishedScripts() const;
 
     const QByteArray m_address;
@@ -129,6 +164,7 @@ private:
     mutable std::mutex m_mutex;          // guards the next two members
     std::vector<std::unique_ptr<Connection>> m_connections;
     QStringList m_errors;
+    std::vector<Connection*> m_running; // whose threads are not joined, for the accepting thread
     mutable std::atomic<bool> m_errorsSeen{false};
     std::thread m_thread;
 };

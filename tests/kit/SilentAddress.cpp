@@ -1,8 +1,9 @@
 #include "tests/kit/SilentAddress.h"
 
+#include "tests/kit/TcpTable.h"
+
 #include <cerrno>
 
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -15,21 +16,12 @@ namespace {
 constexpr int connectLimit = 100; // milliseconds; a local connect takes almost no time
 constexpr int most = 16;          // connections after which the queue must be full
 
-sockaddr_in socketAddress(const QByteArray& address, quint16 port)
-{
-    sockaddr_in result{};
-    result.sin_family = AF_INET;
-    result.sin_addr.s_addr = inet_addr(address.constData());
-    result.sin_port = htons(port);
-    return result;
-}
-
 } // namespace
 
 SilentAddress::SilentAddress(const QByteArray& address, quint16 port)
     : m_listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
 {
-    sockaddr_in place = socketAddress(address, port);
+    sockaddr_in place = socketAddress(address.constData(), port);
     const int on = 1;
     ::setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0 ||

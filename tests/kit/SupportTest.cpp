@@ -84,6 +84,7 @@ private slots:
     void brokenExpectationIsAnError();
     void connectionWithoutAScriptIsAnError();
     void stopEndsAScriptThatWaits();
+    void connectionIsControlledFromOutsideItsScript();
     void silentAddressNeitherAcceptsNorRefuses();
     void logCaptureKeepsTheOrder();
     void expectedWarningPasses();
@@ -174,6 +175,27 @@ void SupportTest::stopEndsAScriptThatWaits()
     QCOMPARE(client.receive(), QByteArray("end"));
     QCOMPARE(server.errors(), QStringList());
     QVERIFY(!Client(server.port()).connected);
+}
+
+void SupportTest::connectionIsControlledFromOutsideItsScript()
+{
+    ScriptedServer server(ScriptedServer::Script([](Peer& peer) { peer.serve(); }));
+    const Client first(server.port());
+    QCOMPARE(server.connectionCount(), 1); // at once
+    const Client second(server.port());
+    QCOMPARE(server.connectionCount(), 2);
+    QCOMPARE(server.openConnections(), (QList<int>{0, 1}));
+    QCOMPARE(server.peer(0).trySend("abc"), QString());
+    QVERIFY(!server.peer(0).isAllRead());
+    QCOMPARE(first.receive(), QByteArray("abc"));
+    QTRY_VERIFY(server.peer(0).isAllRead());
+    first.send("def");
+    QTRY_COMPARE(server.peer(0).received(), QByteArray("def"));
+    server.peer(0).wantClose();
+    QCOMPARE(first.receive(), QByteArray("end"));
+    server.peer(1).wantReset();
+    QCOMPARE(second.receive(), QByteArray("error"));
+    QTRY_COMPARE(server.openConnections(), QList<int>());
 }
 
 void SupportTest::silentAddressNeitherAcceptsNorRefuses()

@@ -73,7 +73,7 @@ private:
     std::unique_ptr<fake::Module> ground;
     std::unique_ptr<fake::Module> control;
     std::unique_ptr<fake::Camera> camera;
-    std::unique_ptr<fake::Listener> proxy;
+    std::unique_ptr<support::ScriptedServer> proxy;
     std::unique_ptr<DrivenProcess> program;
 };
 
@@ -91,12 +91,13 @@ void SurroundingsTest::init()
     for (const QByteArray& name : names) {
         camera->answer(fake::downloadTarget + name, recording(name[0]));
     }
-    proxy = std::make_unique<fake::Listener>("127.0.0.1", 3128, [](fake::Connection& connection) {
-        if (connection.receiveHead()) {
-            connection.send("HTTP/1.1 200 Connection established\r\n\r\n");
-            connection.serve();
-        }
-    });
+    proxy = std::make_unique<support::ScriptedServer>(
+        support::ScriptedServer::Script([](support::Peer& peer) {
+            peer.receiveUntil("\r\n\r\n");
+            peer.send("HTTP/1.1 200 Connection established\r\n\r\n");
+            peer.serve();
+        }),
+        "127.0.0.1", 3128);
     program = std::make_unique<DrivenProcess>();
 }
 
@@ -249,10 +250,10 @@ void SurroundingsTest::useProgram()
     QCOMPARE(program->tell("text lineEditLinkBELUN"), "Link Success!\n" + done);
     QTRY_COMPARE(control->links(), QList<int>{1});
     QTRY_COMPARE(ground->links(), QList<int>{1});
-    control->link()->send(QByteArray::fromHex("aaaf000909000100020003000400"));
+    control->link().send(QByteArray::fromHex("aaaf000909000100020003000400"));
     QTRY_COMPARE(program->tell("text lineEditBootVer"), "v0.04\n" + done);
-    control->link()->send(QByteArray::fromHex("aaaf04010000"));
-    QTRY_COMPARE(control->link()->received(), QByteArray::fromHex("aaaf0401015f"));
+    control->link().send(QByteArray::fromHex("aaaf04010000"));
+    QTRY_COMPARE(control->link().received(), QByteArray::fromHex("aaaf0401015f"));
 
     QCOMPARE(program->tell("click pushButtonEnterTFcard"), done);
     QCOMPARE(program->tell("click checkBoxSelectAllFiles"), done);
@@ -265,8 +266,8 @@ void SurroundingsTest::useProgram()
     QTRY_COMPARE(program->tell("text lineEditDownloadProgress"), '\n' + done);
 
     // No message of the program was sent to a device.
-    QCOMPARE(control->link()->received(), QByteArray::fromHex("aaaf0401015f"));
-    QCOMPARE(ground->link()->received(), QByteArray());
+    QCOMPARE(control->link().received(), QByteArray::fromHex("aaaf0401015f"));
+    QCOMPARE(ground->link().received(), QByteArray());
     program->close();
     QCOMPARE(read(folderOfRecordings + QStringLiteral("a.mp4")), recording('a'));
     QCOMPARE(read(folderOfRecordings + QStringLiteral("c.mp4")), recording('c'));

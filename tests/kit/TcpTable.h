@@ -1,0 +1,33 @@
+// The kernel's table of TCP sockets, of this network namespace.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <netinet/in.h>
+
+namespace support {
+
+struct TcpSocket
+{
+    std::uint32_t localAddress; ///< Network byte order, as in sockaddr_in; ports in the host's.
+    std::uint32_t localPort;
+    std::uint32_t remoteAddress;
+    std::uint32_t remotePort;
+    std::uint32_t state; ///< As TCP_SYN_SENT in netinet/tcp.h.
+    std::uint32_t unread;
+};
+
+std::vector<TcpSocket> tcpSockets();
+
+/// Returns an IPv4 address, such as "127.0.0.1", and port for the system's calls.
+sockaddr_in socketAddress(const char* address, int port);
+
+/// Returns whether the other side of a connection within this namespace has read everything that
+/// was sent through the descriptor.
+bool isAllReadByOtherSide(int descriptor);
+
+/// Returns whether a connection attempt to that address is pending.
+bool isConnectPending(const char* address, int port);
+
+} // namespace support
