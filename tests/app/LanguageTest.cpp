@@ -10,9 +10,9 @@
 #include <QCoreApplication>
 #include <QGroupBox>
 #include <QLineEdit>
-#include <QMap>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QTableWidget>
 #include <QTest>
 #include <QWidget>
@@ -49,7 +49,7 @@ private slots:
     void missingCatalogueShowsTheEnglishTexts();
 
 private:
-    using Texts = QMap<QString, QString>;
+    using Texts = QStringList; // "label_1: HardwareType:"
 
     /// Returns every translated text of the window by what shows it.
     Texts shown() const
@@ -57,7 +57,7 @@ private:
         Texts texts;
         for (const support::WindowText& text : support::windowTexts()) {
             for (const QString& place : text.shownBy) {
-                texts[place] = textAt(place);
+                texts += place + ": " + textAt(place);
             }
         }
         return texts;
@@ -76,7 +76,7 @@ private:
         Texts texts;
         for (const support::WindowText& text : support::windowTexts()) {
             for (const QString& place : text.shownBy) {
-                texts[place] = text.*language;
+                texts += place + ": " + text.*language;
             }
         }
         return texts;
