@@ -1,5 +1,6 @@
 // Tests closing the window in every state of its threads, both in this process and in the program
 // run as a separate process.
+#include "tests/kit/DrivenProcess.h"
 #include "tests/kit/LinkedScene.h"
 #include "tests/kit/SilentAddress.h"
 #include "tests/kit/TcpTable.h"
@@ -22,7 +23,8 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QList>
-#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -70,55 +72,25 @@ int openDescriptors(qint64 process)
 }
 
 /// The program, with its window operated from inside.
-class DrivenProgram
+class Program : public DrivenProcess
 {
 public:
-    DrivenProgram()
-    {
-        m_process.start(QStringLiteral(DRIVEN_PROGRAM), QStringList());
-        m_process.waitForStarted();
-    }
-
-    ~DrivenProgram()
-    {
-        if (m_process.state() != QProcess::NotRunning) {
-            m_process.kill();
-            m_process.waitForFinished();
-        }
-    }
-    DrivenProgram(const DrivenProgram&) = delete;
-    DrivenProgram& operator=(const DrivenProgram&) = delete;
-
-    /// Sends a command and waits until the program has confirmed it.
-    void tell(const QByteArray& command)
-    {
-        m_process.write(command + "\n");
-        ++m_commands;
-        QTRY_COMPARE(output().count("done\n"), m_commands);
-    }
-    QByteArray output()
-    {
-        m_output += m_process.readAllStandardOutput();
-        return m_output;
-    }
-    qint64 id() const { return m_process.processId(); }
+    Program() { start(m_folder.path(), QProcessEnvironment::systemEnvironment(), "exec \"$0\""); }
 
     /// Closes the window and checks that the program ends in time and with status 0.
-    void close()
+    void closeInTime()
     {
         QElapsedTimer clock;
         clock.start();
-        m_process.write("close\n");
-        QVERIFY2(m_process.waitForFinished(10000), "the program does not end");
+        close();
         QVERIFY2(clock.elapsed() < closingLimit, qPrintable(QString::number(clock.elapsed())));
-        QCOMPARE(m_process.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(m_process.exitCode(), 0);
     }
 
+    /// Sends a command and checks that the program has confirmed it.
+    void obey(const QByteArray& command) { QCOMPARE(tell(command), QByteArray("done\n")); }
+
 private:
-    QProcess m_process;
-    QByteArray m_output;
-    int m_commands = 0;
+    QTemporaryDir m_folder;
 };
 
 } // namespace
@@ -390,63 +362,63 @@ void ClosingTest::descriptorsAreReleasedWithTheWindow()
 
 void ClosingTest::programClosedIdle()
 {
-    DrivenProgram program;
-    program.close();
+    Program program;
+    program.closeInTime();
 }
 
 void ClosingTest::programClosedLinked()
 {
-    DrivenProgram program;
-    program.tell("click pushButtonLinkBELUN");
+    Program program;
+    program.obey("click pushButtonLinkBELUN");
     QTRY_COMPARE(scene->control->links(), QList<int>{1});
     QTRY_COMPARE(scene->ground->links(), QList<int>{1});
-    program.close();
+    program.closeInTime();
 }
 
 void ClosingTest::programClosedWithItsModulesGone()
 {
-    DrivenProgram program;
-    program.tell("click pushButtonLinkBELUN");
+    Program program;
+    program.obey("click pushButtonLinkBELUN");
     QTRY_COMPARE(scene->control->links(), QList<int>{1});
     scene->control.reset();
     scene->ground.reset();
-    program.close();
+    program.closeInTime();
 }
 
 void ClosingTest::programClosedWithAStalledDownload()
 {
     scene->camera->holdFiles({"a.mp4"});
     scene->camera->on(fake::downloadTarget, [this](support::Peer&) { gate->pass(); });
-    DrivenProgram program;
-    program.tell("click pushButtonLinkBELUN");
-    program.tell("click pushButtonEnterTFcard");
-    program.tell("choose 0");
-    program.tell("click pushButtonDownloadFile");
+    Program program;
+    program.obey("click pushButtonLinkBELUN");
+    program.obey("click pushButtonEnterTFcard");
+    program.obey("choose 0");
+    program.obey("click pushButtonDownloadFile");
     QTRY_VERIFY(gate->isReached());
-    program.close();
+    program.closeInTime();
 }
 
 void ClosingTest::programSurvivesADownloadFromACameraSwitchedOff()
 {
     scene->camera->holdFiles({"a.mp4"});
-    DrivenProgram program;
-    program.tell("click pushButtonLinkBELUN");
-    program.tell("click pushButtonEnterTFcard");
-    program.tell("choose 0");
+    Program program;
+    program.obey("click pushButtonLinkBELUN");
+    program.obey("click pushButtonEnterTFcard");
+    program.obey("choose 0");
     scene->camera.reset();
     // The request is written although the connection was refused: an unhandled SIGPIPE would end
     // the program here.
-    program.tell("click pushButtonDownloadFile");
+    program.obey("click pushButtonDownloadFile");
     // Printed immediately although the output is a pipe.
     QTRY_VERIFY(program.output().contains("connect failed, return: -1\n"));
-    program.tell("click checkBoxSelectAllFiles");
-    program.close();
+    program.obey("click checkBoxSelectAllFiles");
+    program.closeInTime();
 }
 
 void ClosingTest::programSurvivesAModuleThatResetsAfterItsHeartbeats()
 {
-    DrivenProgram program;
-    program.tell("click pushButtonLinkBELUN");
+    Program program;
+    program.obey("click pushButtonLinkBELUN");
     QTRY_COMPARE(scene->control->links(), QList<int>{1});
     // Many heartbeats, each filling a receive, so that answers are still sent after the reset.
     const QByteArray heartbeat = QByteArray::fromHex("aaaf04010000") + QByteArray(94, '\0');
@@ -455,19 +427,19 @@ void ClosingTest::programSurvivesAModuleThatResetsAfterItsHeartbeats()
         scene->control->link().reset();
         QTRY_COMPARE(scene->control->links(), QList<int>{loss + 2});
     }
-    program.tell("click checkBoxSelectAllFiles");
-    program.close();
+    program.obey("click checkBoxSelectAllFiles");
+    program.closeInTime();
 }
 
 void ClosingTest::programKeepsTheDescriptorsOfLinksAndDownloadsOpen()
 {
     scene->camera->holdFiles({"a.mp4"});
     scene->camera->answer(fake::downloadTarget, "recording");
-    DrivenProgram program;
-    program.tell("click pushButtonEnterTFcard");
-    program.tell("choose 0");
+    Program program;
+    program.obey("click pushButtonEnterTFcard");
+    program.obey("choose 0");
     const int before = openDescriptors(program.id());
-    program.tell("click pushButtonLinkBELUN");
+    program.obey("click pushButtonLinkBELUN");
     QTRY_COMPARE(scene->control->links(), QList<int>{1});
     QTRY_COMPARE(scene->ground->links(), QList<int>{1});
     QTRY_COMPARE(openDescriptors(program.id()), before + 2);
@@ -485,10 +457,10 @@ void ClosingTest::programKeepsTheDescriptorsOfLinksAndDownloadsOpen()
     // Each download keeps one socket and one file open.
     for (int download = 1; download <= 2; ++download) {
         QTRY_COMPARE(scene->camera->heads().size(), download + 2);
-        program.tell("click pushButtonDownloadFile");
+        program.obey("click pushButtonDownloadFile");
         QTRY_COMPARE(openDescriptors(program.id()), before + 2 + 3 + 2 * download);
     }
-    program.close();
+    program.closeInTime();
 }
 
 BELUN_NETWORK_TEST(ClosingTest)

@@ -1,6 +1,6 @@
 // The program on screens of various densities: the window scales with the density.
+#include "tests/kit/DrivenProcess.h"
 #include "tests/kit/TestMain.h"
-#include "tests/system/DrivenProcess.h"
 
 #include <QProcessEnvironment>
 #include <QTemporaryDir>

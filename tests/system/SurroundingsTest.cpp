@@ -1,9 +1,9 @@
 // Runs the built program in unusual environments: closed or full standard streams, a proxy, odd
 // folders, limits and locales. In each it works completely, and its output goes only to its
 // standard streams.
+#include "tests/kit/DrivenProcess.h"
 #include "tests/kit/FakeVehicle.h"
 #include "tests/kit/TestMain.h"
-#include "tests/system/DrivenProcess.h"
 
 #include <array>
 #include <memory>

@@ -8,7 +8,7 @@
 #include <QProcessEnvironment>
 #include <QString>
 
-/// The program as a process, whose window is operated from inside (tests/app/DrivenProgram.cpp)
+/// The program as a process, whose window is operated from inside (tests/kit/DrivenProgram.cpp)
 /// through a socket, so that its standard streams are unused. A failed step fails the calling test
 /// function.
 class DrivenProcess
@@ -26,6 +26,9 @@ public:
     /// Sends a command and returns the answer after the program has executed it.
     QByteArray tell(const QByteArray& command);
 
+    /// Returns what the program has printed so far.
+    QByteArray output();
+
     /// Returns the process id of the shell or of the program that replaced it.
     qint64 id() const { return m_process.processId(); }
 
@@ -39,4 +42,5 @@ private:
     QLocalServer m_server;
     QLocalSocket* m_socket = nullptr; // owned by m_server
     QProcess m_process;
+    QByteArray m_output;
 };

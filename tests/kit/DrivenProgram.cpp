@@ -1,6 +1,6 @@
 // Operates the program's own window from inside: linked with the program's main function, it reads
-// one command per line from standard input and confirms each with a line "done" on standard output,
-// or uses the socket named by DRIVEN_PROGRAM_SOCKET for both if that is set.
+// one command per line from the socket named by DRIVEN_PROGRAM_SOCKET and confirms each with a line
+// "done".
 //   click NAME    clicks the widget with that object name as soon as it is enabled
 //   choose ROW    clicks a row of the file table
 //   text NAME     prints the text of the line edit with that object name before "done"
@@ -32,14 +32,12 @@ namespace {
 
 constexpr int enabledLimit = 5000; // milliseconds
 
-int commands = STDIN_FILENO;
-int answers = STDOUT_FILENO;
+int test = -1; // the socket
 
 void answer(const QByteArray& line)
 {
     const QByteArray bytes = line + '\n';
-    if (::write(answers, bytes.constData(), static_cast<std::size_t>(bytes.size())) !=
-        bytes.size()) {
+    if (::write(test, bytes.constData(), static_cast<std::size_t>(bytes.size())) != bytes.size()) {
         qFatal("cannot answer");
     }
 }
@@ -93,7 +91,7 @@ void readCommands()
 {
     static QByteArray pending;
     char buffer[256];
-    const ssize_t count = ::read(commands, buffer, sizeof buffer);
+    const ssize_t count = ::read(test, buffer, sizeof buffer);
     if (count <= 0) {
         std::_Exit(EXIT_FAILURE); // the test has ended
     }
@@ -107,11 +105,11 @@ void readCommands()
 
 void connectToTheTest(const QByteArray& path)
 {
-    commands = answers = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    test = ::socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un place{};
     place.sun_family = AF_UNIX;
     std::strncpy(place.sun_path, path.constData(), sizeof place.sun_path - 1);
-    if (::connect(commands, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0) {
+    if (::connect(test, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0) {
         qFatal("cannot connect to %s", path.constData());
     }
 }
@@ -120,11 +118,8 @@ void listenToTheTest()
 {
     // Runs after the window was created, once the event loop runs.
     QTimer::singleShot(0, qApp, [] {
-        const QByteArray socket = qgetenv("DRIVEN_PROGRAM_SOCKET");
-        if (!socket.isEmpty()) {
-            connectToTheTest(socket);
-        }
-        auto* input = new QSocketNotifier(commands, QSocketNotifier::Read, qApp);
+        connectToTheTest(qgetenv("DRIVEN_PROGRAM_SOCKET"));
+        auto* input = new QSocketNotifier(test, QSocketNotifier::Read, qApp);
         QObject::connect(input, &QSocketNotifier::activated, qApp, [] { readCommands(); });
     });
 }

@@ -1,4 +1,4 @@
-#include "tests/system/DrivenProcess.h"
+#include "tests/kit/DrivenProcess.h"
 
 #include "tests/kit/TimeFactor.h"
 
@@ -38,6 +38,12 @@ QByteArray DrivenProcess::tell(const QByteArray& command)
         answer += m_socket->readAll();
     }
     return answer;
+}
+
+QByteArray DrivenProcess::output()
+{
+    m_output += m_process.readAllStandardOutput();
+    return m_output;
 }
 
 void DrivenProcess::close()
