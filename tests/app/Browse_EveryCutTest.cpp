@@ -16,6 +16,7 @@
 
 using support::Peer;
 using support::ScriptedServer;
+using support::Step;
 
 namespace {
 
@@ -23,22 +24,6 @@ constexpr char address[] = "192.168.1.120";
 constexpr quint16 port = 80;
 
 using Pieces = std::vector<std::string>;
-
-/// What the table shows from this position up to the position of the next step.
-struct Step
-{
-    std::size_t from;
-    QString shown;
-};
-
-QString at(const QVector<Step>& steps, std::size_t position)
-{
-    QString shown;
-    for (const Step& step : steps) {
-        shown = position >= step.from ? step.shown : shown;
-    }
-    return shown;
-}
 
 /// The camera's three answers, one of which is delivered in pieces.
 struct Answers
@@ -99,12 +84,12 @@ void checkEveryCut(const Answers& answers, const char* command, const QString& b
             bytes.size());
     for (std::size_t position = 1; position < bytes.size() && !QTest::currentTestFailed();
          ++position) {
-        compare(answers, command, support::cut(bytes, {position}), at(cutBehind, position),
-                "split after", position);
+        compare(answers, command, support::cut(bytes, {position}),
+                support::outcomeAt(cutBehind, position), "split after", position);
     }
     for (std::size_t count = 0; count <= bytes.size() && !QTest::currentTestFailed(); ++count) {
         compare(answers, command, count == 0 ? Pieces{} : Pieces{bytes.substr(0, count)},
-                at(closedBehind, count), "closed after", count);
+                support::outcomeAt(closedBehind, count), "closed after", count);
     }
 }
 

@@ -49,6 +49,15 @@ std::vector<std::string> singleBytes(const std::string& bytes)
     return pieces;
 }
 
+QString outcomeAt(const QVector<Step>& steps, std::size_t position)
+{
+    QString outcome;
+    for (const Step& step : steps) {
+        outcome = position >= step.from ? step.outcome : outcome;
+    }
+    return outcome;
+}
+
 std::string printable(const std::string& bytes)
 {
     std::string text;

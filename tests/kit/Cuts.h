@@ -5,6 +5,9 @@
 #include <string>
 #include <vector>
 
+#include <QString>
+#include <QVector>
+
 namespace support {
 
 /// Bytes, and the expected outcome if the connection closes after any of them.
@@ -24,6 +27,16 @@ std::string closedBehind(const std::vector<Piece>& pieces, const std::string& cl
 /// Splits the bytes before the given positions, which are in ascending order.
 std::vector<std::string> cut(const std::string& bytes, const std::vector<std::size_t>& positions);
 std::vector<std::string> singleBytes(const std::string& bytes);
+
+/// An outcome that holds from this position up to the position of the next step.
+struct Step
+{
+    std::size_t from;
+    QString outcome;
+};
+
+/// Returns the outcome at a position; empty before the first step.
+QString outcomeAt(const QVector<Step>& steps, std::size_t position);
 
 /// Returns the bytes with control characters and non-ASCII bytes escaped.
 std::string printable(const std::string& bytes);

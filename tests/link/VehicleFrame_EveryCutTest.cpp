@@ -19,17 +19,11 @@
 
 using support::Peer;
 using support::ScriptedServer;
+using support::Step;
 
 namespace {
 
 using Pieces = std::vector<std::string>;
-
-/// The result from this position up to the position of the next step.
-struct Step
-{
-    int from;
-    QString seen;
-};
 
 /// Bytes and how a link thread interprets them.
 struct Frames
@@ -41,15 +35,6 @@ struct Frames
     QVector<Step> cutBehind;    ///< Indexed by the length of the first of two pieces.
     QVector<Step> closedBehind; ///< Indexed by the number of bytes before the end.
 };
-
-QString at(const QVector<Step>& steps, int position)
-{
-    QString seen;
-    for (const Step& step : steps) {
-        seen = position >= step.from ? step.seen : seen;
-    }
-    return seen;
-}
 
 const QByteArray answer = QByteArray::fromHex("aaaf0401015f");
 const QByteArray filler(94, 'x'); // fills up a hundred bytes, the most that one receive returns
@@ -285,7 +270,7 @@ void checkEveryCut(const Frames& frames)
     QStringList expected{frames.whole, frames.byteByByte};
     for (int position = 1; position < frames.bytes.size(); ++position) {
         deliveries.push_back(support::cut(bytes, {static_cast<std::size_t>(position)}));
-        expected.append(at(frames.cutBehind, position));
+        expected.append(support::outcomeAt(frames.cutBehind, static_cast<std::size_t>(position)));
     }
     compare<Thread>(deliveries, expected);
 }
@@ -298,7 +283,7 @@ void checkEveryEnd(const Frames& frames)
     QStringList expected{QString()};
     for (int count = 1; count <= frames.bytes.size(); ++count) {
         deliveries.push_back({bytes.substr(0, static_cast<std::size_t>(count))});
-        expected.append(at(frames.closedBehind, count));
+        expected.append(support::outcomeAt(frames.closedBehind, static_cast<std::size_t>(count)));
     }
     compare<Thread>(deliveries, expected);
 }
