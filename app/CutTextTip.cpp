@@ -36,8 +36,9 @@ QRect paintedRect(const QTableWidget& table, const QModelIndex& cell, const QStr
         .adjusted(margin, 0, -margin, 0);
 }
 
-/// Returns whether the text of a cell is cut off: wrapped between words, as the style wraps it, a
-/// word is wider than the cell or a line after the first does not fit.
+/// Returns whether the text of a cell is cut off. The text is wrapped between words, as the style
+/// wraps it. It is cut off if a line is wider than the painted rectangle, or if a line other than
+/// the first ends below that rectangle.
 bool isCut(const QTableWidget& table, const QModelIndex& cell, const QString& text)
 {
     const QRect rect = paintedRect(table, cell, text);
@@ -59,7 +60,8 @@ bool isCut(const QTableWidget& table, const QModelIndex& cell, const QString& te
     return cut;
 }
 
-/// Returns what a tool tip needs to show a text literally, since it would interpret markup.
+/// Returns the text to pass to QToolTip so that it displays `text` literally. QToolTip would
+/// interpret a text that looks like markup, so such a text is escaped.
 QString asPlainText(const QString& text)
 {
     return Qt::mightBeRichText(text)

@@ -1,4 +1,4 @@
-// A tool tip with the full text of a table cell that is too small for it.
+// Tool tips for table cells that are too small for their texts.
 #pragma once
 
 #include <QObject>
@@ -6,8 +6,9 @@
 class QHelpEvent;
 class QTableWidget;
 
-/// A tool tip for the cells of one table whose text is cut off, and for no others. Owned by the
-/// table; the delegate and the items do not depend on it.
+/// The tool tips of one table. A cell whose text is cut off shows the text, or its first 4,096
+/// characters, in a tip; other cells have no tip. Owned by the table; the delegate and the items do
+/// not depend on this object.
 class CutTextTip : public QObject
 {
     Q_OBJECT
@@ -22,5 +23,5 @@ private:
     void answer(QHelpEvent& event);
 
     QTableWidget& m_table;
-    bool m_isShown = false; // the table's last tool tip event showed a tip
+    bool m_isShown = false; // a tip was shown and has not been hidden by this object
 };

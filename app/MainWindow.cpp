@@ -17,7 +17,7 @@
 namespace {
 
 /// Creates a translator that is never deleted: it stays installed until the process ends, so no
-/// window can own it. The list keeps it reachable, so that it is not reported as a leak.
+/// window can own it. The list keeps it reachable, so that LeakSanitizer does not report it.
 QTranslator* makeLastingTranslator()
 {
     static auto& lasting = *new std::vector<QTranslator*>;
@@ -58,7 +58,7 @@ MainWindow::MainWindow(QWidget* parent)
     ui->comboBox->insertItems(ui->comboBox->count(),
                               {QStringLiteral("English"), QStringLiteral("Chinese")});
     translateLanguage();
-    // By signature, like all slots of the window. clazy:excludeall=old-style-connect
+    // SIGNAL() and SLOT(), as for all the window's slots. clazy:excludeall=old-style-connect
     connect(ui->comboBox, SIGNAL(currentIndexChanged(int)), this, SLOT(comboxLanguageChanged()));
 }
 

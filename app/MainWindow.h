@@ -47,8 +47,8 @@ signals:
     /// Reserved for naming a module; nothing emits it.
     void ModuleNameInit(char* modulename);
 
-    // The order of the slots is fixed, and so are the names of their parameters. The form binds the
-    // on_ slots to its widgets by name. clazy:excludeall=connect-by-name
+    // The order of the slots and the names of their parameters are fixed. setupUi() connects the
+    // on_ slots to the form's widgets by name. clazy:excludeall=connect-by-name
 private slots:
     // MainWindow.cpp
     void itoa(int value, char* string, int radix);
@@ -79,8 +79,9 @@ private slots:
     void on_checkBoxSelectAllFiles_stateChanged(int arg1);
     void GetSelectedFiles();
     // MainWindow_Browse.cpp
-    /// Copies the text between two markers into `strBuf`, which has at least the size of `string`,
-    /// and returns the length of that text. Returns 0 and writes nothing if a marker is missing.
+    /// Copies the text between two markers into `strBuf`, which must be at least as large as
+    /// `string`, and returns the length of that text. Returns 0 and writes nothing if a marker is
+    /// missing.
     int findSubString(const char* string, char* strBuf, const char* leftSplit,
                       const char* rightSplit);
     // MainWindow_Link.cpp
@@ -98,17 +99,20 @@ private:
     /// Same, but clears httpAnswer first.
     bool askCamera(const QString& address);
     // MainWindow_Delete.cpp
-    /// Sends a command that empties the card, and clears the table if the camera answers.
+    /// Sends a command that empties the card, if the link is up. If the exchange succeeds, clears
+    /// the table, after showing `successText` if the answer is card::successAnswer.
     void emptyCard(const QString& address, const QString& successText);
     // MainWindow_Link.cpp
     void showLinkState(bool isLinked);
     // MainWindow_Language.cpp
     QStringList tableHeaders() const;
     // MainWindow_FileTable.cpp
-    /// Returns the name in a table row's first column, or none if the row or its name is missing.
+    /// Returns the name in a table row's first column, or nothing if the row or its name is
+    /// missing.
     std::optional<QString> fileNameAt(qint32 row) const;
     // MainWindow_Download.cpp
-    /// Returns the next selected file that is still in the table and moves the cursor past it.
+    /// Returns the name in the next selected row that still exists, and moves the cursor past that
+    /// row. Returns nothing if no such row is left.
     std::optional<QString> takeNextFile();
     // MainWindow_Accessibility.cpp
     void joinLabelsToFields();
@@ -118,11 +122,11 @@ private:
     /// Disables a button. If the button has the focus, moves the focus to the table first.
     void disableButton(QPushButton& button);
 
-    // The table uses this but does not own it.
+    // Used but not owned by the table.
     std::unique_ptr<NoFocusDelegate> m_tableDelegate;
 
     QTranslator* translator = nullptr; // installed until the process ends
-    bool linked = false;               // the vehicle link is up
+    bool linked = false;               // result of the last probe or link report
     qint32 currentFileIndex = 0;       // row whose details are being queried
     card::NameTable fileNames;
     qint32 selectedCursor = 0; // position in selectedRows of the next row to process

@@ -45,8 +45,9 @@ void MainWindow::openTableToKeyboard()
 }
 
 /// Moves the focus to the table because Qt would move it from a disabled button to the next widget:
-/// from Download File to Delete File, where the next press of the space bar would delete. The check
-/// uses the window's own focus widget, because the window may be inactive.
+/// from Download File to Delete File, where the next press of the space bar would delete the
+/// selected files. The check uses the window's own focus widget, because the window may be
+/// inactive.
 void MainWindow::disableButton(QPushButton& button)
 {
     if (focusWidget() == &button) {

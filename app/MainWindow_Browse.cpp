@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int rowLimit = 128; // rows are counted in a signed byte: 0 to 127
+constexpr int rowLimit = 128; // entries of the list; later ones are not shown
 
 } // namespace
 
@@ -29,8 +29,8 @@ bool MainWindow::askCamera(const QString& address)
 
 void MainWindow::on_pushButtonEnterTFcard_clicked()
 {
-    // The answer to the count command is appended to the previous answer, and the first count in
-    // that text is used.
+    // The answer to the count command is appended to the previous answer, and the first value in
+    // the combined text is taken for the count.
     if (!sendCommand(getFileCountUrl)) {
         return;
     }

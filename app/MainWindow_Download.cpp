@@ -17,7 +17,7 @@ void MainWindow::on_pushButtonDownloadFile_clicked()
     }
 }
 
-/// Skips rows that have been removed: the card may be browsed or emptied during a download.
+/// Skips rows that no longer exist: the card may be browsed or emptied during a download.
 std::optional<QString> MainWindow::takeNextFile()
 {
     while (selectedCursor < selectedCount) {
@@ -41,7 +41,7 @@ void MainWindow::DownloadFile(QString fileName)
 
     auto* download = new DownloadFileThread(this);
     download->fileName = fileName;
-    // By signature, like all slots of the window. clazy:excludeall=old-style-connect
+    // SIGNAL() and SLOT(), as for all the window's slots. clazy:excludeall=old-style-connect
     connect(download, SIGNAL(updateDownloadFileProgress(qint64,qint64)), this,
                              SLOT(updateDownloadFileProgress(qint64,qint64)));
     connect(download, SIGNAL(downloadFileFinished()), this, SLOT(DownloadFileFinished()));

@@ -19,7 +19,7 @@ void MainWindow::on_pushButtonLinkBELUN_clicked()
                            IPLive(QStringLiteral("192.168.1.149"), 5000, 1000);
     showLinkState(reachable);
     if (reachable) {
-        // By signature, like all slots of the window. clazy:excludeall=old-style-connect
+        // SIGNAL() and SLOT(), as for all the window's slots. clazy:excludeall=old-style-connect
         auto* control = new ControlClientThread(this);
         connect(control, SIGNAL(VersionInfo(char,int,int,int,int)), this,
                                 SLOT(VersionInfo(char,int,int,int,int)));
@@ -34,7 +34,7 @@ void MainWindow::on_pushButtonLinkBELUN_clicked()
 bool MainWindow::IPLive(QString ip, int port, int timeout)
 {
     QTcpSocket probe;
-    probe.setProxy(QNetworkProxy::NoProxy); // the module's answer counts, not a proxy's
+    probe.setProxy(QNetworkProxy::NoProxy); // reaching a proxy would not mean reaching the module
     probe.abort();
     probe.connectToHost(ip, static_cast<quint16>(port));
     return probe.waitForConnected(timeout);

@@ -6,8 +6,9 @@
 
 namespace {
 
-/// Scales everything with the density of the screen, by any factor; at 96 dpi nothing changes.
-/// Otherwise only the fonts would grow, and texts would be cut off.
+/// Makes Qt scale the whole window with the pixel density of the screen, from Qt 5.14 on also by
+/// fractional factors; at 96 dpi nothing changes. Otherwise only the fonts would grow, and texts
+/// would be cut off.
 void scaleToTheScreen()
 {
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0) // Qt 6 does this by default
