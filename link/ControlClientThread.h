@@ -10,7 +10,7 @@ class ControlClientThread : public ModuleClientThread
     Q_OBJECT
 
 public:
-    bool linkedFlag = false; ///< A heartbeat has arrived on this connection. Link thread only.
+    bool linkedFlag = false; ///< Heartbeat received on the current connection. Link thread only.
 
     explicit ControlClientThread(QObject* parent);
     ~ControlClientThread() override { finish(); }

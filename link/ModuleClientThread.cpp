@@ -20,7 +20,7 @@ ModuleClientThread::ModuleClientThread(QObject* parent, const char* address,
 void ModuleClientThread::startHeartBeatTimer()
 {
     auto* timer = new QTimer(this);
-    // By signature, like the window's connections. clazy:excludeall=old-style-connect
+    // SLOT(), because only the derived class declares the slot. clazy:excludeall=old-style-connect
     connect(timer, SIGNAL(timeout()), this, SLOT(heartBeatTimer()));
     timer->setInterval(1000);
     timer->start();

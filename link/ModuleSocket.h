@@ -17,8 +17,8 @@ int connectToModule(sys::StoppableCalls& calls, const char* moduleName, const ch
 /// determined, prints "Get IP failed" to standard output and writes 0.0.0.0.
 int localAddress(int descriptor, char* ip);
 
-/// Sends one frame with one payload byte. The result is ignored: the next receive detects a failed
-/// connection.
+/// Sends one frame with one payload byte. Ignores the result of send(): the next recv() detects a
+/// failed connection.
 void sendFrame(int descriptor, char type, char data);
 
 } // namespace vehicle

@@ -7,14 +7,14 @@
 
 namespace vehicle {
 
-/// Why a connection ended.
+/// The reason for the end of a connection.
 enum class EndReason {
     ClosedByModule, ///< The module closed the connection.
-    ReceiveError,   ///< A receive failed, but not because of a signal.
-    HeartbeatLost,  ///< A receive returned six or more ticks after the last heartbeat.
+    ReceiveError,   ///< A receive failed with an error other than EINTR.
+    HeartbeatLost,  ///< The heartbeat count was six or more after a receive.
 };
 
-/// How a connection ended. `missedTicks` is the heartbeat count if the heartbeat was lost, else 0.
+/// The end of a connection. `missedTicks` is the heartbeat count if the heartbeat was lost, else 0.
 struct ConnectionEnd
 {
     EndReason reason;
@@ -24,10 +24,10 @@ struct ConnectionEnd
 /// Handler of the bytes of one receive.
 using ReceiveHandler = std::function<void(const Received&)>;
 
-/// Receives from the socket and calls the handler after each receive until the connection ends. The
-/// ticks since the last heartbeat are checked only after a receive: while the module is silent the
-/// receive blocks, and the loss is detected when the next bytes arrive. When the limit is reached,
-/// the count is reset to zero.
+/// Receives from the socket until the connection ends, and calls the handler after each receive
+/// that returned bytes. Checks the heartbeat count only after a receive: while the module is
+/// silent, recv() blocks, and the loss of the heartbeat is detected when recv() returns. On a loss,
+/// resets the count to zero.
 ConnectionEnd receiveUntilEnd(int descriptor, int& heartBeatCount, const ReceiveHandler& handler);
 
 } // namespace vehicle

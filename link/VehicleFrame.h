@@ -13,8 +13,9 @@
 // hardware, software, protocol, bootloader version.
 //
 // A frame is recognised only at the start of a receive, that is, of the bytes that one recv call
-// returned. A frame that is split between two receives, or a second frame in the same receive, is
-// not recognised.
+// returned. A second frame in the same receive is ignored. If a frame is split between two
+// receives, the bytes missing from its first part count as zeros, and its second part is parsed as
+// a new frame.
 #pragma once
 
 #include <array>
@@ -34,7 +35,7 @@ constexpr std::size_t receiveLimit = 100;
 /// buffer and the fields missing from a short receive are zero.
 using Received = std::array<std::uint8_t, receiveLimit>;
 
-/// A version report as in the frame; versions are in hundredths.
+/// The values of a version report; versions are in hundredths.
 struct VersionReport
 {
     std::int8_t hardType;
@@ -44,10 +45,10 @@ struct VersionReport
     int bootVer;
 };
 
-/// Returns the version report if the bytes begin with one from the control module.
+/// Returns the version report if the bytes begin with one from the control module, else nothing.
 std::optional<VersionReport> decodeVersionReport(const Received& received);
 
-/// Returns whether the bytes begin with a heartbeat of the module that has this start byte.
+/// Returns whether the bytes begin with a heartbeat of the module with this start byte.
 bool isHeartbeat(const Received& received, std::uint8_t startByte);
 
 using OutgoingFrame = std::array<std::uint8_t, 6>;
