@@ -5,9 +5,10 @@
 
 namespace sys {
 
-/// Returns the value of the decimal digits at the start of `text`, after optional white space and
-/// an optional sign; 0 without digits. A number too large for an int becomes the low 32 bits of the
-/// nearest long, so that hostile input never causes undefined behaviour.
+/// Returns the decimal number at the start of `text`, which may have white space and a sign before
+/// its digits; 0 without digits. A number outside the range of long is limited to that range, and
+/// the low 32 bits of the result are returned, so that hostile input never causes undefined
+/// behaviour.
 inline int leadingNumber(const char* text)
 {
     return static_cast<int>(std::strtol(text, nullptr, 10));

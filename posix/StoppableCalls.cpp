@@ -16,7 +16,7 @@ namespace {
 
 constexpr unsigned long wakeInterval = 5; // milliseconds
 
-/// Installs an empty handler, with which SIGURG does nothing but interrupt a system call.
+/// Installs an empty handler, so that SIGURG interrupts a system call and has no other effect.
 void setWakeHandler()
 {
     struct sigaction action = {};

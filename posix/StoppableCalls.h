@@ -13,12 +13,13 @@ namespace sys {
 
 /// The calls in progress, in any thread, to one object whose functions wait in system calls. A stop
 /// ends all of them and is final. By design sockets and files stay open after a call; those passed
-/// to keep() are closed with this object. All members may be called from any thread.
+/// to keep() are closed by this object's destructor. All members may be called from any thread.
 class StoppableCalls
 {
 public:
-    /// One call, in the thread that created this object. While it exists, stopAndWait() does not
-    /// return in any other thread. In its own thread it may outlive the StoppableCalls.
+    /// One call in progress, made by the thread that created this object. While this object exists,
+    /// stopAndWait() does not return in any other thread. It may outlive the StoppableCalls if its
+    /// own thread deletes that object.
     class Call
     {
     public:
@@ -29,9 +30,9 @@ public:
         /// A negative value means none.
         void waitOn(int socket) { m_socket = socket; }
 
-        /// Calls open(2), which may block while another process holds a lease on the file. A stop
-        /// interrupts it by sending SIGURG, which is ignored by default, to this thread; the first
-        /// call installs an empty handler for that signal.
+        /// Calls open(2), which may block while another process holds a lease on the file.
+        /// stopAndWait() interrupts it by sending SIGURG, which is ignored by default, to this
+        /// thread; the first call installs an empty handler for that signal.
         int open(const char* path, int flags, mode_t mode);
 
     private:
@@ -45,10 +46,11 @@ public:
 
     ~StoppableCalls();
 
-    /// Takes ownership of a descriptor; it is closed with this object. A negative value means none.
+    /// Takes ownership of a descriptor, which the destructor closes. A negative value means none.
     void keep(int descriptor);
 
-    /// Asks all calls to end. They notice when the system call they are waiting in returns.
+    /// Asks all calls to end, without interrupting their system calls: from now on, stopRequested()
+    /// returns true.
     void requestStop() noexcept { m_stopRequested = true; }
     bool stopRequested() const noexcept { return m_stopRequested; }
 
@@ -59,8 +61,8 @@ public:
     void stopAndWait(const std::function<bool(unsigned long)>& finished);
 
 private:
-    /// Interrupts what every call currently waits for. Returns whether other threads have calls
-    /// left.
+    /// Shuts down the socket of every call, and interrupts every open() in progress. Returns
+    /// whether calls are left in other threads.
     bool wakeAll();
 
     std::atomic<bool> m_stopRequested{false};

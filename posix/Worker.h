@@ -1,9 +1,9 @@
-// How the window stops its workers.
+// The interface through which the window stops its workers.
 #pragma once
 
 namespace sys {
 
-/// Work in a separate thread, which can be stopped. To stop several workers, call requestStop() of
+/// Work in a separate thread that can be stopped. To stop several workers, call requestStop() of
 /// all before stopAndWait() of the first, so that they end in parallel.
 class Worker
 {
