@@ -8,7 +8,7 @@
 
 namespace card {
 
-/// Closes every value in an answer: key="value";
+/// End of a value in an answer, as in key="value";
 constexpr char valueEnd[] = "\";";
 
 /// Answer: the number of files, after countStart.
@@ -16,7 +16,7 @@ constexpr char fileCountCommand[] = "http://192.168.1.120/cgi-bin/hi3510/getfile
 constexpr char countStart[] = "=\"";
 
 /// Argument: the count, as in the answer to the count command. Answer: entries, each with the name
-/// after directoryTag and ended by entryEnd; listEnd where another entry would begin.
+/// after directoryTag and with entryEnd at its end, and then listEnd.
 constexpr char fileListCommand[] =
     "http://192.168.1.120/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end=";
 constexpr char directoryTag[] = "ZEPNA/";
@@ -31,7 +31,7 @@ constexpr char createStart[] = "create=\"";
 constexpr char sizeStart[] = "size=\"";
 constexpr char timeStart[] = "time=\"";
 
-/// Argument: a file name. Any answer is a success.
+/// Argument: a file name. Any answer counts as success.
 constexpr char deleteFileCommand[] =
     "http://192.168.1.120/cgi-bin/hi3510/deletefile.cgi?&-name=sd/DCIM/100ZEPNA/";
 

@@ -20,12 +20,12 @@ struct FileInfoText
 /// The date is the creation time as "2020-01-31  12:45:02": the digits missing from a shorter text
 /// are left out between the separators, and the excess ones of a longer text are dropped. The size
 /// is in whole megabytes from 1,048,576 bytes on and in whole kilobytes below, rounded towards
-/// zero: below one kilobyte only the unit is shown, and -1,024 bytes or less is shown as received.
-/// The duration is the text as received, followed by "s".
+/// zero. From -1,023 to 1,023 bytes only the unit is shown; a size of -1,024 bytes or less is shown
+/// as received, followed by "KB". The duration is the text as received, followed by "s".
 ///
-/// All three are read into one scratch text, so a missing field is replaced by what that text
-/// contains: a missing size is that of the creation time read as a number, a missing duration shows
-/// the digits of the size.
+/// All three fields are copied into one buffer, so instead of a missing size or duration the
+/// previous contents of the buffer are used: the creation time is read as the size, and the number
+/// in the size text is shown as the duration.
 FileInfoText readFileInfo(const char* answer);
 
 /// A recording's exact size.

@@ -15,7 +15,7 @@ namespace card {
 enum Column { NameColumn, DateColumn, SizeColumn, DurationColumn, ColumnCount };
 
 /// Sets up the table's columns, headers, colours and selection mode. The table uses the returned
-/// delegate but does not own it: keep it as long as the table.
+/// delegate but does not own it, so the caller must keep the delegate as long as the table.
 std::unique_ptr<NoFocusDelegate> setUpFileTable(QTableWidget& table, const QStringList& headers);
 
 /// Inserts a row with a name.
