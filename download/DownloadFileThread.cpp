@@ -35,14 +35,15 @@ void DownloadFileThread::run()
 void DownloadFileThread::DownloadFile(QString name)
 {
     const sys::PipeSignalBlock block;
-    const sys::StoppableCalls::Call call(m_calls); // lasts until directly called slots return
+    const sys::StoppableCalls::Call call(m_calls); // also covers slots that emit calls directly
     if (fetch(name)) {
         emit downloadFileFinished(); // a slot may delete this object
     }
 }
 
-// QThread::exit() marks each failure but ends nothing, because there is no event loop: the download
-// always runs to its end, so that the next one is started.
+// QThread::exit() only marks a failure here, because run() has no event loop to end. fetch() goes
+// on after a failure, so that downloadFileFinished() is emitted and the window starts the next
+// download.
 bool DownloadFileThread::fetch(const QString& name)
 {
     download::RecordingDownload recording(m_calls);

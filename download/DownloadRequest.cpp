@@ -4,7 +4,7 @@ namespace download {
 
 namespace {
 
-// The fixed text after the target: up to the host's name, and after it.
+// The fixed text between the URL and the host's name, and the fixed text after that name.
 constexpr char headBeforeHost[] =
     " HTTP/1.1\r\n"
     "Accept:text/html,application/xhtml+xml,application/xml;q=0.9,image/webp,*/*;q=0.8\r\n"

@@ -9,7 +9,7 @@ namespace download {
 constexpr char cameraHost[] = "192.168.1.120";
 constexpr unsigned short cameraPort = 80;
 
-/// Precedes a recording's name in its URL.
+/// The URL of a recording up to its name.
 constexpr char recordingUrlPrefix[] = "http://192.168.1.120/sd/DCIM/100ZEPNA/";
 
 /// Returns the request for an absolute URL. Its header lines have no space after the colon.

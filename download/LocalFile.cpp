@@ -37,9 +37,9 @@ bool isBareFileName(const QByteArray& name)
            !name.contains('\0');
 }
 
-// A link could lead out of the folder, and opening a pipe or device could block: they are refused
-// before they are opened. The opened file is checked again, because another program may have
-// replaced it in between. Its inode number is not compared: another regular file is acceptable, and
+// A link could lead out of the folder, and opening a pipe or device could block, so none of them is
+// opened. The opened file is checked again, because another program may have replaced the file
+// after the first check. Its inode number is not compared: another regular file is acceptable, and
 // an overlay file system changes the number when a file is written.
 int openLocalFile(sys::StoppableCalls::Call& call, const QByteArray& folder, const QByteArray& name)
 {
