@@ -3,7 +3,7 @@
 
 namespace {
 
-/// Parses the address, connects and sends the head. The session stays open after a failure.
+/// Parses the address, connects and sends the head. Does not close the session.
 bool sendRequest(HTTPClient& client, HTTP_REQ_TYPE type, HTTPSession& session, HTTPRequest& request)
 {
     return client.parseUrl(request) && client.sendHeader(type, session, request);

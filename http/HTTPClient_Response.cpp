@@ -21,7 +21,7 @@ bool beginsWithStatusWord(std::string_view text)
     return text.substr(0, statusWord.size()) == statusWord;
 }
 
-/// Reads header lines up to the empty line or the end of the connection.
+/// Reads the lines of the head up to the empty line or the end of the connection.
 void readHeaderLines(HTTPClient& client, HTTPSession& session, HTTPResponse& response)
 {
     std::string line;
@@ -46,7 +46,8 @@ void readHeaderLines(HTTPClient& client, HTTPSession& session, HTTPResponse& res
 }
 
 /// Reads until the received count reaches the announced length, but at least once; without a length
-/// only once. The count belongs to the record, so it may have reached the length before.
+/// only once. The count in `response` is never reset, so after an earlier exchange it may have
+/// reached the length already.
 bool readPlainBody(HTTPSession& session, HTTPResponse& response, std::string& body)
 {
     std::array<char, plainReceiveLimit> buffer;
@@ -61,8 +62,8 @@ bool readPlainBody(HTTPSession& session, HTTPResponse& response, std::string& bo
     return true;
 }
 
-/// Returns the size in a chunk's first line: its leading hexadecimal digits; 0 without digits,
-/// negative if bit 31 is set.
+/// Returns the size in a chunk's first line: the hexadecimal number at its start, 0 if there is
+/// none, and a negative value if bit 31 is set.
 int chunkSize(const std::string& line)
 {
     unsigned int size = 0;
@@ -71,8 +72,8 @@ int chunkSize(const std::string& line)
 }
 
 /// Reads a chunked body. Each iteration reads one line (a size, the line ending after a chunk's
-/// data, or the line after the last chunk) or the rest of a chunk. Only one line of trailers is
-/// read.
+/// data, or the line after the last chunk) or the rest of a chunk. Only one line is read after the
+/// last chunk, whether it is empty or a trailer.
 bool readChunkedBody(HTTPSession& session, HTTPResponse& response, std::string& body)
 {
     std::string text;

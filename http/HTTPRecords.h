@@ -25,7 +25,7 @@ struct HTTPRequest
     std::string version = "HTTP/1.1"; ///< Protocol word at the end of the request line.
     std::string url;                  ///< Address to fetch, with its scheme.
     std::string host;                 ///< Host name or dotted IPv4 address.
-    int port = 80;                    ///< TCP port; its low 16 bits are used.
+    int port = 80;                    ///< TCP port; the connection uses its low 16 bits.
     std::string path = "/";           ///< Path with its query, sent unchanged.
     HTTPHeaders headers = {
         {"Accept", "*/*"},
@@ -39,13 +39,13 @@ struct HTTPRequest
 /// the received count keeps growing, and after one chunked body all later ones are read as chunked.
 struct HTTPResponse
 {
-    int statusCode = 0;              ///< Number of the status line.
+    int statusCode = 0;              ///< Number in the status line.
     bool chunked = false;            ///< The answer announced the chunked transfer coding.
     bool lastChunkSeen = false;      ///< A chunk of size zero was read.
-    std::uint32_t contentLength = 0; ///< Announced length in bytes; 0 when none was announced.
+    std::uint32_t contentLength = 0; ///< Announced length in bytes; 0 if none was announced.
     std::uint32_t received = 0;      ///< Body bytes received so far; wraps at 2^32.
     int chunkLeft = 0;               ///< Bytes of the current chunk that are not read yet.
-    HTTPHeaders headers;             ///< Header lines of all answers; the last of each name counts.
+    HTTPHeaders headers;             ///< Header lines of all answers; of each name, the last one.
 };
 
 /// One part of a multipart body.
