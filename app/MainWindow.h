@@ -96,7 +96,7 @@ private:
     // MainWindow_Browse.cpp
     /// Sends a command and appends its answer to httpAnswer. Returns false if the exchange failed.
     bool sendCommand(const QString& address);
-    /// Same, but clears httpAnswer first.
+    /// Clears httpAnswer, then calls sendCommand() and returns its result.
     bool askCamera(const QString& address);
     // MainWindow_Delete.cpp
     /// Sends a command that empties the card, if the link is up. If the exchange succeeds, clears

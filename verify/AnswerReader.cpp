@@ -64,8 +64,8 @@ bool AnswerReader::inLine() const
     return m_part != Part::ChunkData && m_part != Part::Length && m_part != Part::UntilClosed;
 }
 
-// A line may end in LF alone, but only an empty line that ends in CR LF ends the head: a head that
-// ends in LF LF CR LF ends at the same byte as for the window.
+// A line may end in LF alone, but only an empty line that ends in CR LF ends the head. Thus a head
+// that ends in LF LF CR LF has the same end here as in the window's parsers.
 void AnswerReader::takeLine(std::string_view& bytes)
 {
     const std::size_t end = bytes.find('\n');
@@ -149,7 +149,7 @@ void AnswerReader::field(std::string_view line)
     if (sameWord(name, "Content-Length")) {
         const auto length = decimalNumber(value);
         if (!length || (m_announced && *m_announced != *length)) {
-            m_state = State::BadHead; // two different lengths, or one that is no 64-bit number
+            m_state = State::BadHead; // two different lengths, or one that is not a 64-bit number
             return;
         }
         m_announced = length;
@@ -164,7 +164,7 @@ void AnswerReader::field(std::string_view line)
 
 void AnswerReader::headComplete()
 {
-    if (m_status < finalStatus) { // an interim answer: the real one follows
+    if (m_status < finalStatus) { // an interim answer: the final one follows
         m_statusRead = false;
         m_chunked = false;
         m_announced.reset();
@@ -175,7 +175,7 @@ void AnswerReader::headComplete()
         return;
     }
     if (m_chunked) {
-        m_announced.reset(); // the chunks give the length
+        m_announced.reset(); // the chunk sizes determine the length
         m_lineBytes = 0;
         m_part = Part::ChunkSize;
     } else if (m_announced) {

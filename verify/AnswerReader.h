@@ -29,7 +29,7 @@ public:
         HeadTooLong,
         BodyTooLong, ///< longer than allowed, as announced or as received
         Cut,         ///< the connection ended before the answer did
-        Stopped,     ///< a handler stopped it
+        Stopped,     ///< a handler returned false
     };
 
     /// Handlers for an answer. If one returns false, parsing stops.
@@ -41,19 +41,21 @@ public:
         std::function<bool(std::string_view)> body;
     };
 
-    /// Limit in bytes for all head lines together, and for all lines from one chunk to the next.
+    /// Limit in bytes for all head lines together, and for all lines between two chunks or after
+    /// the last one.
     static constexpr std::size_t headLimit = 65536;
 
     AnswerReader(std::uint64_t bodyLimit, Handlers handlers);
 
-    /// Parses received bytes. Bytes after the end of the answer only set hasMore().
+    /// Parses received bytes. Bytes after a complete answer only set hasMore().
     void receive(std::string_view bytes);
-    /// Tells the parser that the connection has ended.
+    /// Handles the end of the connection: a body that lasts until then is complete, any other
+    /// unfinished answer is cut.
     void closed();
 
     State state() const { return m_state; }
     bool ended() const { return m_state != State::Head && m_state != State::Body; }
-    /// Returns whether anything followed the end of the answer.
+    /// Returns whether bytes followed a complete answer.
     bool hasMore() const { return m_more; }
     /// Returns the status of the last head.
     int status() const { return m_status; }

@@ -9,14 +9,14 @@
 
 namespace verify {
 
-/// A comparison piece by piece: of the file, no more than the largest piece is in memory.
+/// A comparison piece by piece, with a buffer for one piece of the file.
 class ByteComparison
 {
 public:
-    /// Reads the file from its current position.
+    /// Compares from the current position of the file on.
     explicit ByteComparison(LocalFile& file) : m_file(file) {}
 
-    /// Compares the next bytes. Returns false once a byte differs or is missing from the file.
+    /// Compares the next bytes. Returns false once a byte differs, or cannot be read from the file.
     bool take(std::string_view bytes);
 
     bool isSame() const { return m_same; }

@@ -16,8 +16,8 @@ namespace verify {
 namespace {
 
 constexpr qint64 receiveSize = 262'144;
-// Milliseconds to wait after a complete recording for the camera to send more or close the
-// connection. If it does neither, the recording is accepted.
+// Milliseconds to wait for further bytes after a complete recording. If none arrive in this time,
+// or if the camera closes the connection, the recording is accepted.
 constexpr int surplusWait = 200;
 
 CameraError errorOf(const AnswerReader& reader)

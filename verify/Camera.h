@@ -13,15 +13,15 @@ class QTcpSocket;
 
 namespace verify {
 
-/// Why a request failed.
+/// The reason why a request failed.
 enum class Trouble {
     None,
-    NoRoute,      ///< connecting failed in another way, usually for lack of a route
+    NoRoute,      ///< connecting failed in a way other than the next two, usually without a route
     Refused,      ///< the camera refuses the connection
     NoConnection, ///< connecting got no reply within the timeout
     Silent,       ///< connected, but the camera sent nothing for the length of the timeout
-    TooSlow,      ///< the answer to a command, or a head, took more than four times the timeout
-    Surplus,      ///< a recording has more bytes than its head announces
+    TooSlow,      ///< a head or the answer to a command took longer than answerPatience timeouts
+    Surplus,      ///< bytes arrived after the end of a recording
     Closed,       ///< the connection ended before the answer did
     Status,       ///< the answer's status is not 200
     TooLong,      ///< the head or the body exceeds its limit
@@ -40,10 +40,11 @@ struct CameraError
     bool isLasting() const;
 };
 
-/// Time limit for the whole answer to a command, or for a head, as a multiple of the timeout.
+/// Time limit for the answer to a command and for the head of a recording, as a number of timeouts.
 constexpr int answerPatience = 4;
 
-/// A camera that gets a new connection for each request. Uses no proxy; every wait is bounded.
+/// A client that opens a new connection to the camera for each request, without a proxy. Every wait
+/// is bounded.
 class Camera
 {
 public:
@@ -51,7 +52,7 @@ public:
 
     enum class Kind {
         Command,
-        Recording, ///< no time limit for the whole body; bytes after it are an error
+        Recording, ///< no time limit for the whole body; bytes after the body are an error
     };
 
     /// Sends the request and passes the answer to the handlers; if one returns false, the exchange

@@ -12,7 +12,7 @@
 
 namespace verify {
 
-/// An answer, or why there is none.
+/// The value read from an answer, or the error that prevented reading it.
 template <class Value>
 struct Reply
 {
@@ -27,18 +27,18 @@ struct CardCount
     std::uint64_t number = 0;
 };
 
-/// Parses the answer to a count command; returns nothing if it is invalid.
+/// Returns the count in the answer to a count command, or nothing if the answer is invalid.
 std::optional<CardCount> readCount(const std::string& answer);
 
 /// Returns the names in the answer to a list command, in order; the name of an entry without one is
 /// empty. Returns nothing if the list is truncated.
 std::optional<std::vector<std::string>> readNames(const std::string& answer);
 
-/// Returns the exact size in the answer to a details command, or nothing.
+/// Returns the exact size in the answer to a details command, or nothing without a valid size.
 std::optional<std::uint64_t> readSize(const std::string& answer);
 
-/// The queries about the card, sent as the same requests that the window sends. Names are sent
-/// unchanged.
+/// The queries about the card, in the form of the window's requests. Names are sent byte for byte
+/// as the camera listed them.
 class CardReader
 {
 public:
@@ -49,8 +49,8 @@ public:
     Reply<std::vector<std::string>> names(const std::string& countText) const;
     Reply<std::uint64_t> size(const std::string& name) const;
 
-    /// Reads a recording. The handler receives its bytes in order and returns false to stop. If the
-    /// announced length differs from `size`, returns that length and reads nothing.
+    /// Reads a recording. The handler is called with its bytes in order and returns false to stop.
+    /// If the announced length differs from `size`, reads no body and returns that length.
     Reply<std::optional<std::uint64_t>> content(const std::string& name, std::uint64_t size,
                                                 const std::function<bool(std::string_view)>&) const;
 

@@ -85,7 +85,8 @@ bool Comparison::readList(CardCount& count, std::vector<std::string>& names)
         return fail(listed.error);
     }
     // The camera lists no more entries than requested, so a count that is too small would hide
-    // recordings. Therefore one more is requested; an error in answer to that is ignored.
+    // recordings. Therefore the list is requested again with one more entry; an error of this
+    // request is ignored.
     Reply<std::vector<std::string>> oneMore =
         m_card.names(std::to_string(counted.value.number + 1));
     const bool hidden = !oneMore.error && oneMore.value.size() > listed.value.size();
@@ -102,7 +103,7 @@ bool Comparison::readCard()
     m_summary.counted = m_count.number;
     m_summary.listed = m_listed.size();
 
-    std::map<std::string, std::size_t> places; // in m_recordings
+    std::map<std::string, std::size_t> places; // indices in m_recordings
     for (std::size_t i = 0; i < m_listed.size(); ++i) {
         const std::string& name = m_listed[i];
         if (!isWanted(name)) {
@@ -214,7 +215,8 @@ bool Comparison::judgeContent(Recording& recording)
     return true;
 }
 
-/// Reports recordings that are only on this computer, and requested names that are on neither side.
+/// Reports the names that are not in the card's list: the requested ones, or those of all files in
+/// the folder if no names were requested.
 void Comparison::judgeOthers()
 {
     const std::set<std::string> listed(m_listed.begin(), m_listed.end());

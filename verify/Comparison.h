@@ -30,7 +30,7 @@ public:
                const std::vector<std::string>& names, Listener listener);
 
     /// Compares everything and returns the summary. Ends early if the folder, the count or the list
-    /// cannot be read, or after an error that further requests are expected to have, too.
+    /// cannot be read, or after an error for which CameraError::isLasting() is true.
     Summary run();
 
 private:
@@ -58,7 +58,7 @@ private:
 
     CardCount m_count;
     std::vector<std::string> m_listed;
-    std::vector<Recording> m_recordings; // the requested ones on the card, each name once
+    std::vector<Recording> m_recordings; // those to compare; each name once, except the empty one
     Advance m_advance;
     Summary m_summary;
 };

@@ -25,8 +25,9 @@ void interrupted(int)
     ::_exit(interruptionStatus);
 }
 
-/// Returns the text, cut to the width of the terminal, since a longer one would wrap to the next
-/// line. Each byte counts as one column; no UTF-8 character is split.
+/// Returns the text, cut to fewer bytes than the terminal has columns, because a longer text would
+/// wrap to the next line. Does not split a UTF-8 character. If the width of the terminal is
+/// unknown, returns the whole text.
 std::string fitting(std::string text)
 {
     winsize size{};

@@ -1,5 +1,5 @@
-// The output of the report: lines on standard output, and the progress on standard error if it is a
-// terminal.
+// The output of the program: the report's lines on standard output, messages on standard error, and
+// the progress on standard error if that is a terminal.
 #pragma once
 
 #include <string>
@@ -18,10 +18,10 @@ class Console
 public:
     Console();
 
-    /// Writes a line, with its line ending, to standard output. After a failure nothing more is
+    /// Writes a line, with its line ending, to standard output. After a failure no more lines are
     /// written; see error().
     void line(const std::string& text);
-    /// Returns the error of the first failed line; 0 if everything was written.
+    /// Returns the errno of the first line that failed; 0 if all lines were written.
     int error() const { return m_error; }
 
     /// Prints a message to standard error.
@@ -29,11 +29,11 @@ public:
 
     /// Returns whether the progress is shown, which is the case if standard error is a terminal.
     bool showsProgress() const { return m_terminal; }
-    /// Returns whether it is time to update the progress.
+    /// Returns whether the progress is shown at all and is due for an update.
     bool progressIsDue() const;
     /// Replaces the displayed progress.
     void progress(const std::string& text);
-    /// Removes the progress.
+    /// Removes the displayed progress.
     void clearProgress();
 
 private:

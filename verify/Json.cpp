@@ -85,8 +85,8 @@ const char* word(Verdict verdict)
     return "unknown";
 }
 
-/// A JSON object that is written member by member. Terminal control characters are escaped as well,
-/// because reports are also read on terminals.
+/// A JSON object that is written member by member. Escapes more than JSON requires, namely all
+/// characters for which isControl() is true, because reports are also read on terminals.
 class Object
 {
 public:

@@ -15,18 +15,18 @@ enum class Result {
     SameSize,
     SameContent,
     Different, ///< the same size, but not the same bytes
-    Shorter,   ///< on this computer, probably because the download was interrupted
-    Longer,    ///< on this computer, probably by the tail of an older file
+    Shorter,   ///< the local file is shorter, probably because the download was interrupted
+    Longer,    ///< the local file is longer, probably with the tail of an older file
     NotHere,
     NotOnCard,
-    Nowhere, ///< requested by name, but on neither side
-    Unknown, ///< cannot be compared; see Reason
+    Nowhere, ///< requested by name, but neither on the card nor on this computer
+    Unknown, ///< cannot be compared; see Recording::reason
 };
 
 enum class Reason {
     None,
-    NoDetails, ///< the camera does not return the size; see Recording::error
-    NoContent, ///< the camera does not return the bytes; see Recording::error
+    NoDetails, ///< the size could not be queried; see Recording::error
+    NoContent, ///< the bytes could not be read; see Recording::error
     LengthsDiffer,
     TwoEntries,
     NoName,
@@ -40,10 +40,11 @@ enum class Reason {
     FileChanged,
 };
 
-/// The window cannot download recordings of this size or more: it counts bytes in 31 bits.
+/// The smallest size of a recording that the window cannot download: it counts the received bytes
+/// in a signed 32-bit number.
 constexpr std::uint64_t downloadLimit = std::uint64_t(1) << 31;
 
-/// The window lists at most this many recordings.
+/// The maximum number of recordings that the window lists.
 constexpr std::size_t windowRows = 128;
 
 struct Recording
@@ -55,19 +56,19 @@ struct Recording
     std::optional<std::uint64_t> cardBytes;
     std::optional<std::uint64_t> localBytes;
     std::optional<std::uint64_t> difference; ///< offset of the first different byte
-    std::uint64_t announced = 0;             ///< for Reason::LengthsDiffer
+    std::uint64_t announced = 0;             ///< bytes announced or sent, for Reason::LengthsDiffer
     CameraError error;
     int systemError = 0;
 
     bool isSafe() const { return result == Result::SameSize || result == Result::SameContent; }
-    /// Returns the additional bytes that a complete download needs: for a missing or shorter file,
-    /// what it lacks; otherwise 0.
+    /// Returns the number of bytes that are missing on this computer: all for a missing file, the
+    /// difference for a shorter file, otherwise 0.
     std::uint64_t missingBytes() const;
 };
 
 /// Returns why the window cannot download a recording with this name, or Reason::None. The window
 /// refuses ".", ".." and names with a slash. It reads names as UTF-8 but requests them in Latin-1,
-/// which changes non-ASCII ones, and a line ending would end its request.
+/// which changes non-ASCII names, and a CR or LF in a name would end the request line.
 Reason reasonAgainstName(const std::string& name);
 
 /// The current step of the comparison.
@@ -77,11 +78,11 @@ enum class Step { Count, List, Details, Content };
 struct Advance
 {
     Step step = Step::Count;
-    std::size_t number = 0;  ///< of the recording, from 1
-    std::size_t count = 0;   ///< of all recordings
-    std::string name;        ///< of the recording
-    std::uint64_t bytes = 0; ///< read so far, in Step::Content
-    std::uint64_t total = 0; ///< to read in Step::Content
+    std::size_t number = 0;  ///< position of the recording, from 1
+    std::size_t count = 0;   ///< number of all recordings to compare
+    std::string name;        ///< name of the recording
+    std::uint64_t bytes = 0; ///< bytes read so far in Step::Content
+    std::uint64_t total = 0; ///< bytes to read in Step::Content
 };
 
 enum class Verdict { Safe, Empty, NotSafe, Unknown };
@@ -89,13 +90,13 @@ enum class Verdict { Safe, Empty, NotSafe, Unknown };
 struct Summary
 {
     Verdict verdict = Verdict::Unknown;
-    bool contents = false; ///< contents were compared, not only sizes
-    bool named = false;    ///< only the recordings requested by name
+    bool contents = false; ///< compare contents, not only sizes
+    bool named = false;    ///< compare only the recordings requested by name
 
-    std::size_t recordings = 0;     ///< on the card, and requested
-    std::size_t safe = 0;           ///< of these
-    std::vector<Recording> notSafe; ///< of these, and requested names that are not on the card
-    std::uint64_t missingBytes = 0; ///< of notSafe
+    std::size_t recordings = 0;     ///< number of recordings on the card to compare
+    std::size_t safe = 0;           ///< number of these that are safe
+    std::vector<Recording> notSafe; ///< the others, and requested names that are not on the card
+    std::uint64_t missingBytes = 0; ///< sum over notSafe
     std::optional<std::uint64_t> freeBytes;
     std::string folder;
 
@@ -103,21 +104,21 @@ struct Summary
     std::size_t listed = 0;    ///< entries in the list of the camera
     bool changed = false;      ///< the card changed during the comparison
 
-    bool complete = false; ///< nothing failed
+    bool complete = false; ///< the comparison ran to its end
     Step failedStep = Step::Count;
-    std::string failedName; ///< the recording's, for Step::Details and Step::Content
-    CameraError error;      ///< of the camera, if it failed
-    int systemError = 0;    ///< of the folder, if it failed
+    std::string failedName; ///< name of the recording, in Step::Details and Step::Content
+    CameraError error;      ///< error that ended the comparison early, if the camera caused it
+    int systemError = 0;    ///< errno if the folder could not be read
 
     bool disagrees() const { return counted != listed; }
 };
 
-/// Returns the verdict that the rest of the summary results in. A doubt about the whole card takes
-/// precedence over a known problem with one recording, and such a problem over a recording that
-/// cannot be compared.
+/// Returns the verdict for the other members of the summary: Unknown if the comparison ended early,
+/// if count and list disagree or if the card changed; otherwise Empty for an empty list, Safe if
+/// notSafe is empty, Unknown if none of notSafe could be compared, and else NotSafe.
 Verdict verdictOf(const Summary& summary);
 
-/// Returns the exit status of the program.
+/// Returns the exit status of the program for a verdict.
 int statusOf(Verdict verdict);
 
 constexpr int wrongOptionStatus = 64;

@@ -34,7 +34,7 @@ LocalFile::State stateOf(int error)
     }
 }
 
-/// Returns the parent folder of a path with or without a trailing slash.
+/// Returns the parent folder of a path. Ignores trailing slashes.
 std::string parentOf(std::string path)
 {
     while (path.size() > 1 && path.back() == '/') {

@@ -1,4 +1,4 @@
-// The folder for recordings on this computer. Never writes to it.
+// Read-only access to the folder for recordings on this computer.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace verify {
 
-/// A file opened for reading, closed with this object.
+/// A file opened for reading, which the destructor closes.
 class LocalFile
 {
 public:
@@ -25,7 +25,7 @@ public:
     };
 
     LocalFile() = default;
-    /// Opens a file in a folder without blocking, whatever kind of file it is.
+    /// Opens a file of any kind, without blocking, in the folder with this descriptor.
     LocalFile(int folder, const std::string& name);
     ~LocalFile();
     LocalFile(LocalFile&& other) noexcept;
@@ -38,12 +38,12 @@ public:
     std::uint64_t size() const { return m_size; }
 
     /// Makes read() read from the disk and not from the page cache, as far as the system allows it:
-    /// errors of a faulty disk show only on the disk itself, and a whole card would displace
-    /// everything else in memory.
+    /// only reading from the disk finds errors on it, and the files of a whole card would displace
+    /// everything else from the cache.
     void readFromDisk();
 
-    /// Reads the next bytes, up to `count`; fewer only at the end of the file or after an error,
-    /// which error() then returns.
+    /// Reads up to `count` bytes and returns their number, which is smaller than `count` only at
+    /// the end of the file or after an error, which error() then returns.
     std::size_t read(char* buffer, std::size_t count);
 
     /// Returns whether size and modification time are still the same as when the file was opened.
@@ -70,13 +70,14 @@ public:
     LocalFolder& operator=(const LocalFolder&) = delete;
 
     const std::string& path() const { return m_path; }
-    /// Returns the errno of the error that keeps the folder from being read; 0 if it can be read or
+    /// Returns the errno of the call that failed to read the folder; 0 if the folder was read or
     /// does not exist.
     int error() const { return m_error; }
 
     LocalFile open(const std::string& name) const;
 
-    /// Returns the sorted names of the regular files, without hidden ones.
+    /// Returns the sorted names of the regular files, without hidden ones. After a failure, see
+    /// error().
     std::vector<std::string> names();
 
     /// Returns how many bytes this user can still write in the folder or, if it does not exist, in

@@ -8,13 +8,13 @@
 
 namespace verify {
 
-/// Returns the number if the whole text consists of decimal digits and fits into 64 bits, otherwise
-/// nothing.
+/// Returns the number if the whole text consists of decimal digits and the number fits into 64
+/// bits, otherwise nothing.
 std::optional<std::uint64_t> decimalNumber(std::string_view text);
-/// Same, for hexadecimal digits.
+/// Returns the same for hexadecimal digits.
 std::optional<std::uint64_t> hexadecimalNumber(std::string_view text);
 
-/// Returns decimal digits in groups of three: "1,572,864".
+/// Returns the decimal digits with commas between groups of three: "1,572,864".
 std::string grouped(std::uint64_t number);
 
 } // namespace verify

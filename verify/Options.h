@@ -27,11 +27,12 @@ struct WrongOption
 {
     enum class Kind { Unknown, NeedsValue, TakesNoValue, BadTimeout, EmptyValue };
     Kind kind;
-    std::string option; ///< as given; for BadTimeout the value
+    std::string option; ///< the name; the argument for Unknown, the value for BadTimeout
 };
 
-/// Reads the arguments after the program's name. The value of an option is the next argument or
-/// follows an equals sign; everything after `--` is a name.
+/// Parses the arguments after the program's name. The value of an option is the next argument or
+/// follows an equals sign. Arguments that do not begin with a minus sign, and all arguments after
+/// `--`, are names of recordings.
 std::variant<Options, WrongOption> readOptions(const std::vector<std::string>& arguments);
 
 } // namespace verify

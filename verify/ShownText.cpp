@@ -20,16 +20,16 @@ constexpr std::array controls{
     Range{0x007F, 0x009F},    // DEL, C1
     Range{0x00AD, 0x00AD},    // soft hyphen
     Range{0x061C, 0x061C},    // Arabic letter mark
-    Range{0x115F, 0x1160},    // fillers that show nothing
+    Range{0x115F, 0x1160},    // Hangul fillers
     Range{0x180E, 0x180E},    // Mongolian vowel separator
-    Range{0x200B, 0x200F},    // zero width, left-to-right and right-to-left mark
-    Range{0x2028, 0x202E},    // line and paragraph end, embedding, override
+    Range{0x200B, 0x200F},    // zero-width characters, left-to-right and right-to-left mark
+    Range{0x2028, 0x202E},    // line and paragraph separator, embeddings, overrides
     Range{0x2060, 0x206F},    // word joiner, isolates, deprecated formats
-    Range{0x3164, 0x3164},    // filler
+    Range{0x3164, 0x3164},    // Hangul filler
     Range{0xFEFF, 0xFEFF},    // byte order mark
-    Range{0xFFA0, 0xFFA0},    // filler
+    Range{0xFFA0, 0xFFA0},    // halfwidth Hangul filler
     Range{0xFFF9, 0xFFFB},    // annotations
-    Range{0xE0000, 0xE0FFF},  // tags
+    Range{0xE0000, 0xE0FFF},  // tags, variation selectors
     Range{0xF0000, 0x10FFFF}, // private use, noncharacters
 };
 

@@ -1,4 +1,4 @@
-// The texts of the report, in English or Chinese.
+// The texts of belun-verify, in English or Chinese.
 #pragma once
 
 #include "verify/Judgement.h"
@@ -12,14 +12,15 @@
 
 namespace verify {
 
-/// Returns a text in the user's language. The extraction tool looks for a function with this name;
-/// the context is always "verify".
+/// Returns a text in the user's language. lupdate extracts the texts from the calls of functions
+/// with this name; the context is always "verify".
 inline QString translate(const char* context, const char* text, const char* comment = nullptr)
 {
     return QCoreApplication::translate(context, text, comment);
 }
 
-/// The texts of the report, as UTF-8. In English everything but names is ASCII.
+/// The texts of the program, as UTF-8. English texts are ASCII, apart from the names, arguments and
+/// system messages in them.
 class Texts
 {
 public:
@@ -30,9 +31,9 @@ public:
     std::string line(const Recording& recording) const;
     /// Returns the last paragraph of the report.
     std::string summary(const Summary& summary) const;
-    /// Returns what failed; empty if nothing did.
+    /// Returns the error that ended the comparison early; empty if there is none.
     std::string failure(const Summary& summary) const;
-    /// Returns the progress. `seconds`: the time that Step::Content has taken so far.
+    /// Returns the text of the progress. `seconds`: the time that Step::Content has taken so far.
     std::string progress(const Advance& advance, double seconds) const;
 
     std::string wrongOption(const WrongOption& wrong) const;

@@ -1,4 +1,4 @@
-// The summary of the card, and the progress.
+// The texts of the summary and of the progress.
 #include "verify/Texts.h"
 
 #include "verify/Numbers.h"
@@ -58,7 +58,7 @@ QString safeText(const Summary& summary)
                      .arg(count);
 }
 
-/// Returns what is wrong with the card as a whole, if anything.
+/// Returns a clause for each reason to doubt the results of the whole card.
 QStringList doubts(const Summary& summary)
 {
     QStringList clauses;

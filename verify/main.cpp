@@ -32,7 +32,8 @@ bool isFolder(const std::string& path)
     return ::stat(path.c_str(), &properties) == 0 && S_ISDIR(properties.st_mode);
 }
 
-/// Returns the folder for recordings: the one in the folder of --desktop, otherwise the window's.
+/// Returns the folder for recordings: DCIM in the folder given with --desktop, otherwise the folder
+/// that the window uses.
 std::string recordingsFolder(const Options& options)
 {
     if (!options.desktop.empty()) {
@@ -72,7 +73,7 @@ private:
     QElapsedTimer m_contentClock;
 };
 
-/// Compares, reports, and returns the exit status.
+/// Compares the card with the folder, prints the report and returns the exit status.
 int compare(const Options& options, Console& console, const Texts& texts)
 {
     const Camera camera(QString::fromLatin1(download::cameraHost), download::cameraPort,
@@ -125,11 +126,11 @@ void waitForEnter(Console& console)
 
 } // namespace
 
-// NOLINTNEXTLINE(bugprone-exception-escape): without memory there is no report
+// NOLINTNEXTLINE(bugprone-exception-escape): running out of memory may end the program
 int main(int argc, char* argv[])
 {
     sys::openClosedStandardStreams();
-    const sys::PipeSignalBlock block; // writing to a closed pipe fails and is reported
+    const sys::PipeSignalBlock block; // otherwise writing to a closed pipe would end the program
     const QCoreApplication application(argc, argv);
     const Letters letters = terminalLetters();
     QTranslator translator;
