@@ -16,7 +16,7 @@
 
 namespace {
 
-// Longest text of a tip, in characters: longer than any file name, and quick to lay out.
+// Maximum length of a tip, in characters: more than a valid file name has, and quick to lay out.
 constexpr int longestText = 4096;
 
 /// Returns the rectangle in which the style paints the text of a cell that contains only text.

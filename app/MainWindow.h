@@ -1,4 +1,4 @@
-// The main window. The bodies are in:
+// The main window. The functions are defined in:
 //   MainWindow.cpp                construction, destruction, display-only fields, number conversion
 //   MainWindow_Language.cpp       language switch, setting all texts
 //   MainWindow_Link.cpp           link button, reachability probe, status, version fields

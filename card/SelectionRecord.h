@@ -7,7 +7,7 @@
 
 namespace card {
 
-/// Row numbers, largest first: removing rows in this order never shifts the remaining ones.
+/// Row numbers, largest first: removing rows in this order never shifts a row still to be removed.
 using SelectedRows = std::array<qint32, 9999>;
 
 /// Inserts a row among the first `count` entries, which stay in order, and increments `count`. A

@@ -24,7 +24,7 @@ bool isBareFileName(const QByteArray& name);
 /// Opens a file in the folder for writing: creates a missing one, and does not truncate an existing
 /// one. Returns the descriptor, owned by the caller, or -1 if the name is not bare, if something
 /// other than a regular file has this name (a link, for example), or if the file cannot be opened.
-/// Waits while another process holds a lease on the file, until `call` is stopped.
+/// Waits while another process holds a lease on the file, unless a stop interrupts `call`.
 int openLocalFile(sys::StoppableCalls::Call& call, const QByteArray& folder,
                   const QByteArray& name);
 

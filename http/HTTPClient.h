@@ -1,6 +1,6 @@
 // A small blocking HTTP/1.1 client for devices on the local network.
 //
-// The bodies are in:
+// The functions are defined in:
 //   HTTPClient_Url.cpp          parseUrl, hostToLong
 //   HTTPClient_RequestHead.cpp  makeHeader, sendHeader, sendBody
 //   HTTPClient_Response.cpp     readHeader, parseLine, readBody
@@ -30,8 +30,8 @@ public:
 
     /// Performs one POST of `data` over a new connection. The caller sets "Content-Length" and
     /// "Content-Type" in the request's headers. The answer's body is read, and appended to `body`,
-    /// only if `response` contains a length after the head was read. Returns false if the request
-    /// could not be sent completely.
+    /// only if `response.contentLength` is not 0 once the head was read. Returns false if the
+    /// request could not be sent completely.
     bool post(HTTPRequest& request, HTTPResponse& response, const std::string& data,
               std::string& body);
 

@@ -13,8 +13,8 @@ namespace verify {
 
 namespace {
 
-// Limits in bytes, far more than any valid answer has. A FAT32 folder has fewer than 65,536
-// entries, each with a name of at most 255 characters.
+// Limits in bytes, more than any valid answer has. A FAT32 folder has at most 65,536 entries, and a
+// long name takes one entry for every 13 characters.
 constexpr std::uint64_t countLimit = 4096;
 constexpr std::uint64_t listLimit = 16'777'216;
 constexpr std::uint64_t detailsLimit = 65536;
