@@ -82,7 +82,7 @@ Headers headers(const Answer& answer, const FaultScope& faults, std::uint64_t si
     }
     lines.emplace_back("Connection", "close");
     if (const auto length = faults.number(Fault::LongHeader)) {
-        // name, colon, space and line ending are part of the length
+        // the length includes name, colon, space and CR LF
         lines.emplace_back("X-Long", std::string(static_cast<std::size_t>(*length) - 10, 'x'));
     }
     for (long long i = 1; i <= faults.number(Fault::ManyHeaders).value_or(0); ++i) {

@@ -34,8 +34,8 @@ std::size_t wantedEntries(std::string_view end, std::size_t all)
     return std::min(number, all);
 }
 
-/// Returns the name that a recording is listed with: the first recordings on the card take the
-/// other names, in order.
+/// Returns the name under which a recording is listed: the other name at the recording's ordinal,
+/// or the recording's own name if there is none.
 const std::string& shownName(const Recording& recording, const std::vector<std::string>& otherNames)
 {
     return recording.ordinal < otherNames.size() ? otherNames[recording.ordinal] : recording.name;

@@ -45,10 +45,11 @@ public:
                   std::uint64_t exchange);
 
 private:
-    /// Returns the card that the current request is about.
+    /// Returns the card on which the current request acts.
     Card& card();
-    /// Returns the generated card of a fault, with as many recordings as the fault "entries" says,
-    /// or as the first card has. Created once each time the fault is switched on.
+    /// Returns the generated card of a fault. The first call after the fault was switched on
+    /// generates the card: for the fault "entries" with the number of recordings that is its value,
+    /// for other faults with as many recordings as m_card has.
     Card& otherCard(Fault fault);
     /// Returns the names that the faults "name-..." give to the first recordings.
     std::vector<std::string> otherNames() const;
@@ -71,8 +72,8 @@ private:
     std::uint64_t m_seed;
     std::map<Fault, MadeUp> m_madeUp;
     Card m_noCard;
-    std::uint64_t m_exchange = 0;     ///< the current one
-    TimePoint m_swappedSince = never; ///< when the "swapped-card" that has acted was switched on
+    std::uint64_t m_exchange = 0;     ///< number of the current request
+    TimePoint m_swappedSince = never; ///< since() of "swapped-card" at the last recording request
 };
 
 } // namespace simulator

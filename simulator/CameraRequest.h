@@ -14,7 +14,7 @@ enum class RequestKind { Count, List, Info, Delete, DeleteAll, Format, Recording
 std::string_view kindName(RequestKind kind);
 
 /// Returns the target of a request line: the text between "GET " and the last " HTTP/1.1", without
-/// the scheme and host of the absolute form. Returns nothing if the line has another form.
+/// "http://192.168.1.120" at its start. Returns nothing if the line has another form.
 std::optional<std::string> requestTarget(std::string_view requestLine);
 
 RequestKind requestKind(std::string_view target);

@@ -145,7 +145,7 @@ public:
         }
     }
 
-    /// Counts the bytes that were filled in on connections that are still open.
+    /// Adds the gaps and filled-in bytes of the remaining connections to the run.
     void finish()
     {
         while (!m_connections.empty()) {
@@ -189,8 +189,8 @@ private:
         m_connections.erase(known);
     }
 
-    /// Returns a connection, which may have been open before the capture began; adds it if it is
-    /// unknown.
+    /// Returns the connection with this key. Adds it if it is unknown: it may have been opened
+    /// before the capture began.
     Connection& open(const Key& key, Microseconds time)
     {
         Connection& connection = m_connections[key];
@@ -204,7 +204,7 @@ private:
     void fromClient(const Key& key, const Segment& segment)
     {
         if (segment.syn()) {
-            forget(key); // the port is being reused
+            forget(key); // an earlier connection from the same port
             return;
         }
         if (segment.reset() || (segment.size == 0 && m_connections.count(key) == 0)) {
@@ -232,7 +232,7 @@ private:
             return;
         }
         if (m_connections.count(key) == 0 && segment.size == 0) {
-            return; // a refusal, or the end of a connection from before the capture
+            return; // for example a refusal, or the end of a connection from before the capture
         }
         Connection& connection = open(key, segment.time);
         if (segment.acknowledges() && !segment.reset()) {

@@ -20,7 +20,7 @@ struct Recording
     std::string created;        ///< YYYYMMDDhhmmss, the camera's local time
     std::uint64_t duration = 0; ///< whole seconds
     std::shared_ptr<const Content> content;
-    std::size_t ordinal = 0; ///< position on the full card; deleting others does not change it
+    std::size_t ordinal = 0; ///< position on the full card, not changed by deletions
 };
 
 /// The camera's memory card. It exists only in memory: removing a recording here never touches a
@@ -42,11 +42,11 @@ private:
 
 /// Reads the regular files of a folder, sorted by the bytes of their names; hidden files are left
 /// out, and a link to a file counts as the file. Creation time: the file's modification time in
-/// local time. Duration: from the MP4 header, otherwise at a nominal 8 Mbit/s. Returns an error
-/// text, empty on success.
+/// local time. Duration: from the MP4 header, otherwise from the size at a nominal 8 Mbit/s.
+/// Returns an error text, empty on success.
 std::string readFolderCard(const std::string& path, Card& card);
 
-/// Returns a card with recordings of 4,000 bytes each, from REC00001.MP4 on.
+/// Returns a card with `count` recordings of 4,000 bytes each: REC00001.MP4, REC00002.MP4, ...
 Card uniformCard(std::size_t count, std::uint64_t seed);
 
 } // namespace simulator

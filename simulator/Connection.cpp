@@ -14,9 +14,10 @@ namespace simulator {
 namespace {
 
 constexpr std::size_t pieceSize = 65'536;
-/// Maximum number of bytes that one connection sends before the others are served.
+/// Maximum number of bytes of one step that a connection sends before the others are served.
 constexpr std::size_t turnSize = 1'048'576;
-/// Longer literal bytes appear in the journal as count and checksum.
+/// Maximum number of literal bytes in a journal line. More bytes appear as count and checksum,
+/// except with --journal-full.
 constexpr std::uint64_t longestNoted = 65'536;
 constexpr Milliseconds lingerTime{2'000};
 constexpr Milliseconds ratePause{10};
@@ -147,7 +148,7 @@ std::size_t Connection::allowance(const Part& part, TimePoint now)
 Connection::Progress Connection::send(const Part& part, TimePoint now)
 {
     std::size_t turn = allowance(part, now);
-    // a full turn is followed by the next one without a pause, otherwise high rates are not reached
+    // no pause after a full turn, otherwise high rates would not be reached
     const bool paced = part.content && m_rate != 0 && turn < turnSize;
     std::vector<char> buffer(part.content ? pieceSize : 0);
     while (turn > 0) {
@@ -196,7 +197,7 @@ Connection::Progress Connection::send(const Part& part, TimePoint now)
 void Connection::noteSent(const Part& part)
 {
     if (m_sent == 0 || m_journal->isFull()) {
-        return; // nothing, or already logged when it was sent
+        return; // nothing was sent, or every write was already logged
     }
     JournalLine sent = line("sent");
     if (part.content || m_sent > longestNoted) {

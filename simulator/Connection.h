@@ -13,7 +13,7 @@
 
 namespace simulator {
 
-/// Identifies a connection: the device's name and the number of the connection, counted from 1.
+/// The identity of a connection: the device's name and the connection's number, counted from 1.
 struct ConnectionName
 {
     std::string device;
@@ -39,12 +39,12 @@ public:
     void readable();
     /// Performs due steps, then sends what can be sent.
     void advance(TimePoint now);
-    /// Returns when advance must be called at the latest if poll reports nothing before.
+    /// Returns the latest time for the next call of advance() if poll() reports nothing until then.
     TimePoint nextWake() const;
     /// Ends the connection from this side immediately; queued steps are dropped.
     void close(std::string_view reason);
     void reset(std::string_view reason);
-    /// Sends these bytes in one segment, after the queued steps.
+    /// Queues these bytes as one step, after the steps already queued.
     void sendRaw(std::string bytes) { queueBytes(std::move(bytes)); }
 
 protected:
@@ -88,7 +88,7 @@ private:
     std::uint64_t m_sent = 0;     ///< bytes of the current step sent so far
     std::uint32_t m_checksum = 0; ///< of those bytes
     std::uint64_t m_rate = 0;
-    TimePoint m_rateStart = never; ///< start of sending the recording
+    TimePoint m_rateStart = never; ///< start of the time over which m_rate is measured
     std::uint64_t m_rateSent = 0;
     bool m_singleBytes = false;
     Milliseconds m_byteGap{};

@@ -134,15 +134,15 @@ constexpr Row rows[] = {
     {"faults", "", "shows the faults that are on", parseBare<&Simulator::showFaults>},
     {"drop", "control|ground|camera", "closes the open connections of the device", parseDrop},
     {"versions", "LIST", "changes the versions and reports them at once", parseVersionsLine},
-    {"rate", "BYTES", "changes the rate of recordings asked for from now on", parseRate},
-    {"send", "control|ground HEX", "sends these bytes to every open connection", parseSend},
+    {"rate", "BYTES", "changes the rate of recordings requested from now on", parseRate},
+    {"send", "control|ground HEX", "sends these bytes on every open connection", parseSend},
     {"card", "", "shows the recordings on the card", parseBare<&Simulator::showCard>},
     {"reload", "", "restores the card as it was at the start", parseBare<&Simulator::reload>},
     {"connections", "", "shows the number of open connections",
      parseBare<&Simulator::showConnections>},
     {"status", "", "shows the state of the vehicle", parseBare<&Simulator::showStatus>},
     {"help", "", "shows this list", parseHelp},
-    {"quit", "", "ends", parseBare<&Simulator::quit>},
+    {"quit", "", "ends the simulator", parseBare<&Simulator::quit>},
 };
 
 std::string trimmed(const std::string& text)

@@ -12,9 +12,9 @@ class Simulator;
 /// The answer to a control line.
 struct ControlAnswer
 {
-    std::string error;                  ///< why it was not executed; empty if it was
-    std::string summary{};              ///< follows the line in the last line of the answer
-    std::vector<std::string> details{}; ///< lines before that last line
+    std::string error;                  ///< why the line was not executed; empty if it was
+    std::string summary{};              ///< text after "ok" and the control line
+    std::vector<std::string> details{}; ///< lines before the line with "ok"
 };
 
 /// A control line that has been parsed but not executed.

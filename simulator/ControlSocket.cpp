@@ -29,7 +29,8 @@ int connectTo(const FileDescriptor& socket, const std::string& path)
     return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place);
 }
 
-/// Removes a stale socket at the path. Returns an error text if something else is there.
+/// Removes a stale socket at the path, if there is one. Returns an error text if something else is
+/// there or the socket cannot be removed.
 std::string removeDead(const std::string& path)
 {
     struct stat status

@@ -16,7 +16,7 @@
 
 namespace simulator {
 
-/// The longest path that a socket can have, in bytes.
+/// The maximum length of a socket's path in bytes.
 constexpr std::size_t longestSocketPath = sizeof(sockaddr_un::sun_path) - 1;
 
 /// A socket that accepts control lines from any number of clients and that only its owner can use.
@@ -34,7 +34,8 @@ public:
     std::string open(const std::string& path);
     /// Adds the descriptors for poll.
     void addTo(std::vector<pollfd>& descriptors) const;
-    /// Reads what has arrived and executes each line; the answers are kept until `flush`.
+    /// Accepts new clients, reads what has arrived and calls `answer` for each line. Keeps the
+    /// answers until flush().
     void read(const std::function<std::vector<std::string>(const std::string&)>& answer);
     /// Sends the answers, as far as the clients accept them.
     void flush();
@@ -51,14 +52,14 @@ private:
 
     FileDescriptor m_socket;
     std::string m_path;
-    dev_t m_device = 0; ///< of the file at the path, so that only our own is removed
+    dev_t m_device = 0; ///< with m_inode: identifies our file, the only one that may be removed
     ino_t m_inode = 0;
     std::list<Client> m_clients;
 };
 
 /// Sends control lines to the simulator that listens at the path and prints its answers. Returns an
-/// error text if it cannot be reached or stops answering. allFine: whether every line was answered
-/// with "ok".
+/// error text if the simulator cannot be reached or stops answering; otherwise sets `allFine` to
+/// whether every line was answered with "ok".
 std::string sendControlLines(const std::string& path, const std::vector<std::string>& lines,
                              bool& allFine);
 

@@ -64,7 +64,7 @@ void Device::applyReachability(TimePoint now)
     if (!error.empty()) {
         printLine("error " + error);
     }
-    // A device that restarts after a power loss has forgotten its old connections.
+    // Open connections do not survive a power loss, nor the times when a flapping module is down.
     if (before == Reachability::Deaf || flappingDown(now)) {
         drop();
     }

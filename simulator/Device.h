@@ -28,11 +28,13 @@ public:
     Device(std::string name, std::string address, std::uint16_t port, const FaultTable& faults,
            Journal& journal, Factory factory);
 
-    /// Listens, or applies the faults that are already on. Returns an error text, empty on success.
+    /// Listens, unless a fault that is already on prevents this. Returns an error text, empty on
+    /// success.
     std::string start(TimePoint now) { return m_listener.become(wantedReachability(now)); }
     /// Adds the descriptors for poll.
     void addTo(std::vector<pollfd>& descriptors) const;
-    /// Accepts new connections, reads from those that poll reported, and performs due steps.
+    /// Applies the faults. Unless the device is without power, reads from the connections that poll
+    /// reported, performs due steps and accepts new connections.
     void advance(const std::vector<pollfd>& descriptors, TimePoint now);
     TimePoint nextWake(TimePoint now) const;
     /// Resets all open connections.

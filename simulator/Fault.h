@@ -20,7 +20,7 @@ enum class FaultGroup { Scope, Reach, Frames, Answers, Count, Card, List, Names,
 /// The affected devices.
 enum class FaultDevice { Vehicle, Modules, Camera };
 
-/// What a fault can be limited to by "NAME@3".
+/// What the number in "NAME@3" counts.
 enum class FaultCounts { Nothing, Connections, Requests };
 
 /// How the text after NAME= is parsed.

@@ -13,14 +13,15 @@ namespace {
 
 constexpr std::size_t width = 100;
 constexpr std::size_t resultColumn = 30;
-/// Longer defaults are abbreviated to their beginning and their length.
+/// Maximum length of a default shown in full; of a longer one, the beginning and the length are
+/// shown.
 constexpr std::size_t longestPreset = 40;
 
 /// A heading of the list; in the order of FaultGroup.
 struct Heading
 {
     const char* word;  ///< in JSON
-    const char* title; ///< elsewhere
+    const char* title; ///< in text, Markdown and the manual page
 };
 
 constexpr std::array<Heading, 10> headings = {{
@@ -109,7 +110,7 @@ std::string details(const FaultDescription& row)
     return text;
 }
 
-/// Calls `begin` for each group, then `row` for each of its faults.
+/// Calls `begin` with the title of each group, followed by `row` with each fault of the group.
 void forEachFault(const std::function<void(const std::string& title)>& begin,
                   const std::function<void(const FaultDescription&)>& row)
 {

@@ -106,7 +106,7 @@ std::string escape(const std::string& bytes)
     return text;
 }
 
-/// Parses a decimal number; that of a size may end in k or M.
+/// Parses a decimal number, which may end in k or M if `kind` is Size.
 std::optional<long long> parseAmount(std::string_view text, FaultKind kind)
 {
     long long unit = 1;

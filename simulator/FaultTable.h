@@ -37,8 +37,7 @@ public:
     TimePoint since(Fault fault) const;
     /// Returns the values of all active faults of the group, in table order.
     std::vector<std::string> values(FaultGroup group) const;
-    /// Returns the faults that are on, in the form in which they are switched on, such as
-    /// "stall=50".
+    /// Returns the faults that are on, as texts that set() accepts, such as "stall=50".
     std::vector<std::string> list() const;
     /// Returns false if the fault "only" excludes the module ("control", "ground") or the kind of
     /// camera request ("count", "list", ...).

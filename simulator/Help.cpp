@@ -16,12 +16,13 @@ constexpr const char* introduction =
     "Prints \"belun-simulator ready\" once it can be reached.\n";
 
 constexpr const char* controlLines =
-    "While it runs, lines on standard input or on the socket of --control control it, each\n"
-    "answered by \"ok ...\" or \"error ...\", after lines that begin with two spaces:\n";
+    "While the simulator runs, it is controlled by lines on standard input or on the socket\n"
+    "of --control. Each is answered with \"ok ...\" or \"error ...\"; its output comes first, in\n"
+    "lines that begin with two spaces. The control lines are:\n";
 
 constexpr const char* statuses =
-    "Exit status: 0 ended as asked, 1 cannot listen or read, a line sent was answered by\n"
-    "\"error ...\", or a request is not in the file of --replay, 2 wrong arguments,\n"
+    "Exit status: 0 ended on request; 1 cannot listen or read, a line of --send was answered\n"
+    "with \"error ...\", or a request is not in the file of --replay; 2 wrong arguments;\n"
     "3 not in a private network.\n";
 
 /// Returns a text such as "--card DIR" or "--list-faults[=text|json]".

@@ -13,7 +13,8 @@ namespace simulator {
 class JournalLine
 {
 public:
-    /// Starts with "time" (UTC, microseconds), "device" and, unless 0, "connection", then "event".
+    /// Starts the line with "time" (UTC, microseconds), "device", "connection" unless it is 0, and
+    /// "event".
     JournalLine(std::string_view device, int connection, std::string_view event);
     /// Adds a text. Bytes of 0x80 and above become the code point of the same number, so that no
     /// byte is lost and the line is ASCII.
@@ -32,8 +33,8 @@ private:
 class Journal
 {
 public:
-    /// Creates or empties the file. Returns an error text, empty on success. full: keep all bytes,
-    /// including those of recordings.
+    /// Creates the file; an existing one is overwritten. Returns an error text, empty on success.
+    /// full: keep all bytes, including those of recordings.
     std::string open(const std::string& path, bool full);
     bool isFull() const { return m_full; }
     /// Appends a line. A write error (disk full) is reported once on standard error.

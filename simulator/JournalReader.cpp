@@ -50,7 +50,7 @@ std::optional<std::string> takeString(std::string_view& text)
     return value;
 }
 
-/// Parses one line: an object whose values are strings and numbers.
+/// Parses one line: an object whose values are strings or numbers.
 std::optional<Fields> parseLine(std::string_view text)
 {
     Fields fields;
@@ -132,7 +132,8 @@ std::optional<Kind> kindOf(Fields& fields)
     return std::nullopt;
 }
 
-/// Adds the event in a line. Returns false if it is not a line of a journal.
+/// Adds the event in a line if a replay needs it. Returns false if the text is not a line of a
+/// journal.
 bool addLine(const std::string& text, std::vector<ObservedEvent>& events, RecordedRun& run)
 {
     auto fields = parseLine(text);

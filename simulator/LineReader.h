@@ -23,7 +23,7 @@ public:
         m_unread.erase(0, end + 1);
         return line;
     }
-    /// Discards a line that is too long; returns whether there was one.
+    /// Discards what has arrived of a line if it is too long; returns whether it was.
     bool dropOverlong()
     {
         const bool overlong = m_unread.size() > longest;

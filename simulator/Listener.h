@@ -27,8 +27,8 @@ public:
     Reachability reachability() const { return m_reachability; }
     /// Returns the descriptor to poll for reading, or -1 while connections are not accepted.
     int descriptor() const;
-    /// Returns the next pending connection with Nagle's algorithm disabled, or nothing. Sets `peer`
-    /// to the peer's address, such as "192.168.1.148:40000".
+    /// Returns the next pending connection, with Nagle's algorithm disabled, and sets `peer` to the
+    /// peer's address, such as "192.168.1.148:40000". Returns no socket if none is pending.
     FileDescriptor accept(std::string& peer);
 
 private:

@@ -18,16 +18,17 @@ constexpr std::string_view unknownFrame = "\xAA\xAF\x7F\x01\x01\xDA"sv;
 constexpr std::string_view highBitVersion =
     "\xAA\xAF\x00\x09\xFF\x01\x90\x80\x00\xFF\xFF\x00\x80\xE8"sv;
 
-/// Minimum time between the version report and the heartbeats before and after it.
+/// Time from opening a connection, when the first heartbeat is sent, to the version report.
 constexpr Milliseconds versionDelay{100};
+/// Minimum time to the next heartbeat, so that it follows the version report.
 constexpr Milliseconds shortestFirstBeat{200};
 constexpr Milliseconds cutPause{60};
 constexpr Milliseconds unknownInterval{1'000};
-/// A client with more unsent steps than this is disconnected.
+/// Maximum number of unsent steps; a client with more is disconnected.
 constexpr std::size_t queueLimit = 1'000;
 
-/// The heartbeat that half-close, reset-mid-frame and heartbeat-pause act on; the client has
-/// linked by then.
+/// Number of the first heartbeat on which half-close, reset-mid-frame and heartbeat-pause act;
+/// after the earlier ones the client shows the link.
 constexpr int actingBeat = 3;
 
 } // namespace

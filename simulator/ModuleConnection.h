@@ -29,19 +29,20 @@ bool parseVersions(std::string_view text, Versions& versions);
 /// The settings shared by all connections of one module; must outlive them.
 struct ModuleSettings
 {
-    bool control = true; ///< otherwise the ground module, which reports no versions
+    bool control = true; ///< false: the ground module
     Milliseconds heartbeat{1'000};
     Versions versions{7, 300, 600, 100, 10};
 };
 
-/// One client of a module: sends heartbeats and version report, and checks the heartbeat answers.
+/// One client of a module. Sends the client heartbeats and, for the control module, a version
+/// report; checks the client's heartbeat answers.
 class ModuleConnection : public Connection
 {
 public:
     ModuleConnection(FileDescriptor socket, ConnectionName name, Journal& journal,
                      const FaultTable& faults, const ModuleSettings& settings, TimePoint now);
 
-    /// Sends an additional version report.
+    /// Queues a version report, unless this is the ground module or "no-version" is on.
     void reportVersions();
 
 protected:

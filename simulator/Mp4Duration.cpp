@@ -7,7 +7,7 @@ namespace simulator {
 
 namespace {
 
-/// Limits the search in a malicious file.
+/// Maximum number of boxes searched, so that a malicious file cannot prolong the search.
 constexpr int boxLimit = 10'000;
 constexpr std::uint32_t unitsPerSecond = 1000;
 
@@ -72,8 +72,8 @@ std::optional<std::uint64_t> mp4Duration(const Content& content, std::uint64_t s
     if (!header) {
         return std::nullopt;
     }
-    // version and flags, creation, modification, time scale, duration; in version 1 times are 64
-    // bits
+    // The fields are version and flags, creation time, modification time, time scale and duration.
+    // In version 1 both times and the duration have 64 bits.
     char fields[32] = {};
     const auto length = static_cast<std::size_t>(
         std::min<std::uint64_t>(sizeof fields, header->end - header->begin));

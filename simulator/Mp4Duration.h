@@ -10,7 +10,7 @@
 namespace simulator {
 
 /// Returns the whole seconds stated by the movie header box ("moov" / "mvhd") of an MP4 recording,
-/// or nothing if there is none. Follows box lengths only and reads no media data.
+/// or nothing if no duration is stated. Follows box lengths only and reads no media data.
 std::optional<std::uint64_t> mp4Duration(const Content& content, std::uint64_t size);
 
 /// Returns the first boxes of an MP4 recording ("ftyp", "moov" with its "mvhd", and the head of an

@@ -16,10 +16,10 @@ public:
     static bool parse(std::string_view text, Occasion& occasion);
 
     bool always() const { return *this == Occasion(); }
-    /// Returns whether the fault acts on the request or connection with this number. Whether a
-    /// chance hits depends only on seed, salt and number, so that a run can be repeated.
+    /// Returns whether the fault acts on the request or connection with this number. For a
+    /// percentage this depends only on seed, salt and number, so that a run can be repeated.
     bool includes(std::uint64_t number, std::uint64_t seed, std::uint64_t salt) const;
-    /// Returns the text that parse() accepts.
+    /// Returns a text from which parse() sets this occasion; must not be called if always().
     std::string text() const;
 
     bool operator==(const Occasion& other) const

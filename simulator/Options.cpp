@@ -91,7 +91,8 @@ const std::vector<OptionRow>& optionRows()
              return v.empty() || v == "dive" || v == "boundary";
          }},
         {"--sample-to", Takes::Value, "DIR",
-         "write these recordings into DIR; without --sample, then exit",
+         "write the sample card's recordings to DIR, to compare downloads with; exit afterwards "
+         "unless --sample is given as well",
          nonEmpty(&Options::sampleFolder)},
         {"--seed", Takes::Value, "NUMBER",
          "seed for the sample card's contents and for random faults (default 1)",
@@ -104,7 +105,7 @@ const std::vector<OptionRow>& optionRows()
          "send recordings at this rate in bytes per second, such as 500k (default: no limit)",
          [](Options& options, const std::string& v) { return parseSize(v, options.rate); }},
         {"--heartbeat", Takes::Value, "MS",
-         "milliseconds from heartbeat to heartbeat (default 1000)",
+         "milliseconds from one heartbeat to the next (default 1000)",
          [](Options& options, const std::string& v) {
              return parseHeartbeat(v, options.heartbeat);
          }},
@@ -122,20 +123,22 @@ const std::vector<OptionRow>& optionRows()
          "change faults and more during the run, according to the steps in FILE",
          nonEmpty(&Options::scenario)},
         {"--speed", Takes::Value, "FACTOR",
-         "factor by which the seconds of the scenario pass faster (default 1)",
+         "factor by which the time of the scenario passes faster (default 1)",
          [](Options& options, const std::string& v) {
              return parseUnsigned(v, options.speed) && options.speed >= 1 &&
                     options.speed <= 1'000'000;
          }},
-        {"--journal", Takes::Value, "FILE", "write a line for every connection, frame and request",
+        {"--journal", Takes::Value, "FILE",
+         "write a journal of connections, bytes, requests and control lines to FILE",
          nonEmpty(&Options::journal)},
-        {"--journal-full", Takes::Nothing, "", "keep all bytes in the journal, of recordings too",
+        {"--journal-full", Takes::Nothing, "",
+         "keep all bytes in the journal, including those of recordings",
          flag(&Options::journalFull)},
         {"--replay", Takes::Value, "FILE",
-         "play a recorded run again: FILE is a journal or a packet capture",
+         "replay a recorded run; FILE is a journal or a packet capture",
          nonEmpty(&Options::replay)},
         {"--control", Takes::Value, "PATH",
-         "take control lines from a Unix socket with this path as well, which only you can reach",
+         "also read control lines from a Unix socket with this path, which only you can use",
          nonEmpty(&Options::controlSocket)},
         {"--send", Takes::ValueAndRest, "PATH LINE...",
          "send control lines to the simulator at this socket, print its answers and exit",

@@ -54,7 +54,7 @@ struct OptionRow
     std::function<bool(Options&, const std::string&)> store;
 };
 
-/// All options, in the order of --help.
+/// Returns all options, in the order of --help.
 const std::vector<OptionRow>& optionRows();
 
 /// Reads the command line into the options. Returns an error text, empty on success.

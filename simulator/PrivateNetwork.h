@@ -1,4 +1,4 @@
-// Checks that this is the private network.
+// Checks that the program runs in a private network.
 #pragma once
 
 #include <string>

@@ -30,7 +30,8 @@ struct ObservedEvent
     std::uint64_t unknown = 0; ///< number of further bytes sent, whose values are unknown
 };
 
-/// An action of the device at a time relative to the request or the connection.
+/// An action of the device; `after` counts from the end of the request's head (camera) or from the
+/// opening of the connection (modules).
 struct RecordedEvent
 {
     ObservedEvent::Kind kind;
@@ -39,7 +40,7 @@ struct RecordedEvent
     std::uint64_t unknown; ///< number of zeros to send after `bytes`
 };
 
-/// One request to the camera and everything after it on the connection.
+/// One request to the camera and the camera's actions after it.
 struct RecordedExchange
 {
     std::string request; ///< the request line
@@ -60,7 +61,8 @@ struct RecordedRun
 /// Reads a journal or a packet capture. Returns an error text, empty on success.
 std::string readRecordedRun(const std::string& path, RecordedRun& run);
 
-// Both read a file, append its events in order of time and count the bytes replaced by zeros.
+// Both functions read a file, append its events in file order, and count its gaps and the bytes
+// that are missing in them. They return an error text, empty on success.
 std::string readJournal(const std::string& path, std::vector<ObservedEvent>& events,
                         RecordedRun& run);
 std::string readCapture(const std::string& path, std::vector<ObservedEvent>& events,

@@ -16,11 +16,11 @@ class Replay
 public:
     explicit Replay(RecordedRun run) : m_run(std::move(run)) {}
 
-    /// Returns the first exchange with this request line that was not replayed yet; nullptr, and
-    /// sets the failure, if there is none.
+    /// Returns the first exchange with this request line that was not replayed yet. If there is
+    /// none, sets the failure and returns nullptr.
     const RecordedExchange* exchange(const std::string& request);
-    /// Returns what the module did on its next connection; nullptr, and sets the failure, if there
-    /// is none.
+    /// Returns what the module did on its next recorded connection. If there is none, sets the
+    /// failure and returns nullptr.
     const std::vector<RecordedEvent>* connection(const std::string& device);
     /// Returns why the run cannot continue; empty if it can.
     const std::string& failure() const { return m_failure; }

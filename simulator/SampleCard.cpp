@@ -23,7 +23,8 @@ struct SampleRow
     std::uint32_t duration;
 };
 
-/// Sizes around the relevant limits: of a size text, of one receive, of one read.
+/// Recordings around the limits of the size display, one receive, one read and a name's length, and
+/// some longer ones.
 constexpr SampleRow boundaryRows[] = {
     {"REC_20200131_124502_0001.MP4", 1'572'864, "20200131124502", 37},
     {"REC_20200131_124611_0002.MP4", 500, "20200131124611", 1},
@@ -35,10 +36,10 @@ constexpr SampleRow boundaryRows[] = {
     {"REC_20201224_180000_0008.MP4", 20'971'520, "20201224180000", 168},
     {"REC_20201231_235958_0009.MP4", 67'108'864, "20201231235958", 540},
     {"REC_20210101_000003_0010.MP4", 3'276'800, "20210101000003", 27},
-    {"REC_20210101_000045_00011.MP4", 4'096, "20210101000045", 5}, // 29 characters, the longest
+    {"REC_20210101_000045_00011.MP4", 4'096, "20210101000045", 5}, // 29 characters, the limit
 };
 
-/// 720 lines at about 2 Mbit/s, so that bytes and seconds match.
+/// Recordings whose sizes match their durations at about 2 Mbit/s, as video with 720 lines has.
 constexpr SampleRow diveRows[] = {
     {"DIVE_0001.MP4", 10'395'648, "20240614091205", 41},
     {"DIVE_0002.MP4", 47'185'920, "20240614092347", 187},

@@ -10,12 +10,12 @@ namespace simulator {
 
 /// The available generated cards.
 enum class Sample {
-    Boundary, ///< eleven recordings from 500 bytes to 64 MB, at the limits of texts and buffers
-    Dive      ///< nine recordings of one trip, as a user records them
+    Boundary, ///< eleven recordings around the limits of the size display and of buffers
+    Dive      ///< nine recordings of one diving trip, with matching sizes, durations and dates
 };
 
-/// Returns a card of generated recordings, each with an MP4 head and content that depends only on
-/// the seed and its position on the card.
+/// Returns a card of generated recordings. Each has an MP4 head, followed by bytes that depend only
+/// on the seed and the recording's position on the card.
 Card sampleCard(Sample sample, std::uint64_t seed);
 
 /// Writes all recordings of the card into a folder, which is created if missing; their creation

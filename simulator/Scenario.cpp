@@ -23,7 +23,7 @@ bool timeUnit(const std::string& word, Milliseconds& unit)
     return unit != Milliseconds(0);
 }
 
-/// Returns whether a control line changes nothing, so that it is rejected in a scenario.
+/// Returns whether control lines with this first word change nothing; a scenario rejects them.
 bool changesNothing(const std::string& word)
 {
     constexpr std::array<const char*, 5> words = {"faults", "card", "connections", "status",

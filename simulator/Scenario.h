@@ -22,14 +22,14 @@ namespace simulator {
 class Scenario
 {
 public:
-    /// Reads a file. Returns an error text for each invalid line ("NAME:3: ..."), or one for the
-    /// file. `speed` is the factor by which the scenario's time passes faster.
+    /// Reads a file. Returns an error text for each invalid line ("NAME:3: ..."), or one if the
+    /// file has no step. `speed` is the factor by which the scenario's time passes faster.
     std::vector<std::string> read(std::istream& file, const std::string& name, std::uint64_t speed);
 
     void start(TimePoint now) { m_start = now; }
     /// Returns when the next timed step is due; `never` without one.
     TimePoint nextDue() const;
-    // Each removes the due steps and returns them in file order.
+    // Each of these removes the due steps and returns their control lines in file order.
     std::vector<ControlLine> dueAt(TimePoint now);
     std::vector<ControlLine> dueAtExchange(std::uint64_t number);
     std::vector<ControlLine> dueAfterDownload(std::uint64_t number);

@@ -7,7 +7,8 @@ namespace simulator {
 namespace {
 
 constexpr std::uint64_t wrap = 1ULL << 32;
-/// Larger than any TCP window: such a number belongs to another connection.
+/// Maximum distance of an acknowledgement from m_next, more than any TCP window: a number further
+/// ahead belongs to another connection.
 constexpr std::uint64_t largestGap = 1ULL << 30;
 
 } // namespace
@@ -15,7 +16,7 @@ constexpr std::uint64_t largestGap = 1ULL << 30;
 void TcpStream::begin(std::uint32_t sequence)
 {
     m_begun = true;
-    m_next = wrap + sequence; // leaves room for lower numbers
+    m_next = wrap + sequence; // so that unwrapped() does not underflow for earlier numbers
 }
 
 std::uint64_t TcpStream::unwrapped(std::uint32_t sequence) const

@@ -14,7 +14,8 @@ namespace simulator {
 class TcpStream
 {
 public:
-    /// Sets the sequence number of the first byte; otherwise the first segment decides.
+    /// Sets the sequence number of the first byte. If this is not called, add() takes the number
+    /// from the first segment.
     void begin(std::uint32_t sequence);
     /// Adds a segment. size: its length on the wire, which may be more than was captured. Returns
     /// the bytes that are now in order.

@@ -56,8 +56,8 @@ simulator::FileDescriptor endingSignals()
     return simulator::FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
 }
 
-/// Reads the scenario, if there is one. Returns 0, or prints its invalid lines and returns the exit
-/// status.
+/// Reads the scenario, if there is one. Returns 0, or prints what is wrong with the file and
+/// returns the exit status.
 int readScenario(const simulator::Options& options, simulator::Scenario& scenario)
 {
     if (options.scenario.empty()) {
@@ -74,7 +74,7 @@ int readScenario(const simulator::Options& options, simulator::Scenario& scenari
     return errors.empty() ? 0 : wrongArguments;
 }
 
-/// Prints how much of the recorded run is missing from the file.
+/// Prints how much of the recorded run is missing from the file, if anything is.
 void printFilled(const std::string& path, const simulator::RecordedRun& run)
 {
     if (run.filledBytes > 0) {
