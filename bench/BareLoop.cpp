@@ -1,4 +1,5 @@
-// The bare loop: downloads with one request and then only reads of at most 4,096 bytes and writes.
+// The bare loop: sends one request, reads the head, then only reads at most 4,096 bytes at a time
+// and writes them.
 #include "bench/Camera.h"
 #include "bench/Report.h"
 

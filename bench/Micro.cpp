@@ -95,7 +95,7 @@ void frame(benchmark::State& state)
 
 } // namespace
 
-/// Does what the library's macros do; Clang 22 warns about the macros.
+/// Registers and runs the benchmarks without the library's macros, about which Clang 22 warns.
 int main(int argc, char** argv)
 {
     benchmark::RegisterBenchmark("downloadHead", downloadHead);

@@ -1,5 +1,6 @@
-// Runs another program and reports the time and memory that it used. This program is small, because
-// the memory that a new process shares with its parent counts as the other program's.
+// Runs another program and reports the time and memory that it used. Must be small itself: the peak
+// memory of a child includes the memory that it shares with its parent before executing the
+// program.
 #include "bench/Report.h"
 
 #include <cstdio>

@@ -19,13 +19,15 @@ constexpr char usage[] =
     "Usage: bench_window JOB [NUMBER]\n"
     "  browse N      browse N times; one line each\n"
     "  download      link, browse, download all recordings\n"
-    "  watch         the same, with the delays of a timer and of the full progress bar\n"
-    "  downloads N   the same N times, one line each\n"
+    "  watch         like 'download'; also reports the delays of a timer, and when the full\n"
+    "                progress bar was painted\n"
+    "  downloads N   link, browse, download all recordings N times; one line each\n"
     "  select N      browse, then collect the selection N times\n"
-    "  idle N        stay open for N seconds; linked with 'linked N'\n"
+    "  idle N        keep the window open for N seconds\n"
+    "  linked N      link, then keep the window open for N seconds\n"
     "Prints one line of JSON per result. Needs the private network.\n";
 
-/// Measures the delays of a five-millisecond timer in the thread that creates this object.
+/// The delays of a five-millisecond timer in the thread that creates this object.
 class TimerDelays : public QObject
 {
 public:
@@ -61,7 +63,8 @@ private:
     std::vector<double> m_delays;
 };
 
-/// Records when the progress bar was painted full and how often it was painted.
+/// An event filter that records when the progress bar was last painted full and how often it was
+/// painted.
 class FullBar : public QObject
 {
 public:
@@ -114,8 +117,8 @@ void download(WindowUser& user, int rounds)
     }
 }
 
-/// Downloads while a timer runs, and reports the delays of the timer and when the full bar was
-/// painted. topic_alive.py compares that moment with the last modification of the file.
+/// Downloads while a timer runs, and reports the delays of the timer and when the full bar was last
+/// painted. topic_alive.py compares this time with the last modification of the file.
 void watch(WindowUser& user)
 {
     user.link();

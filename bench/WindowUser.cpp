@@ -10,8 +10,9 @@
 
 namespace {
 
-/// Ends an event loop once the download button is enabled and no further download has started:
-/// between two files, the button is enabled only to be disabled again.
+/// An event filter that ends an event loop when the last download has finished: when the download
+/// button is still enabled after the events queued at that time. Between two files it is enabled
+/// only briefly.
 class EndOfDownloads : public QObject
 {
 public:

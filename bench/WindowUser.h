@@ -7,7 +7,7 @@
 #include <QProgressBar>
 #include <QTableWidget>
 
-/// Shows the window as the program does, and clicks in it. Ends the process with a message if an
+/// The program's window, with functions that operate it. They end the process with a message if an
 /// operation fails. Must be used in the thread of the application.
 class WindowUser
 {

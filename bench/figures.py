@@ -6,8 +6,8 @@ import statistics
 
 @dataclasses.dataclass
 class Line:
-    """One line of the table. A line without a limit is only informative. `what` names the reference
-    of a ratio, and `why` explains the figure in a few words."""
+    """One line of the table. A line without a target is only informative. `what` names what was
+    measured and the reference of a ratio; `why` explains the figure in a few words."""
 
     topic: str
     what: str

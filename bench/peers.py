@@ -88,7 +88,7 @@ def usage_of(command, **environment):
 
 @contextlib.contextmanager
 def started(command, ready, **options):
-    """Runs a program until the block ends; `ready(process)` waits until it can be used."""
+    """Runs a program until the block ends; `ready(process)` waits until the program can be used."""
     process = subprocess.Popen([str(word) for word in command], stdin=subprocess.PIPE,
                                stderr=subprocess.DEVNULL, **options)
     try:

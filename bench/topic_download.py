@@ -14,8 +14,8 @@ SPEEDS = (("100 Mbit/s", 100_000_000, 128, 8), ("1 Gbit/s", 1_000_000_000, 512, 
           ("unthrottled", 0, 512, 128))
 
 SHOWN = {"least": "the least window's", "loop": "the bare loop's", "curl": "curl's"}
-# Reference, compared quantity, limit, explanation of the figure.
 REQUIRED_WORK = "the same signals and repaints; the rest is the form's larger window"
+# Reference, compared quantity, limit, explanation of the figure.
 LIMITS = {
     "100 Mbit/s": (("least", "time", 1.1, "the network sets the pace"),
                    ("least", "cpu", 1.1, REQUIRED_WORK),
@@ -32,7 +32,7 @@ LIMITS = {
 
 
 class Download:
-    """Downloads with each of the programs, into a new file that is removed afterwards."""
+    """The download with each of the programs, into a new file that is removed afterwards."""
 
     def __init__(self, folder, recordings, megabytes, starts_of_second):
         self.folder = folder

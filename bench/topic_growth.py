@@ -46,8 +46,8 @@ def downloads(options):
 
 
 def thirds(values):
-    """Returns the medians of the last and of the first third. Leaves out the first values, which
-    include work that is done only once."""
+    """Returns the medians of the last and of the first third of the values. The first third begins
+    after five values, which include work that is done only once."""
     part = len(values) // 3
     return statistics.median(values[-part:]), statistics.median(values[5:5 + part])
 

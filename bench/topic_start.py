@@ -18,7 +18,7 @@ def start(name, *arguments):
 
 
 def measure(options):
-    # More runs than elsewhere, because they are short.
+    # More runs than for other topics, because each run is short.
     results = alternating(options.pairs * 2 + 1, {
         "window": lambda: start("bench_start"),
         "bare": lambda: start("bench_bare_window"),
