@@ -11,7 +11,7 @@ bareSystemMirror()
 }
 
 # makeBareSystem SUITE FOLDER [PACKAGE,PACKAGE...]: installs the essential packages of a Debian
-# release, and the given ones, into FOLDER. Its apt is configured like this system's.
+# release, and the given ones, into FOLDER. The new system's apt downloads with this system's settings.
 makeBareSystem()
 {
     local suite=$1 root=$2 script='' mirror
@@ -20,7 +20,7 @@ makeBareSystem()
         echo "this system's apt has no Debian mirror (run apt-get update?)" >&2
         return 1
     fi
-    # A release newer than this system's debootstrap is created like the newest known one.
+    # A release that this system's debootstrap has no script for is created with the script for sid.
     [[ -e /usr/share/debootstrap/scripts/$suite ]] || script=sid
     debootstrap --variant=minbase ${3:+"--include=$3"} "$suite" "$root" "$mirror" $script || return
     cp /etc/resolv.conf "$root/etc/resolv.conf" || return
@@ -31,7 +31,7 @@ makeBareSystem()
 }
 
 # enterBareSystem FOLDER COMMAND [ARGUMENT...]: executes COMMAND with FOLDER as its root. Call it
-# in separate mount and PID namespaces. A chroot is not enough: its processes may not create the user
+# in separate mount and PID namespaces. A chroot is not enough: processes in it may not create the user
 # namespaces in which the tests run.
 enterBareSystem()
 {

@@ -1,5 +1,5 @@
 # Functions common to the commands of this tree: messages, options, installing packages. A command sources
-# this file, which changes to the root of the tree, and defines a function "usage" that prints its help.
+# this file and defines a function "usage" that prints its help. This file changes to the root of the tree.
 # shellcheck shell=bash
 
 commandName=$(readlink -f "$0")

@@ -31,8 +31,8 @@ _ROLES = {int(number): name for number, name in (
     (Atspi.Role.TABLE_COLUMN_HEADER, "table column header"),
     (Atspi.Role.TABLE_ROW_HEADER, "table row header"), (Atspi.Role.TEXT, "text"),
     (Atspi.Role.TOOL_BAR, "tool bar"))}
-# _walk() does not descend into these: the widget shows their contents itself, or only while it is
-# open.
+# _walk() does not descend into these widgets: a widget draws its contents itself, or shows them
+# only while it is open.
 _CLOSED = ("combo box", "status bar", "tool bar", "menu bar")
 _WITHOUT_PARTS = ("push button", "check box", "label", "text", "progress bar",
                   "table column header", "table row header", "table cell", "list item")
@@ -41,8 +41,8 @@ _READ_BY_NAME = ("push button", "check box", "label", "panel", "combo box", "tab
 
 
 def start_bus(log):
-    """Starts a message bus for this process and its children, whose messages go to the log. The
-    caller keeps the returned process. The bus ends with the private network."""
+    """Starts a message bus for this process and its children; writes the bus's error messages to
+    the log. The caller keeps the returned process. The bus ends with the private network."""
     with open(log, "wb") as file:
         bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"],
                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=file)
@@ -110,7 +110,7 @@ class Program:
         for index in range(desktop.get_child_count()):
             child = desktop.get_child_at_index(index)
             if child is not None and child.get_process_id() == self.process:
-                # Without a cache: no event loop runs here that would update one.
+                # Without a cache: no event loop runs here that would update the cache.
                 child.set_cache_mask(Atspi.Cache.NONE)
                 self.application = child
                 return
@@ -156,7 +156,8 @@ class Program:
 
     @staticmethod
     def _patiently(look):
-        """Returns the result of look(), or no items if the program changes while it is read."""
+        """Returns the result of look(), or no items if the program is not in the accessibility tree
+        or changes while it is read."""
         try:
             return look()
         except (GLib.Error, LookupError):
@@ -169,7 +170,8 @@ class Program:
 
 
 def wrongly_drawn(items, shot):
-    """Returns the items whose text is reported but not drawn, or drawn but not reported."""
+    """Returns a description of each button, label, text field and column header that has a text but
+    no drawn text, or drawn text but no text."""
     wrong = []
     for item in items:
         if item.role in ("push button", "label", "text", "table column header"):
