@@ -1,4 +1,4 @@
-# Functions that add tests. Every test has one label, which sets its time limit:
+# Functions that add tests. Every test has one of these labels, which sets its time limit:
 #   unit    no threads, no sockets
 #   socket  threads and sockets, including the window
 #   system  the built programs

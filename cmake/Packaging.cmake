@@ -1,5 +1,5 @@
-# The Debian packages belun-download and belun-simulator: run in a build folder, cpack -G DEB writes them
-# into packages/ there.
+# The Debian packages belun-download and belun-simulator. The command cpack -G DEB, run in a build folder,
+# writes them to its subfolder packages/.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
@@ -21,7 +21,7 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME belun-download)
 set(CPACK_DEBIAN_PROGRAM_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION net)
-# A font for the Chinese texts, Qt's plugin for Wayland, and a terminal for the desktop action.
+# Recommended: a font for the Chinese texts, Qt's plugin for Wayland, and a terminal for the desktop action.
 set(wayland qtwayland5)
 if(BELUN_QT_MAJOR EQUAL 6)
   set(wayland qt6-wayland)
@@ -36,8 +36,8 @@ computer on the vehicle's own network, links to the vehicle, shows its
 versions, lists the recordings on the card of its camera, downloads and
 deletes them, and formats the card. In English and Chinese.
 .
-The command belun-verify compares the card with the downloaded recordings, so
-that nothing is deleted that is not safe on this computer.")
+The command belun-verify compares the card with the downloaded recordings and
+says whether the recordings may be deleted from the card.")
 
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_NAME belun-simulator)
 set(CPACK_DEBIAN_SIMULATOR_FILE_NAME DEB-DEFAULT)

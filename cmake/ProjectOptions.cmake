@@ -23,7 +23,7 @@ if(BELUN_OTHER_CHAR)
   endif()
 endif()
 
-# gold is three times as fast as the default linker. Release builds use the default.
+# gold is three times as fast as the default linker. Builds without the tests use the default linker.
 if(BUILD_TESTING)
   include(CheckLinkerFlag)
   check_linker_flag(CXX -fuse-ld=gold BELUN_HAVE_GOLD)

@@ -31,7 +31,7 @@ bool isOver(QThread* thread, bool waited)
 
 void tellingStart(QThread* thread, QThread::Priority priority)
 {
-    // Emitted in the thread itself, after run() has returned.
+    // finished() is emitted in the thread itself, after run() has returned.
     QObject::connect(
         thread, &QThread::finished, thread, [thread] { __tsan_release(thread); },
         Qt::DirectConnection);

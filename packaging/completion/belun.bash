@@ -1,5 +1,5 @@
-# Bash completion for belun-simulator, belun-private-network and belun-verify. Everything offered comes
-# from the commands themselves: the options from --help, the faults from --list-faults.
+# Bash completion for belun-simulator, belun-private-network and belun-verify. Options, faults and control
+# lines come from the commands themselves: from --help and --list-faults.
 # shellcheck shell=bash
 
 # Prints the options of a command, one per line, as --help shows them: "--card DIR", "--sample[=a|b]".
@@ -77,7 +77,7 @@ _belun()
         mapfile -t COMPREPLY < <(compgen -W "${forms[*]%%[ \[]*}" -- "$current")
     fi
 
-    # Bash splits words at equals signs: completions must not repeat the part before the last one.
+    # Bash splits words at equals signs: completions must not repeat the part up to the last equals sign.
     if [[ $current == *=* && $COMP_WORDBREAKS == *=* ]]; then
         prefix=${current#"$prefix"} prefix=${prefix%"${prefix##*=}"}
         COMPREPLY=("${COMPREPLY[@]#"$prefix"}")
