@@ -37,11 +37,11 @@ public:
     short wantedEvents() const;
     /// Reads what has arrived; called when poll reports the socket.
     void readable();
-    /// Performs due steps, then sends what can be sent.
+    /// Queues the steps that are due, then performs queued steps until one has to wait.
     void advance(TimePoint now);
     /// Returns the latest time for the next call of advance() if poll() reports nothing until then.
     TimePoint nextWake() const;
-    /// Ends the connection from this side immediately; queued steps are dropped.
+    /// Closes the connection from this side without waiting for queued steps, which are dropped.
     void close(std::string_view reason);
     void reset(std::string_view reason);
     /// Queues these bytes as one step, after the steps already queued.

@@ -20,7 +20,8 @@ struct Row
     const char* word;
     const char* arguments;
     const char* effect;
-    /// Parses the arguments and sets `run`, which executes the line. Returns an error text.
+    /// Parses the arguments and sets `run`, which executes the line. Returns an error text, empty
+    /// on success.
     // cppcheck-suppress unusedStructMember; parseControlLine() calls it
     std::string (*parse)(const std::string& arguments, Run& run);
 };
@@ -117,7 +118,7 @@ std::string noArguments(const std::string& arguments)
 template <ControlAnswer (Simulator::*member)()>
 std::string parseBare(const std::string& arguments, Run& run)
 {
-    // cppcheck-suppress constParameter; the member function changes it
+    // cppcheck-suppress constParameter; the member function modifies the vehicle
     run = [](Simulator& vehicle) { return (vehicle.*member)(); };
     return noArguments(arguments);
 }

@@ -10,8 +10,8 @@ namespace simulator {
 
 namespace {
 
-/// Returns the maximum number of connections of one device; those of all three stay within the
-/// descriptor limit.
+/// Returns the maximum number of connections of one device, chosen so that the connections of all
+/// three devices stay within the descriptor limit.
 std::size_t connectionLimit()
 {
     constexpr rlim_t otherDescriptors = 32;

@@ -122,7 +122,8 @@ std::optional<long long> parseAmount(std::string_view text, FaultKind kind)
     return *number * unit;
 }
 
-/// Checks a value against its row and normalises it; returns an error text.
+/// Checks a value against the row of its fault and normalises it. Returns an error text, empty on
+/// success.
 std::string readValue(const FaultDescription& row, std::string& value)
 {
     const FaultValue& taken = row.value;

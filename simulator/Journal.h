@@ -29,7 +29,8 @@ private:
     std::string m_text;
 };
 
-/// The file given by --journal. Every line is written immediately. Does nothing without a file.
+/// The file given by --journal. Every line is written immediately. Without an open file, lines are
+/// ignored.
 class Journal
 {
 public:

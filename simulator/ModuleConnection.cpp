@@ -20,7 +20,8 @@ constexpr std::string_view highBitVersion =
 
 /// Time from opening a connection, when the first heartbeat is sent, to the version report.
 constexpr Milliseconds versionDelay{100};
-/// Minimum time to the next heartbeat, so that it follows the version report.
+/// Minimum time from the first heartbeat, or from an early version report, to the next heartbeat:
+/// keeps heartbeats at least 100 ms away from the version report.
 constexpr Milliseconds shortestFirstBeat{200};
 constexpr Milliseconds cutPause{60};
 constexpr Milliseconds unknownInterval{1'000};

@@ -63,7 +63,8 @@ std::string parseOptions(const std::vector<std::string>& arguments, Options& opt
 /// Parses a decimal number. Returns false for any other text and for a number that is too large.
 bool parseUnsigned(const std::string& text, std::uint64_t& number);
 
-/// Same for a size, which may end in k (1,024) or M (1,048,576).
+/// Parses a size: a decimal number, which may end in k (1,024) or M (1,048,576). Returns false for
+/// any other text and for a size that is too large.
 bool parseSize(const std::string& text, std::uint64_t& size);
 
 /// Returns what --help prints. form: "text"; "man" or "man-lines" (the options or the control lines

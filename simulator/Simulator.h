@@ -35,7 +35,7 @@ public:
     /// Executes one control line and returns the lines that answer it: none for an empty line,
     /// otherwise any number that start with two spaces, then one that starts with "ok" or "error".
     std::vector<std::string> control(const std::string& text);
-    /// Same, for a line that has already been parsed.
+    /// Executes a control line that has already been parsed, and returns the lines that answer it.
     std::vector<std::string> carryOut(const ControlLine& line);
 
     // The effects of control lines; functions that return a text return an error text, empty on

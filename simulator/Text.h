@@ -32,8 +32,8 @@ std::string didYouMean(std::string_view word, const std::vector<std::string>& ca
 /// Returns the text as it is written in the source of a manual page.
 std::string manualText(const std::string& text);
 
-/// Writes a line and its line ending to standard output immediately. A reader that has stopped
-/// reading never blocks the simulator: the line is dropped.
+/// Writes a line, cut to 4,000 bytes, and its line ending to standard output immediately. Drops the
+/// line if standard output is not ready, so that the simulator never blocks.
 void printLine(std::string_view line);
 
 } // namespace simulator
