@@ -183,7 +183,8 @@ def shaped(bits_per_second):
 
 @contextlib.contextmanager
 def home():
-    """Creates a home folder with a desktop, in memory. Yields it and the folder for recordings."""
+    """Creates a home folder with a desktop, in memory if possible. Yields the home folder and the
+    folder for recordings."""
     with folder_in_memory() as folder:
         recordings = pathlib.Path(folder, "Desktop/DCIM")
         recordings.mkdir(parents=True)
