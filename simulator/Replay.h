@@ -47,7 +47,7 @@ private:
     void play(const RecordedEvent& event);
 
     Replay* m_replay;
-    const std::vector<RecordedEvent>* m_events = nullptr; ///< of its request or connection
+    const std::vector<RecordedEvent>* m_events = nullptr; ///< of the request or connection
     std::size_t m_next = 0;
     TimePoint m_start;
     std::string m_request; ///< received so far (camera)

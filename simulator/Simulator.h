@@ -62,7 +62,7 @@ private:
     void endReboot(TimePoint now);
     int timeout(TimePoint now) const;
     void resetModules();
-    /// Executes the due steps of the scenario and prints each with its answer.
+    /// Executes the given steps of the scenario and prints the answer to each.
     void play(const std::vector<ControlLine>& steps);
 
     Options m_options;
@@ -82,7 +82,7 @@ private:
     TimePoint m_started = never;
     ControlSocket m_controlSocket;
     LineReader m_input;
-    /// Answers to lines on standard input; printed when the changes of these lines have taken
+    /// Answers to control lines on standard input, which are printed once these lines have taken
     /// effect.
     std::vector<std::string> m_replies;
     bool m_inputOpen = true;

@@ -1,4 +1,4 @@
-// Texts of the journal and the camera.
+// Functions that encode, lay out, compare and print texts.
 #pragma once
 
 #include <cstddef>
