@@ -3,6 +3,8 @@
 
 #include <QPainter>
 #include <QProxyStyle>
+#include <QString>
+#include <QStyleOption>
 
 /// A style that fills the area of every focus frame with pure red.
 class LoudFocusStyle : public QProxyStyle
