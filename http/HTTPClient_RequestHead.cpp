@@ -28,8 +28,8 @@ const char* methodWord(HTTP_REQ_TYPE type)
 
 void HTTPClient::makeHeader(HTTP_REQ_TYPE& type, HTTPRequest& request, std::string& out)
 {
-    std::string head =
-        methodWord(type); // built separately: `out` may be one of the request's texts
+    // Built separately: `out` may be one of the request's texts.
+    std::string head = methodWord(type);
     head.append(" ").append(request.path).append(" ").append(request.version).append("\r\n");
     head.append("Host: ").append(request.host);
     if (request.port != 80) {
