@@ -59,7 +59,7 @@ def mutants_of(file, text):
         for rule, new in changes_of_line(code, following):
             if file.endswith(".h") and "statement" in rule:
                 continue  # a declaration
-            # comments at the end stay out of it, so that rewording them leaves the mutant usable
+            # trailing comments are left out, so that the mutant stays usable when they are reworded
             place = [line, following] if rule == "swapped statements" else [code]
             for first in range(number, max(-1, number - CONTEXT - 1), -1):
                 old = "\n".join(lines[first:number] + place)
@@ -74,7 +74,8 @@ def mutants_of(file, text):
 
 def draw(files, seed, count):
     """Returns mutants of the files, a dict of texts by name. Each file has the same chance, so that
-    small ones are tried too; within a file each rule, and within a rule each place.
+    small ones are tried too. Within a file each rule has the same chance, and within a rule each
+    place.
     """
     generator = random.Random(seed)
     candidates = {}

@@ -99,7 +99,8 @@ void AccessibilityTest::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
 }
 
-/// Selects English, because the translator outlives its window and would translate the next one.
+/// Selects English, because the translator outlives the window and would also translate the next
+/// one.
 void AccessibilityTest::cleanup()
 {
     choose(1);
@@ -145,7 +146,8 @@ void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt_data()
     QTest::newRow("lineEditBootVer") << QStringLiteral("label_5");
 }
 
-/// The combo box depends on its label: its own accessible name is the selected language.
+/// The combo box needs this relation most: its accessible name is the selected language, so only
+/// the label says what is selected.
 void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt()
 {
     QFETCH(QString, label);
@@ -156,8 +158,8 @@ void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt()
     }));
 }
 
-/// Every widget that accepts keys or shows a value has a name, including any that is missing from
-/// the lists above.
+/// Every widget that accepts keys or shows a value has an accessible name, including any widget
+/// that the table of texts does not list.
 void AccessibilityTest::everyWidgetInUseHasAName()
 {
     for (const int language : {0, 1}) {
@@ -170,7 +172,7 @@ void AccessibilityTest::everyWidgetInUseHasAName()
                                 qobject_cast<QProgressBar*>(child) != nullptr ||
                                 qobject_cast<QGroupBox*>(child) != nullptr ||
                                 qobject_cast<QTableWidget*>(child) != nullptr;
-            // Qt's internal parts, such as the table's corner button, have no name.
+            // Skips Qt's internal parts, such as the table's corner button.
             if (isUsed && !child->objectName().isEmpty() &&
                 !child->objectName().startsWith("qt_")) {
                 QVERIFY2(!accessibleName(child->objectName()).isEmpty(),

@@ -324,7 +324,7 @@ void BrowseTest::nameBeyondTheWholeTableIsCut()
     camera->holdFiles({QByteArray(400000, 'n')});
     camera->answer(fake::countTarget, "=\"0\";");
     const UserWindow user;
-    user.window().hide(); // saves the time to paint the name
+    user.window().hide(); // avoids painting the long name, which takes time
     user.clickBrowse();
     QCOMPARE(user.table().rowCount(), 1);
     QCOMPARE(user.row(0).first().size(), 9999 * 30 - 1);
@@ -395,7 +395,7 @@ void BrowseTest::listWithoutItsEndStopsAtTheEndOfTheAnswer()
     QCOMPARE(user.names(), names);
 }
 
-/// What other details show is in the test of card/FileInfoText.
+/// Other details are covered by the test of card/FileInfoText.
 void BrowseTest::detailsAreFoundInAnyOrderAndSizesShownInWholeUnits()
 {
     camera->holdFiles({"a.mp4"});
@@ -571,7 +571,8 @@ void BrowseTest::oneChunkedAnswerEndsAllLaterOnesAfterALine()
     camera->answerRaw(fake::infoTarget, "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
                                         "9\r\ntime=\"5\";\r\n0\r\n\r\n");
     user.clickBrowse();
-    // The first details arrived; those of the second file ended after the line "9".
+    // The details of the first file arrived whole. The answer for the second file ended after its
+    // first line, the chunk size "9".
     QCOMPARE(user.row(0).last(), QStringLiteral("5s"));
     QCOMPARE(user.row(1).mid(1), (QStringList{"--  ::", "KB", "s"}));
     camera->forgetRequests();

@@ -115,8 +115,8 @@ void Browse_EveryCutTest::countAnswerIsWholeOrNone()
     checkEveryCut(answers, "getfilecount", row, {{1, row}}, {{43, row}});
 }
 
-// 39 bytes of head, 25 of body. The 5 bytes of the count answer still count, so 20 bytes of the
-// list reach the announced length.
+// 39 bytes of head, 25 of body. The received count still includes the 5 bytes of the count answer,
+// so 20 bytes of the list reach the announced length.
 void Browse_EveryCutTest::listAnswerEndsWithACutNearItsEnd()
 {
     const Answers answers{"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n=\"2\";",
@@ -128,7 +128,8 @@ void Browse_EveryCutTest::listAnswerEndsWithACutNearItsEnd()
                   {{59, second}, {63, both}});
 }
 
-// 39 bytes of head, 45 of body. The 18 bytes received before still count, so 27 bytes end the body.
+// 39 bytes of head, 45 of body. The received count still includes 18 bytes of the earlier answers,
+// so 27 bytes of this body reach the announced length.
 void Browse_EveryCutTest::detailsEndWithACutInTheirSecondHalf()
 {
     const Answers answers{"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n=\"1\";",

@@ -37,7 +37,8 @@ private:
     static void addTexts(bool chinese);
 };
 
-/// The form's own title, the last of the table, is in the Chinese catalogue only.
+/// Returns the texts that the catalogue must contain. The form's own title, the last text of the
+/// table, is only in the Chinese catalogue.
 std::vector<support::WindowText> CatalogueTest::texts(bool chinese)
 {
     std::vector<support::WindowText> texts = support::windowTexts();

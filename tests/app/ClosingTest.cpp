@@ -311,7 +311,7 @@ void ClosingTest::downloadInFlight()
     goOn = false;
     // The next file is not started.
     QCOMPARE(scene->camera->targets(), Texts{QByteArray(fake::downloadTarget) + "b.mp4"});
-    scene->camera.reset(); // its thread uses the objects destroyed here
+    scene->camera.reset(); // its thread uses local variables of this function
 }
 
 void ClosingTest::downloadStalledBesideRefusedAndSilentLinks()
@@ -346,8 +346,8 @@ void ClosingTest::descriptorsAreReleasedWithTheWindow()
     scene->camera->answer(fake::downloadTarget, "recording");
     scene->user->clickBrowse();
     scene->user->chooseRows({0});
-    // Sockets of the window: the control link, its five lost connections and the ground link. Of
-    // the devices: those of the two current links.
+    // The window's sockets are the control link, its five lost connections and the ground link. The
+    // devices' sockets are those of the two current links.
     QTRY_COMPARE(openDescriptors(::getpid()), before + 7 + 2);
     for (int download = 1; download <= 3; ++download) {
         QTRY_VERIFY(scene->user->canDownload());

@@ -51,7 +51,7 @@ private:
     {
         return restMouseAt(table().visualItemRect(table().item(row, column)).center());
     }
-    /// Returns the tip's text as displayed: a tip interprets markup.
+    /// Returns the tip's text as displayed, with markup interpreted.
     static QString shownTip()
     {
         QTextDocument document;
@@ -169,7 +169,7 @@ void CutTextTipTest::tipIsShownExactlyWhenThePaintedTextIsCut_data()
     }
 }
 
-/// A text is not cut if it is painted as in a wide cell.
+/// The text is cut if the cell is painted differently from the same part of a wide cell.
 void CutTextTipTest::tipIsShownExactlyWhenThePaintedTextIsCut()
 {
     QFETCH(QString, style);

@@ -223,7 +223,7 @@ void DeleteTest::failureAmongDeletesDoesNotStopTheOthers()
                                        QByteArray(fake::deleteTarget) + "d.mp4",
                                        QByteArray(fake::deleteTarget) + "a.mp4"}));
     QCOMPARE(user->names(), (QStringList{"b.mp4", "c.mp4", "d.mp4"}));
-    // The last delete succeeded.
+    // Enabled, because the last delete succeeded.
     QVERIFY(user->canDeleteAll());
 }
 
@@ -307,7 +307,8 @@ void DeleteTest::deleteEmptiesTheOlderAnswer()
     user->chooseRows({1});
     user->clickDelete();
     camera->forgetRequests();
-    // If the text still held the details from the browse, their creation time would be the count.
+    // If the delete had not cleared the received text, the creation time in the details from the
+    // browse would be read as the count.
     user->clickBrowse();
     QCOMPARE(camera->targets()[1], QByteArray(fake::listTarget) + "2");
 }

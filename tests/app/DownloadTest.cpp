@@ -202,7 +202,7 @@ void DownloadTest::nextFileWaitsForTheEndOfTheOneBefore()
     scene->camera->answer(target(""), "second");
     scene->camera->on(target("b.mp4"), [&gate](support::Peer& peer) {
         peer.send(fake::withLength("the whole recording"));
-        gate.pass(); // the connection stays open, and the thread always reads once more
+        gate.pass(); // the connection stays open, and the thread waits in one more receive
     });
     const UserWindow& user = *scene->user;
     const int before = scene->camera->connectionCount();

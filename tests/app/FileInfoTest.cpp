@@ -83,7 +83,7 @@ void FileInfoTest::answerFillsDateSizeAndDuration()
 void FileInfoTest::cellsAreGrayAndAligned()
 {
     parse("create=\"20200131124502\";size=\"2047\";time=\"37\";", 2);
-    const int alignments[] = {0x0084, 0x0002, 0x0084}; // the size has no vertical flag
+    const int alignments[] = {0x0084, 0x0002, 0x0084}; // the size has no vertical alignment
     for (int column = 1; column <= 3; ++column) {
         const QTableWidgetItem* item = table().item(2, column);
         QVERIFY(item != nullptr);

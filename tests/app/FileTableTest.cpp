@@ -215,7 +215,7 @@ void FileTableTest::focusedCellShowsNoFrameButTheSelectionColour()
     QCOMPARE(table().viewport()->grab().toImage().pixelColor(cell.right() - 3, cell.top() + 2),
              QColor(89, 153, 247));
 
-    // The base delegate shows it, so the test above can fail.
+    // The base delegate draws the frame, so the check above can fail.
     QStyledItemDelegate base;
     QAbstractItemDelegate* own = table().itemDelegate();
     table().setItemDelegate(&base);

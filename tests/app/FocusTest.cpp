@@ -120,7 +120,7 @@ void FocusTest::focusStaysWhereTheUserPutsIt_data()
 {
     QTest::addColumn<int>("tabs");
     QTest::addColumn<QString>("name");
-    // The disabled button is skipped.
+    // On the way to the delete button, Tab skips the disabled download button.
     QTest::newRow("link") << 0 << "pushButtonLinkBELUN";
     QTest::newRow("browse") << 2 << "pushButtonEnterTFcard";
     QTest::newRow("delete") << 3 << "pushButtonDeleteFile";

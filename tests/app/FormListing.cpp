@@ -35,7 +35,7 @@
 
 namespace {
 
-/// Properties that only describe where a widget is at the moment, or that repeat another one.
+/// Properties that are not listed, such as the current geometry and those that repeat another one.
 const QStringList leftOut{"objectName",
                           "geometry",
                           "frameGeometry",
@@ -86,7 +86,8 @@ std::unique_ptr<QWidget> freshWidget(const QString& className, QWidget* parent)
     return std::unique_ptr<QWidget>(found != make.end() ? found->second(parent) : nullptr);
 }
 
-/// Equal, and for images identical: not every Qt version compares those by itself.
+/// Returns whether two values are equal. Icons and pixmaps are compared by their cache keys,
+/// because not every Qt version compares such variants.
 bool sameValue(const QVariant& one, const QVariant& other)
 {
     if (one.userType() == QMetaType::QIcon && other.userType() == QMetaType::QIcon) {
@@ -255,7 +256,8 @@ private:
         return ", parent " + (actual != nullptr ? actual->objectName() : QStringLiteral("none"));
     }
 
-    /// Compares every property with that of a new widget of the class at no particular place.
+    /// Returns the properties whose values differ from those of a new widget of the same class, and
+    /// the number of actions.
     static QString ownProperties(const QWidget& widget)
     {
         QMainWindow elsewhere;
@@ -263,7 +265,7 @@ private:
         if (fresh == nullptr) {
             return ", not a class of this form";
         }
-        QStringList texts; // sorted, because the order of properties is the Qt version's
+        QStringList texts; // sorted, because the order depends on the Qt version
         const QMetaObject& type = *widget.metaObject();
         for (int index = 0; index < type.propertyCount(); ++index) {
             const QMetaProperty property = type.property(index);

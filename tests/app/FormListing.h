@@ -4,8 +4,8 @@
 #include <QMainWindow>
 #include <QString>
 
-/// Lists the window's named objects, one line each, indented below the one that holds it: name,
-/// class, place where that is not obvious, and what differs from a new object of the class. A
-/// layout item is at stretch 0 and without alignment unless its line says otherwise. A named object
-/// that no line has shown yet follows at the end.
+/// Returns one line for each named object of the window, indented below the object that contains
+/// it: name, class, place unless it is obvious, and the properties that differ from those of a new
+/// object of the class. A layout item has stretch 0 and no alignment unless its line says
+/// otherwise. All other named objects follow at the end.
 QString formListing(QMainWindow& window);

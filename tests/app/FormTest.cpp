@@ -39,7 +39,8 @@
 
 namespace {
 
-/// A style with spacings and margins that no form sets.
+/// A style whose default spacings and margins differ from the form's, so that a value taken from
+/// the style is noticed.
 class RoomyStyle : public QProxyStyle
 {
 public:
@@ -63,7 +64,7 @@ public:
     }
 };
 
-/// The form as designed, on a plain window.
+/// The form on a plain main window, without the code of the program's window.
 struct DesignedForm
 {
     QMainWindow window;
@@ -76,7 +77,7 @@ const QStringList displayFields{
     "lineEditLinkBELUN",   "lineEditHardType", "lineEditHardVer",       "lineEditSoftVer",
     "lineEditProtocolVer", "lineEditBootVer",  "lineEditDownloadLabel", "lineEditDownloadProgress"};
 
-/// Returns how many connections a signal has; `receivers` is only available to the object itself.
+/// Returns how many connections a signal has; QObject::receivers() is protected.
 int connectionsOf(const QObject& object, const char* signal)
 {
     struct Access : QObject
@@ -116,7 +117,7 @@ private slots:
     void widthsHoldWhenTheWindowIsResized();
 };
 
-/// Margins and spacings must come from the form, not from the style.
+/// Sets the style above, because margins and spacings must come from the form, not from the style.
 void FormTest::init()
 {
     QApplication::setStyle(new RoomyStyle);
@@ -173,7 +174,7 @@ void FormTest::windowKeepsItsOwnName()
     QCOMPARE(window.objectName(), QStringLiteral("named before"));
 }
 
-/// The plain file name is resolved in the working folder.
+/// The icon's file name has no folder, so it is resolved in the working folder.
 void FormTest::windowIconIsThePlainFileAppicon()
 {
     const QString before = QDir::currentPath();
@@ -303,7 +304,7 @@ void FormTest::fieldHasNeitherBorderNorBackground_data()
     fieldOnlyDisplays_data();
 }
 
-/// An empty field looks the same as the window around it.
+/// An empty field is invisible: the window looks the same with the field hidden.
 void FormTest::fieldHasNeitherBorderNorBackground()
 {
     MainWindow window;

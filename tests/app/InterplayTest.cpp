@@ -150,7 +150,7 @@ void InterplayTest::deleteDuringADownloadEndsTheQueue()
     user.clickDownload();
     QTRY_COMPARE(user.progressBar().value(), 5);
 
-    // Both use the same selection record, and the delete consumes it.
+    // The download queue and the delete use the same selection record, and the delete consumes it.
     user.chooseRows({0, 1});
     user.clickDelete();
     QCOMPARE(user.names(), (QStringList{"c.mp4", "d.mp4", "e.mp4"}));
@@ -239,7 +239,8 @@ void InterplayTest::emptyingTheCardDuringADownloadEndsTheQueue()
     QCOMPARE(scene->camera->targets(), (Texts{target("e.mp4"), command}));
 }
 
-// The box runs its own event loop, in which the download continues; the rows stay until it closes.
+// The box runs its own event loop, in which the download continues. The rows stay until the box
+// closes.
 void InterplayTest::nextFileStartsWhileTheBoxOfADeleteAllIsOpen()
 {
     scene->linkAndBrowse(fiveFiles);
@@ -317,7 +318,7 @@ void InterplayTest::linkLostDuringADownloadDoesNotStopIt()
     (*gates)[0].open();
     QTRY_VERIFY(user.isIdle());
     QCOMPARE(recording("a.mp4"), QByteArray("a"));
-    // No further download starts.
+    // Without a link, a click on the download button has no effect.
     user.clickDownload();
     QVERIFY(user.isIdle());
     QCOMPARE(scene->camera->targets().size(), 2);

@@ -138,7 +138,7 @@ void KeyboardTest::arrowsSelectRowsInTheTable()
     QCOMPARE(selectedRows(), (QList<int>{0, 1, 2, 3, 4}));
 }
 
-/// Tab moves through the cells, so another key has to leave the table.
+/// Tab only moves through the cells; Ctrl+Tab leaves the table.
 void KeyboardTest::tabStaysInATableWithRows()
 {
     enterTableOfFive();

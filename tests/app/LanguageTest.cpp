@@ -51,7 +51,8 @@ private slots:
 private:
     using Texts = QStringList; // "label_1: HardwareType:"
 
-    /// Returns every translated text of the window by what shows it.
+    /// Returns every translated text of the window, each after the name of the widget or column
+    /// that shows it.
     Texts shown() const
     {
         Texts texts;
@@ -110,7 +111,8 @@ void LanguageTest::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
 }
 
-/// Selects English, because the translator outlives its window and would translate the next one.
+/// Selects English, because the translator outlives the window and would also translate the next
+/// one.
 void LanguageTest::cleanup()
 {
     choose(1);

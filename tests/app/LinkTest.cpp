@@ -211,7 +211,8 @@ void LinkTest::failureAndSuccessLookExactlyAsDesigned()
     if (QTest::currentTestFailed()) {
         return;
     }
-    // Set the opposite state first, then the state as the link thread would.
+    // Sets the opposite state first, then the tested state, both through the slot that the link
+    // thread calls.
     user.probe().call("updateLinkedFlag", Q_ARG(bool, !reachable));
     QVERIFY(user.statusField().styleSheet() != styleSheet);
     user.statusField().setFont(QFont());
@@ -358,7 +359,7 @@ void LinkTest::versionReportFillsTheFiveFields()
     control.link().send(versionReport);
     QTRY_COMPARE(user.versions(), (QStringList{"v7", "v3", "v6", "v1", "v0.1"}));
     QTRY_VERIFY(control.link().isAllRead());
-    // Low bytes of 0x80 or more lower the value: 256 - 112.
+    // Both bytes of a version are signed: 01 90 means 256 - 112 = 144.
     control.link().send(QByteArray::fromHex("aaaf0009ff0190012c0000ffff00"));
     QTRY_COMPARE(user.versions(), (QStringList{"v-1", "v1.44", "v3", "v0", "v-2.57"}));
 }
@@ -390,13 +391,13 @@ void LinkTest::versionReportAfterALossChangesNothing()
     QTRY_COMPARE(control.links(), QList<int>{2});
     control.link().send(QByteArray::fromHex("aaaf000909000100020003000400"));
     QTRY_VERIFY(control.link().isAllRead());
-    // The report has been processed when the heartbeat after it shows.
+    // When the window shows the effect of this heartbeat, it has processed the report before it.
     control.link().send(heartbeat);
     QTRY_COMPARE(user.status(), linked.english);
     QCOMPARE(user.versions(), (QStringList{"v7", "v3", "v6", "v1", "v0.1"}));
 }
 
-/// Other numbers are in the test of link/VersionText.
+/// Other numbers are covered by the test of link/VersionText.
 void LinkTest::versionsAreWrittenInHundredths()
 {
     const UserWindow user;

@@ -81,7 +81,7 @@ void MetaObjectTest::entriesAreInTheirOrder_data()
     slot("void", "on_pushButtonDownloadFile_clicked()", "");
     slot("void", "DownloadFile(QString)", "fileName");
     slot("void", "DownloadFileFinished()", "");
-    // Declared with qint64, which the meta-object calls by its built-in name.
+    // Declared with qint64, which the meta-object reports as qlonglong.
     slot("void", "updateDownloadFileProgress(qlonglong,qlonglong)", "bytesRead,totalBytes");
     slot("void", "on_pushButtonDeleteFile_clicked()", "");
     slot("void", "DeleteFile(QString)", "fileName");

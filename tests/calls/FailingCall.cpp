@@ -108,8 +108,8 @@ bool canComeFrom(int descriptor)
     return S_ISSOCK(properties.st_mode) == (failure.comes == Comes::FromSockets);
 }
 
-/// Leaves the socket as the real error would: nothing more is received, not even data that had
-/// arrived.
+/// Leaves the socket as the real error would: later receives return no data, not even data that had
+/// already arrived.
 void endConnection(int descriptor)
 {
     ::shutdown(descriptor, SHUT_RDWR);
@@ -191,7 +191,7 @@ int wrappedConnect(int descriptor, const sockaddr* address, socklen_t size)
         return realConnect(descriptor, address, size);
     }
     if (failure.number == EINTR) {
-        // The wait is interrupted, not the connection attempt: the next call finds it completed.
+        // Only the wait is interrupted: the attempt goes on, and the next call finds it completed.
         realConnect(descriptor, address, size);
         errno = EINTR;
     }

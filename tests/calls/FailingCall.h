@@ -1,5 +1,5 @@
-// Fault injection for a program linked for it: the linker redirects the calls below, where our own
-// objects make them, to this code (CMakeLists.txt). Qt's own calls are not affected.
+// Fault injection: in a program linked with the options in CMakeLists.txt, the linker redirects the
+// calls below to this code if our own objects make them. Qt's own calls are not affected.
 #pragma once
 
 #include <array>

@@ -120,8 +120,8 @@ private:
     void link()
     {
         m_user.clickLink();
-        // A link thread without a socket tries to connect forever: no versions, but no failure
-        // either.
+        // A link thread whose socket cannot be created tries to connect forever. It then reports
+        // neither versions nor a failure, so the result of this wait is ignored.
         const QStringList none = {QString(), QString(), QString(), QString(), QString()};
         support::eventually([&] { return m_user.versions() != none; }, versionsLimit);
     }
@@ -168,8 +168,8 @@ private:
     BoxCloser m_boxes;
 };
 
-/// Complains about every file and folder, existing or opened, other than the two expected
-/// recordings and their folders.
+/// Reports every file and folder that exists or was opened, other than the two expected recordings
+/// and their folders.
 void checkFolders()
 {
     const QString folder = desktop() + "/DCIM";

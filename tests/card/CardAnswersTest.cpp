@@ -238,7 +238,7 @@ void CardAnswersTest::walkTakesLinearTime_data()
     QTest::newRow("one name, after all other entries") << QByteArray("ZEPNA/a.mp4;");
 }
 
-// Searching the rest of the text for each entry would take minutes.
+// A walk that searched the rest of the text again for each entry would take minutes.
 void CardAnswersTest::walkTakesLinearTime()
 {
     QFETCH(QByteArray, end);

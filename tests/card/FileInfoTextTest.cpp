@@ -53,8 +53,8 @@ void FileInfoTextTest::answerBecomesDateSizeAndDuration_data()
     row("short-create", "2020--  ::", "1KB", "5s");
     row("empty-values", "--  ::", "KB", "s");
     row("time-no-number", date, "KB", "a whiles");
-    // A missing field takes the text of the field before it: the size is then the low 32 bits of
-    // the creation time, and the duration shows the digits of the size.
+    // For a missing field, the text of the field before it is used: a missing size is the low 32
+    // bits of the creation time, and a missing duration is the number shown as the size.
     row("empty", "--  ::", "KB", "s");
     row("no-create", "--  ::", "1MB", "37s");
     row("no-size", date, "858MB", "37s");

@@ -39,7 +39,7 @@ void FileInfoText_EveryCutTest::detailsAreShownAsFarAsReceived_data()
 {
     QTest::addColumn<Pieces>("pieces");
     const auto row = [](const char* name, const Pieces& pieces) { QTest::newRow(name) << pieces; };
-    // A field that was not received takes the text of the field before it.
+    // For a field that was not received, the text of the field before it is used.
     row("recording", {{"create=\"20200131124502\"", "--  ::|KB|s"},
                       {";size=\"1572864\"", "2020-01-31  12:45:02|858MB|858s"},
                       {";time=\"37\"", "2020-01-31  12:45:02|1MB|1s"},

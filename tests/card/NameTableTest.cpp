@@ -1,5 +1,5 @@
-// The fixed slots of the file names: names that fit, names that run on, slots that are never
-// written.
+// The fixed slots of the file names: names that fit, names that continue in the next slots, and
+// slots that are never written.
 #include "card/NameTable.h"
 
 #include "tests/kit/TestMain.h"

@@ -193,7 +193,7 @@ void DownloadFileThreadTest::requestOver2048BytesIsSentWhole()
     QVERIFY(request.endsWith("\r\nHost:192.168.1.120\r\nConnection:close\r\n\r\n"));
     QCOMPARE(download.recorder.received, QList<qint64>({3}));
     QCOMPARE(download.output.text(),
-             QByteArray("Create file failed\n")); // such a long name is not allowed
+             QByteArray("Create file failed\n")); // the file system allows no such long name
 }
 
 void DownloadFileThreadTest::recordingArrivesByteForByte()
@@ -458,7 +458,7 @@ void DownloadFileThreadTest::downloadFileWorksInTheCallingThread()
         server.received(0).startsWith("GET http://192.168.1.120/sd/DCIM/100ZEPNA/argument.mp4 "));
 }
 
-// Writing to a connection that was refused raises SIGPIPE where it is not blocked.
+// Writing to a socket whose connection was refused raises SIGPIPE unless the thread blocks it.
 void DownloadFileThreadTest::refusedDownloadInTheCallingThreadRaisesNoSignal()
 {
     const auto before = std::signal(SIGPIPE, SIG_DFL);
@@ -537,7 +537,7 @@ void DownloadFileThreadTest::destructionWaitsForTheSlotsOfTheLastSignal()
         &thread, &DownloadFileThread::downloadFileFinished, &thread,
         [&] {
             entered = true;
-            QThread::msleep(50); // by then the destructor is waiting
+            QThread::msleep(50); // gives the destructor time to start waiting
             left = true;
         },
         Qt::DirectConnection);

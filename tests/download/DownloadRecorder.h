@@ -16,8 +16,8 @@ class DownloadRecorder : public QObject
     Q_OBJECT
 
 public:
-    QList<qint64> received;  ///< Bytes received, of each progress signal.
-    QList<qint64> announced; ///< Bytes announced, of each progress signal.
+    QList<qint64> received;  ///< The received bytes that each progress signal reports.
+    QList<qint64> announced; ///< The announced length that each progress signal reports.
     int finished = 0;
     int progressAfterFinished = 0;
 

@@ -41,7 +41,7 @@ QString localPath()
 struct Outcome
 {
     std::string text;       ///< Status, type in brackets, length, and the local file in quotes.
-    QList<qint64> received; ///< First values of the progress signals.
+    QList<qint64> received; ///< The received bytes that each progress signal reports.
 };
 
 /// A camera that answers each request with the pieces set last.

@@ -25,7 +25,8 @@ std::size_t readHead(const std::string& text, fuzz::End end, HTTPResponse& respo
     return peer.received();
 }
 
-/// Returns the end of the head: after the first empty line.
+/// Returns the end of the head: after the first empty line, or the end of the text if there is
+/// none.
 std::size_t endOfHead(const std::string& text)
 {
     if (text.compare(0, 2, "\r\n") == 0) {

@@ -1,7 +1,8 @@
 // Reading a chunked body.
 //
-// Input: the bytes after the head. They are delivered whole, byte by byte and in pieces of seven,
-// and then the connection closes or fails. The result must always be the same.
+// Input: the bytes after the head. They are delivered whole and byte by byte, each on a connection
+// that then closes, and in pieces of seven on one that then fails. The result must always be the
+// same.
 #include "http/HTTPClient.h"
 #include "tests/fuzz/MemoryPeer.h"
 

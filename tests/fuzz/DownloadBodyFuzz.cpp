@@ -35,7 +35,8 @@ Plan planOf(const std::string& input)
 
 void judge(const Plan& plan, fuzz::End end)
 {
-    // Pieces are written until the length is reached; it is checked after each receive.
+    // The length is checked only after each receive, so whole pieces are written until it is
+    // reached.
     std::size_t expected = 0;
     std::size_t pieces = 0;
     while (expected < plan.recording.size() && static_cast<qint64>(expected) < plan.announced) {

@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view spaces = " \t\n\v\f\r";
 
 /// Returns the end of the head: after the fourth carriage return or line feed in a row, ignoring
-/// zero bytes.
+/// zero bytes, or the end of the text if there is none.
 std::size_t endOfHead(std::string_view text)
 {
     int run = 0;
@@ -29,7 +29,8 @@ std::size_t endOfHead(std::string_view text)
     return text.size();
 }
 
-/// Returns the text after the word that begins with the marker, up to the end.
+/// Finds the marker and returns the text from the next word to the end; empty if the marker or the
+/// next word is missing.
 std::string behindWord(const std::string& text, const char* marker)
 {
     const std::size_t word = text.find(marker);

@@ -73,7 +73,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                   "the date is the creation time with separators");
     judgeExactSize(answer.get(), text);
 
-    // Texts with a percent sign are not checked further: the unit would replace a %1 in them.
+    // Texts with a percent sign are not checked further: QString::arg() may insert the unit into
+    // them.
     if (text.find('%') != std::string_view::npos) {
         return 0;
     }

@@ -24,14 +24,14 @@ public:
     /// Like the system call: returns the number of bytes written to the buffer, 0 when closed, or
     /// -1 with errno.
     virtual ssize_t receive(char* buffer, std::size_t limit) = 0;
-    /// Receives what is written to descriptor -1.
+    /// Takes the bytes that are written to descriptor -1.
     virtual void take(std::string_view /*bytes*/) {}
 };
 
 enum class End { Closed, Failed };
 
-/// A peer that delivers a text in pieces of one size, and then its end to every further receive. A
-/// parser that keeps receiving after the end is a finding.
+/// A peer that delivers a text in pieces of one size. Every further receive reports the end of the
+/// connection; a parser that keeps receiving then is a finding.
 class TextPeer : public MemoryPeer
 {
 public:

@@ -12,8 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace fuzz {
 
-/// Maximum length of a seed. Fuzzed inputs are shorter for most targets (see tests/fuzz/run): short
-/// inputs run fast, and the parsers' limits are below that length or far above.
+/// Maximum length of a seed. Fuzzed inputs are even shorter (see tests/fuzz/run), because short
+/// inputs run faster.
 constexpr std::size_t longestInput = 512;
 
 /// Aborts if a property does not hold; the fuzzer then keeps the input.

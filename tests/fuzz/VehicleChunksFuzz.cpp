@@ -1,7 +1,8 @@
 // Receiving from a module of the vehicle.
 //
 // Input: steps, each starting with a byte: 0 is a tick without a heartbeat, FF a receive
-// interrupted by a signal, any other number the count of bytes that the module sends at once.
+// interrupted by a signal, any other number the count of the following bytes, which the module
+// sends at once.
 #include "link/ReceiveLoop.h"
 #include "tests/fuzz/MemoryPeer.h"
 
@@ -13,7 +14,8 @@ namespace {
 constexpr std::size_t longestReceive = 100;
 constexpr int tickLimit = 6;
 
-/// A module that plays the steps. The handler must be given what last() returns.
+/// A module that plays the steps. The handler must be given the bytes of the last receive, which
+/// last() returns.
 class Module : public fuzz::MemoryPeer
 {
 public:

@@ -1,6 +1,7 @@
 // belun-verify's parser of HTTP answers.
 //
-// Input: the size of the pieces, then what the camera sends before it closes the connection.
+// Input: a byte that sets the size of the pieces, then what the camera sends before it closes the
+// connection.
 #include "tests/fuzz/Require.h"
 #include "verify/AnswerReader.h"
 

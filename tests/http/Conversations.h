@@ -8,7 +8,7 @@
 
 Q_DECLARE_METATYPE(support::Conversation)
 
-/// Adds a row "conversation" for each one that fits.
+/// Adds a column "conversation" and a row for each conversation that fits.
 inline void addConversations(bool (*fits)(const support::Conversation&))
 {
     QTest::addColumn<support::Conversation>("conversation");

@@ -21,7 +21,7 @@ QByteArray text(const std::string& bytes)
     return QByteArray::fromStdString(bytes);
 }
 
-/// Splits the bytes that the peer sends in an exchange.
+/// A function that splits the bytes that the peer sends in an exchange.
 using Split = std::function<std::vector<std::string>(const std::string&, const Exchange&)>;
 
 void play(const Conversation& conversation, bool closes, const Split& split)

@@ -20,7 +20,7 @@ using support::ScriptedServer;
 
 namespace {
 
-/// Answers a request with the bytes and waits for the client to close.
+/// Returns a script that receives a request, sends the answer and waits for the client to close.
 ScriptedServer::Script answering(const QByteArray& answer)
 {
     return [answer](Peer& peer) {
@@ -42,7 +42,7 @@ bool isOpen(int descriptor)
     return ::fcntl(descriptor, F_GETFD) != -1;
 }
 
-/// A port without a listener.
+/// Returns a port without a listener.
 int refusingPort()
 {
     return ScriptedServer([](Peer&) {}).port();
@@ -151,7 +151,7 @@ void HTTPClient_ExchangeTest::lowSixteenBitsOfThePortAreUsed()
 
 void HTTPClient_ExchangeTest::hostWithoutAddressIsStillConnectedTo()
 {
-    // The address 0 is this computer.
+    // The name cannot be resolved, so the client connects to the address 0, which is this computer.
     ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"));
     HTTPRequest request;
     request.url = "http://my_host:" + std::to_string(server.port());
@@ -165,7 +165,8 @@ void HTTPClient_ExchangeTest::hostWithoutAddressIsStillConnectedTo()
 
 void HTTPClient_ExchangeTest::invalidDottedHostIsStillConnectedTo()
 {
-    // The broadcast address accepts no connections.
+    // inet_addr() returns INADDR_NONE for this host, which is the broadcast address: connecting to
+    // it fails.
     HTTPRequest request;
     request.host = "1.2.3.4.5";
     HTTP_REQ_TYPE type = HTTP_REQ_GET;

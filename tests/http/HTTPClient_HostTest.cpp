@@ -24,7 +24,7 @@ private slots:
     void knownNameGivesItsAddressInNetworkByteOrder();
 };
 
-/// The bytes of the address in memory.
+/// Returns the bytes of the address in memory order as hexadecimal numbers.
 static QByteArray bytesOf(unsigned int address)
 {
     char bytes[4];
@@ -67,7 +67,8 @@ void HTTPClient_HostTest::unknownNameGivesZero_data()
     QTest::addColumn<QByteArray>("host");
     const auto row = [](const char* name, const QByteArray& host) { QTest::newRow(name) << host; };
 
-    // As a dotted address, each of these would be all ones.
+    // Each contains a letter or one of the six characters between "Z" and "a", so it must be
+    // resolved as a name (0); inet_addr() would return INADDR_NONE (all ones).
     row("underscore", "my_host");
     row("first of the letters", "A!");
     row("last of the letters", "z!");

@@ -22,7 +22,8 @@ using support::SocketPair;
 
 namespace {
 
-/// Answers a request, whose body ends with the marker, and waits for the client to close.
+/// Returns a script that receives a request up to `endOfRequest`, sends the answer and waits for
+/// the client to close.
 ScriptedServer::Script answering(const QByteArray& endOfRequest, const QByteArray& answer)
 {
     return [endOfRequest, answer](Peer& peer) {
@@ -40,7 +41,7 @@ HTTPRequest requestTo(const ScriptedServer& server, const std::string& path)
     return request;
 }
 
-/// The head of a request without headers of its own.
+/// Returns the head of a request that sets no headers.
 QByteArray bareHead(const QByteArray& path, const ScriptedServer& server)
 {
     return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) +

@@ -32,7 +32,7 @@ static std::string headOf(HTTPRequest request, HTTP_REQ_TYPE type = HTTP_REQ_GET
     return head;
 }
 
-/// A request whose head consists of its first two lines and the empty line.
+/// Returns a request whose head consists of the first two lines and the empty line.
 static HTTPRequest bareRequest()
 {
     HTTPRequest request;

@@ -1,4 +1,5 @@
-// parseLine, and what is no conversation: long lines, sizes of receives, failing receives, memory.
+// parseLine, and cases that the conversation files cannot express: long lines, sizes of receives,
+// failing receives, memory.
 #include "http/HTTPClient.h"
 
 #include "tests/kit/SocketPair.h"
@@ -54,8 +55,9 @@ private:
     SocketPair m_pair;
 };
 
-/// Lets this process take so many bytes more than it has. The C library reserves addresses for
-/// later: only the second limit holds for these.
+/// Limits the memory of this process to `more` bytes beyond its present size. The C library
+/// reserves addresses in advance, which are part of the first limit; only the second one limits
+/// their use.
 void limitMemory(std::size_t more)
 {
     std::size_t all = 0;
@@ -69,9 +71,9 @@ void limitMemory(std::size_t more)
     ::setrlimit(RLIMIT_DATA, &written);
 }
 
-/// Lets a process of its own, with so many bytes of memory more than this one has, read from the
-/// product's end of the pair. Its exit status is 0 if the reader returns true, 2 after an
-/// exception.
+/// Starts a child process that may use `more` bytes of memory beyond the size of this one, and that
+/// runs the reader on the product's end of the pair. Returns the id of the child, whose exit status
+/// is 0 if the reader returns true, 1 if it returns false, and 2 after an exception.
 pid_t readInLittleMemory(SocketPair& pair, std::size_t more,
                          const std::function<bool(HTTPSession&)>& reader)
 {
@@ -224,7 +226,8 @@ void HTTPClient_ResponseTest::halvesMayBeAppendedToTheLineItself()
     QCOMPARE(other, name + value);
 }
 
-// No conversation: byte by byte, this takes a busy machine longer than a player waits.
+// Not in a conversation file: delivered byte by byte, this head would exceed the time limit of the
+// players on a busy machine.
 void HTTPClient_ResponseTest::headLineEndsAt102400Bytes()
 {
     Incoming incoming;
@@ -255,7 +258,7 @@ void HTTPClient_ResponseTest::failingConnectionEndsTheHeadWithoutAnError()
 
 void HTTPClient_ResponseTest::plainBodyIsReceivedInPiecesOfAtMost10240Bytes()
 {
-    // A receive takes the requested bytes of a packet; the rest of the packet is lost.
+    // On a packet socket, a receive returns the requested bytes of a packet and discards the rest.
     int ends[2] = {-1, -1};
     QCOMPARE(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
     for (const char filler : {'a', 'b', 'c'}) {
@@ -391,7 +394,7 @@ void HTTPClient_ResponseTest::bodyBeyondTheMemoryIsAFailure()
     QVERIFY2(blocks < 500, "the whole body fitted into the memory");
 }
 
-// Lines of eight bytes, each of which becomes an entry of a map.
+// Each line has at most eight bytes and becomes an entry of a map, which takes more memory.
 void HTTPClient_ResponseTest::headBeyondTheMemoryEndsThere()
 {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

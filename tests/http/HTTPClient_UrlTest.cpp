@@ -19,7 +19,7 @@ private slots:
     void addressItselfAndHeadersStayAsTheyWere();
 };
 
-/// A request with values other than the defaults, so that a test sees what is written.
+/// Returns a request whose fields differ from the defaults, so that a test sees which ones are set.
 static HTTPRequest usedRequest(const QByteArray& url)
 {
     HTTPRequest request;
@@ -41,7 +41,7 @@ void HTTPClient_UrlTest::addressIsSplit_data()
         QTest::newRow(name) << url << host << port << path;
     };
 
-    // Neither port nor path: 1234 and "/before" are the old values.
+    // Without a port and a path the old values 1234 and "/before" are kept.
     row("eight characters are enough", "http://a", "a", 1234, "/before");
     row("host alone", "http://camera", "camera", 1234, "/before");
     row("prefix repeated", "http://http", "http", 1234, "/before");

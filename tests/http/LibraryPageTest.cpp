@@ -24,7 +24,8 @@ const QByteArray camera = "192.168.1.120";
 constexpr quint16 webPort = 80;
 constexpr quint16 otherPort = 8080;
 
-/// Answers a request that ends with the marker, and waits for the client to close.
+/// Returns a script that receives a request up to `endOfRequest`, sends the answer and waits for
+/// the client to close.
 ScriptedServer::Script answering(const QByteArray& endOfRequest, const QByteArray& answer)
 {
     return [endOfRequest, answer](Peer& peer) {

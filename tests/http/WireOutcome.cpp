@@ -110,7 +110,7 @@ Outcome readFrom(const std::string& call, Record& record, const support::Deliver
     session.socketDescriptor = ends[0];
     support::PieceSender sender(ends[1], ends[0], delivery);
 
-    const int kept = ::dup(ends[0]); // stopPost closes the other one
+    const int kept = ::dup(ends[0]); // for receivedByNow(): stopPost closes ends[0]
 
     HTTPClient client;
     bool result = true;

@@ -13,13 +13,15 @@ struct Record
     std::string body;
 };
 
-/// Describes a result: every field of the response that differs from a new one, the header map in
-/// braces, the body in quotes. Line endings and non-ASCII bytes are escaped, long runs of one
-/// character are shortened.
+/// Describes a result: every field of the response that differs from a new response's, the header
+/// map in braces, the body in quotes. Line endings and non-ASCII bytes are escaped, long runs of
+/// one character are shortened.
 std::string describe(bool result, const Record& record);
 
-/// Returns a call's text up to "given". The record becomes what follows it, which is in the words
-/// of a result: "readBody given length=5 received=3". If it does not, the text returned says so.
+/// Returns the part of a call before "given", and sets the record to the state described after it
+/// in the words of a result: "readBody given length=5 received=3". Returns an error text if that
+/// state contains an unknown word. A call without "given" is returned unchanged and keeps the
+/// record.
 std::string prepared(const std::string& call, Record& record);
 
 struct Outcome
@@ -28,7 +30,7 @@ struct Outcome
     std::string unread; ///< In quotes; empty if everything was read.
 };
 
-/// Makes the call over a socket pair: readHeader, readBody, both for "get PATH", or stopPost for
-/// "post PATH DATA". If the client does not return within five seconds it is stopped, and the text
-/// says so.
+/// Makes the call over a socket pair: readHeader, readBody, both of these for "get PATH", or
+/// stopPost for "post PATH DATA". If the client does not return within five seconds it is stopped,
+/// and the text says so.
 Outcome readFrom(const std::string& call, Record& record, const support::Delivery& delivery);

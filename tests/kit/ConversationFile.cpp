@@ -45,7 +45,8 @@ std::string unescaped(const std::string& text)
     return bytes;
 }
 
-/// Takes the lines of one file, in order, and an empty line at its end.
+/// A parser for one file. take() must be called with each line in order, and then with an empty
+/// line.
 class Parser
 {
 public:
@@ -131,7 +132,7 @@ private:
 
     const std::string m_prefix;
     std::vector<Conversation>& m_all;
-    std::map<std::string, std::vector<std::string>> m_lines; // by the comment above
+    std::map<std::string, std::vector<std::string>> m_lines; // of each conversation, by its name
     std::string m_name;
     bool m_continues = false; // the next call belongs to the same conversation
 };

@@ -7,20 +7,20 @@
 //   < \n                                 | false chunked last received=2 "5\r"
 //   < hello\r\nnext                      = true chunked last received=2 "5\r" unread "next"
 //
-// `#` is a comment; the one right above `client` names the conversation. `client` states the call,
-// `<` what the peer sends, `=`, in the last of these lines or below it, the result and, after
-// `unread`, the bytes that the client leaves. A further call of the same conversation follows
-// without an empty line. The words of a call and of a result are the player's.
+// `#` is a comment; the one right above `client` names the conversation. `client` states the call
+// and `<` what the peer sends. `=`, in the last `<` line or below it, states the result and, after
+// `unread`, the bytes that the client leaves unread. A further call of the same conversation
+// follows without an empty line. The player defines the words of calls and results.
 //
-// `|` states the result if the connection ends there: before any byte, or after a byte of the line.
-// It is in every line above the last `<` or in none.
+// `|` states the result if the connection ends there: in the `client` line before the first byte,
+// in a `<` line after any of its bytes. It is in every line above the last `<` line or in none.
 //
 // A `<` line may state an action after its bytes. `! close`: the peer closes. `! pause`: the peer
 // waits until the client has received everything; the conversation is then played only with these
 // pauses.
 //
-// `then as in: NAME` continues like a conversation above in the same file, after its first `<`
-// line.
+// `then as in: NAME` continues with the lines of an earlier conversation in the same file that
+// follow its first `<` line.
 //
 // Bytes are escaped: \r \n \\ \xFF, \s (a space at the start or the end), \(25000 x) (a repeated
 // character).

@@ -20,7 +20,8 @@ struct Piece
 /// Returns the bytes of all pieces.
 std::string allBytes(const std::vector<Piece>& pieces);
 
-/// Returns the expected outcome if the connection closes after the first `count` bytes.
+/// Returns the expected outcome if the connection closes after the first `count` bytes; that is
+/// `closedAtStart` for 0.
 std::string closedBehind(const std::vector<Piece>& pieces, const std::string& closedAtStart,
                          std::size_t count);
 

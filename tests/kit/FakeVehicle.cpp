@@ -132,7 +132,7 @@ void Camera::serve(Peer& peer)
     try {
         peer.receiveUntil(headEnd);
     } catch (const support::ScriptFailed&) {
-        // Reported below, unless the client closed at once.
+        // Reported below, unless nothing was received.
     }
     const QByteArray head = peer.received();
     if (!head.endsWith(headEnd)) {

@@ -32,14 +32,14 @@ constexpr char deleteAllTarget[] = "/cgi-bin/hi3510/deleteallfiles.cgi?";
 constexpr char formatTarget[] = "/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
 constexpr char downloadTarget[] = "http://192.168.1.120/sd/DCIM/100ZEPNA/";
 
-/// A place where a server waits until the test opens it.
+/// A gate at which a server waits until the test opens it.
 class Gate
 {
 public:
     void open();
-    /// A server waits here or has passed.
+    /// Returns whether a server waits here or has waited here.
     bool isReached() const { return m_reached; }
-    /// The server's side. Returns false if the test has not opened the gate within ten seconds.
+    /// Called by the server: waits until the gate is open. Returns false after ten seconds.
     bool pass();
 
 private:
@@ -74,18 +74,18 @@ public:
     explicit Module(const char* address);
 
     int connectionCount() const { return m_server.connectionCount(); }
-    /// The open connections: the links, without the probes.
+    /// Returns the numbers of the open connections: the links, since probes have been closed again.
     QList<int> links() const { return m_server.openConnections(); }
     Link operator[](int index) const { return Link(m_server.peer(index)); }
-    /// The newest link; there must be one.
+    /// Returns the newest link. Ends the test program if there is none.
     Link link() const;
 
 private:
     support::ScriptedServer m_server;
 };
 
-/// A camera: each connection carries one request. Sends the answer set for the longest matching
-/// prefix of its target, then closes the connection.
+/// A camera that serves one request per connection: it sends the answer set for the longest
+/// matching prefix of the request's target, then closes the connection.
 class Camera
 {
 public:
@@ -93,9 +93,9 @@ public:
 
     Camera();
 
-    /// The bytes, unchanged.
+    /// Answers with these bytes, unchanged.
     void answerRaw(const QByteArray& targetStart, const QByteArray& bytes);
-    /// A body with its length announced.
+    /// Answers with this body and its announced length.
     void answer(const QByteArray& targetStart, const QByteArray& body);
     /// Closes the connection without an answer.
     void fail(const QByteArray& targetStart);
@@ -104,12 +104,12 @@ public:
     void holdFiles(const QList<QByteArray>& names);
 
     int connectionCount() const { return m_server->connectionCount(); }
-    /// Request heads in order of arrival, as received.
+    /// Returns the request heads in order of arrival, as received.
     QList<QByteArray> heads() const;
-    /// The text between "GET " and " HTTP/1.1".
+    /// Returns the text between "GET " and " HTTP/1.1" of each request.
     QList<QByteArray> targets() const;
     void forgetRequests();
-    /// Targets without an answer, and waits that timed out.
+    /// Returns one text for each target without an answer and each incomplete request head.
     QList<QByteArray> errors() const;
 
 private:
@@ -123,9 +123,9 @@ private:
     std::unique_ptr<support::ScriptedServer> m_server; // last, because its threads use all above
 };
 
-/// An answer with its length announced.
+/// Returns an answer with this body and its announced length.
 QByteArray withLength(const QByteArray& body);
-/// The body of a list answer.
+/// Returns the body of a list answer.
 QByteArray fileList(const QList<QByteArray>& names);
 
 } // namespace fake

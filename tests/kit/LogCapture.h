@@ -35,8 +35,8 @@ private:
     QStringList m_lines;
 };
 
-/// Expects a warning or critical message that contains `part` at least once while this object
-/// exists, and lets it pass. The test fails if none arrives.
+/// A warning or critical message that the test expects at least once while this object exists:
+/// messages that contain `part` do not fail the test, but it fails if none arrives.
 class ExpectedWarning
 {
 public:

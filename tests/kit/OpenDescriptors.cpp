@@ -31,8 +31,8 @@ int countTargets(Predicate matches)
 
 } // namespace
 
-// Does not read the targets: the soak test calls this thousands of times with thousands of
-// descriptors.
+// Does not read the descriptors' targets, because the soak test calls this thousands of times with
+// thousands of descriptors.
 int socketsConnectedTo(const QByteArray& address, quint16 port)
 {
     const in_addr_t wanted = inet_addr(address.constData());

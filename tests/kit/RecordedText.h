@@ -17,8 +17,8 @@ QString dataPath(const QString& name);
 /// test program.
 QString differenceToData(const QString& name, const QString& text);
 
-/// Compares the text with the recording of that name ("wire/healthy.txt"), or records it, and then
-/// returns a message that says so.
+/// Compares the text with the recording of that name ("wire/healthy.txt"), like differenceToData().
+/// With BELUN_RECORD=1, records the text instead and returns a message that says so.
 QString differenceToRecorded(const QString& name, const QString& text);
 
 /// Returns an error text if recording is requested while CI is set, otherwise an empty text.

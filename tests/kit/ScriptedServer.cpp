@@ -135,7 +135,8 @@ void ScriptedServer::joinFinished()
 
 void ScriptedServer::stop()
 {
-    // In this order, so that a client that reconnects immediately is already refused.
+    // The listener is closed before the connections, so that a client that reconnects immediately
+    // is refused.
     m_listening = false;
     if (m_thread.joinable()) {
         m_thread.join();
@@ -173,7 +174,7 @@ int ScriptedServer::connectionCount() const
     const auto deadline = std::chrono::steady_clock::now() + patience;
     while (m_listening && std::chrono::steady_clock::now() < deadline) {
         {
-            // With the lock, no connection is between the kernel and the list.
+            // While this thread holds the lock, every accepted connection is in the list.
             const std::lock_guard<std::mutex> lock(m_mutex);
             if (!isConnectionWaiting()) {
                 return static_cast<int>(m_connections.size());

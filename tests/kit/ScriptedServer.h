@@ -50,16 +50,17 @@ public:
     /// Keeps the connection open until the server stops; received bytes are only recorded.
     void holdOpen();
 
-    /// Receives until the client closes or the test wants the connection to end.
+    /// Receives until the client closes, or until wantClose() or wantReset() is called.
     void serve();
 
     // These may be called from any thread:
 
-    /// The number of this connection, starting at 0.
+    /// Returns the number of this connection, counted from 0.
     int number() const { return m_number; }
     /// Returns everything received so far.
     QByteArray received() const;
-    /// Returns whether no side has closed; a close of the client's is noticed when receiving.
+    /// Returns whether neither side has closed. A close by the client is noticed only when
+    /// receiving.
     bool isOpen() const { return m_open; }
     /// Returns whether the client has read everything sent so far.
     bool isAllRead() const;
@@ -102,9 +103,9 @@ private:
     QByteArray m_received;
 };
 
-/// Listens on an address from construction on and runs a script in a separate thread for each
-/// connection. Records everything received per connection. When it is destroyed in the test's
-/// thread, errors that the test has not queried fail the test.
+/// A server that listens on an address from construction on and runs a script in a separate thread
+/// for each connection. It records everything received per connection. When it is destroyed in the
+/// test's thread, errors that the test has not queried fail the test.
 class ScriptedServer
 {
 public:
@@ -123,21 +124,21 @@ public:
     QByteArray address() const { return m_address; }
     quint16 port() const { return m_port; } ///< The chosen port, if 0 was requested.
 
-    /// Returns the connections made so far, including those that the kernel has not handed over.
+    /// Returns the number of connections made so far, including those not yet accepted.
     int connectionCount() const;
-    /// Returns a connection that exists. It lives as long as the server.
+    /// Returns a connection, which must exist. It lives as long as the server.
     Peer& peer(int connection) const;
     /// Returns the numbers of the open connections.
     QList<int> openConnections() const;
     /// Returns everything received on a connection so far; empty for one that does not exist yet.
     QByteArray received(int connection) const;
-    /// Failed scripts and connections without a script, one text each.
+    /// Returns one text for each failed script and each connection without a script.
     QStringList errors() const;
 
-    /// These wait, processing events, and return whether it happened within the limit.
+    /// The next three wait, processing events. They return false after the limit in milliseconds.
     bool waitForConnections(int count, int limit = 5000) const;
     bool waitForReceived(int connection, const QByteArray& bytes, int limit = 5000) const;
-    /// All connections were made and their scripts have ended.
+    /// Waits until the scripts of `count` connections have ended.
     bool waitForScripts(int count, int limit = 5000) const;
 
     /// Stops listening, ends the scripts, closes every connection and refuses new ones.

@@ -10,7 +10,7 @@ namespace support {
 
 struct TcpSocket
 {
-    std::uint32_t localAddress; ///< Network byte order, as in sockaddr_in; ports in the host's.
+    std::uint32_t localAddress; ///< In network byte order; the ports are in host byte order.
     std::uint32_t localPort;
     std::uint32_t remoteAddress;
     std::uint32_t remotePort;

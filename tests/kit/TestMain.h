@@ -19,7 +19,7 @@ class TestEnvironment
 {
 public:
     TestEnvironment();
-    ~TestEnvironment(); ///< Removes both folders.
+    ~TestEnvironment(); ///< Removes the home folder and the cache folder.
     TestEnvironment(const TestEnvironment&) = delete;
     TestEnvironment& operator=(const TestEnvironment&) = delete;
 

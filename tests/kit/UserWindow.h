@@ -13,8 +13,8 @@
 #include <QStringList>
 #include <QTableWidget>
 
-/// The window on screen: its widgets are operated with mouse and keyboard, and what it shows is
-/// read.
+/// The window on screen, with functions that operate its widgets by mouse and keyboard and that
+/// return what it shows.
 class UserWindow
 {
 public:
@@ -23,8 +23,8 @@ public:
     UserWindow(const UserWindow&) = delete;
     UserWindow& operator=(const UserWindow&) = delete;
 
-    /// Destroys the window, as the end of the program does, with English selected: its translator
-    /// stays installed and would translate the next window too.
+    /// Selects English, then destroys the window as the end of the program does. The window's
+    /// translator stays installed and would translate the next window too.
     void destroy();
 
     MainWindow& window() const { return *m_window; }
@@ -36,7 +36,7 @@ public:
     void clickDelete() const { probe().click(QStringLiteral("pushButtonDeleteFile")); }
     void clickDeleteAll() const { probe().click(QStringLiteral("pushButtonDeleteAllFiles")); }
     void clickFormat() const { probe().click(QStringLiteral("pushButtonFormatCard")); }
-    /// Clicks the first row, and the others while holding Ctrl.
+    /// Clicks the first of these rows, and the others while holding Ctrl.
     void chooseRows(const QList<int>& rows) const;
     void chooseEnglish() const;
     void chooseChinese() const;
@@ -62,8 +62,8 @@ public:
     QProgressBar& progressBar() const;
     bool canDownload() const { return button("pushButtonDownloadFile").isEnabled(); }
     bool canDeleteAll() const { return button("pushButtonDeleteAllFiles").isEnabled(); }
-    /// Returns whether no download is running: the button is enabled, the progress bar is hidden
-    /// and the texts are empty.
+    /// Returns whether the window shows no download: the download button is enabled, the progress
+    /// bar is hidden and the texts are empty.
     bool isIdle() const;
 
 private:

@@ -51,8 +51,8 @@ private:
     QWidget& m_window;
 };
 
-/// Milliseconds after which what a window does with the simulator has failed, even on a busy
-/// machine.
+/// Time limit in milliseconds for anything that a window does with the simulator, long enough for a
+/// busy machine.
 constexpr int busyLimit = 30'000;
 
 /// Processes events until the condition holds. Returns false after the limit in milliseconds.

@@ -1,4 +1,4 @@
-// The window's texts, from the one table of them in tests/data, independent of the program's
+// The window's texts, read from a table in tests/data and so independent of the program's
 // catalogues. The screen tests read the same table.
 #pragma once
 
@@ -11,11 +11,11 @@ namespace support {
 
 struct WindowText
 {
-    QString name; ///< Identifies it in the tests.
+    QString name; ///< Identifies the text in the tests.
     QString english;
     QString chinese;
     QStringList shownBy;          ///< Object names; "column0" to "column3" are the table's headers.
-    QStringList accessibleNameOf; ///< The other objects that it names to assistive technologies.
+    QStringList accessibleNameOf; ///< Further objects whose accessible name it is.
 };
 
 /// Returns all texts, in the table's order.

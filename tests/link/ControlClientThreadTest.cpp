@@ -270,7 +270,7 @@ void ControlClientThreadTest::otherTypesAreIgnored()
     QCOMPARE(server.received(0), QByteArray());
 }
 
-// The first piece ends before the type byte, and the zero in the buffer there means a version
+// The first piece ends before the type byte. The buffer contains zero there, the type of a version
 // report.
 void ControlClientThreadTest::frameSplitBetweenTwoReceivesIsNotRecognised()
 {
@@ -552,8 +552,8 @@ void ControlClientThreadTest::stopEndsTheThread()
     QVERIFY2(time.elapsed() < stopLimit, qPrintable(QString::number(time.elapsed()) + " ms"));
     QVERIFY(link.thread.isFinished());
     QCoreApplication::processEvents();
-    QCOMPARE(link.log.lines(), lines);      // the stop itself is neither logged
-    QCOMPARE(link.recorder.events, events); // nor reported
+    QCOMPARE(link.log.lines(), lines);      // the stop itself logs nothing
+    QCOMPARE(link.recorder.events, events); // and emits no signal
 }
 
 void ControlClientThreadTest::threadThatWasNeverStartedCanBeDestroyed()

@@ -172,7 +172,8 @@ void ModuleSocketTest::connectingUsesOneSocketOnly()
     QCOMPARE(connecting.descriptor.load(), -2);
 }
 
-// The thread's socket is already connected, as it may be after an interrupted call.
+// The test connects the thread's socket: a socket may already be connected after an interrupted
+// connect().
 void ModuleSocketTest::socketThatIsConnectedAlreadyCountsAsSuccess()
 {
     ScriptedServer server(ScriptedServer::Script([](Peer& peer) { peer.holdOpen(); }));

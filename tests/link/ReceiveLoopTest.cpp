@@ -206,8 +206,8 @@ void ReceiveLoopTest::interruptedReceiveGoesOn()
     });
     pair.send("x");
     const bool begun = QTest::qWaitFor([&] { return handled == 1; });
-    // At least one of these interrupts the waiting thread, because waiting is all that is left for
-    // it to do.
+    // After the first byte the thread blocks in recv(), so at least one of these signals interrupts
+    // it.
     for (int number = 0; number < 50; ++number) {
         ::pthread_kill(loop.native_handle(), SIGUSR1);
         std::this_thread::sleep_for(std::chrono::microseconds(500));

@@ -166,7 +166,7 @@ public:
         thread.serverPort = m_server.port();
     }
 
-    /// Returns the answers, one text per delivery.
+    /// Returns the answers, one text per delivery, or none if the deliveries do not end in time.
     QStringList answers()
     {
         thread.start(QThread::InheritPriority);
@@ -205,7 +205,8 @@ private:
     ScriptedServer m_server;
 };
 
-/// Returns the control thread's signals for each delivery, up to the loss of the link at its end.
+/// Returns one text per delivery: the control thread's signals up to the loss of the link, or its
+/// answers if they do not match the signals. Returns no texts if a loss is missing.
 QStringList toldBy(Receiver<ControlClientThread>& receiver)
 {
     LinkRecorder recorder;

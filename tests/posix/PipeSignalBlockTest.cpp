@@ -91,7 +91,8 @@ void PipeSignalBlockTest::signalIsBlockedOnlyWhileTheObjectLives()
     QVERIFY(!isBlocked());
 }
 
-// In memory full of ones, a signal set that is not emptied first contains every signal.
+// The block is created in memory full of ones, so that a signal set that it failed to empty would
+// contain every signal.
 void PipeSignalBlockTest::noOtherSignalIsBlocked()
 {
     QList<int> expected = blockedSignals();

@@ -158,7 +158,7 @@ void StoppableCallsTest::stopWaitsForACallThatIsNotBlocked()
         while (!calls.stopRequested()) {
             std::this_thread::yield();
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // by then the stop is waiting
+        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // gives the stop time to wait
         leaving = true;
     });
     while (!entered) {

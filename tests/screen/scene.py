@@ -26,7 +26,7 @@ VERSIONS = ("v7", "v3", "v6", "v1", "v0.1")
 
 GREEN, RED, BLUE = (0, 128, 0), (255, 0, 0), (89, 153, 247)
 
-# The command line of screen_test.py.
+# The parsed command line, set by screen_test.py.
 options = None
 
 
@@ -144,7 +144,8 @@ class ScreenTest(harness.SimulatorTest):
             if item.role == role and item.name == name and item.has("FOCUSED")])
 
     def every_text_is_drawn(self, shot):
-        """Checks that something is drawn where a text is reported, and nothing elsewhere."""
+        """Checks that each button, label, text field and column header with an accessible text is
+        drawn with text in the screenshot, and each one without it is blank."""
         self.assertEqual([], wrongly_drawn(self.window.items(), shot))
 
     # What the user does.
@@ -165,7 +166,8 @@ class ScreenTest(harness.SimulatorTest):
             return not entries
         screen.click(screen.centre(self.item("combo box").box))
         self.wait_until("the list of languages", self.window.languages)
-        # A list that has just been opened ignores clicks.
+        # A list that has just been opened ignores clicks, so the click is repeated until the list
+        # closes.
         self.wait_until(f"the choice of {language}", click_entry)
 
     def link(self):

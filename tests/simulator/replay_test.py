@@ -12,7 +12,7 @@ from harness import (CONTROL, COUNT, DELETE, GROUND, GROUND_HEARTBEAT, HEARTBEAT
 
 BIG = bytes(range(256)) * 1200
 # Faults that change what is sent and how the answers end. The reset comes before any byte of its
-# answer, because it could overtake bytes.
+# answer, because a reset could overtake bytes.
 FAULTS = ("--fault", "split-version", "--fault", "close-mid-body@5=150000", "--fault",
           "reset-before-head@8", "--fault", "info-reordered")
 REQUESTS = (COUNT, LIST + b"2", INFO + b"A.MP4", RECORDING + b"B.MP4", RECORDING + b"A.MP4",
@@ -23,7 +23,8 @@ class RecordingTest(SimulatorTest):
     """Records and replays; has no tests itself."""
 
     def record(self, *arguments):
-        """Records a run in self.journal_path; returns what a client received."""
+        """Records a run, keeps its journal as "recorded" in self.folder, and returns what a client
+        received."""
         self.start("--card", self.make_card(A=BIG, B=b"bravo"), "--heartbeat", "400", *FAULTS,
                    *arguments)
         seen = self.visit()
@@ -38,7 +39,7 @@ class RecordingTest(SimulatorTest):
 
     def finish(self):
         self.end()
-        # The next start writes a new journal.
+        # The next start overwrites the journal, so the first one is kept.
         kept = os.path.join(self.folder, "recorded")
         if not os.path.exists(kept):
             os.rename(self.journal_path, kept)
@@ -201,7 +202,7 @@ class CaptureTest(RecordingTest):
         seen, captured = self.capture()
         packets.write(self.path(), captured)
         self.assertEqual(seen, self.replay(self.path()))
-        # The simulator reports no missing bytes that it replaced by zeros.
+        # The capture is complete: the simulator must not warn about bytes replaced with zeros.
         result = subprocess.run([harness.program, "--replay", self.path(), "--exit-with-stdin"],
                                 stdin=subprocess.DEVNULL, capture_output=True, check=True)
         self.assertEqual(b"", result.stderr)

@@ -43,7 +43,7 @@ def talk(address, request):
 
 
 def more_to_read(stream):
-    """Waits until the steps of one moment are over. Returns whether another one has been
+    """Waits up to QUIET seconds for a further step of the same moment. Returns whether one has been
     reported."""
     return bool(select.select([stream], [], [], QUIET)[0])
 

@@ -226,7 +226,8 @@ void SoakTest::downloads()
     link();
     m_user->clickBrowse();
     QCOMPARE(m_user->table().rowCount(), filesOnCard);
-    // One-time allocations, such as fonts and the first thread's memory, do not count as growth.
+    // The first downloads make one-time allocations, such as fonts and the first thread's memory,
+    // which do not count as growth.
     downloadAll(filesOnCard);
     const int rounds = share(300 / filesOnCard - 1);
     const int descriptors = support::openDescriptors();

@@ -23,7 +23,8 @@ const QList<FaultCase>& downloadFaultCases()
         {{"length-offset=10"}, A::Download, "whole"},
         {{"length-offset=-39900"}, A::Download, "first 4096 bytes"},
         {{"length-text=4294967296"}, A::Download, "whole"},
-        // Without a readable length nothing of the body is saved.
+        // None of the body is saved if the announced length is missing, unrecognised or negative;
+        // empty-answer has no body.
         {{"length-text=-1"}, A::Download, "empty"},
         {{"no-length"}, A::Download, "empty"},
         {{"lower-case-names"}, A::Download, "empty"},
@@ -34,15 +35,19 @@ const QList<FaultCase>& downloadFaultCases()
         {{"chunk-size"}, A::Download, "empty"},
         {{"chunk-no-last"}, A::Download, "empty"},
         {{"chunk-trailers"}, A::Download, "empty"},
+        // No end of the head is recognised, so the body is taken for a part of the head.
         {{"bare-lf"}, A::Download, "empty"},
+        // What the program takes for the head announces no length.
         {{"continue-first"}, A::Download, "empty"},
         {{"garbage"}, A::Download, "empty"},
+        // The connection ends before the body.
         {{"close-before-head"}, A::Download, "empty"},
         {{"reset-before-head"}, A::Download, "empty"},
         {{"close-in-head"}, A::Download, "empty"},
         {{"reset-in-head"}, A::Download, "empty"},
         {{"close-after-head"}, A::Download, "empty"},
         {{"reset-after-head"}, A::Download, "empty"},
+        // The part of the body that arrived is saved.
         {{"close-mid-body=100"}, A::Download, "first 100 bytes"},
         {{"reset-mid-body=100"}, A::Download, "first 100 bytes"},
 

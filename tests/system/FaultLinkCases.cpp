@@ -63,15 +63,15 @@ const QList<FaultCase>& linkFaultCases()
     return cases;
 }
 
-// These are slow, because the limit of six seconds uses the real clock. Each list has its own test
-// class, so that they wait in parallel.
+// The cases below take several seconds each, because the heartbeat limit and the reboot run in real
+// time. Each list has its own test class, so that CTest can run the lists in parallel.
 const QList<FaultCase>& heartbeatKeptFaultCases()
 {
     static const QList<FaultCase> cases = {
         {{"heartbeat-pause=5", "unknown-type"}, FaultAction::Link, linked, 6500},
         // The sixth second ends only when the heartbeat is about to arrive.
         {{"heartbeat-pause=6", "unknown-type"}, FaultAction::Link, linked, 7500},
-        // Nothing else arrives, so the missing heartbeats are not noticed.
+        // The program checks the limit only after a receive, and nothing else arrives.
         {{"heartbeat-stops=1"}, FaultAction::Link, linked, 7500},
     };
     return cases;

@@ -13,7 +13,7 @@ QString named(const QString& name)
     return name + "|2020-01-31  12:45:02|39KB|1s\n" + second;
 }
 
-/// Returns the rows for a name that is in the list but that the camera does not know when asked.
+/// Returns the rows if the list contains this name but the camera returns no details for it.
 QString unknown(const QString& name)
 {
     return name + noDetails + '\n' + second;
@@ -54,8 +54,8 @@ const QList<FaultCase>& listFaultCases()
         {{"no-card"}, A::Browse, none},
         {{"no-card"}, A::BrowseAgain, none},
         {{"write-protected"}, A::Browse, healthy},
-        // Count and the first details come from one card, list and the second details from the
-        // other, with the same names.
+        // The count and the first details come from one camera, the list and the second details
+        // from the other, whose card has the same names.
         {{"swapped-cameras"}, A::Browse, first + "\nREC00002.MP4|2020-01-31  12:45:02|3KB|4s"},
         {{"no-list-end"}, A::Browse, healthy},
         {{"infinite-list", "close-mid-body=1000000", "only=list"}, A::BrowseAgain, healthy},
@@ -85,7 +85,8 @@ const QList<FaultCase>& listFaultCases()
         {{"info-missing=create"},
          A::Browse,
          "REC00001.MP4|--  ::|39KB|1s\nREC00002.MP4|--  ::|KB|1s"},
-        // The sizes are the dates as 32-bit numbers: 899,931,414 bytes, and a negative number.
+        // The sizes are the creation times as 32-bit numbers: 899,931,414 bytes, and a negative
+        // number, for which the text of the creation time is shown.
         {{"info-missing=size"},
          A::Browse,
          "REC00001.MP4|2020-01-31  12:45:02|858MB|1s\n"
@@ -109,8 +110,8 @@ const QList<FaultCase>& listFaultCases()
          detailed("2020-01-31  12:45:02|1KB|-1s")},
         {{"info-long=31"}, A::Browse, detailed("1111-11-11  11:11:11|KB|1{31}s")},
         {{"info-long=32"}, A::Browse, detailed("1111-11-11  11:11:11|KB|1{32}s")},
-        // The bytes received before reach the announced length, so the second answer ends with its
-        // first receive of 10,240 bytes.
+        // The bytes of the earlier answers are still counted and already reach the announced
+        // length, so the second answer ends with its first receive, of at most 10,240 bytes.
         {{"info-long=4000"},
          A::Browse,
          "REC00001.MP4|1111-11-11  11:11:11|KB|1{4000}s\n"
@@ -123,8 +124,8 @@ const QList<FaultCase>& listFaultCases()
 const QList<FaultCase>& answerFaultCases()
 {
     using A = FaultAction;
-    // Names without details. After a chunked list, each answer with details ends after its first
-    // line.
+    // The rows if no answer contains details. After a chunked list that is so because each later
+    // answer ends after its first line.
     const QString namesOnly = "REC00001.MP4" + noDetails + "\nREC00002.MP4" + noDetails;
     static const QList<FaultCase> cases = {
         {{"refuse=camera"}, A::Browse, none},
@@ -175,8 +176,9 @@ const QList<FaultCase>& answerFaultCases()
         {{"reset-mid-body=8"}, A::Browse, none},
         {{"split-head"}, A::Browse, healthy},
         {{"byte-by-byte=1", "only=count"}, A::Browse, healthy},
-        // The received count is not reset: the list ends 16 bytes early, and the details after
-        // their first receive. Bytes sent faster could arrive together on a busy machine.
+        // The received count is not reset: a list in single bytes ends 16 bytes early, and details
+        // in single bytes end after their first receive. Without the pauses of 20 and 10
+        // milliseconds, bytes could arrive together on a busy machine.
         {{"byte-by-byte=20", "only=list"}, A::Browse, first + '\n' + noDetails},
         {{"byte-by-byte=10", "only=info"}, A::Browse, namesOnly},
         {{"garbage"}, A::BrowseAgain, healthy},

@@ -55,7 +55,8 @@ QString shown(const QString& text)
     return result;
 }
 
-/// Of a table with more rows only the first row, the number of rows and the last row are shown.
+/// Number of rows up to which a table is shown whole. Of a larger one, only the first row, the
+/// number of rows and the last row are shown.
 constexpr int shownRows = 4;
 
 } // namespace
@@ -249,7 +250,7 @@ void FaultRun::playDownload(const FaultCase& faultCase, int row)
     QCOMPARE(seenFile(downloadPath(name), row == 0 ? largeSize : smallSize) +
                  (printed.isEmpty() ? QString() : ", " + printed),
              faultCase.expected);
-    // Nothing else is written.
+    // The home folder contains nothing else.
     const auto all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
     QCOMPARE(QDir(QDir::homePath()).entryList(all), QStringList{"Desktop"});
     QCOMPARE(QDir(QDir::homePath() + "/Desktop").entryList(all), QStringList{"DCIM"});

@@ -68,6 +68,6 @@ private:
     QByteArray m_printed;
 };
 
-/// The two functions of each test class.
+/// Adds the rows of a test class, and plays the current row.
 void addFaultRows(const QList<FaultCase>& cases);
 void playFaultRow(const QList<FaultCase>& cases);

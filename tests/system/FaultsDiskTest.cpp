@@ -75,8 +75,8 @@ private:
     bool m_changed;
 };
 
-/// Limits the size of the files that this process writes, while this object exists. Writing more is
-/// an error, not a signal.
+/// A limit on the size of the files that this process writes, while this object exists. Writing
+/// beyond it is an error, not a signal.
 class FileSizeLimit
 {
 public:
@@ -96,7 +96,7 @@ private:
     rlimit m_former{};
 };
 
-/// Mounts a disk of that size over the folder, for this thread and the threads that it starts.
+/// A disk of that size mounted over the folder, for this thread and the threads that it starts.
 class SmallDisk
 {
 public:
@@ -256,7 +256,7 @@ void FaultsDiskTest::fullDiskKeepsWhatFits()
     download(0, "");
     QCOMPARE(FaultRun::seenFile(dcim("REC00001.MP4"), largeSize),
              QStringLiteral("first 16384 bytes"));
-    // There is no space left for the next one.
+    // There is no space left for the second recording.
     download(1, "");
     QCOMPARE(FaultRun::seenFile(dcim("REC00002.MP4"), smallSize), QStringLiteral("empty"));
 }

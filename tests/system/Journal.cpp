@@ -115,7 +115,7 @@ public:
             m_received += value(line, "bytes");
         } else if (event == "close") {
             m_end = shownClose(line);
-        } else if (event != "complaint") { // complaints follow from the bytes or report slowness
+        } else if (event != "complaint") { // follows from the bytes or reports slowness
             m_sent.append(event);
         }
     }
@@ -141,7 +141,8 @@ public:
                 lines += "> answers " + frames[i];
             }
         }
-        // The last heartbeat may have arrived while the client was disconnecting.
+        // The last heartbeat may be unanswered, because it arrived while the client was
+        // disconnecting.
         const int heartbeats = static_cast<int>(m_sent.count(m_heartbeat));
         const int answers = static_cast<int>(frames.count(heartbeatAnswer));
         if (answers > heartbeats || answers < heartbeats - 1) {

@@ -101,8 +101,8 @@ struct Conversation
     }
 };
 
-/// Sends a connection's module lines and waits for its program lines, in order. Every module line
-/// is a separate receive.
+/// Returns a script that sends a connection's module lines and waits for its program lines, in
+/// order. The program receives every module line separately.
 ScriptedServer::Script script(const QList<QStringList>& lines, bool closes)
 {
     return [lines, closes](Peer& peer) {
@@ -117,7 +117,7 @@ ScriptedServer::Script script(const QList<QStringList>& lines, bool closes)
         if (closes) {
             peer.halfClose();
         }
-        // This also detects an answer that is not on the page.
+        // Receives everything else too, so that an answer that is not on the page is detected.
         peer.waitUntilClosedByClient();
     };
 }

@@ -160,7 +160,7 @@ http {
         .toUtf8();
 }
 
-// Without "stream" the server buffers a CGI answer and announces its length.
+// Except below "/streamed/", the server buffers a CGI answer and announces its length.
 QByteArray RealServer::lighttpdConfiguration() const
 {
     return QString(R"(

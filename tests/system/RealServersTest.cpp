@@ -17,8 +17,8 @@ namespace {
 
 constexpr int waitLimit = 10000; // milliseconds
 
-/// A CGI program that sends the file beside it named by its query after "&", and announces its
-/// length if the query begins with "with-length".
+/// A CGI program for queries such as "with-length&NAME": sends the file NAME from its own folder,
+/// and announces the length of the file only if the query begins with "with-length".
 constexpr char sendingProgram[] = R"(#!/usr/bin/python3
 import os, sys
 announce, name = os.environ["QUERY_STRING"].split("&")
@@ -226,7 +226,8 @@ void RealServersTest::aBodyWithoutALengthEndsWithTheFirstReceive()
     QCOMPARE(outcome.response.contentLength, 0U);
     COMPARE_BODIES(outcome.bytes(), body(size).left(taken));
 
-    // A GET returns the bytes of exactly one receive, however many those are.
+    // Without an announced length, a GET returns the bytes of exactly one receive, however many
+    // those are.
     outcome = get(server(kind), path);
     QVERIFY(outcome.result);
     QVERIFY2(!outcome.body.empty() && outcome.body.size() <= 10240,

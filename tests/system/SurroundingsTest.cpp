@@ -265,7 +265,7 @@ void SurroundingsTest::useProgram()
     QCOMPARE(read(folderOfRecordings + QStringLiteral("c.mp4")), recording('c'));
     QTRY_COMPARE(program->tell("text lineEditDownloadProgress"), '\n' + done);
 
-    // No message of the program was sent to a device.
+    // None of the program's output was sent to a module.
     QCOMPARE(control->link().received(), QByteArray::fromHex("aaaf0401015f"));
     QCOMPARE(ground->link().received(), QByteArray());
     program->close();

@@ -232,7 +232,7 @@ void WireRun::linkAgain()
 void WireRun::close()
 {
     m_user.reset();
-    // A connection that stays open appears in the text.
+    // The result is ignored, because a connection that stays open appears in the text.
     support::eventually([this] { return journal().isEveryConnectionClosed(); });
     QVERIFY2(m_simulator.end(), qPrintable(m_simulator.error()));
 }

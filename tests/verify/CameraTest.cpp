@@ -1,4 +1,4 @@
-// One exchange: how each kind of end is recognised, and its time limit.
+// One exchange: how each kind of end is recognised, and the time limit.
 #include "verify/Camera.h"
 
 #include "tests/kit/ScriptedServer.h"

@@ -1,4 +1,4 @@
-// What a pilot reads, in English.
+// The English texts for the user.
 #include "verify/Texts.h"
 
 #include "tests/kit/TestMain.h"

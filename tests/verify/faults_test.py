@@ -179,8 +179,8 @@ CASES = [
                           "Do not delete yet: not known to be safe (1 of 2): B.MP4."], "")),
 ]
 
-# Groups of faults that affect the modules, or requests that this program never sends; then a fault
-# of the modules in another group, and the limit, which is not a fault itself.
+# Groups of faults that affect only the modules or requests that belun-verify never sends. The two
+# names below are in other groups: a fault of the modules, and "only", which limits other faults.
 ELSEWHERE = ("Frames of the modules", "Delete and format")
 NO_FAULTS_OF_THE_CAMERA = {"flapping", "only"}
 
