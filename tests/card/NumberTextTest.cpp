@@ -24,7 +24,7 @@ private slots:
     void nothingIsWrittenAfterTheTerminator();
 
 private:
-    /// Returns a buffer of 64 '#' into which the number has been written.
+    /// Returns a buffer of 64 '#' after writeNumber() was called for it.
     static QByteArray written(int value, int radix)
     {
         QByteArray buffer(64, '#');

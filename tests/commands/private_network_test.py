@@ -48,7 +48,8 @@ class PrivateNetworkTest(unittest.TestCase):
              "trap 'echo interrupted; exit 6' INT;"
              "echo up; while :; do sleep 0.05; done"],
             stdout=subprocess.PIPE, text=True,
-            # A test runner in the background of a script ignores Ctrl-C; its children inherit that.
+            # A test runner that a script starts in the background ignores SIGINT, and so do its
+            # children.
             preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
         self.addCleanup(process.wait, 10)
         self.addCleanup(process.kill)

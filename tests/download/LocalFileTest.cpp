@@ -115,7 +115,7 @@ public:
                           address, port};
 };
 
-/// Sets the file mode mask of the process while this object exists.
+/// The file mode mask of the process while this object exists.
 class ModeMask
 {
 public:
@@ -146,8 +146,8 @@ private:
     QByteArray m_path;
 };
 
-/// Blocks a signal in this thread, and in the threads that it starts, while this object exists.
-/// Number 0 blocks no signal.
+/// A signal that is blocked in this thread, and in the threads that it starts, while this object
+/// exists. Number 0 blocks no signal.
 class BlockedSignal
 {
 public:

@@ -26,7 +26,7 @@ using support::ScriptedServer;
 
 namespace {
 
-/// A session on one end of a socket pair, with the other end.
+/// A session on one end of a socket pair, and the peer's end.
 class PairedSession
 {
 public:
@@ -76,7 +76,7 @@ bool isOpen(int descriptor)
     return ::fcntl(descriptor, F_GETFD) != -1;
 }
 
-/// Reads the remaining bytes without waiting.
+/// Returns the remaining bytes, at most 100,000, without waiting.
 std::string rest(HTTPSession& session)
 {
     ::fcntl(session.socketDescriptor, F_SETFL, O_NONBLOCK);

@@ -9,8 +9,8 @@
 #include <QString>
 
 /// The program as a process, whose window is operated from inside (tests/kit/DrivenProgram.cpp)
-/// through a socket, so that its standard streams are unused. A failed step fails the calling test
-/// function.
+/// through a socket, so that the program's standard streams are not needed for it. A failed step
+/// fails the calling test function.
 class DrivenProcess
 {
 public:
@@ -19,7 +19,8 @@ public:
     DrivenProcess(const DrivenProcess&) = delete;
     DrivenProcess& operator=(const DrivenProcess&) = delete;
 
-    /// Runs a shell script in the folder; $0 is the program. The socket is created there.
+    /// Runs a shell script in the folder, with the path of the program as $0. The socket is created
+    /// in the same folder.
     void start(const QString& folder, const QProcessEnvironment& environment,
                const QString& script);
 

@@ -9,8 +9,8 @@
 
 namespace support {
 
-/// Collects the qDebug and qInfo lines of all threads, in order, while this object exists; they are
-/// not printed. Works only in tests that runTest() runs (TestMain.h).
+/// A capture of the qDebug and qInfo lines of all threads, in order, while this object exists. They
+/// are not printed. Works only in tests that runTest() runs (TestMain.h).
 class LogCapture
 {
 public:

@@ -20,9 +20,9 @@ struct SeenBox
     QMessageBox::StandardButton defaultButton;
 };
 
-/// Answers each message box that opens while this object exists, in the order requested. A message
-/// box without a requested answer is closed with the Escape key and fails the test; so does an
-/// answer without a message box.
+/// An event filter that answers each message box that opens while this object exists, with the
+/// requested answers in order. A message box without a requested answer is closed with the Escape
+/// key and fails the test; so does an answer without a message box.
 class MessageBoxWatcher : public QObject
 {
     Q_OBJECT

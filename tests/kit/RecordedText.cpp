@@ -31,7 +31,8 @@ QString lineOf(const QStringList& lines, int number)
     return number < lines.size() ? lines[number] : QStringLiteral("(the end)");
 }
 
-/// Returns the heading, in brackets, of the section that contains a line, if there is one.
+/// Returns ", in [HEADING]" for the section that contains the line, or an empty text if there is
+/// none.
 QString sectionOf(const QStringList& lines, int number)
 {
     for (int i = qMin(number, static_cast<int>(lines.size()) - 1); i >= 0; --i) {

@@ -28,9 +28,9 @@ private:
     QTemporaryDir m_caches;
 };
 
-/// Runs the test object's functions. A Qt warning, or worse, that no ExpectedWarning expects fails
-/// the function in which it occurs; QTest::ignoreMessage has no effect. With `needsNetwork` nothing
-/// runs outside a private network.
+/// Runs the test object's functions. A Qt warning or critical message fails the function in which
+/// it occurs, unless an ExpectedWarning expects the message; QTest::ignoreMessage has no effect.
+/// With `needsNetwork` no function is run outside a private network.
 int runTest(QObject& test, int argc, char** argv, bool needsNetwork);
 
 #ifdef QT_WIDGETS_LIB

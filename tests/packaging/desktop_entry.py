@@ -31,7 +31,7 @@ def start_and_close(path):
     try:
         screen.find_window("BELUN-DownLoad")
 
-        # A key press is lost while the window manager is still moving the focus.
+        # A key press is lost while the window manager is still moving the focus, so it is repeated.
         def closes():
             screen.key("alt+F4")
             try:

@@ -5,7 +5,7 @@ from scene import ROWS, without
 
 
 class CardCases:
-    """Mixed into a ScreenTest."""
+    """Test cases, mixed into the ScreenTest of each language."""
 
     def test_browse_and_select(self):
         self.start_all()

@@ -180,7 +180,7 @@ class ScreenTest(harness.SimulatorTest):
         self.shows(rows=ROWS)
 
     def confirms_box(self, text, key):
-        """Confirms a message box with title, text and one button; the table changes afterwards."""
+        """Checks a message box and confirms it; the window must be unchanged until then."""
         self.wait_until("a message box", lambda: [
             item for item in self.window.box() if item.role == "push button"])
         screen.find_window(texts.BOX_TITLE, LIMIT)

@@ -1,4 +1,4 @@
-"""The window's texts in each language, from the table of them, not the program's catalogues."""
+"""The window's texts in each language, from tests/data/texts.tsv, not the program's catalogues."""
 
 import csv
 import dataclasses

@@ -6,7 +6,7 @@ from scene import GREEN, RED, ROWS, VERSIONS, without
 
 
 class WindowCases:
-    """Mixed into a ScreenTest."""
+    """Test cases, mixed into the ScreenTest of each language."""
 
     def test_start_and_both_ways_of_changing_the_language(self):
         self.start_all()
@@ -140,7 +140,7 @@ class WindowCases:
         self.wait_until("both recordings", lambda: self.downloaded() == self.recordings(1, 3))
         self.shows()
 
-        # The button was disabled meanwhile, and the table took the focus.
+        # The download button was disabled during the downloads, so the table took the focus.
         screen.key("ctrl+Tab")
         self.focus_is_on("push button", said.link)
         screen.key("Tab", "Tab", "Tab", "Tab")

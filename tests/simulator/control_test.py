@@ -222,7 +222,7 @@ class ControlTest(SimulatorTest):
     def follow(self, started, sent, typed=None):
         """Follows a page: runs the command line `started`, which starts the simulator and the
         window, then each of `sent`, which send control lines. Returns the output of each. `typed`
-        is the input of the shell that the page opens and must end it; the shell's output is then
+        is the input of the shell that the page opens and must end that shell, whose output is then
         the last answer. The commands are found both where the source tree has them and by their
         installed names."""
         binaries = os.path.dirname(harness.program)

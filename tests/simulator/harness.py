@@ -87,7 +87,7 @@ class Peer:
             data += piece
 
     def quiet_for(self, seconds):
-        """Returns whether nothing arrives for that long."""
+        """Returns whether nothing arrives for that long, not even the end."""
         self.socket.settimeout(seconds)
         try:
             self.socket.recv(1, socket.MSG_PEEK)

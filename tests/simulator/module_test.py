@@ -110,7 +110,8 @@ class ModuleTest(SimulatorTest):
         self.eventually(lambda: self.journal(event="open"), "the connection")
         delays = []
         while len(delays) < 50 and min(delays, default=1) > 0.03:
-            # a peer that has just sent something delays its acknowledgement
+            # After sending, the client delays its acknowledgements; segment 03 must not wait for
+            # the acknowledgement of 02.
             self.switch("send control 01")
             self.assertEqual(b"\x01", peer.exactly(1))
             peer.send(ANSWER)

@@ -5,7 +5,8 @@
 #include <QList>
 #include <QString>
 
-/// What the user does.
+/// What the user does. For a download, the faults of names are switched on before the card is
+/// listed.
 enum class FaultAction {
     Link,          ///< switches the faults on, then clicks the link button
     Linked,        ///< links, then switches the faults on

@@ -50,8 +50,8 @@ public:
     static QString downloadPath(const QString& name);
 
 private:
-    /// Waits for the expected text of a link case, which must then stay for a while; more text may
-    /// follow if it ends with "...".
+    /// Waits for the expected text of a link case. The text must then stay for a while, unless it
+    /// ends with "...", which means that more text may follow.
     void compareLink(const FaultCase& faultCase);
     /// Waits for something that needs a version report. The program only recognises a report in its
     /// own segment, and a busy machine joins segments, so the report is sent repeatedly.

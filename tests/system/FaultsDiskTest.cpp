@@ -53,8 +53,8 @@ QByteArray native(const QString& path)
     return QFile::encodeName(path);
 }
 
-/// Makes root an ordinary user while this object exists, so that file permissions apply; changes
-/// nothing for any other user.
+/// An ordinary user as which root runs while this object exists, so that file permissions apply.
+/// Any other user stays the same.
 class OrdinaryUser
 {
 public:

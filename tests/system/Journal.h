@@ -19,10 +19,10 @@ public:
 
     /// Returns all bytes of every connection in order, by device and connection, in readable form.
     /// Timing-dependent details are left out: times, ports, the number of heartbeats and answers
-    /// (but not whether each has one), how the two directions of a module's connection interleave,
-    /// and what a module sends on a connection that its client drops without sending anything. Also
-    /// left out is whether a client closed its connection normally or, because of unread bytes,
-    /// with a reset.
+    /// (but not whether every heartbeat was answered), how the two directions of a module's
+    /// connection interleave, and what a module sends on a connection that its client drops without
+    /// sending anything. Also left out is whether a client closed its connection normally or,
+    /// because of unread bytes, with a reset.
     QString text() const;
 
 private:

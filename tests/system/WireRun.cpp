@@ -24,8 +24,8 @@ struct CardFile
     const char* changed;
 };
 
-// In list order. Those that are downloaded fit the system's connection buffer, so that each is sent
-// completely whether or not it is read.
+// In list order. The files that are downloaded fit the system's connection buffer, so that each is
+// sent completely whether or not it is read.
 constexpr CardFile cardFiles[] = {
     {"REC 3 & 4.MP4", 12'345, "2020-02-29T23:59:58Z"},
     {"REC00001.MP4", 500, "2020-01-31T12:45:02Z"},

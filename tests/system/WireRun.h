@@ -13,13 +13,14 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-/// Links, lists the card twice, downloads three recordings, deletes two, deletes all, formats,
-/// loses the link and links again. Card, contents, dates and time zone are always the same.
+/// A session that links, lists the card twice, downloads three recordings, deletes two, deletes
+/// all, formats, loses the link and links again. Card, contents, dates and time zone are always the
+/// same.
 class WireRun
 {
 public:
-    /// Runs the simulator with `fault`, or without a fault if empty. `emptyingIsTold`: whether the
-    /// window shows a message after "delete all" and "format".
+    /// `fault`: the fault of the simulator, or empty for none. `emptyingIsTold`: whether the window
+    /// shows a message after "delete all" and "format".
     WireRun(const QString& fault, bool emptyingIsTold);
 
     /// Performs the session. A failed step fails the calling test function.

@@ -1,4 +1,4 @@
-// Reading the folder for recordings: what is there, and what is never followed or waited for.
+// Reading the folder for recordings: its files, and entries that are never opened.
 #include "verify/LocalFolder.h"
 
 #include "tests/kit/TestMain.h"

@@ -101,7 +101,8 @@ class TwoHundred(VerifyTest):
 
     def test_one_connection_at_a_time_and_one_for_each_request(self):
         self.verify("--content")
-        # count, list, one more; details; contents of the same size; count, list, one more
+        # count, list, list with one more entry; details; contents of equal size; the first three
+        # again
         requests = 3 + 200 + 196 + 3
         self.eventually(lambda: self.journal(device="camera", event="close", connection=requests),
                         "the end of the last connection")

@@ -59,7 +59,7 @@ class VerifyTest(SimulatorTest):
         self.assertEqual((list(lines), err, status), (result.lines, result.err, result.status))
 
     def snapshot(self):
-        """Returns everything about the desktop folder that a program could change."""
+        """Returns the times, sizes and modes in the desktop folder, to detect changes."""
         seen = []
         for folder, _, files in os.walk(self.desktop):
             seen.append((folder, os.stat(folder).st_mtime_ns))
