@@ -27,7 +27,7 @@ def changed_byte(match):
 def changes_of_line(line, following):
     """Yields the rule and the text that replaces the line, or the line and the one that follows.
 
-    Neither line ends in a comment.
+    Both lines must be given without their trailing comments.
     """
     for match in COMPARISON.finditer(line):
         yield "comparison", replace(line, match, f" {OTHER[match[1]]} ")

@@ -31,7 +31,7 @@ class Capture:
             ready, _, _ = select.select([self.socket, self.ending], [], [])
             if self.socket in ready:
                 data, address = self.socket.recvfrom(262144)
-                if address[2] != self.OUTGOING:  # each packet appears twice
+                if address[2] != self.OUTGOING:  # each packet also appears as outgoing
                     self.packets.append((time.time(), data))
             elif self.ending in ready:
                 return

@@ -182,7 +182,7 @@ class CaptureTest(RecordingTest):
     """Needs the permission to capture packets, which a private network grants."""
 
     def capture(self):
-        """Records a run; returns what was received and the packets."""
+        """Records a run; returns what a client received, and the packets."""
         packets.write(self.path("none"), [])
         if "reads no packet captures" in subprocess.run(
                 [harness.program, "--replay", self.path("none")], check=False, text=True,
@@ -239,7 +239,7 @@ class CaptureTest(RecordingTest):
 
 
 def network_with_packets():
-    """Restarts this program in a network where it may capture packets, if possible."""
+    """Restarts this program in a network of its own, if it may capture packets only there."""
     addresses = "".join(f"ip addr add 192.168.1.{a}/32 dev lo;" for a in (120, 148, 149))
     try:
         packets.Capture().stop()

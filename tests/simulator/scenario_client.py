@@ -21,7 +21,7 @@ TARGETS = (harness.COUNT, harness.LIST + b"2", harness.INFO + b"A.MP4",
 
 
 def talk(address, request):
-    """Returns what was received and how it ended."""
+    """Returns how many bytes were received, their CRC-32 and how the connection ended."""
     data = b""
     try:
         with socket.create_connection(address, PATIENCE) as peer:

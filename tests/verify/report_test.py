@@ -238,7 +238,7 @@ class SmallCard(VerifyTest):
 
 
 class ChangingCard(VerifyTest):
-    """A camera whose answers depend on the number of requests."""
+    """Tests with a camera whose count and list may change between requests."""
 
     def camera(self, counts, lists, size=b"4", content=b"abcd"):
         self.write("A", b"abcd")
