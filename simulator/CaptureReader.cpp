@@ -232,7 +232,7 @@ private:
             return;
         }
         if (m_connections.count(key) == 0 && segment.size == 0) {
-            return; // for example a refusal, or the end of a connection from before the capture
+            return; // no connection to record: a refusal, or the end of a connection from before the capture
         }
         Connection& connection = open(key, segment.time);
         if (segment.acknowledges() && !segment.reset()) {

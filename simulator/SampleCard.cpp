@@ -23,8 +23,8 @@ struct SampleRow
     std::uint32_t duration;
 };
 
-/// Recordings around the limits of the size display, one receive, one read and a name's length, and
-/// some longer ones.
+/// Recordings that test limits: sizes at the rounding steps of the size display and around the
+/// buffer sizes of one receive and one file read, and the longest name. Some are larger.
 constexpr SampleRow boundaryRows[] = {
     {"REC_20200131_124502_0001.MP4", 1'572'864, "20200131124502", 37},
     {"REC_20200131_124611_0002.MP4", 500, "20200131124611", 1},

@@ -27,7 +27,7 @@ public:
     std::vector<std::string> read(std::istream& file, const std::string& name, std::uint64_t speed);
 
     void start(TimePoint now) { m_start = now; }
-    /// Returns when the next timed step is due; `never` without one.
+    /// Returns the time at which the next timed step is due, or `never` if there is none.
     TimePoint nextDue() const;
     // Each of these removes the due steps and returns their control lines in file order.
     std::vector<ControlLine> dueAt(TimePoint now);

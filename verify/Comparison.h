@@ -40,7 +40,7 @@ private:
     void judgeOthers();
     bool readCardAgain();
 
-    /// Queries the count and the complete list.
+    /// Queries the number of recordings and the complete list of their names.
     bool readList(CardCount& count, std::vector<std::string>& names);
     bool judgeSize(Recording& recording);
     bool judgeContent(Recording& recording);

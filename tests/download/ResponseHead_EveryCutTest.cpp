@@ -44,7 +44,7 @@ struct Outcome
     QList<qint64> received; ///< The received bytes that each progress signal reports.
 };
 
-/// A camera that answers each request with the pieces set last.
+/// A camera that answers each request with the pieces most recently passed to setPieces().
 class Camera
 {
 public:

@@ -1,4 +1,4 @@
-// Reading an answer's head.
+// Fuzzes HTTPClient::readHeader().
 //
 // Input: the bytes from the camera. The connection ends once by closing and once by failing.
 #include "http/HTTPClient.h"

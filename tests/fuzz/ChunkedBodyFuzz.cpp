@@ -1,4 +1,4 @@
-// Reading a chunked body.
+// Fuzzes reading a chunked body.
 //
 // Input: the bytes after the head. They are delivered whole and byte by byte, each on a connection
 // that then closes, and in pieces of seven on one that then fails. The result must always be the

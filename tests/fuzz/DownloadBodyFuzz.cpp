@@ -1,4 +1,4 @@
-// Copying a recording from the connection to the file.
+// Fuzzes copying a recording from the connection to the file.
 //
 // Input: a line with two decimal numbers (the announced length and the size of the pieces), then
 // the recording.

@@ -1,4 +1,4 @@
-// Parsing the head of an answer to a download.
+// Fuzzes parsing the head of an answer to a download.
 //
 // Input: the bytes from the camera.
 #include "download/RecordingDownload.h"

@@ -1,4 +1,4 @@
-// Extracting the number of files on the card.
+// Fuzzes extracting the number of files on the card.
 //
 // Input: everything received since the text was last cleared. The count is the text between the
 // first =" and the next ";

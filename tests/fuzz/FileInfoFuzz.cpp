@@ -1,4 +1,4 @@
-// Converting the camera's answer to a recording's details for the table.
+// Fuzzes converting the camera's answer to a recording's details for the table.
 //
 // Input: the answer.
 #include "card/FileInfoText.h"

@@ -1,4 +1,4 @@
-// Walking the file list and storing the names.
+// Fuzzes walking the file list and storing the names.
 //
 // Input: the list.
 #include "card/CardAnswers.h"

@@ -1,4 +1,4 @@
-// Reading a plain body.
+// Fuzzes reading a plain body.
 //
 // Input: a line with three decimal numbers (the announced length, the bytes received before, the
 // size of the pieces), then the body.

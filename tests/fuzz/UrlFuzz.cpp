@@ -1,4 +1,4 @@
-// Splitting an address. No name is ever resolved.
+// Fuzzes splitting an address. No name is ever resolved.
 //
 // Input: the address.
 #include "http/HTTPClient.h"

@@ -1,4 +1,4 @@
-// Receiving from a module of the vehicle.
+// Fuzzes receiving from a module of the vehicle.
 //
 // Input: steps, each starting with a byte: 0 is a tick without a heartbeat, FF a receive
 // interrupted by a signal, any other number the count of the following bytes, which the module

@@ -1,4 +1,4 @@
-// belun-verify's parser of HTTP answers.
+// Fuzzes belun-verify's parser of HTTP answers.
 //
 // Input: a byte that sets the size of the pieces, then what the camera sends before it closes the
 // connection.

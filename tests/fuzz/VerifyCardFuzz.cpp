@@ -1,4 +1,4 @@
-// What belun-verify reads from the camera's answers about its card.
+// Fuzzes what belun-verify reads from the camera's answers about its card.
 //
 // Input: an answer, read as a count, as a list and as details.
 #include "tests/fuzz/Require.h"

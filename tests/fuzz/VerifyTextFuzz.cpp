@@ -1,4 +1,4 @@
-// Names of the card in belun-verify's report: on a terminal, and as JSON.
+// Fuzzes the names of the card in belun-verify's report: on a terminal, and as JSON.
 //
 // Input: a name.
 #include "tests/fuzz/Require.h"

@@ -1,4 +1,4 @@
-// The environment of every test class. A test program contains all classes of one folder.
+// The environment of every test class, and the registration of the classes of a test program.
 #pragma once
 
 #include <QCoreApplication>

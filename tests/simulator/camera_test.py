@@ -1,4 +1,4 @@
-"""Tests the camera's commands and recordings, as literal bytes."""
+"""Tests the camera's commands and recordings; the expected answers are literal bytes."""
 
 import datetime
 import os

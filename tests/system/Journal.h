@@ -1,4 +1,4 @@
-// The simulator's journal of a run.
+// Reads the simulator's journal of a run.
 #pragma once
 
 #include <QJsonObject>

@@ -1,6 +1,6 @@
-// The run of WireTest with a camera that sends chunked answers. The response record is never reset:
-// after one chunked answer each later one ends after its first line, so that the window finds
-// nothing in it.
+// The run of WireTest with a camera that sends chunked answers. The program never resets its
+// HTTPResponse: after the first chunked answer, it reads only the first line of each later chunked
+// body, so the window gets no data from them.
 #include "tests/kit/RecordedText.h"
 #include "tests/kit/TestMain.h"
 #include "tests/system/WireRun.h"
