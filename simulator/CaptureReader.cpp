@@ -232,7 +232,7 @@ private:
             return;
         }
         if (m_connections.count(key) == 0 && segment.size == 0) {
-            return; // no connection to record: a refusal, or the end of a connection from before the capture
+            return; // nothing to record: a refusal, or the end of an earlier connection
         }
         Connection& connection = open(key, segment.time);
         if (segment.acknowledges() && !segment.reset()) {
