@@ -11,7 +11,7 @@ if(NOT digits EQUAL 52 OR NOT start MATCHES "^${magic}a700000005")
   message(FATAL_ERROR "${FROM}: no language section after the magic number")
 endif()
 
-# CMake itself cannot write zero bytes.
+# CMake's file() cannot write NUL bytes.
 execute_process(
   COMMAND sh -c [[head -c 16 "$1" && tail -c +27 "$1"]] sh "${FROM}"
   OUTPUT_FILE "${TO}"

@@ -10,8 +10,9 @@
 /// A function that describes a received answer as a text.
 using AnswerReader = std::function<std::string(const std::string& answer)>;
 
-/// Fails the test unless every way to deliver the answer gives the expected result. With its length
-/// announced, the answer gives the result of its last piece however it is split, and is rejected if
-/// the connection closes early. Without a length the answer ends with the first receive, so the
-/// result is that of the bytes before the first split or the close.
+/// Delivers the answer whole, byte by byte, split at every byte and closed after every byte, each
+/// with and without an announced length. Fails the test if a result is unexpected. With a length, a
+/// complete answer must give `pieces.back().closed`, and one that is closed early must be rejected.
+/// Without a length, reading ends after the first receive: the result must be the `closed` text for
+/// the bytes before the first split or the close.
 void checkEveryCut(const std::vector<support::Piece>& pieces, const AnswerReader& read);

@@ -18,10 +18,10 @@ struct Record
 /// one character are shortened.
 std::string describe(bool result, const Record& record);
 
-/// Returns the part of a call before "given", and sets the record to the state described after it
-/// in the words of a result: "readBody given length=5 received=3". Returns an error text if that
-/// state contains an unknown word. A call without "given" is returned unchanged and keeps the
-/// record.
+/// Splits a call such as "readBody given length=5 received=3" at "given": returns the part before
+/// it and sets `record` to the state after it, which is written as in describe(). Returns an error
+/// text if the state contains an unknown word. If the call has no "given", returns it unchanged and
+/// does not change `record`.
 std::string prepared(const std::string& call, Record& record);
 
 struct Outcome

@@ -20,7 +20,7 @@ int countTargets(Predicate matches)
 {
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(descriptors)) {
-        std::error_code gone; // for example the descriptor of this listing
+        std::error_code gone; // set if the descriptor was closed after it was listed
         const std::filesystem::path target = std::filesystem::read_symlink(entry.path(), gone);
         if (!gone && matches(target.string())) {
             ++count;

@@ -1,4 +1,4 @@
-"""Starts the built simulator and talks to it over plain sockets, byte by byte."""
+"""Starts the built simulator and exchanges raw bytes with it over plain sockets."""
 
 import json
 import os
