@@ -112,7 +112,8 @@ def growth(data):
 
 def draw(topic, data, path):
     figure = globals()[topic](data)
-    figure.text(0.01, 0.005, LEGEND, fontsize=8, color="#555555")
+    points = 72 * figure.get_figheight()
+    figure.text(0.01, 3 / points, LEGEND, fontsize=8, color="#555555")
     figure.tight_layout(rect=(0, 0.03, 1, 1))
     figure.savefig(path, metadata={"Date": None, "Creator": None})
     plt.close(figure)
