@@ -16,7 +16,8 @@
 
 namespace {
 
-// Maximum length of a tip, in characters: more than a valid file name has, and quick to lay out.
+// Maximum length of a tip's text, in characters: longer than any valid file name, and still quick
+// to lay out.
 constexpr int longestText = 4096;
 
 /// Returns the rectangle in which the style paints the text of a cell that contains only text.

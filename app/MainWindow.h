@@ -122,7 +122,7 @@ private:
     /// Disables a button. If the button has the focus, moves the focus to the table first.
     void disableButton(QPushButton& button);
 
-    // Used but not owned by the table.
+    // The item delegate, which the table uses but does not own.
     std::unique_ptr<NoFocusDelegate> m_tableDelegate;
 
     QTranslator* translator = nullptr; // installed until the process ends
@@ -130,7 +130,7 @@ private:
     qint32 currentFileIndex = 0;       // row whose details are being queried
     card::NameTable fileNames;
     qint32 selectedCursor = 0; // position in selectedRows of the next row to process
-    qint32 selectedCount = 0;  // valid entries of selectedRows; deleting counts it down to -1
+    qint32 selectedCount = 0;  // number of valid entries in selectedRows; -1 after deleting
     card::SelectedRows selectedRows{};
     QString getFileCountUrl;
     QString getFileListUrl;

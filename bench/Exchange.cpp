@@ -17,7 +17,7 @@ std::size_t append(char* data, std::size_t size, std::size_t count, void* body)
     return size * count;
 }
 
-/// Returns the number of bytes received in total, or a negative number on failure.
+/// Returns the total size of the received bodies in bytes, or a negative number on failure.
 double getByHttpClient(const char* url, int count)
 {
     HTTPClient client;

@@ -1,6 +1,6 @@
-// Runs another program and reports the time and memory that it used. Must be small itself: the peak
-// memory of a child includes the memory that it shares with its parent before executing the
-// program.
+// Runs another program and reports the time and memory that it used. This program must be small:
+// the peak memory of a child process includes the memory that it shares with its parent before it
+// executes the other program.
 #include "bench/Report.h"
 
 #include <cstdio>

@@ -10,9 +10,9 @@
 
 namespace {
 
-/// An event filter that ends an event loop when the last download has finished: when the download
-/// button is still enabled after the events queued at that time. Between two files it is enabled
-/// only briefly.
+/// An event filter that ends an event loop when the last download has finished. Between two files
+/// the download button is enabled only briefly. Therefore each time the button has been enabled, a
+/// queued call checks whether it still is.
 class EndOfDownloads : public QObject
 {
 public:

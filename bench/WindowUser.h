@@ -27,7 +27,7 @@ public:
 
     void click(const char* button) { child<QAbstractButton>(button).click(); }
     void link();
-    /// Browses and waits until the rows have been painted.
+    /// Browses, then processes the pending events, so that the rows are painted.
     void browse();
     /// Selects and downloads all rows and waits until the last download has finished.
     void downloadAll();

@@ -45,7 +45,7 @@ def of(results, name, factor=1):
 
 
 def times(limit, reference):
-    """Returns the limit of a ratio in the unit of the axis: limit times median of the reference."""
+    """Returns the limit in the unit of the axis: the ratio times the median of the reference."""
     return limit * statistics.median(reference)
 
 

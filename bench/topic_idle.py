@@ -30,7 +30,7 @@ def watch(job, seconds):
     try:
         if b"begin" not in process.stdout.readline():
             raise Failed(f"bench_window {job} does not run")
-        time.sleep(2)  # so that work done after the start is not measured
+        time.sleep(2)  # so that the work of starting up is not measured
         before = threads(process.pid)
         time.sleep(seconds)
         after = threads(process.pid)

@@ -1,4 +1,4 @@
-// Converts a recording's details from an answer to date, size and duration texts.
+// Reads a recording's details from an answer: as texts for the table, and as an exact size.
 #pragma once
 
 #include <cstdint>

@@ -12,7 +12,7 @@ else()
   set(BELUN_EVERY_VARIANT ON)
 endif()
 
-# Creates a new network for each test, even if the caller is already inside one.
+# With --own, each test gets a new network, even if CTest runs inside a private network.
 set(BELUN_PRIVATE_NETWORK "${PROJECT_SOURCE_DIR}/tools/private-network" --own)
 
 math(EXPR BELUN_TIMEOUT_unit "60 * ${BELUN_TIME_FACTOR}")

@@ -1,6 +1,6 @@
 # Toolchain file of the preset `arm64`: Debian's cross compiler, the libraries of Debian's arm64
 # packages, and QEMU for the programs that the build and CTest run. moc, uic, rcc and lrelease run without
-# it: they are those of the build machine.
+# QEMU: they are those of the build machine.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)

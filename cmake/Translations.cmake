@@ -1,8 +1,8 @@
 # belun_add_translations(<variable> <update target> <code> <file.ts>...)
 #
 # Compiles each catalogue source to a .qm in the build folder and lists the results in <variable>.
-# lrelease writes the language of the source into a section of the .qm. Nothing reads this section, because
-# a catalogue is chosen by its file name, so it is removed.
+# lrelease writes the language of the source into a section of the .qm. This section is removed: nothing
+# reads it, because a catalogue is chosen by its file name.
 #
 # The update target updates the sources from <code>, a pattern of file names. It is run by hand, never by a
 # build, and removes no entry: lupdate marks entries that are not in the code as vanished, and lrelease

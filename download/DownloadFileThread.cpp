@@ -35,7 +35,7 @@ void DownloadFileThread::run()
 void DownloadFileThread::DownloadFile(QString name)
 {
     const sys::PipeSignalBlock block;
-    const sys::StoppableCalls::Call call(m_calls); // also covers slots that emit calls directly
+    const sys::StoppableCalls::Call call(m_calls); // exists until directly connected slots return
     if (fetch(name)) {
         emit downloadFileFinished(); // a slot may delete this object
     }

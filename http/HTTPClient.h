@@ -25,13 +25,13 @@ public:
 
     /// Performs one GET over a new connection. Appends the body to `body`, and updates `response`
     /// without resetting it. Returns false if the address is rejected, if connecting or sending
-    /// fails, or if readBody fails; what was received of the body is in `body` all the same.
+    /// fails, or if readBody fails; whatever was received of the body is in `body` even then.
     bool get(HTTPRequest& request, HTTPResponse& response, std::string& body);
 
     /// Performs one POST of `data` over a new connection. The caller sets "Content-Length" and
     /// "Content-Type" in the request's headers. The answer's body is read, and appended to `body`,
-    /// only if `response.contentLength` is not 0 once the head was read. Returns false if the
-    /// request could not be sent completely.
+    /// only if `response.contentLength` is not 0 after the head has been read. Returns false if
+    /// the request could not be sent completely.
     bool post(HTTPRequest& request, HTTPResponse& response, const std::string& data,
               std::string& body);
 
@@ -40,7 +40,7 @@ public:
     /// Sends the request and reads the answer's head. Does not close the session, even after a
     /// failure.
     bool startGet(HTTPSession& session, HTTPResponse& response, HTTPRequest& request);
-    /// Reads the body until it is complete; see readBody.
+    /// Reads the body; see readBody.
     bool getData(HTTPSession& session, HTTPResponse& response, std::string& body);
     /// Closes the session.
     void stopGet(HTTPSession& session);

@@ -15,8 +15,8 @@ namespace {
 constexpr std::string_view scheme = "http://";
 constexpr std::size_t shortestUrl = scheme.size() + 1;
 
-/// Returns whether a host that contains this byte is a name: a letter, or one of the six characters
-/// between "Z" and "a".
+/// Returns whether this byte is a letter or one of the six characters between "Z" and "a". A host
+/// that contains such a byte is a name.
 bool isNameByte(char byte)
 {
     return byte >= 0x41 && byte <= 0x7A;

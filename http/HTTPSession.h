@@ -22,7 +22,7 @@ public:
     /// Creates the socket unless one is open. Returns false if that fails.
     bool initSocket();
 
-    /// Calls `send` once with at most `length` bytes and returns its result.
+    /// Calls `send` once with `length` bytes and returns its result.
     int send(const char* data, int length);
 
     /// Calls `recv` once for at most `length` bytes and returns its result (0: closed by the peer).

@@ -10,7 +10,8 @@ class ControlClientThread : public ModuleClientThread
     Q_OBJECT
 
 public:
-    bool linkedFlag = false; ///< Heartbeat received on the current connection. Link thread only.
+    /// Whether a heartbeat was received on the current connection. For the link thread only.
+    bool linkedFlag = false;
 
     explicit ControlClientThread(QObject* parent);
     ~ControlClientThread() override { finish(); }

@@ -63,7 +63,7 @@ protected:
 
     void run() override;
 
-    /// Sends the heartbeat answer. Only for the link thread.
+    /// Sends the heartbeat answer. Must be called in the link thread.
     void answerHeartBeat(int sockfd);
 
 private:

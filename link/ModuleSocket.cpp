@@ -32,7 +32,7 @@ int connectToModule(sys::StoppableCalls& calls, const char* moduleName, const ch
     module.sin_port = htons(static_cast<std::uint16_t>(port));
     module.sin_addr.s_addr = inet_addr(ip);
     while (::connect(descriptor, reinterpret_cast<const sockaddr*>(&module), sizeof module) != 0 &&
-           errno != EISCONN) { // EISCONN: connected by a call that a signal interrupted
+           errno != EISCONN) { // EISCONN: an earlier, interrupted call has connected the socket
         if (calls.stopRequested()) {
             return descriptor;
         }

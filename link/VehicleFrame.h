@@ -9,8 +9,8 @@
 //   4...  payload
 //   last  checksum: (type + payload byte + 5A) modulo 256 in what this program sends
 //
-// Version report: byte 4 is the hardware type, then four big-endian values of two bytes each:
-// hardware, software, protocol, bootloader version.
+// Version report: byte 4 is the hardware type. The hardware, software, protocol and bootloader
+// versions follow, each as two signed bytes with the high byte first.
 //
 // A frame is recognised only at the start of a receive, that is, of the bytes that one recv call
 // returned. A second frame in the same receive is ignored. If a frame is split between two

@@ -6,7 +6,7 @@
 namespace sys {
 
 /// A scope in which writing to a peer that has closed the connection fails in this thread without
-/// SIGPIPE, which would end a program that does not ignore the signal. Its end preserves errno.
+/// SIGPIPE, which would end a program that does not ignore the signal. Leaving it preserves errno.
 class PipeSignalBlock
 {
 public:

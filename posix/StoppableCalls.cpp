@@ -77,7 +77,7 @@ int StoppableCalls::Call::open(const char* path, int flags, mode_t mode)
 StoppableCalls::~StoppableCalls()
 {
     for (Call* const call : m_calls) {
-        call->m_calls = nullptr; // a call in this thread is deleting the object
+        call->m_calls = nullptr; // this thread deletes the object within the call
     }
     for (const int descriptor : m_kept) {
         ::close(descriptor);

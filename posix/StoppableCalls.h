@@ -11,9 +11,9 @@
 
 namespace sys {
 
-/// The calls in progress, in any thread, to one object whose functions wait in system calls. A stop
-/// ends all of them and is final. By design sockets and files stay open after a call; those passed
-/// to keep() are closed by this object's destructor. All members may be called from any thread.
+/// The calls in progress, in any thread, to the blocking functions of one object. A stop ends all
+/// of them and is final. By design sockets and files stay open after a call; those passed to keep()
+/// are closed by this object's destructor. All members may be called from any thread.
 class StoppableCalls
 {
 public:

@@ -13,8 +13,8 @@ public:
     /// Asks the worker to end and returns immediately. May be called from any thread.
     virtual void requestStop() noexcept = 0;
 
-    /// Interrupts whatever the worker waits for, and returns within milliseconds, once it has
-    /// ended.
+    /// Asks the worker to end, interrupts whatever the worker waits for, and returns once the
+    /// worker has ended, which takes milliseconds.
     virtual void stopAndWait() = 0;
 };
 

@@ -24,7 +24,7 @@ struct Answer
     Message body;
     std::optional<std::uint64_t>
         announced{};            ///< Content-Length if it differs from the body's length
-    bool withoutAnswer = false; ///< reset the connection instead
+    bool withoutAnswer = false; ///< send nothing, reset the connection
 };
 
 /// Returns a short page with status and reason.
@@ -48,8 +48,8 @@ private:
     /// Returns the card on which the current request acts.
     Card& card();
     /// Returns the generated card of a fault. The first call after the fault was switched on
-    /// generates the card: for the fault "entries" with the number of recordings that is its value,
-    /// for other faults with as many recordings as m_card has.
+    /// generates the card. The value of the fault "entries" is the number of recordings on its
+    /// card; for other faults, the card gets as many recordings as m_card has.
     Card& otherCard(Fault fault);
     /// Returns the names that the faults "name-..." give to the first recordings.
     std::vector<std::string> otherNames() const;
@@ -60,7 +60,7 @@ private:
     Answer changeAnswer(const FaultScope& faults, RequestKind kind, std::string_view name);
     Answer recordingAnswer(const FaultScope& faults, std::string_view name);
 
-    /// A generated card, and when the fault that requests it was switched on.
+    /// A generated card, and the time at which the fault that requests it was switched on.
     struct MadeUp
     {
         Card card;

@@ -19,8 +19,8 @@ std::optional<std::string> requestTarget(std::string_view requestLine);
 
 RequestKind requestKind(std::string_view target);
 
-/// Returns the text after the fixed part of a target of this kind: a name or the number of entries;
-/// empty for kinds without one.
+/// Returns the text after the fixed part of a target of this kind: a name or the number of entries.
+/// Returns an empty text for a kind that takes no argument.
 std::string_view requestArgument(RequestKind kind, std::string_view target);
 
 } // namespace simulator

@@ -10,7 +10,7 @@ using Clock = std::chrono::steady_clock;
 using TimePoint = Clock::time_point;
 using Milliseconds = std::chrono::milliseconds;
 
-/// A point in time that is never reached: nothing to wake up for.
+/// A point in time that is never reached, used if there is nothing to wake up for.
 constexpr TimePoint never = TimePoint::max();
 
 } // namespace simulator

@@ -14,7 +14,7 @@ namespace simulator {
 namespace {
 
 constexpr std::size_t pieceSize = 65'536;
-/// Maximum number of bytes of one step that a connection sends before the others are served.
+/// Maximum number of bytes that a connection sends of one step before other connections are served.
 constexpr std::size_t turnSize = 1'048'576;
 /// Maximum number of literal bytes in a journal line. More bytes appear as count and checksum,
 /// except with --journal-full.

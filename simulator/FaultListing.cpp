@@ -17,7 +17,7 @@ constexpr std::size_t resultColumn = 30;
 /// shown.
 constexpr std::size_t longestPreset = 40;
 
-/// A heading of the list; in the order of FaultGroup.
+/// A heading of the list. The headings below are in the order of FaultGroup.
 struct Heading
 {
     const char* word;  ///< in JSON

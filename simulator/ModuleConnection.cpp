@@ -28,8 +28,8 @@ constexpr Milliseconds unknownInterval{1'000};
 /// Maximum number of unsent steps; a client with more is disconnected.
 constexpr std::size_t queueLimit = 1'000;
 
-/// Number of the first heartbeat on which half-close, reset-mid-frame and heartbeat-pause act;
-/// after the earlier ones the client shows the link.
+/// Number of the first heartbeat on which half-close, reset-mid-frame and heartbeat-pause act. The
+/// earlier heartbeats let the client report that the link is up.
 constexpr int actingBeat = 3;
 
 } // namespace

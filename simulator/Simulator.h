@@ -33,7 +33,8 @@ public:
     /// replay could not continue, empty otherwise.
     std::string run(int signals);
     /// Executes one control line and returns the lines that answer it: none for an empty line,
-    /// otherwise any number that start with two spaces, then one that starts with "ok" or "error".
+    /// otherwise any number of lines that start with two spaces, then one line that starts with
+    /// "ok" or "error".
     std::vector<std::string> control(const std::string& text);
     /// Executes a control line that has already been parsed, and returns the lines that answer it.
     std::vector<std::string> carryOut(const ControlLine& line);

@@ -28,8 +28,8 @@ constexpr std::array<std::uint32_t, 256> crcTable()
 
 namespace {
 
-/// Returns the edit distance of two words: the number of letters to insert, remove, replace or swap
-/// with a neighbour.
+/// Returns the edit distance of two words: the smallest number of letters to insert, remove,
+/// replace or swap with a neighbour so that one word becomes the other.
 std::size_t distance(std::string_view one, std::string_view other)
 {
     std::vector<std::vector<std::size_t>> table(one.size() + 1,

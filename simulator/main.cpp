@@ -52,7 +52,8 @@ simulator::FileDescriptor endingSignals()
     }
     ::sigprocmask(SIG_BLOCK, &signals, nullptr);
     ::signal(SIGPIPE, SIG_IGN);
-    ::signal(SIGTTIN, SIG_IGN); // in the background, reading from the terminal fails
+    // In the background, reading from the terminal then fails instead of stopping the program.
+    ::signal(SIGTTIN, SIG_IGN);
     return simulator::FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
 }
 

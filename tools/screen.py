@@ -1,7 +1,7 @@
-"""Mouse, keyboard and screenshots on an X display, as a user would use them.
+"""Sends mouse and keyboard input to an X display, and takes screenshots of it.
 
-window.py reads texts and positions. Every wait has a time limit and raises NotSeen with a
-description of what was expected.
+window.py reads texts and positions. A wait that times out raises NotSeen with a description of what
+was expected.
 """
 
 import subprocess

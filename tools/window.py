@@ -133,7 +133,7 @@ class Program:
         return []
 
     def items(self):
-        """Returns everything shown in the window, from top to bottom; empty without a window."""
+        """Returns everything shown in the window, in tree order; empty without a window."""
         return self._patiently(lambda: self._look(lambda top: _role_of(top) == "frame"))
 
     def find(self, role, name=None, number=0):

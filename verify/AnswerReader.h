@@ -25,7 +25,7 @@ public:
         Complete, ///< the answer is complete
         Refused,  ///< the status is not 200; see status()
         BadHead,  ///< the head is invalid
-        BadBody,  ///< the chunks are invalid
+        BadBody,  ///< the chunked coding is invalid, or its lines exceed headLimit
         HeadTooLong,
         BodyTooLong, ///< longer than allowed, as announced or as received
         Cut,         ///< the connection ended before the answer did
@@ -35,7 +35,8 @@ public:
     /// Handlers for an answer. If one returns false, parsing stops.
     struct Handlers
     {
-        /// Called with the announced length, if there is one, before the body.
+        /// Called before the body with its announced length; with nothing if it is chunked or no
+        /// length is announced.
         std::function<bool(std::optional<std::uint64_t>)> head;
         /// Called with each piece of the body.
         std::function<bool(std::string_view)> body;

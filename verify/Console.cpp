@@ -25,9 +25,9 @@ void interrupted(int)
     ::_exit(interruptionStatus);
 }
 
-/// Returns the text, cut to fewer bytes than the terminal has columns, because a longer text would
-/// wrap to the next line. Does not split a UTF-8 character. If the width of the terminal is
-/// unknown, returns the whole text.
+/// Returns the text or, if it has at least as many bytes as the terminal has columns, the beginning
+/// that has fewer: a longer text could wrap to the next line. Does not split a UTF-8 character. If
+/// the width of the terminal is unknown, returns the whole text.
 std::string fitting(std::string text)
 {
     winsize size{};

@@ -96,7 +96,7 @@ struct Summary
     std::size_t recordings = 0;     ///< number of recordings on the card to compare
     std::size_t safe = 0;           ///< number of these that are safe
     std::vector<Recording> notSafe; ///< the others, and requested names that are not on the card
-    std::uint64_t missingBytes = 0; ///< sum over notSafe
+    std::uint64_t missingBytes = 0; ///< sum of missingBytes() over notSafe
     std::optional<std::uint64_t> freeBytes;
     std::string folder;
 
@@ -113,7 +113,7 @@ struct Summary
     bool disagrees() const { return counted != listed; }
 };
 
-/// Returns the verdict for the other members of the summary: Unknown if the comparison ended early,
+/// Returns the verdict that follows from the other members: Unknown if the comparison ended early,
 /// if count and list disagree or if the card changed; otherwise Empty for an empty list, Safe if
 /// notSafe is empty, Unknown if none of notSafe could be compared, and else NotSafe.
 Verdict verdictOf(const Summary& summary);
