@@ -44,10 +44,10 @@ void MainWindow::openTableToKeyboard()
     leaveWith("Ctrl+Shift+Tab", false);
 }
 
-/// Moves the focus to the table because Qt would move it from a disabled button to the next widget:
-/// from Download File to Delete File, where the next press of the space bar would delete the
-/// selected files. The check uses the window's own focus widget, because the window may be
-/// inactive.
+/// Moves the focus to the table because Qt would move it from a disabled button to the next widget,
+/// for example from Download File to Delete File, where the next press of the space bar would
+/// delete the selected files. The check uses the window's own focus widget, because the window may
+/// be inactive.
 void MainWindow::disableButton(QPushButton& button)
 {
     if (focusWidget() == &button) {

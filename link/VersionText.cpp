@@ -18,7 +18,7 @@ QString hardwareTypeText(char hardType)
 
 QString versionText(int hundredths)
 {
-    // In single precision; the rounding error does not show in six digits.
+    // Computed in single precision; the rounding error does not show in six significant digits.
     return withPrefix(static_cast<double>(static_cast<float>(hundredths) / 100.0F));
 }
 

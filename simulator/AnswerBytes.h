@@ -21,8 +21,8 @@ struct AnswerBytes
     AnswerEnd end = AnswerEnd::Close;
 };
 
-/// Serialises head and body, with the effects of the faults. exchange: the number of the request,
-/// counted from 1 since the start.
+/// Returns the answer's head and body as bytes, with the effects of the faults. exchange: the
+/// number of the request, counted from 1 since the start.
 AnswerBytes answerBytes(Answer answer, const FaultScope& faults, std::uint64_t exchange);
 
 } // namespace simulator

@@ -30,8 +30,8 @@ struct Answer
 /// Returns a short page with status and reason.
 Answer errorAnswer(int status);
 
-/// The camera's commands, executed on the card: the answers, and the changes made by delete and
-/// format.
+/// The part of the camera that executes requests: returns their answers, and changes the card for
+/// delete, delete all and format.
 class CameraAnswers
 {
 public:

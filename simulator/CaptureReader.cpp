@@ -145,7 +145,7 @@ public:
         }
     }
 
-    /// Adds the gaps and filled-in bytes of the remaining connections to the run.
+    /// Adds the numbers of gaps and filled-in bytes of the remaining connections to the run.
     void finish()
     {
         while (!m_connections.empty()) {

@@ -21,7 +21,7 @@ struct ControlAnswer
 struct ControlLine
 {
     std::string text;  ///< without spaces around it
-    std::string error; ///< why it is invalid; empty: `run` executes it
+    std::string error; ///< why the line is invalid; empty if `run` can execute it
     std::function<ControlAnswer(Simulator&)> run{};
 };
 

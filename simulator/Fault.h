@@ -1,4 +1,4 @@
-// The faults as an enumeration, and everything about each except its effect.
+// The faults as an enumeration, and the table that describes them.
 #pragma once
 
 #include <string>

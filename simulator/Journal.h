@@ -1,4 +1,4 @@
-// The log of everything on the wire.
+// The log of connections, bytes, requests and control lines.
 #pragma once
 
 #include "simulator/FileDescriptor.h"
@@ -38,7 +38,7 @@ public:
     /// full: keep all bytes, including those of recordings.
     std::string open(const std::string& path, bool full);
     bool isFull() const { return m_full; }
-    /// Appends a line. A write error (disk full) is reported once on standard error.
+    /// Appends a line. The first write error, such as a full disk, is reported on standard error.
     void write(const JournalLine& line);
 
 private:

@@ -25,7 +25,7 @@ public:
     /// Processes an acknowledgement: the peer has received everything before this number, so bytes
     /// missing from the capture are replaced by zeros. Returns the bytes that are now in order.
     std::string acknowledged(std::uint32_t sequence);
-    /// Returns the number of gaps and of bytes filled in.
+    /// Returns the number of gaps; filledBytes() returns the number of bytes filled in.
     std::uint64_t filledRuns() const { return m_filledRuns; }
     std::uint64_t filledBytes() const { return m_filledBytes; }
 

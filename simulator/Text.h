@@ -25,11 +25,11 @@ std::uint32_t crc32(std::uint32_t earlier, std::string_view bytes);
 std::string columns(std::string first, std::string_view second, std::size_t start,
                     std::size_t width);
 
-/// Returns `; did you mean "..."?` with the candidate that differs least from the word, or nothing
-/// if none is near.
+/// Returns `; did you mean "..."?` with the candidate that differs least from the word, or an
+/// empty text if no candidate is similar enough.
 std::string didYouMean(std::string_view word, const std::vector<std::string>& candidates);
 
-/// Returns the text as it is written in the source of a manual page.
+/// Returns the text, escaped for the source of a manual page.
 std::string manualText(const std::string& text);
 
 /// Writes a line, cut to 4,000 bytes, and its line ending to standard output immediately. Drops the

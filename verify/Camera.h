@@ -16,7 +16,7 @@ namespace verify {
 /// The reason why a request failed.
 enum class Trouble {
     None,
-    NoRoute,      ///< connecting failed, not as in the next two cases; usually there is no route
+    NoRoute,      ///< connecting failed for a reason other than the next two, usually no route
     Refused,      ///< the camera refuses the connection
     NoConnection, ///< connecting got no reply within the timeout
     Silent,       ///< connected, but the camera sent nothing for the length of the timeout

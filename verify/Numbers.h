@@ -8,8 +8,8 @@
 
 namespace verify {
 
-/// Returns the number if the whole text consists of decimal digits and the number fits into 64
-/// bits, otherwise nothing.
+/// Returns the number if the text consists of one or more decimal digits and the number fits into
+/// 64 bits, otherwise nothing.
 std::optional<std::uint64_t> decimalNumber(std::string_view text);
 /// Returns the same for hexadecimal digits.
 std::optional<std::uint64_t> hexadecimalNumber(std::string_view text);

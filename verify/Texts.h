@@ -29,7 +29,7 @@ public:
 
     /// Returns the line of a recording, without its line ending.
     std::string line(const Recording& recording) const;
-    /// Returns the last paragraph of the report.
+    /// Returns the last line of the report, without its line ending.
     std::string summary(const Summary& summary) const;
     /// Returns the error that ended the comparison early; empty if there is none.
     std::string failure(const Summary& summary) const;

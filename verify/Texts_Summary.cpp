@@ -58,7 +58,7 @@ QString safeText(const Summary& summary)
                      .arg(count);
 }
 
-/// Returns a clause for each reason to doubt the results of the whole card.
+/// Returns a clause for each reason why the comparison as a whole is not reliable.
 QStringList doubts(const Summary& summary)
 {
     QStringList clauses;
