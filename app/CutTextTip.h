@@ -7,8 +7,8 @@ class QHelpEvent;
 class QTableWidget;
 
 /// The tool tips of one table. A cell whose text is cut off shows the text, or its first 4,096
-/// characters, in a tip; other cells have no tip. Owned by the table; the delegate and the items do
-/// not depend on this object.
+/// characters, in a tip; other cells have no tip. The table owns this object; the table's delegate
+/// and items do not depend on it.
 class CutTextTip : public QObject
 {
     Q_OBJECT

@@ -51,7 +51,7 @@ def measure(options):
     results = {count: measure_card(options, count) for count in COUNTS}
     lines = [at_most(TOPIC, f"{count} recordings, time per file, to curl's",
                      ratios(result["window"], result["curl"]), 1.0,
-                     why="heads are read byte by byte; includes the rows on the screen")
+                     why="heads are read byte by byte; the time includes painting the rows")
              for count, result in results.items()]
     lines += [at_most(TOPIC, f"{count} recordings, time per file",
                       [value * 1e6 for value in result["window"]], None, " us", 0)

@@ -72,7 +72,8 @@ def measure(options):
     seconds = [each["seconds"] for each in per_download]
     late, early = thirds(seconds)
     lines.append(at_most(TOPIC, f"{len(seconds)} downloads, time of one, last third to first",
-                         [late / early], 1.25, why="what stays is never walked"))
+                         [late / early], 1.25,
+                         why="finished downloads are kept, but never searched"))
     memory = [each["residentKilobytes"] for each in per_download]
     last = memory[-len(memory) // 3:]
     lines.append(at_most(TOPIC, f"{len(seconds)} downloads, memory of one of the last third",

@@ -29,7 +29,7 @@ def measure(options):
     icon = 1000 * (cpu["bare with icon"] - cpu["bare"])
     lines = [at_most(TOPIC, "first frame, to a bare window's",
                      ratios(seconds["window"], seconds["bare"]), 1.3,
-                     why="most of either is the loading of libraries"),
+                     why="both spend most of this time loading libraries"),
              at_most(TOPIC, "first frame, CPU time, to a bare window's",
                      ratios(field(results["window"], "cpu"), field(results["bare"], "cpu")), None)]
     lines += [at_most(TOPIC, f"first frame, {name}", [1000 * value for value in values], None,

@@ -16,8 +16,8 @@ namespace {
 constexpr std::size_t pieceSize = 65'536;
 /// Maximum number of bytes that a connection sends of one step before other connections are served.
 constexpr std::size_t turnSize = 1'048'576;
-/// Maximum number of literal bytes in a journal line. More bytes appear as count and checksum,
-/// except with --journal-full.
+/// Maximum number of sent bytes that a journal line contains. Of a longer run, and of recordings,
+/// it contains only the count and the checksum, except with --journal-full.
 constexpr std::uint64_t longestNoted = 65'536;
 constexpr Milliseconds lingerTime{2'000};
 constexpr Milliseconds ratePause{10};

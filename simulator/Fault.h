@@ -28,7 +28,7 @@ enum class FaultKind {
     None,   ///< takes no value
     Number, ///< a decimal number within the bounds
     Size,   ///< a Number that may end in k (1,024) or M (1,048,576)
-    Words,  ///< comma-separated words; the value's name lists those allowed, with '|' between
+    Words,  ///< comma-separated words; the value's name lists those allowed, separated by '|'
     Text    ///< any bytes; \r \n \t \\ and \xHH are decoded
 };
 

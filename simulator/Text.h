@@ -16,7 +16,8 @@ std::string hexText(std::string_view bytes);
 /// point of the same number, so that no byte is lost and the result is ASCII.
 std::string jsonString(std::string_view text);
 
-/// Returns the CRC-32 of zip and zlib, continued from an earlier result (0 at the start).
+/// Returns the CRC-32, as zip and zlib compute it, continued from an earlier result (0 at the
+/// start).
 std::uint32_t crc32(std::uint32_t earlier, std::string_view bytes);
 
 /// Returns a row of two columns: the first text, then the second from the column `start` on, broken
