@@ -43,7 +43,7 @@ public:
         m_timer.start(interval);
     }
 
-    /// Returns the delay in milliseconds that was not exceeded by a given share of all ticks.
+    /// Returns the delay in milliseconds that the given share of all ticks did not exceed.
     double percentile(double share)
     {
         if (m_delays.empty()) {

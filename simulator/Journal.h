@@ -35,7 +35,7 @@ class Journal
 {
 public:
     /// Creates the file; an existing one is overwritten. Returns an error text, empty on success.
-    /// full: keep all bytes, including those of recordings.
+    /// full: write all bytes, including those of recordings.
     std::string open(const std::string& path, bool full);
     bool isFull() const { return m_full; }
     /// Appends a line. The first write error, such as a full disk, is reported on standard error.

@@ -23,7 +23,7 @@ public:
         m_unread.erase(0, end + 1);
         return line;
     }
-    /// Discards what has arrived of a line if it is too long; returns whether it was.
+    /// Discards an incomplete line that is too long. Returns whether one was discarded.
     bool dropOverlong()
     {
         const bool overlong = m_unread.size() > longest;

@@ -8,7 +8,7 @@
 
 namespace simulator {
 
-/// The requests or connections, by their number, on which a fault acts.
+/// The numbers of the requests or connections on which a fault acts.
 class Occasion
 {
 public:

@@ -132,7 +132,7 @@ const std::vector<OptionRow>& optionRows()
          "write a journal of connections, bytes, requests and control lines to FILE",
          nonEmpty(&Options::journal)},
         {"--journal-full", Takes::Nothing, "",
-         "keep all bytes in the journal, including those of recordings",
+         "write all bytes to the journal, including those of recordings",
          flag(&Options::journalFull)},
         {"--replay", Takes::Value, "FILE",
          "replay a recorded run; FILE is a journal or a packet capture",

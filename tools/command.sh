@@ -1,5 +1,6 @@
 # Functions common to the commands of this tree: messages, options, installing packages. A command sources
-# this file and defines a function "usage" that prints its help. This file changes to the root of the tree.
+# this file, which changes the working directory to the root of the tree, and defines a function "usage"
+# that prints its help.
 # shellcheck shell=bash
 
 commandName=$(readlink -f "$0")

@@ -56,7 +56,7 @@ class Screenshot:
                    for x in range(left, right))
 
     def text(self, box):
-        """Returns the text in the box as pixel columns, without the empty ones on both sides."""
+        """Returns the text in the box as pixel columns, without the empty columns on both sides."""
         left, top, right, bottom = box
         columns = [tuple(self.pixel(x, y) for y in range(top, bottom)) for x in range(left, right)]
         drawn = [x for x, column in enumerate(columns) if column != columns[0]]
@@ -69,8 +69,8 @@ class Screenshot:
 def is_one_shape_repeated(text):
     """Returns whether the columns of a text repeat at some distance.
 
-    This is true only for the boxes drawn for characters missing from all fonts, whether they touch
-    or not.
+    Only the boxes drawn in place of characters that no font has repeat in this way, whether they
+    touch or not.
     """
     return any(text[distance:] == text[:-distance] for distance in range(4, len(text) // 2 + 1))
 

@@ -1,6 +1,6 @@
 """Reads the program's window through the accessibility interface: texts, positions and states.
 
-Read-only; screen.py acts with mouse and keyboard. Needs a message bus.
+Changes nothing in the window; screen.py sends mouse and keyboard input. Needs a message bus.
 """
 
 import dataclasses
@@ -18,7 +18,7 @@ Atspi.set_timeout(2000, 5000)
 
 _STATES = {name: getattr(Atspi.StateType, name)
            for name in ("ENABLED", "SHOWING", "FOCUSED", "CHECKED", "SELECTED")}
-# By number, because the names of the roles differ between versions of the interface.
+# The keys are numbers, because the names of the roles differ between versions of the interface.
 _ROLES = {int(number): name for number, name in (
     (Atspi.Role.ALERT, "alert"), (Atspi.Role.CHECK_BOX, "check box"),
     (Atspi.Role.COMBO_BOX, "combo box"), (Atspi.Role.DIALOG, "dialog"),
@@ -31,8 +31,8 @@ _ROLES = {int(number): name for number, name in (
     (Atspi.Role.TABLE_COLUMN_HEADER, "table column header"),
     (Atspi.Role.TABLE_ROW_HEADER, "table row header"), (Atspi.Role.TEXT, "text"),
     (Atspi.Role.TOOL_BAR, "tool bar"))}
-# _walk() does not descend into these widgets: a widget draws its contents itself, or shows them
-# only while it is open.
+# _walk() does not descend into these widgets: they draw their contents themselves, or show them
+# only while they are open.
 _CLOSED = ("combo box", "status bar", "tool bar", "menu bar")
 _WITHOUT_PARTS = ("push button", "check box", "label", "text", "progress bar",
                   "table column header", "table row header", "table cell", "list item")
@@ -42,7 +42,7 @@ _READ_BY_NAME = ("push button", "check box", "label", "panel", "combo box", "tab
 
 def start_bus(log):
     """Starts a message bus for this process and its children; writes the bus's error messages to
-    the log. The caller keeps the returned process. The bus ends with the private network."""
+    the log. The caller must keep the returned process. The bus ends with the private network."""
     with open(log, "wb") as file:
         bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"],
                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=file)
@@ -137,8 +137,8 @@ class Program:
         return self._patiently(lambda: self._look(lambda top: _role_of(top) == "frame"))
 
     def find(self, role, name=None, number=0):
-        """Returns the item shown in the window that has this number among those with the role, and
-        with the name if one is given; None if there are fewer."""
+        """Returns the item with this number, counted from 0 among the items shown in the window
+        that have the role and, if one is given, the name; None if there are fewer such items."""
         found = [item for item in self.items() if item.role == role and name in (None, item.name)]
         return found[number] if number < len(found) else None
 
@@ -148,7 +148,7 @@ class Program:
             lambda top: _role_of(top) in ("alert", "dialog", "notification")))
 
     def languages(self):
-        """Returns the entries of the language list; none while it is closed."""
+        """Returns the entries of the language list, or no entries while the list is closed."""
         items = self._patiently(lambda: self._look(
             lambda top: _role_of(top) == "frame", closed=()))
         opened = [item for item in items if item.role == "list" and item.box[2] > item.box[0]]

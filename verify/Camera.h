@@ -16,7 +16,7 @@ namespace verify {
 /// The reason why a request failed.
 enum class Trouble {
     None,
-    NoRoute,      ///< connecting failed for a reason other than the next two, usually no route
+    NoRoute,      ///< any failure to connect except the next two; usually there is no route
     Refused,      ///< the camera refuses the connection
     NoConnection, ///< connecting got no reply within the timeout
     Silent,       ///< connected, but the camera sent nothing for the length of the timeout

@@ -8,7 +8,7 @@ _belun_options()
     if [[ ${1##*/} == belun-simulator ]]; then
         "$1" --help=words
     else
-        # "  --netem TEXT    create ...", "  --help, --version"
+        # Lines such as "  --netem TEXT    create ..." and "  --help, --version".
         LC_ALL=C "$1" --help |
             awk -F '   *' '/^ +--/ { n = split($2, names, /, /)
                                      for (i = 1; i <= n; ++i) print names[i] }'
