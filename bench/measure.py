@@ -59,7 +59,7 @@ def main():
     topics = options.topics or TOPICS
 
     if options.publish and options.topics:
-        parser.error("--publish takes all topics")
+        parser.error("--publish measures all topics; name none")
     load = os.getloadavg()[0] if options.quick else wait_for_rest()
     rest = "a machine at rest" if load <= QUIET else f"a machine NOT at rest (load {load:.1f})"
     when = f"{time.strftime('%Y-%m-%d')} on {rest}: {machine()}"

@@ -1,4 +1,4 @@
-# An interface target with language level, warnings and include root, which all our targets link.
+# An interface target that all our targets link: language level, warnings and include root.
 option(BELUN_WERROR "Treat compiler warnings as errors" OFF)
 
 add_library(project_options INTERFACE)
