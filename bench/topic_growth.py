@@ -71,12 +71,12 @@ def measure(options):
 
     seconds = [each["seconds"] for each in per_download]
     late, early = thirds(seconds)
-    lines.append(at_most(TOPIC, f"{len(seconds)} downloads, time of one, last third to first",
+    lines.append(at_most(TOPIC, f"{len(seconds)} downloads, time each, last third to first",
                          [late / early], 1.25,
                          why="finished downloads are kept, but never searched"))
     memory = [each["residentKilobytes"] for each in per_download]
     last = memory[-len(memory) // 3:]
-    lines.append(at_most(TOPIC, f"{len(seconds)} downloads, memory of one of the last third",
+    lines.append(at_most(TOPIC, f"{len(seconds)} downloads, memory each in the last third",
                          [(last[-1] - last[0]) / (len(last) - 1)], 20, " kB", 1,
                          why="the thread object and two descriptors stay, as required"))
     lines.append(Line(TOPIC, f"{len(seconds)} downloads, memory of the first two thirds",
