@@ -19,8 +19,9 @@ namespace simulator {
 /// The maximum length of a socket's path in bytes.
 constexpr std::size_t longestSocketPath = sizeof(sockaddr_un::sun_path) - 1;
 
-/// A socket that accepts control lines from any number of clients and that only its owner can use.
-/// Never blocks; a client that does not read its answers is disconnected.
+/// A socket that accepts control lines from any number of clients of the user who runs the
+/// simulator; other users cannot connect. Never blocks; a client that does not read its answers is
+/// disconnected.
 class ControlSocket
 {
 public:

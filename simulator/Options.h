@@ -33,7 +33,7 @@ struct Options
     bool journalFull = false;
     std::string replay;
     std::string controlSocket;      ///< --control, or --send
-    std::vector<std::string> lines; ///< to send
+    std::vector<std::string> lines; ///< the control lines to send
     bool exitWithStdin = false;
 };
 
