@@ -32,6 +32,14 @@ function(_belun_set_test_properties name label network)
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TZ=UTC;LC_ALL=C.UTF-8;QT_LOGGING_RULES=;${BELUN_SANITIZER_ENVIRONMENT}")
 endfunction()
 
+# Compiles the headers of tests/kit/Precompiled.h once for the target. Only with GCC: Clang builds
+# without precompiled headers, so that missing includes are found.
+function(belun_precompile_headers target)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_precompile_headers(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests/kit/Precompiled.h")
+  endif()
+endfunction()
+
 # add_test_program(link LIBRARIES link [SOURCES LinkRecorder.h])
 # Adds a folder's test program, such as test_link; add_unit_test adds its classes.
 function(add_test_program folder)
@@ -42,10 +50,7 @@ function(add_test_program folder)
     AUTOMOC ON
     RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
   target_link_libraries(${target} PRIVATE project_options test_kit Qt::Test ${arg_LIBRARIES})
-  # Only with GCC: Clang builds without precompiled headers, so that missing includes are found.
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    target_precompile_headers(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests/kit/Precompiled.h")
-  endif()
+  belun_precompile_headers(${target})
 endfunction()
 
 # add_unit_test(NAME link.VehicleFrame LABEL unit [PRIVATE_NETWORK])
