@@ -1,7 +1,7 @@
 // Tests closing the window in every state of its threads, both in this process and in the program
 // run as a separate process.
+#include "tests/app/Scene.h"
 #include "tests/kit/DrivenProcess.h"
-#include "tests/kit/LinkedScene.h"
 #include "tests/kit/SilentAddress.h"
 #include "tests/kit/TcpTable.h"
 #include "tests/kit/TestMain.h"
@@ -11,7 +11,6 @@
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <memory>
 #include <thread>
 
 #include <arpa/inet.h>
@@ -27,8 +26,6 @@
 #include <QTemporaryDir>
 
 namespace {
-
-using Texts = QList<QByteArray>;
 
 const qint64 closingLimit = 2000 * support::timeFactor(); // milliseconds
 
@@ -71,6 +68,16 @@ int openDescriptors(qint64 process)
     return count;
 }
 
+/// Destroys the window and checks that this takes less than closingLimit.
+void destroyInTime(Scene& scene)
+{
+    QElapsedTimer clock;
+    clock.start();
+    scene.user.destroy();
+    const qint64 elapsed = clock.elapsed();
+    QVERIFY2(elapsed < closingLimit, qPrintable(QString::number(elapsed) + " ms"));
+}
+
 /// The program, with its window operated from inside.
 class Program : public DrivenProcess
 {
@@ -86,12 +93,23 @@ public:
         QVERIFY2(clock.elapsed() < closingLimit, qPrintable(QString::number(clock.elapsed())));
     }
 
-    /// Sends a command and checks that the program has confirmed it.
-    void obey(const QByteArray& command) { QCOMPARE(tell(command), QByteArray("done\n")); }
+    /// Sends commands, and checks after each that the program has confirmed it.
+    void obey(const Texts& commands)
+    {
+        for (const QByteArray& command : commands) {
+            QCOMPARE(tell(command), QByteArray("done\n"));
+        }
+    }
 
 private:
     QTemporaryDir m_folder;
 };
+
+const QByteArray clickLink = "click pushButtonLinkBELUN";
+const QByteArray clickBrowse = "click pushButtonEnterTFcard";
+const QByteArray clickDownload = "click pushButtonDownloadFile";
+const QByteArray chooseFirstRow = "choose 0";
+const QByteArray clickSelectAll = "click checkBoxSelectAllFiles";
 
 } // namespace
 
@@ -100,22 +118,18 @@ class ClosingTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void idleWindow();
     void afterAFailedLink();
     void atOnceAfterTheLinkClick();
     void linkedWindow();
     void twoPairsOfLinks();
     void linkThreadsConnectingToARefusingAddress();
-    void controlThreadConnectingToASilentAddress();
-    void groundThreadConnectingToASilentAddress();
+    void linkThreadConnectingToASilentAddress_data();
+    void linkThreadConnectingToASilentAddress();
     void linkThreadReconnectingAgainAndAgain();
     void downloadConnectingToASilentCamera();
-    void downloadWithoutAnAnswer();
-    void downloadStalledInTheHead();
-    void downloadStalledInTheBody();
+    void stalledDownload_data();
+    void stalledDownload();
     void downloadInFlight();
     void downloadStalledBesideRefusedAndSilentLinks();
     void descriptorsAreReleasedWithTheWindow();
@@ -127,236 +141,190 @@ private slots:
     void programSurvivesADownloadFromACameraSwitchedOff();
     void programSurvivesAModuleThatResetsAfterItsHeartbeats();
     void programKeepsTheDescriptorsOfLinksAndDownloadsOpen();
-
-private:
-    /// Destroys the window and checks that this takes less than closingLimit.
-    void destroyInTime();
-    /// Starts a download that stalls after these bytes. Returns when the camera waits at the gate.
-    void startDownload(const QByteArray& bytes);
-
-    std::unique_ptr<fake::Gate> gate; // outlives the camera that waits at it
-    std::unique_ptr<LinkedScene> scene;
 };
-
-void ClosingTest::init()
-{
-    gate = std::make_unique<fake::Gate>();
-    scene = std::make_unique<LinkedScene>();
-}
-
-void ClosingTest::cleanup()
-{
-    gate->open();
-    if (scene->camera) {
-        QCOMPARE(scene->camera->errors(), Texts());
-    }
-    scene.reset();
-    QDir(QDir::homePath() + QStringLiteral("/Desktop/DCIM")).removeRecursively();
-}
-
-void ClosingTest::destroyInTime()
-{
-    QElapsedTimer clock;
-    clock.start();
-    scene->user->destroy();
-    const qint64 elapsed = clock.elapsed();
-    QVERIFY2(elapsed < closingLimit, qPrintable(QString::number(elapsed) + " ms"));
-}
-
-void ClosingTest::startDownload(const QByteArray& bytes)
-{
-    scene->camera->on(fake::downloadTarget, [this, bytes](support::Peer& peer) {
-        peer.send(bytes);
-        gate->pass();
-    });
-    scene->user->chooseRows({0});
-    scene->user->clickDownload();
-    QTRY_VERIFY(gate->isReached());
-    QVERIFY(!scene->user->canDownload());
-}
 
 void ClosingTest::idleWindow()
 {
-    destroyInTime();
+    Scene scene;
+    destroyInTime(scene);
 }
 
 void ClosingTest::afterAFailedLink()
 {
-    scene->ground.reset();
-    scene->user->clickLink();
-    QVERIFY(scene->user->showsLinkFail());
-    destroyInTime();
+    Scene scene;
+    scene.ground.reset();
+    scene.user.clickLink();
+    QVERIFY(scene.user.showsLinkFail());
+    destroyInTime(scene);
 }
 
 void ClosingTest::atOnceAfterTheLinkClick()
 {
-    scene->user->clickLink();
-    QVERIFY(scene->user->showsLinkSuccess());
-    destroyInTime();
+    Scene scene;
+    scene.user.clickLink();
+    QVERIFY(scene.user.showsLinkSuccess());
+    destroyInTime(scene);
 }
 
 void ClosingTest::linkedWindow()
 {
-    scene->link();
-    scene->control->link().send(QByteArray::fromHex("aaaf04010000"));
-    QTRY_COMPARE(scene->control->link().received(), QByteArray::fromHex("aaaf0401015f"));
-    destroyInTime();
+    Scene scene;
+    scene.link();
+    scene.exchangeHeartbeat();
+    destroyInTime(scene);
     // The modules notice the end of their links.
-    QTRY_COMPARE(scene->control->links(), QList<int>());
-    QTRY_COMPARE(scene->ground->links(), QList<int>());
+    QTRY_COMPARE(scene.control->links(), QList<int>());
+    QTRY_COMPARE(scene.ground->links(), QList<int>());
 }
 
 void ClosingTest::twoPairsOfLinks()
 {
-    scene->link();
-    scene->control->link().close();
-    QTRY_VERIFY(scene->user->showsLinkFail());
-    scene->user->clickLink();
-    QTRY_COMPARE(scene->control->links().size(), 2);
-    QTRY_COMPARE(scene->ground->links().size(), 2);
-    destroyInTime();
-    QTRY_COMPARE(scene->control->links(), QList<int>());
-    QTRY_COMPARE(scene->ground->links(), QList<int>());
+    Scene scene;
+    scene.link();
+    scene.loseLink();
+    scene.user.clickLink();
+    QTRY_COMPARE(scene.control->links().size(), 2);
+    QTRY_COMPARE(scene.ground->links().size(), 2);
+    destroyInTime(scene);
+    QTRY_COMPARE(scene.control->links(), QList<int>());
+    QTRY_COMPARE(scene.ground->links(), QList<int>());
 }
 
 void ClosingTest::linkThreadsConnectingToARefusingAddress()
 {
-    scene->link();
-    scene->control.reset();
-    scene->ground.reset();
-    QTRY_VERIFY(scene->user->showsLinkFail());
-    destroyInTime();
+    Scene scene;
+    scene.link();
+    scene.control.reset();
+    scene.ground.reset();
+    QTRY_VERIFY(scene.user.showsLinkFail());
+    destroyInTime(scene);
 }
 
-void ClosingTest::controlThreadConnectingToASilentAddress()
+void ClosingTest::linkThreadConnectingToASilentAddress_data()
 {
-    scene->control.reset();
-    const AddressForAProbe control(fake::controlAddress);
-    scene->user->clickLink();
-    QVERIFY(scene->user->showsLinkSuccess());
-    QTRY_VERIFY(support::isConnectPending(fake::controlAddress, fake::modulePort));
-    destroyInTime();
+    QTest::addColumn<QByteArray>("address");
+    QTest::newRow("control module") << QByteArray(fake::controlAddress);
+    QTest::newRow("ground module") << QByteArray(fake::groundAddress);
 }
 
-void ClosingTest::groundThreadConnectingToASilentAddress()
+void ClosingTest::linkThreadConnectingToASilentAddress()
 {
-    scene->ground.reset();
-    const AddressForAProbe ground(fake::groundAddress);
-    scene->user->clickLink();
-    QVERIFY(scene->user->showsLinkSuccess());
-    QTRY_VERIFY(support::isConnectPending(fake::groundAddress, fake::modulePort));
-    destroyInTime();
+    QFETCH(QByteArray, address);
+    Scene scene;
+    (address == fake::controlAddress ? scene.control : scene.ground).reset();
+    const AddressForAProbe silent(address.constData());
+    scene.user.clickLink();
+    QVERIFY(scene.user.showsLinkSuccess());
+    QTRY_VERIFY(support::isConnectPending(address.constData(), fake::modulePort));
+    destroyInTime(scene);
 }
 
 void ClosingTest::linkThreadReconnectingAgainAndAgain()
 {
-    scene->control.reset();
+    Scene scene;
+    scene.control.reset();
     support::ScriptedServer closing(support::ScriptedServer::Script([](support::Peer&) {}),
                                     fake::controlAddress, fake::modulePort);
-    scene->user->clickLink();
+    scene.user.clickLink();
     QVERIFY(closing.connectionCount() >= 1);
     QTRY_VERIFY(closing.connectionCount() >= 10);
-    destroyInTime();
+    destroyInTime(scene);
 }
 
 void ClosingTest::downloadConnectingToASilentCamera()
 {
-    scene->linkAndBrowse({"a.mp4"});
-    scene->camera.reset();
+    Scene scene({"a.mp4"});
+    scene.camera.reset();
     const support::SilentAddress camera(fake::cameraAddress, fake::cameraPort);
-    scene->user->chooseRows({0});
-    scene->user->clickDownload();
+    scene.user.downloadRows({0});
     QTRY_VERIFY(support::isConnectPending(fake::cameraAddress, fake::cameraPort));
-    QCOMPARE(scene->user->downloadCount(), QStringLiteral("1/1"));
-    destroyInTime();
+    QCOMPARE(scene.user.downloadCount(), QString("1/1"));
+    destroyInTime(scene);
 }
 
-void ClosingTest::downloadWithoutAnAnswer()
+void ClosingTest::stalledDownload_data()
 {
-    scene->linkAndBrowse({"a.mp4"});
-    startDownload(QByteArray());
-    destroyInTime();
+    QTest::addColumn<QByteArray>("received");
+    QTest::addColumn<int>("progress");
+    QTest::newRow("before the answer") << QByteArray() << 0;
+    QTest::newRow("in the head") << QByteArray("HTTP/1.1 200 OK\r\nContent-Le") << 0;
+    QTest::newRow("in the body") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf")
+                                 << 4;
 }
 
-void ClosingTest::downloadStalledInTheHead()
+void ClosingTest::stalledDownload()
 {
-    scene->linkAndBrowse({"a.mp4"});
-    startDownload("HTTP/1.1 200 OK\r\nContent-Le");
-    destroyInTime();
-}
-
-void ClosingTest::downloadStalledInTheBody()
-{
-    scene->linkAndBrowse({"a.mp4"});
-    startDownload("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf");
-    QTRY_COMPARE(scene->user->progressBar().value(), 4);
-    destroyInTime();
+    QFETCH(QByteArray, received);
+    QFETCH(int, progress);
+    Scene scene({"a.mp4"});
+    scene.sendInParts("a.mp4", {received, ""});
+    scene.user.downloadRows({0});
+    QTRY_VERIFY(scene.gate("a.mp4").isReached());
+    QTRY_COMPARE(scene.user.progressBar().value(), progress);
+    QVERIFY(!scene.user.canDownload());
+    destroyInTime(scene);
 }
 
 void ClosingTest::downloadInFlight()
 {
-    scene->linkAndBrowse({"a.mp4", "b.mp4"});
     std::atomic<bool> goOn{true};
-    scene->camera->on(fake::downloadTarget, [&goOn](support::Peer& peer) {
+    Scene scene({"a.mp4", "b.mp4"});
+    scene.camera->on(fake::downloadTarget, [&goOn](support::Peer& peer) {
         peer.send("HTTP/1.1 200 OK\r\nContent-Length: 2000000000\r\n\r\n");
         for (int piece = 0; piece < 10000 && goOn; ++piece) {
             peer.send(QByteArray(4096, 'x'));
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     });
-    scene->user->chooseRows({0, 1});
-    scene->user->clickDownload();
-    QTRY_VERIFY(scene->user->progressBar().value() > 0);
-    destroyInTime();
+    scene.user.downloadRows({0, 1});
+    QTRY_VERIFY(scene.user.progressBar().value() > 0);
+    destroyInTime(scene);
     goOn = false;
     // The next file is not started.
-    QCOMPARE(scene->camera->targets(), Texts{QByteArray(fake::downloadTarget) + "b.mp4"});
-    scene->camera.reset(); // its thread uses local variables of this function
+    QCOMPARE(scene.camera->targets(), Texts{downloadOf("b.mp4")});
 }
 
 void ClosingTest::downloadStalledBesideRefusedAndSilentLinks()
 {
-    scene->ground.reset();
+    Scene scene;
+    scene.ground.reset();
     const AddressForAProbe ground(fake::groundAddress);
-    scene->user->clickLink();
-    QVERIFY(scene->user->showsLinkSuccess());
-    scene->camera->holdFiles({"a.mp4"});
-    scene->user->clickBrowse();
-    startDownload("HTTP/1.1 200 OK\r\n");
-    scene->control.reset();
-    QTRY_VERIFY(scene->user->showsLinkFail());
+    scene.user.clickLink();
+    QVERIFY(scene.user.showsLinkSuccess());
+    scene.camera->holdFiles({"a.mp4"});
+    scene.user.clickBrowse();
+    scene.downloadUntilStalled({0}, "a.mp4");
+    scene.control.reset();
+    QTRY_VERIFY(scene.user.showsLinkFail());
     QTRY_VERIFY(support::isConnectPending(fake::groundAddress, fake::modulePort));
-    destroyInTime();
+    destroyInTime(scene);
 }
 
 void ClosingTest::descriptorsAreReleasedWithTheWindow()
 {
-    scene->user->destroy();
+    Scene scene;
     const int before = openDescriptors(::getpid());
-    scene->user.emplace();
-    scene->link();
+    scene.link();
     for (int loss = 0; loss < 5; ++loss) {
-        scene->control->link().close();
-        QTRY_VERIFY(scene->user->showsLinkFail());
-        QTRY_VERIFY(scene->control->links().contains(loss + 2));
+        scene.loseLink();
     }
-    scene->control->link().send(QByteArray::fromHex("aaaf04010000"));
-    QTRY_VERIFY(scene->user->showsLinkSuccess());
-    scene->camera->holdFiles({"a.mp4"});
-    scene->camera->answer(fake::downloadTarget, "recording");
-    scene->user->clickBrowse();
-    scene->user->chooseRows({0});
+    scene.exchangeHeartbeat();
+    QTRY_VERIFY(scene.user.showsLinkSuccess());
+    scene.camera->holdFiles({"a.mp4"});
+    scene.camera->answer(fake::downloadTarget, "recording");
+    scene.user.clickBrowse();
+    scene.user.chooseRows({0});
     // The window's sockets are the control link, its five lost connections and the ground link. The
     // devices' sockets are those of the two current links.
     QTRY_COMPARE(openDescriptors(::getpid()), before + 7 + 2);
     for (int download = 1; download <= 3; ++download) {
-        QTRY_VERIFY(scene->user->canDownload());
-        scene->user->clickDownload();
-        QVERIFY(!scene->user->isIdle());
-        QTRY_VERIFY(scene->user->isIdle());
+        QTRY_VERIFY(scene.user.canDownload());
+        scene.user.clickDownload();
+        QVERIFY(!scene.user.isIdle());
+        QTRY_VERIFY(scene.user.isIdle());
         QTRY_COMPARE(openDescriptors(::getpid()), before + 7 + 2 + 2 * download);
     }
-    scene->user->destroy();
+    scene.user.destroy();
     QTRY_COMPARE(openDescriptors(::getpid()), before);
 }
 
@@ -368,96 +336,93 @@ void ClosingTest::programClosedIdle()
 
 void ClosingTest::programClosedLinked()
 {
+    const Devices devices;
     Program program;
-    program.obey("click pushButtonLinkBELUN");
-    QTRY_COMPARE(scene->control->links(), QList<int>{1});
-    QTRY_COMPARE(scene->ground->links(), QList<int>{1});
+    program.obey({clickLink});
+    QTRY_COMPARE(devices.control->links(), QList<int>{1});
+    QTRY_COMPARE(devices.ground->links(), QList<int>{1});
     program.closeInTime();
 }
 
 void ClosingTest::programClosedWithItsModulesGone()
 {
+    Devices devices;
     Program program;
-    program.obey("click pushButtonLinkBELUN");
-    QTRY_COMPARE(scene->control->links(), QList<int>{1});
-    scene->control.reset();
-    scene->ground.reset();
+    program.obey({clickLink});
+    QTRY_COMPARE(devices.control->links(), QList<int>{1});
+    devices.control.reset();
+    devices.ground.reset();
     program.closeInTime();
 }
 
 void ClosingTest::programClosedWithAStalledDownload()
 {
-    scene->camera->holdFiles({"a.mp4"});
-    scene->camera->on(fake::downloadTarget, [this](support::Peer&) { gate->pass(); });
+    Devices devices;
+    devices.camera->holdFiles({"a.mp4"});
+    devices.stall("a.mp4");
     Program program;
-    program.obey("click pushButtonLinkBELUN");
-    program.obey("click pushButtonEnterTFcard");
-    program.obey("choose 0");
-    program.obey("click pushButtonDownloadFile");
-    QTRY_VERIFY(gate->isReached());
+    program.obey({clickLink, clickBrowse, chooseFirstRow, clickDownload});
+    QTRY_VERIFY(devices.gate("a.mp4").isReached());
     program.closeInTime();
 }
 
 void ClosingTest::programSurvivesADownloadFromACameraSwitchedOff()
 {
-    scene->camera->holdFiles({"a.mp4"});
+    Devices devices;
+    devices.camera->holdFiles({"a.mp4"});
     Program program;
-    program.obey("click pushButtonLinkBELUN");
-    program.obey("click pushButtonEnterTFcard");
-    program.obey("choose 0");
-    scene->camera.reset();
+    program.obey({clickLink, clickBrowse, chooseFirstRow});
+    devices.camera.reset();
     // The request is written although the connection was refused: an unhandled SIGPIPE would end
     // the program here.
-    program.obey("click pushButtonDownloadFile");
+    program.obey({clickDownload});
     // Printed immediately although the output is a pipe.
     QTRY_VERIFY(program.output().contains("connect failed, return: -1\n"));
-    program.obey("click checkBoxSelectAllFiles");
+    program.obey({clickSelectAll});
     program.closeInTime();
 }
 
 void ClosingTest::programSurvivesAModuleThatResetsAfterItsHeartbeats()
 {
+    const Devices devices;
     Program program;
-    program.obey("click pushButtonLinkBELUN");
-    QTRY_COMPARE(scene->control->links(), QList<int>{1});
+    program.obey({clickLink});
+    QTRY_COMPARE(devices.control->links(), QList<int>{1});
     // Many heartbeats, each filling a receive, so that answers are still sent after the reset.
-    const QByteArray heartbeat = QByteArray::fromHex("aaaf04010000") + QByteArray(94, '\0');
+    const QByteArray wholeReceive = heartbeat + QByteArray(94, '\0');
     for (int loss = 0; loss < 5; ++loss) {
-        scene->control->link().send(heartbeat.repeated(500));
-        scene->control->link().reset();
-        QTRY_COMPARE(scene->control->links(), QList<int>{loss + 2});
+        devices.control->link().send(wholeReceive.repeated(500));
+        devices.control->link().reset();
+        QTRY_COMPARE(devices.control->links(), QList<int>{loss + 2});
     }
-    program.obey("click checkBoxSelectAllFiles");
+    program.obey({clickSelectAll});
     program.closeInTime();
 }
 
 void ClosingTest::programKeepsTheDescriptorsOfLinksAndDownloadsOpen()
 {
-    scene->camera->holdFiles({"a.mp4"});
-    scene->camera->answer(fake::downloadTarget, "recording");
+    Devices devices;
+    devices.camera->holdFiles({"a.mp4"});
+    devices.camera->answer(fake::downloadTarget, "recording");
     Program program;
-    program.obey("click pushButtonEnterTFcard");
-    program.obey("choose 0");
+    program.obey({clickBrowse, chooseFirstRow});
     const int before = openDescriptors(program.id());
-    program.obey("click pushButtonLinkBELUN");
-    QTRY_COMPARE(scene->control->links(), QList<int>{1});
-    QTRY_COMPARE(scene->ground->links(), QList<int>{1});
+    program.obey({clickLink});
+    QTRY_COMPARE(devices.control->links(), QList<int>{1});
+    QTRY_COMPARE(devices.ground->links(), QList<int>{1});
     QTRY_COMPARE(openDescriptors(program.id()), before + 2);
     for (int loss = 1; loss <= 3; ++loss) {
-        scene->control->link().close();
-        QTRY_COMPARE(scene->control->links(), QList<int>{1 + loss});
+        devices.control->link().close();
+        QTRY_COMPARE(devices.control->links(), QList<int>{1 + loss});
         QTRY_COMPARE(openDescriptors(program.id()), before + 2 + loss);
     }
     // When the second answer is sent, the window has been notified of the first heartbeat.
-    for (int beat = 1; beat <= 2; ++beat) {
-        scene->control->link().send(QByteArray::fromHex("aaaf04010000"));
-        QTRY_COMPARE(scene->control->link().received(),
-                     QByteArray::fromHex("aaaf0401015f").repeated(beat));
-    }
+    devices.exchangeHeartbeat();
+    devices.exchangeHeartbeat();
     // Each download keeps one socket and one file open.
     for (int download = 1; download <= 2; ++download) {
-        QTRY_COMPARE(scene->camera->heads().size(), download + 2);
-        program.obey("click pushButtonDownloadFile");
+        QTRY_COMPARE(devices.camera->heads().size(), download + 2);
+        program.obey({clickDownload});
         QTRY_COMPARE(openDescriptors(program.id()), before + 2 + 3 + 2 * download);
     }
     program.closeInTime();

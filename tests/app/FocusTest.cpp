@@ -1,6 +1,6 @@
 // Where the keyboard focus goes when a focused button is disabled: never to a button that deletes,
 // unless the user moves it there.
-#include "tests/kit/LinkedScene.h"
+#include "tests/app/Scene.h"
 #include "tests/kit/TestMain.h"
 
 #include <memory>
@@ -13,9 +13,6 @@
 
 namespace {
 
-using Texts = QList<QByteArray>;
-
-const Texts threeFiles{"a.mp4", "b.mp4", "c.mp4"};
 const QString table = QStringLiteral("tableWidgetFileInfo");
 
 } // namespace
@@ -42,12 +39,12 @@ private:
     /// Returns the name of the window's own focus widget, whether or not the window is active.
     QString focused() const
     {
-        const QWidget* widget = scene->user->window().focusWidget();
+        const QWidget* widget = scene->user.window().focusWidget();
         return widget != nullptr ? widget->objectName() : QStringLiteral("none");
     }
     void focus(const char* name) const
     {
-        scene->user->probe().child<QWidget>(QLatin1String(name)).setFocus(Qt::TabFocusReason);
+        scene->user.probe().child<QWidget>(QLatin1String(name)).setFocus(Qt::TabFocusReason);
         QCOMPARE(focused(), QString::fromLatin1(name));
     }
     static void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
@@ -57,36 +54,27 @@ private:
     /// Presses a button as a screen reader does, without moving the focus.
     void pressFromOutside(const char* button) const
     {
-        QAccessible::queryAccessibleInterface(&scene->user->button(button))
+        QAccessible::queryAccessibleInterface(&scene->user.button(button))
             ->actionInterface()
             ->doAction(QAccessibleActionInterface::pressAction());
     }
 
-    std::unique_ptr<fake::Gate> gate; // outlives the camera that waits at it
-    std::unique_ptr<LinkedScene> scene;
+    std::unique_ptr<Scene> scene;
 };
 
 void FocusTest::init()
 {
-    gate = std::make_unique<fake::Gate>();
-    scene = std::make_unique<LinkedScene>();
-    scene->user->window().activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&scene->user->window()));
-    scene->linkAndBrowse(threeFiles);
+    scene = std::make_unique<Scene>(Texts{"a.mp4", "b.mp4", "c.mp4"});
+    scene->user.window().activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&scene->user.window()));
     scene->camera->answer(fake::deleteTarget, "deleted");
     scene->camera->answer(fake::downloadTarget, "recording");
-    scene->camera->on(QByteArray(fake::downloadTarget) + "c.mp4", [this](support::Peer& peer) {
-        gate->pass();
-        peer.send(fake::withLength("recording"));
-    });
+    scene->stall("c.mp4");
 }
 
 void FocusTest::cleanup()
 {
-    gate->open();
-    QCOMPARE(scene->camera->errors(), Texts());
     scene.reset();
-    QDir(QDir::homePath() + QStringLiteral("/Desktop/DCIM")).removeRecursively();
 }
 
 void FocusTest::spaceAfterADownloadByKeyboardDeletesNothing_data()
@@ -99,20 +87,20 @@ void FocusTest::spaceAfterADownloadByKeyboardDeletesNothing_data()
 void FocusTest::spaceAfterADownloadByKeyboardDeletesNothing()
 {
     QFETCH(QList<int>, rows);
-    scene->user->chooseRows(rows);
+    scene->user.chooseRows(rows);
     focus("pushButtonDownloadFile");
     press(Qt::Key_Space);
-    QTRY_VERIFY(gate->isReached());
+    QTRY_VERIFY(scene->gate("c.mp4").isReached());
     press(Qt::Key_Space);
     press(Qt::Key_Return);
-    gate->open();
-    QTRY_VERIFY(scene->user->isIdle());
+    scene->gate("c.mp4").open();
+    QTRY_VERIFY(scene->user.isIdle());
     press(Qt::Key_Space);
     QCOMPARE(scene->camera->targets().size(), rows.size());
     for (const QByteArray& target : scene->camera->targets()) {
         QVERIFY2(target.startsWith(fake::downloadTarget), target.constData());
     }
-    QCOMPARE(scene->user->table().rowCount(), 3);
+    QCOMPARE(scene->user.table().rowCount(), 3);
     QCOMPARE(focused(), table);
 }
 
@@ -130,43 +118,43 @@ void FocusTest::focusStaysWhereTheUserPutsIt()
 {
     QFETCH(int, tabs);
     QFETCH(QString, name);
-    scene->user->chooseRows({0, 1, 2});
+    scene->user.chooseRows({0, 1, 2});
     focus("pushButtonDownloadFile");
     press(Qt::Key_Space);
-    QTRY_VERIFY(gate->isReached());
+    QTRY_VERIFY(scene->gate("c.mp4").isReached());
     press(Qt::Key_Tab, Qt::ControlModifier);
     for (int times = 0; times < tabs; ++times) {
         press(Qt::Key_Tab);
     }
     QCOMPARE(focused(), name);
-    gate->open();
-    QTRY_VERIFY(scene->user->isIdle());
+    scene->gate("c.mp4").open();
+    QTRY_VERIFY(scene->user.isIdle());
     QCOMPARE(focused(), name);
 }
 
 void FocusTest::tableTakesTheFocusInAnInactiveWindowToo()
 {
-    scene->user->chooseRows({2});
+    scene->user.chooseRows({2});
     focus("pushButtonDownloadFile");
     QWidget other;
     other.show();
     other.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&other));
     pressFromOutside("pushButtonDownloadFile");
-    QTRY_VERIFY(gate->isReached());
+    QTRY_VERIFY(scene->gate("c.mp4").isReached());
     QCOMPARE(focused(), table);
     other.close();
-    scene->user->window().activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&scene->user->window()));
+    scene->user.window().activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&scene->user.window()));
     QCOMPARE(QApplication::focusWidget()->objectName(), table);
 }
 
 void FocusTest::downloadLeavesTheFocusElsewhereAlone()
 {
-    scene->user->chooseRows({2});
+    scene->user.chooseRows({2});
     focus("comboBox");
     pressFromOutside("pushButtonDownloadFile");
-    QTRY_VERIFY(gate->isReached());
+    QTRY_VERIFY(scene->gate("c.mp4").isReached());
     QCOMPARE(focused(), QStringLiteral("comboBox"));
 }
 
@@ -183,21 +171,21 @@ void FocusTest::deleteTakesTheFocusFromDeleteAllToTheTable()
     if (!succeeds) {
         scene->camera->fail(fake::deleteTarget);
     }
-    scene->user->chooseRows({1});
+    scene->user.chooseRows({1});
     focus("pushButtonDeleteAllFiles");
     pressFromOutside("pushButtonDeleteFile");
     QTRY_COMPARE(scene->camera->targets().size(), 1);
-    QTRY_COMPARE(scene->user->table().rowCount(), succeeds ? 2 : 3);
-    QCOMPARE(scene->user->canDeleteAll(), succeeds);
+    QTRY_COMPARE(scene->user.table().rowCount(), succeeds ? 2 : 3);
+    QCOMPARE(scene->user.canDeleteAll(), succeeds);
     QCOMPARE(focused(), table);
 }
 
 void FocusTest::deleteLeavesTheFocusElsewhereAlone()
 {
-    scene->user->chooseRows({1});
+    scene->user.chooseRows({1});
     focus("pushButtonDeleteFile");
     press(Qt::Key_Space);
-    QCOMPARE(scene->user->table().rowCount(), 2);
+    QCOMPARE(scene->user.table().rowCount(), 2);
     QCOMPARE(focused(), QStringLiteral("pushButtonDeleteFile"));
 }
 

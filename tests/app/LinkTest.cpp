@@ -1,24 +1,18 @@
 // "Link Device" with scripted modules at the real addresses: probes, status, versions.
 #include "link/ControlClientThread.h"
 #include "link/GroundClientThread.h"
-#include "tests/kit/FakeVehicle.h"
+#include "tests/app/Scene.h"
 #include "tests/kit/SilentAddress.h"
 #include "tests/kit/TestMain.h"
-#include "tests/kit/UserWindow.h"
-#include "tests/kit/WindowTexts.h"
 
 #include <optional>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QList>
+#include <QFont>
 #include <QMetaObject>
 
 namespace {
-
-const QByteArray heartbeat = QByteArray::fromHex("aaaf04010000");
-const QByteArray heartbeatAnswer = QByteArray::fromHex("aaaf0401015f");
-const QByteArray versionReport = QByteArray::fromHex("aaaf000907012c02580064000a00");
 
 constexpr char idleStyle[] = "border:1px;background:transparent";
 constexpr char linkedStyle[] = "border:1px;background:transparent;color:green";
@@ -27,16 +21,20 @@ constexpr char notLinkedStyle[] = "border:1px;background:transparent;color:red";
 const support::WindowText& linked = support::windowText("linked");
 const support::WindowText& unlinked = support::windowText("unlinked");
 
-const QStringList noVersions{QString(), QString(), QString(), QString(), QString()};
+const QStringList noVersions{"", "", "", "", ""};
+const QStringList reportedVersions{"v7", "v3", "v6", "v1", "v0.1"};
 
-int controlThreads(const UserWindow& user)
+/// Returns how many control and ground threads the window has.
+QList<int> threads(const UserWindow& user)
 {
-    return static_cast<int>(user.window().findChildren<ControlClientThread*>().size());
+    return {static_cast<int>(user.window().findChildren<ControlClientThread*>().size()),
+            static_cast<int>(user.window().findChildren<GroundClientThread*>().size())};
 }
 
-int groundThreads(const UserWindow& user)
+void reportVersions(const UserWindow& user, char type, int hard, int soft, int protocol, int boot)
 {
-    return static_cast<int>(user.window().findChildren<GroundClientThread*>().size());
+    user.probe().call("VersionInfo", Q_ARG(char, type), Q_ARG(int, hard), Q_ARG(int, soft),
+                      Q_ARG(int, protocol), Q_ARG(int, boot));
 }
 
 } // namespace
@@ -47,12 +45,9 @@ class LinkTest : public QObject
 
 private slots:
     void statusIsEmptyBeforeTheFirstClick();
-    void refusingGroundModuleFailsWithoutASecondProbe();
-    void refusingControlModuleFailsAfterOneProbeOfEach();
-    void silentModuleFailsAfterASecond_data();
-    void silentModuleFailsAfterASecond();
+    void moduleThatDoesNotAnswerFailsTheLink_data();
+    void moduleThatDoesNotAnswerFailsTheLink();
     void bothReachableShowSuccessAndStartTwoThreads();
-    void probeSendsNothingAndIsClosed();
     void failureAndSuccessLookExactlyAsDesigned_data();
     void failureAndSuccessLookExactlyAsDesigned();
     void secondClickWhileLinkedDoesNothing();
@@ -65,7 +60,6 @@ private slots:
     void versionReportFillsTheFiveFields();
     void versionReportOfAnUnlinkedWindowChangesNothing();
     void versionReportAfterALossChangesNothing();
-    void versionsAreWrittenInHundredths();
     void statusKeepsItsLanguageUntilItIsSetAgain();
     void failureIsShownInTheSelectedLanguage();
     void probeReturnsWhetherAnAddressAnswers();
@@ -80,97 +74,69 @@ void LinkTest::statusIsEmptyBeforeTheFirstClick()
     QCOMPARE(user.versions(), noVersions);
 }
 
-void LinkTest::refusingGroundModuleFailsWithoutASecondProbe()
+void LinkTest::moduleThatDoesNotAnswerFailsTheLink_data()
 {
-    fake::Module control(fake::controlAddress);
-    const UserWindow user;
-    user.clickLink();
-    QCOMPARE(user.status(), unlinked.english);
-    QCOMPARE(control.connectionCount(), 0);
-    QCOMPARE(controlThreads(user), 0);
-    QCOMPARE(groundThreads(user), 0);
+    QTest::addColumn<QString>("ground");
+    QTest::addColumn<QString>("control");
+    QTest::addColumn<QList<int>>("probes"); // of the ground and the control module
+    QTest::addColumn<int>("seconds");
+    QTest::newRow("ground refuses: no second probe") << "refuses"
+                                                     << "answers" << QList<int>{0, 0} << 0;
+    QTest::newRow("control refuses") << "answers"
+                                     << "refuses" << QList<int>{1, 0} << 0;
+    QTest::newRow("ground is silent: no second probe") << "is silent"
+                                                       << "answers" << QList<int>{0, 0} << 1;
+    QTest::newRow("control is silent") << "answers"
+                                       << "is silent" << QList<int>{1, 0} << 1;
+    QTest::newRow("both are silent: one second") << "is silent"
+                                                 << "is silent" << QList<int>{0, 0} << 1;
 }
 
-void LinkTest::refusingControlModuleFailsAfterOneProbeOfEach()
+void LinkTest::moduleThatDoesNotAnswerFailsTheLink()
 {
-    fake::Module ground(fake::groundAddress);
-    const UserWindow user;
-    user.clickLink();
-    QCOMPARE(user.status(), unlinked.english);
-    QCOMPARE(ground.connectionCount(), 1);
-    QCOMPARE(controlThreads(user), 0);
-    QCOMPARE(groundThreads(user), 0);
-}
-
-void LinkTest::silentModuleFailsAfterASecond_data()
-{
-    QTest::addColumn<bool>("groundIsSilent");
-    QTest::addColumn<bool>("controlIsSilent");
-    QTest::newRow("ground module silent") << true << false;
-    QTest::newRow("control module silent") << false << true;
-    QTest::newRow("both silent, the second is not tried") << true << true;
-}
-
-void LinkTest::silentModuleFailsAfterASecond()
-{
-    QFETCH(bool, groundIsSilent);
-    QFETCH(bool, controlIsSilent);
+    QFETCH(QString, ground);
+    QFETCH(QString, control);
+    QFETCH(QList<int>, probes);
+    QFETCH(int, seconds);
+    Scene scene;
     std::optional<support::SilentAddress> silentGround;
     std::optional<support::SilentAddress> silentControl;
-    std::optional<fake::Module> ground;
-    std::optional<fake::Module> control;
-    if (groundIsSilent) {
-        silentGround.emplace(fake::groundAddress, 5000);
-    } else {
-        ground.emplace(fake::groundAddress);
+    if (ground != "answers") {
+        scene.ground.reset();
     }
-    if (controlIsSilent) {
-        silentControl.emplace(fake::controlAddress, 5000);
-    } else {
-        control.emplace(fake::controlAddress);
+    if (ground == "is silent") {
+        silentGround.emplace(fake::groundAddress, fake::modulePort);
     }
-    const UserWindow user;
+    if (control != "answers") {
+        scene.control.reset();
+    }
+    if (control == "is silent") {
+        silentControl.emplace(fake::controlAddress, fake::modulePort);
+    }
 
     QElapsedTimer clock;
     clock.start();
-    user.clickLink();
+    scene.user.clickLink();
     const qint64 elapsed = clock.elapsed();
 
-    QCOMPARE(user.status(), unlinked.english);
-    QVERIFY2(elapsed >= 950 && elapsed < 1800, qPrintable(QString::number(elapsed) + " ms"));
-    QCOMPARE(controlThreads(user), 0);
-    if (control) {
-        QCOMPARE(control->connectionCount(), 0);
-    }
+    QCOMPARE(scene.user.status(), unlinked.english);
+    QCOMPARE(threads(scene.user), (QList<int>{0, 0}));
+    QCOMPARE(scene.ground ? scene.ground->connectionCount() : 0, probes[0]);
+    QCOMPARE(scene.control ? scene.control->connectionCount() : 0, probes[1]);
+    QVERIFY2(elapsed >= 950 * seconds && elapsed < 800 + 1000 * seconds,
+             qPrintable(QString::number(elapsed) + " ms"));
 }
 
 void LinkTest::bothReachableShowSuccessAndStartTwoThreads()
 {
-    fake::Module ground(fake::groundAddress);
-    fake::Module control(fake::controlAddress);
-    const UserWindow user;
-    user.clickLink();
-    QCOMPARE(user.status(), linked.english);
-    QCOMPARE(controlThreads(user), 1);
-    QCOMPARE(groundThreads(user), 1);
-    QVERIFY(user.window().findChild<ControlClientThread*>()->isRunning());
-    QVERIFY(user.window().findChild<GroundClientThread*>()->isRunning());
-    // One probe and one link each.
-    QTRY_COMPARE(control.links(), QList<int>{1});
-    QTRY_COMPARE(ground.links(), QList<int>{1});
-    QCOMPARE(ground.connectionCount(), 2);
-    QCOMPARE(control.connectionCount(), 2);
-}
-
-void LinkTest::probeSendsNothingAndIsClosed()
-{
-    fake::Module ground(fake::groundAddress);
-    fake::Module control(fake::controlAddress);
-    const UserWindow user;
-    user.clickLink();
-    for (fake::Module* module : {&ground, &control}) {
-        QTRY_COMPARE(module->links(), QList<int>{1});
-        QVERIFY(!(*module)[0].isOpen());
+    Scene scene;
+    scene.link();
+    QCOMPARE(scene.user.status(), linked.english);
+    QCOMPARE(threads(scene.user), (QList<int>{1, 1}));
+    // One link each, after one probe that sent nothing and was closed.
+    for (const fake::Module* module : {&*scene.ground, &*scene.control}) {
+        QCOMPARE(module->connectionCount(), 2);
+        QCOMPARE(module->links(), QList<int>{1});
         QCOMPARE((*module)[0].received(), QByteArray());
     }
 }
@@ -189,241 +155,176 @@ void LinkTest::failureAndSuccessLookExactlyAsDesigned()
     QFETCH(bool, reachable);
     QFETCH(QString, text);
     QFETCH(QString, styleSheet);
-    std::optional<fake::Module> ground;
-    std::optional<fake::Module> control;
-    if (reachable) {
-        ground.emplace(fake::groundAddress);
-        control.emplace(fake::controlAddress);
+    Scene scene;
+    if (!reachable) {
+        scene.ground.reset();
     }
-    const UserWindow user;
+    QLineEdit& field = scene.user.statusField();
     const auto checkLook = [&] {
-        QCOMPARE(user.status(), text);
-        QCOMPARE(user.statusField().styleSheet(), styleSheet);
-        const QFont font = user.statusField().font();
-        QCOMPARE(font.family(), QStringLiteral("Timers"));
-        QCOMPARE(font.pointSize(), 14);
-        QCOMPARE(int{font.weight()}, int{QFont::Bold});
-        QCOMPARE(font.italic(), false);
-        QVERIFY(!user.statusField().isEnabled());
+        QCOMPARE(field.text(), text);
+        QCOMPARE(field.styleSheet(), styleSheet);
+        QCOMPARE(field.font().family(), QString("Timers"));
+        QCOMPARE(field.font().pointSize(), 14);
+        QCOMPARE(int{field.font().weight()}, int{QFont::Bold});
+        QCOMPARE(field.font().italic(), false);
+        QVERIFY(!field.isEnabled());
     };
-    user.clickLink();
+    scene.user.clickLink();
     checkLook();
     if (QTest::currentTestFailed()) {
         return;
     }
     // Sets the opposite state first, then the tested state, both through the slot that the link
     // thread calls.
-    user.probe().call("updateLinkedFlag", Q_ARG(bool, !reachable));
-    QVERIFY(user.statusField().styleSheet() != styleSheet);
-    user.statusField().setFont(QFont());
-    user.probe().call("updateLinkedFlag", Q_ARG(bool, reachable));
+    scene.user.probe().call("updateLinkedFlag", Q_ARG(bool, !reachable));
+    QVERIFY(field.styleSheet() != styleSheet);
+    field.setFont(QFont());
+    scene.user.probe().call("updateLinkedFlag", Q_ARG(bool, reachable));
     checkLook();
 }
 
 void LinkTest::secondClickWhileLinkedDoesNothing()
 {
-    fake::Module ground(fake::groundAddress);
-    fake::Module control(fake::controlAddress);
-    const UserWindow user;
-    user.clickLink();
-    QTRY_COMPARE(control.links(), QList<int>{1});
-    QTRY_COMPARE(ground.links(), QList<int>{1});
-    user.clickLink();
-    user.clickLink();
-    QCOMPARE(ground.connectionCount(), 2);
-    QCOMPARE(control.connectionCount(), 2);
-    QCOMPARE(controlThreads(user), 1);
-    QCOMPARE(groundThreads(user), 1);
-    QCOMPARE(user.status(), linked.english);
+    Scene scene;
+    scene.link();
+    scene.user.clickLink();
+    scene.user.clickLink();
+    QCOMPARE(scene.ground->connectionCount(), 2);
+    QCOMPARE(scene.control->connectionCount(), 2);
+    QCOMPARE(threads(scene.user), (QList<int>{1, 1}));
+    QCOMPARE(scene.user.status(), linked.english);
 }
 
 void LinkTest::clickAfterAFailureProbesAgain()
 {
-    const UserWindow user;
-    user.clickLink();
-    QCOMPARE(user.status(), unlinked.english);
-    fake::Module ground(fake::groundAddress);
-    fake::Module control(fake::controlAddress);
-    user.clickLink();
-    QCOMPARE(user.status(), linked.english);
-    QCOMPARE(user.statusField().styleSheet(), QString(linkedStyle));
-    QTRY_COMPARE(control.links(), QList<int>{1});
+    Scene scene;
+    scene.ground.reset();
+    scene.user.clickLink();
+    QCOMPARE(scene.user.status(), unlinked.english);
+    scene.ground.emplace(fake::groundAddress);
+    scene.user.clickLink();
+    QCOMPARE(scene.user.status(), linked.english);
+    QCOMPARE(scene.user.statusField().styleSheet(), QString(linkedStyle));
+    QTRY_COMPARE(scene.control->links().size(), 1);
 }
 
 void LinkTest::heartbeatIsAnsweredOnBothLinks()
 {
-    fake::Module ground(fake::groundAddress);
-    fake::Module control(fake::controlAddress);
-    const UserWindow user;
-    user.clickLink();
-    QTRY_COMPARE(control.links(), QList<int>{1});
-    QTRY_COMPARE(ground.links(), QList<int>{1});
-    control.link().send(heartbeat);
-    ground.link().send(QByteArray::fromHex("bbaf04010000"));
-    QTRY_COMPARE(control.link().received(), heartbeatAnswer);
-    QTRY_COMPARE(ground.link().received(), heartbeatAnswer);
-    QCOMPARE(user.status(), linked.english);
+    Scene scene;
+    scene.link();
+    scene.exchangeHeartbeat();
+    scene.ground->link().send(groundHeartbeat);
+    QTRY_COMPARE(scene.ground->link().received(), heartbeatAnswer);
+    QCOMPARE(scene.user.status(), linked.english);
 }
 
 void LinkTest::lostLinkTurnsRedAndTheNextHeartbeatGreen()
 {
-    fake::Module ground(fake::groundAddress);
-    fake::Module control(fake::controlAddress);
-    const UserWindow user;
-    user.clickLink();
-    QTRY_COMPARE(control.links(), QList<int>{1});
-    control.link().close();
-    QTRY_COMPARE(user.status(), unlinked.english);
-    QCOMPARE(user.statusField().styleSheet(), QString(notLinkedStyle));
+    Scene scene;
+    scene.link();
+    scene.loseLink();
+    QCOMPARE(scene.user.statusField().styleSheet(), QString(notLinkedStyle));
     // The thread has reconnected by itself; a connection alone is not a link.
-    QTRY_COMPARE(control.links(), QList<int>{2});
-    QCOMPARE(user.status(), unlinked.english);
-    control.link().send(heartbeat);
-    QTRY_COMPARE(user.status(), linked.english);
-    QCOMPARE(user.statusField().styleSheet(), QString(linkedStyle));
-    QCOMPARE(controlThreads(user), 1);
+    QCOMPARE(scene.control->links(), QList<int>{2});
+    QCOMPARE(scene.user.status(), unlinked.english);
+    scene.control->link().send(heartbeat);
+    QTRY_COMPARE(scene.user.status(), linked.english);
+    QCOMPARE(scene.user.statusField().styleSheet(), QString(linkedStyle));
+    QCOMPARE(threads(scene.user), (QList<int>{1, 1}));
 }
 
 void LinkTest::lostGroundLinkIsShownNowhere()
 {
-    fake::Module ground(fake::groundAddress);
-    fake::Module control(fake::controlAddress);
-    const UserWindow user;
-    user.clickLink();
-    QTRY_COMPARE(ground.links(), QList<int>{1});
-    QTRY_COMPARE(control.links(), QList<int>{1});
-    ground.link().close();
-    QTRY_COMPARE(ground.links(), QList<int>{2});
-    // Once this answer is sent, every earlier signal is queued for the window.
-    control.link().send(heartbeat);
-    QTRY_COMPARE(control.link().received(), heartbeatAnswer);
+    Scene scene;
+    scene.link();
+    scene.ground->link().close();
+    QTRY_COMPARE(scene.ground->links(), QList<int>{2});
+    // Once its answer is sent, every earlier signal is queued for the window.
+    scene.exchangeHeartbeat();
     QCoreApplication::processEvents();
-    QCOMPARE(user.status(), linked.english);
+    QCOMPARE(scene.user.status(), linked.english);
 }
 
 void LinkTest::sixTicksWithoutHeartbeatLoseTheLinkWithTheNextBytes()
 {
-    fake::Module ground(fake::groundAddress);
-    fake::Module control(fake::controlAddress);
-    const UserWindow user;
-    user.clickLink();
-    QTRY_COMPARE(control.links(), QList<int>{1});
-    control.link().send(heartbeat);
-    QTRY_COMPARE(control.link().received(), heartbeatAnswer);
-    auto* thread = user.window().findChild<ControlClientThread*>();
+    Scene scene;
+    scene.link();
+    scene.exchangeHeartbeat();
+    auto* thread = scene.user.window().findChild<ControlClientThread*>();
     for (int tick = 0; tick < 6; ++tick) {
         QMetaObject::invokeMethod(thread, "heartBeatTimer", Qt::DirectConnection);
     }
     QCoreApplication::processEvents();
-    QCOMPARE(user.status(), linked.english);
-    control.link().send(versionReport);
-    QTRY_COMPARE(user.status(), unlinked.english);
-    QTRY_COMPARE(control.connectionCount(), 3);
+    QCOMPARE(scene.user.status(), linked.english);
+    scene.control->link().send(versionReport);
+    QTRY_COMPARE(scene.user.status(), unlinked.english);
+    QTRY_COMPARE(scene.control->connectionCount(), 3);
 }
 
 void LinkTest::clickAfterALossStartsASecondPairBesideTheFirst()
 {
-    fake::Module ground(fake::groundAddress);
-    fake::Module control(fake::controlAddress);
-    const UserWindow user;
-    user.clickLink();
-    QTRY_COMPARE(ground.links(), QList<int>{1});
-    QTRY_COMPARE(control.links(), QList<int>{1});
-    control.link().close();
-    QTRY_COMPARE(control.links(), QList<int>{2});
-    QTRY_COMPARE(user.status(), unlinked.english);
-
-    user.clickLink();
-    QCOMPARE(user.status(), linked.english);
-    QCOMPARE(controlThreads(user), 2);
-    QCOMPARE(groundThreads(user), 2);
-    for (const auto* thread : user.window().findChildren<ControlClientThread*>()) {
-        QVERIFY(thread->isRunning());
-    }
+    Scene scene;
+    scene.link();
+    scene.loseLink();
+    scene.user.clickLink();
+    QCOMPARE(scene.user.status(), linked.english);
+    QCOMPARE(threads(scene.user), (QList<int>{2, 2}));
     // The connections of the first pair and, after the second probe, those of the second pair.
-    QTRY_COMPARE(control.links(), (QList<int>{2, 4}));
-    QTRY_COMPARE(ground.links(), (QList<int>{1, 3}));
-    for (const int link : {2, 4}) {
-        control[link].send(heartbeat);
-        QTRY_COMPARE(control[link].received(), heartbeatAnswer);
-    }
+    QTRY_COMPARE(scene.control->links(), (QList<int>{2, 4}));
+    QTRY_COMPARE(scene.ground->links(), (QList<int>{1, 3}));
 }
 
 void LinkTest::versionReportFillsTheFiveFields()
 {
-    fake::Module ground(fake::groundAddress);
-    fake::Module control(fake::controlAddress);
-    const UserWindow user;
-    user.clickLink();
-    QTRY_COMPARE(control.links(), QList<int>{1});
-    control.link().send(versionReport);
-    QTRY_COMPARE(user.versions(), (QStringList{"v7", "v3", "v6", "v1", "v0.1"}));
-    QTRY_VERIFY(control.link().isAllRead());
+    Scene scene;
+    scene.link();
+    scene.control->link().send(versionReport);
+    QTRY_COMPARE(scene.user.versions(), reportedVersions);
     // Both bytes of a version are signed: 01 90 means 256 - 112 = 144.
-    control.link().send(QByteArray::fromHex("aaaf0009ff0190012c0000ffff00"));
-    QTRY_COMPARE(user.versions(), (QStringList{"v-1", "v1.44", "v3", "v0", "v-2.57"}));
+    QTRY_VERIFY(scene.control->link().isAllRead());
+    scene.control->link().send(QByteArray::fromHex("aaaf0009ff0190012c0000ffff00"));
+    QTRY_COMPARE(scene.user.versions(), (QStringList{"v-1", "v1.44", "v3", "v0", "v-2.57"}));
 }
 
 void LinkTest::versionReportOfAnUnlinkedWindowChangesNothing()
 {
     const UserWindow user;
-    user.probe().call("VersionInfo", Q_ARG(char, 7), Q_ARG(int, 300), Q_ARG(int, 600),
-                      Q_ARG(int, 100), Q_ARG(int, 10));
+    reportVersions(user, 7, 300, 600, 100, 10);
     QCOMPARE(user.versions(), noVersions);
     user.clickLink();
     QCOMPARE(user.status(), unlinked.english);
-    user.probe().call("VersionInfo", Q_ARG(char, 7), Q_ARG(int, 300), Q_ARG(int, 600),
-                      Q_ARG(int, 100), Q_ARG(int, 10));
+    reportVersions(user, 7, 300, 600, 100, 10);
     QCOMPARE(user.versions(), noVersions);
 }
 
 void LinkTest::versionReportAfterALossChangesNothing()
 {
-    fake::Module ground(fake::groundAddress);
-    fake::Module control(fake::controlAddress);
-    const UserWindow user;
-    user.clickLink();
-    QTRY_COMPARE(control.links(), QList<int>{1});
-    control.link().send(versionReport);
-    QTRY_COMPARE(user.versions().first(), QStringLiteral("v7"));
-    control.link().close();
-    QTRY_COMPARE(user.status(), unlinked.english);
-    QTRY_COMPARE(control.links(), QList<int>{2});
-    control.link().send(QByteArray::fromHex("aaaf000909000100020003000400"));
-    QTRY_VERIFY(control.link().isAllRead());
+    Scene scene;
+    scene.link();
+    scene.control->link().send(versionReport);
+    QTRY_COMPARE(scene.user.versions(), reportedVersions);
+    scene.loseLink();
+    scene.control->link().send(QByteArray::fromHex("aaaf000909000100020003000400"));
+    QTRY_VERIFY(scene.control->link().isAllRead());
     // When the window shows the effect of this heartbeat, it has processed the report before it.
-    control.link().send(heartbeat);
-    QTRY_COMPARE(user.status(), linked.english);
-    QCOMPARE(user.versions(), (QStringList{"v7", "v3", "v6", "v1", "v0.1"}));
-}
-
-/// Other numbers are covered by the test of link/VersionText.
-void LinkTest::versionsAreWrittenInHundredths()
-{
-    const UserWindow user;
-    user.probe().call("updateLinkedFlag", Q_ARG(bool, true));
-    user.probe().call("VersionInfo", Q_ARG(char, -1), Q_ARG(int, 101), Q_ARG(int, -257),
-                      Q_ARG(int, 123456), Q_ARG(int, 0));
-    QCOMPARE(user.versions(), (QStringList{"v-1", "v1.01", "v-2.57", "v1234.56", "v0"}));
+    scene.control->link().send(heartbeat);
+    QTRY_COMPARE(scene.user.status(), linked.english);
+    QCOMPARE(scene.user.versions(), reportedVersions);
 }
 
 void LinkTest::statusKeepsItsLanguageUntilItIsSetAgain()
 {
-    fake::Module ground(fake::groundAddress);
-    fake::Module control(fake::controlAddress);
-    const UserWindow user;
-    user.clickLink();
-    QTRY_COMPARE(control.links(), QList<int>{1});
-    user.chooseChinese();
-    QCOMPARE(user.button("pushButtonLinkBELUN").text(), support::windowText("link").chinese);
-    QCOMPARE(user.status(), linked.english);
-    control.link().send(heartbeat);
-    QTRY_COMPARE(user.status(), linked.chinese);
-    user.chooseEnglish();
-    QCOMPARE(user.status(), linked.chinese);
-    QTRY_VERIFY(control.link().isAllRead());
-    control.link().send(heartbeat);
-    QTRY_COMPARE(user.status(), linked.english);
+    Scene scene;
+    scene.link();
+    scene.user.chooseChinese();
+    QCOMPARE(scene.user.button("pushButtonLinkBELUN").text(), support::windowText("link").chinese);
+    QCOMPARE(scene.user.status(), linked.english);
+    scene.exchangeHeartbeat();
+    QTRY_COMPARE(scene.user.status(), linked.chinese);
+    scene.user.chooseEnglish();
+    QCOMPARE(scene.user.status(), linked.chinese);
+    scene.exchangeHeartbeat();
+    QTRY_COMPARE(scene.user.status(), linked.english);
 }
 
 void LinkTest::failureIsShownInTheSelectedLanguage()
@@ -441,33 +342,32 @@ void LinkTest::failureIsShownInTheSelectedLanguage()
 void LinkTest::probeReturnsWhetherAnAddressAnswers()
 {
     const UserWindow user;
-    bool answers = true;
-    user.probe().call("IPLive", Q_RETURN_ARG(bool, answers), Q_ARG(QString, fake::groundAddress),
-                      Q_ARG(int, 5000), Q_ARG(int, 1000));
-    QCOMPARE(answers, false);
+    const auto answers = [&user](int port) {
+        bool result = false;
+        user.probe().call("IPLive", Q_RETURN_ARG(bool, result), Q_ARG(QString, fake::groundAddress),
+                          Q_ARG(int, port), Q_ARG(int, 1000));
+        return result;
+    };
+    QVERIFY(!answers(5000));
     const fake::Module ground(fake::groundAddress);
-    user.probe().call("IPLive", Q_RETURN_ARG(bool, answers), Q_ARG(QString, fake::groundAddress),
-                      Q_ARG(int, 5000), Q_ARG(int, 1000));
-    QCOMPARE(answers, true);
-    user.probe().call("IPLive", Q_RETURN_ARG(bool, answers), Q_ARG(QString, fake::groundAddress),
-                      Q_ARG(int, 5001), Q_ARG(int, 1000));
-    QCOMPARE(answers, false);
+    QVERIFY(answers(5000));
+    QVERIFY(!answers(5001));
 }
 
 void LinkTest::probeWaitsASecondByDefault()
 {
-    const support::SilentAddress silent(fake::groundAddress, 5000);
+    const support::SilentAddress silent(fake::groundAddress, fake::modulePort);
     const UserWindow user;
     bool answers = true;
     QElapsedTimer clock;
     clock.start();
     user.probe().call("IPLive", Q_RETURN_ARG(bool, answers), Q_ARG(QString, fake::groundAddress),
-                      Q_ARG(int, 5000));
+                      Q_ARG(int, fake::modulePort));
     const qint64 untold = clock.restart();
     QCOMPARE(answers, false);
     QVERIFY2(untold >= 950 && untold < 1800, qPrintable(QString::number(untold) + " ms"));
     user.probe().call("IPLive", Q_RETURN_ARG(bool, answers), Q_ARG(QString, fake::groundAddress),
-                      Q_ARG(int, 5000), Q_ARG(int, 200));
+                      Q_ARG(int, fake::modulePort), Q_ARG(int, 200));
     const qint64 told = clock.elapsed();
     QCOMPARE(answers, false);
     QVERIFY2(told >= 150 && told < 900, qPrintable(QString::number(told) + " ms"));

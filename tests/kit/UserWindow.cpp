@@ -29,6 +29,12 @@ void UserWindow::destroy()
     }
 }
 
+void UserWindow::toggleSelectAll() const
+{
+    QTest::keyClick(&probe().child<QWidget>(QStringLiteral("checkBoxSelectAllFiles")),
+                    Qt::Key_Space);
+}
+
 void UserWindow::chooseRows(const QList<int>& rows) const
 {
     Qt::KeyboardModifier modifier = Qt::NoModifier;
@@ -39,6 +45,18 @@ void UserWindow::chooseRows(const QList<int>& rows) const
                           table().visualItemRect(item).center());
         modifier = Qt::ControlModifier;
     }
+}
+
+void UserWindow::downloadRows(const QList<int>& rows) const
+{
+    chooseRows(rows);
+    clickDownload();
+}
+
+void UserWindow::deleteRows(const QList<int>& rows) const
+{
+    chooseRows(rows);
+    clickDelete();
 }
 
 void UserWindow::chooseEnglish() const

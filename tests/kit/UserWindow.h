@@ -36,8 +36,12 @@ public:
     void clickDelete() const { probe().click(QStringLiteral("pushButtonDeleteFile")); }
     void clickDeleteAll() const { probe().click(QStringLiteral("pushButtonDeleteAllFiles")); }
     void clickFormat() const { probe().click(QStringLiteral("pushButtonFormatCard")); }
+    /// Toggles the check box with the space bar.
+    void toggleSelectAll() const;
     /// Clicks the first of these rows, and the others while holding Ctrl.
     void chooseRows(const QList<int>& rows) const;
+    void downloadRows(const QList<int>& rows) const;
+    void deleteRows(const QList<int>& rows) const;
     void chooseEnglish() const;
     void chooseChinese() const;
 

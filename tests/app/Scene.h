@@ -1,0 +1,83 @@
+// A session at the window: both modules, the camera, and the window on screen.
+#pragma once
+
+#include "tests/kit/FakeVehicle.h"
+#include "tests/kit/UserWindow.h"
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+using Texts = QList<QByteArray>;
+
+inline const QByteArray heartbeat = QByteArray::fromHex("aaaf04010000"); ///< The control module's.
+inline const QByteArray groundHeartbeat = QByteArray::fromHex("bbaf04010000");
+inline const QByteArray heartbeatAnswer = QByteArray::fromHex("aaaf0401015f");
+inline const QByteArray versionReport = QByteArray::fromHex("aaaf000907012c02580064000a00");
+
+inline const Texts fiveFiles{"a.mp4", "b.mp4", "c.mp4", "d.mp4", "e.mp4"};
+
+/// Return the targets of the requests that concern one file.
+QByteArray downloadOf(const QByteArray& name);
+QByteArray deleteOf(const QByteArray& name);
+
+/// Returns a request of a camera command, byte for byte.
+QByteArray commandHead(const QByteArray& target);
+
+/// Returns the folder of the downloaded recordings.
+QString recordingsFolder();
+/// Returns the downloaded recording of that name, or "no file".
+QByteArray recording(const QString& name);
+
+/// The vehicle of one test function. At its end, a request that the camera could not answer fails
+/// the test, and the recordings are removed.
+struct Devices
+{
+    Devices();
+    ~Devices();
+    Devices(const Devices&) = delete;
+    Devices& operator=(const Devices&) = delete;
+
+    /// Sends a heartbeat on the newest control link and waits for its answer.
+    void exchangeHeartbeat() const;
+
+    /// Makes the camera send a recording in these parts, and wait after each but the last.
+    void sendInParts(const QByteArray& name, const Texts& parts);
+    /// Makes the camera send "from NAME" as that recording, and wait after the first five bytes.
+    void stall(const QByteArray& name);
+    /// Returns the gate after a part of a recording, counted from 0.
+    fake::Gate& gate(const QByteArray& name, std::size_t part = 0) const;
+
+private:
+    // Outlive the camera that waits at them.
+    std::map<QByteArray, std::vector<std::unique_ptr<fake::Gate>>> m_gates;
+
+public:
+    // Each may be removed to simulate a device that is switched off.
+    std::optional<fake::Module> ground;
+    std::optional<fake::Module> control;
+    std::optional<fake::Camera> camera;
+};
+
+/// The vehicle, and the window on screen, which ends first.
+struct Scene : Devices
+{
+    Scene() = default;
+    /// Links the window, lists a card with these files and discards the requests made so far.
+    explicit Scene(const Texts& card);
+
+    /// Links, and waits until both link threads are connected.
+    void link() const;
+    /// Closes the control link, and waits until the window shows it and the thread has reconnected.
+    void loseLink() const;
+    /// Downloads these rows, and waits until that recording stalls after five bytes.
+    void downloadUntilStalled(const QList<int>& rows, const QByteArray& name);
+
+    UserWindow user;
+};
