@@ -1,26 +1,14 @@
 // The window's accessible names and descriptions, in both languages.
-#include "app/MainWindow.h"
 #include "card/FileTable.h"
 #include "tests/kit/TestMain.h"
-#include "tests/kit/WindowProbe.h"
-#include "tests/kit/WindowTexts.h"
+#include "tests/kit/UserWindow.h"
 
 #include <algorithm>
 #include <memory>
 
-#include <QAbstractButton>
 #include <QAccessible>
-#include <QComboBox>
 #include <QGroupBox>
-#include <QLineEdit>
-#include <QObject>
-#include <QProgressBar>
-#include <QString>
-#include <QStringList>
-#include <QTableWidget>
 #include <QTableWidgetItem>
-#include <QTest>
-#include <QWidget>
 
 namespace {
 
@@ -47,6 +35,20 @@ QStringList columnHeadersOf(QAccessibleInterface& cell)
     return names;
 }
 
+QString accessibleName(const UserWindow& user, const QString& name)
+{
+    return interfaceOf(user.probe().child<QWidget>(name)).text(QAccessible::Name);
+}
+
+/// Adds a row as a browse does.
+void addRow(const UserWindow& user)
+{
+    card::addNameRow(user.table(), 0, shownName);
+    user.probe().call("ParseFileInfo",
+                      Q_ARG(const char*, "create=\"20200131124502\";size=\"3145728\";time=\"61\";"),
+                      Q_ARG(int, 0));
+}
+
 } // namespace
 
 class AccessibilityTest : public QObject
@@ -54,9 +56,6 @@ class AccessibilityTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void widgetIsNamedInBothLanguages_data();
     void widgetIsNamedInBothLanguages();
     void fieldIsLabelledByTheLabelBesideIt_data();
@@ -65,48 +64,7 @@ private slots:
     void cellIsNamedByItsTextAndDescribedByItsHeader_data();
     void cellIsNamedByItsTextAndDescribedByItsHeader();
     void cellOutsideATableHasNoDescription();
-
-private:
-    template <class Widget>
-    Widget& child(const QString& name) const
-    {
-        return support::WindowProbe(*m_window).child<Widget>(name);
-    }
-    QTableWidget& table() const { return child<QTableWidget>("tableWidgetFileInfo"); }
-    void choose(int language) const { child<QComboBox>("comboBox").setCurrentIndex(language); }
-    QString accessibleName(const QString& name) const
-    {
-        return interfaceOf(child<QWidget>(name)).text(QAccessible::Name);
-    }
-    /// Adds a row as a browse does.
-    void addRow() const
-    {
-        card::addNameRow(table(), 0, shownName);
-        support::WindowProbe(*m_window).call(
-            "ParseFileInfo",
-            Q_ARG(const char*, "var create=\"20200131124502\";\r\nvar size=\"3145728\";\r\n"
-                               "var time=\"61\";\r\n"),
-            Q_ARG(int, 0));
-    }
-
-    std::unique_ptr<MainWindow> m_window;
 };
-
-void AccessibilityTest::init()
-{
-    m_window = std::make_unique<MainWindow>();
-    m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-}
-
-/// Selects English, because the translator outlives the window and would also translate the next
-/// one.
-void AccessibilityTest::cleanup()
-{
-    choose(1);
-    choose(0);
-    m_window.reset();
-}
 
 void AccessibilityTest::widgetIsNamedInBothLanguages_data()
 {
@@ -127,11 +85,12 @@ void AccessibilityTest::widgetIsNamedInBothLanguages()
     QFETCH(QString, english);
     QFETCH(QString, chinese);
     const QString widget = QString::fromLatin1(QTest::currentDataTag());
-    QCOMPARE(accessibleName(widget), english);
-    choose(1);
-    QCOMPARE(accessibleName(widget), chinese);
-    choose(0);
-    QCOMPARE(accessibleName(widget), english);
+    const UserWindow user;
+    QCOMPARE(accessibleName(user, widget), english);
+    user.chooseChinese();
+    QCOMPARE(accessibleName(user, widget), chinese);
+    user.chooseEnglish();
+    QCOMPARE(accessibleName(user, widget), english);
 }
 
 void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt_data()
@@ -152,9 +111,11 @@ void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt()
 {
     QFETCH(QString, label);
     const QString field = QString::fromLatin1(QTest::currentDataTag());
-    const auto labels = interfaceOf(child<QWidget>(field)).relations(QAccessible::Label);
+    const UserWindow user;
+    const auto labels =
+        interfaceOf(user.probe().child<QWidget>(field)).relations(QAccessible::Label);
     QVERIFY(std::any_of(labels.begin(), labels.end(), [&](const auto& found) {
-        return found.first->object() == &child<QWidget>(label);
+        return found.first->object()->objectName() == label;
     }));
 }
 
@@ -162,10 +123,11 @@ void AccessibilityTest::fieldIsLabelledByTheLabelBesideIt()
 /// that the table of texts does not list.
 void AccessibilityTest::everyWidgetInUseHasAName()
 {
+    const UserWindow user;
     for (const int language : {0, 1}) {
-        choose(language);
+        user.languages().setCurrentIndex(language);
         int named = 0;
-        for (QWidget* child : m_window->centralWidget()->findChildren<QWidget*>()) {
+        for (QWidget* child : user.window().centralWidget()->findChildren<QWidget*>()) {
             const bool isUsed = qobject_cast<QAbstractButton*>(child) != nullptr ||
                                 qobject_cast<QLineEdit*>(child) != nullptr ||
                                 qobject_cast<QComboBox*>(child) != nullptr ||
@@ -175,7 +137,7 @@ void AccessibilityTest::everyWidgetInUseHasAName()
             // Skips Qt's internal parts, such as the table's corner button.
             if (isUsed && !child->objectName().isEmpty() &&
                 !child->objectName().startsWith("qt_")) {
-                QVERIFY2(!accessibleName(child->objectName()).isEmpty(),
+                QVERIFY2(!accessibleName(user, child->objectName()).isEmpty(),
                          qPrintable(child->objectName()));
                 ++named;
             }
@@ -201,11 +163,12 @@ void AccessibilityTest::cellIsNamedByItsTextAndDescribedByItsHeader()
     QFETCH(QString, text);
     const support::WindowText& columnHeader =
         support::windowText(QString::fromLatin1(QTest::currentDataTag()));
-    addRow();
-    QAccessibleTableInterface* cells = interfaceOf(table()).tableInterface();
+    const UserWindow user;
+    addRow(user);
+    QAccessibleTableInterface* cells = interfaceOf(user.table()).tableInterface();
     QVERIFY(cells != nullptr);
     for (const int language : {0, 1, 0}) {
-        choose(language);
+        user.languages().setCurrentIndex(language);
         QAccessibleInterface* cell = cells->cellAt(0, column);
         QVERIFY(cell != nullptr);
         QCOMPARE(cell->text(QAccessible::Name), text);
@@ -217,8 +180,9 @@ void AccessibilityTest::cellIsNamedByItsTextAndDescribedByItsHeader()
 
 void AccessibilityTest::cellOutsideATableHasNoDescription()
 {
-    addRow();
-    const std::unique_ptr<QTableWidgetItem> item(table().takeItem(0, 0));
+    const UserWindow user;
+    addRow(user);
+    const std::unique_ptr<QTableWidgetItem> item(user.table().takeItem(0, 0));
     QCOMPARE(item->data(Qt::DisplayRole).toString(), shownName);
     QVERIFY(!item->data(Qt::AccessibleDescriptionRole).isValid());
 }

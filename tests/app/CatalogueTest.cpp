@@ -2,8 +2,6 @@
 #include "tests/kit/TestMain.h"
 #include "tests/kit/WindowTexts.h"
 
-#include <vector>
-
 #include <QByteArray>
 #include <QFile>
 #include <QIODevice>
@@ -16,48 +14,23 @@
 #include <QXmlStreamReader>
 #include <QtEndian>
 
-class CatalogueTest : public QObject
+namespace {
+
+/// Returns the texts that the catalogue must contain, by their source texts. The form's own title,
+/// the last text of the table, is only in the Chinese catalogue.
+QMap<QString, QString> translations(bool isChinese)
 {
-    Q_OBJECT
-
-private slots:
-    void chineseTextIsTranslated_data();
-    void chineseTextIsTranslated();
-    void englishTextIsTranslatedToItself_data();
-    void englishTextIsTranslatedToItself();
-    void windowTitleOfTheFormIsInTheChineseCatalogueOnly();
-    void compiledCatalogueHoldsNoOtherText_data();
-    void compiledCatalogueHoldsNoOtherText();
-    void sourceHoldsTheTableAndNothingUnfinished_data();
-    void sourceHoldsTheTableAndNothingUnfinished();
-
-private:
-    static void addCatalogues();
-    static std::vector<support::WindowText> texts(bool chinese);
-    static void addTexts(bool chinese);
-};
-
-/// Returns the texts that the catalogue must contain. The form's own title, the last text of the
-/// table, is only in the Chinese catalogue.
-std::vector<support::WindowText> CatalogueTest::texts(bool chinese)
-{
-    std::vector<support::WindowText> texts = support::windowTexts();
-    if (!chinese) {
-        texts.pop_back();
+    QMap<QString, QString> texts;
+    for (const support::WindowText& text : support::windowTexts()) {
+        texts.insert(text.english, isChinese ? text.chinese : text.english);
+    }
+    if (!isChinese) {
+        texts.remove(support::windowTexts().back().english);
     }
     return texts;
 }
 
-void CatalogueTest::addTexts(bool chinese)
-{
-    QTest::addColumn<QByteArray>("source");
-    QTest::addColumn<QString>("chinese");
-    for (const support::WindowText& text : texts(chinese)) {
-        QTest::newRow(qPrintable(text.english)) << text.english.toUtf8() << text.chinese;
-    }
-}
-
-void CatalogueTest::addCatalogues()
+void addCatalogues()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("count");
@@ -67,32 +40,35 @@ void CatalogueTest::addCatalogues()
     QTest::newRow("English") << "belun_english" << 22 << false;
 }
 
-void CatalogueTest::chineseTextIsTranslated_data()
-{
-    addTexts(true);
-}
+} // namespace
 
-void CatalogueTest::chineseTextIsTranslated()
+class CatalogueTest : public QObject
 {
-    QFETCH(QByteArray, source);
+    Q_OBJECT
+
+private slots:
+    void textsAreTranslatedForTheWindowOnly_data() { addCatalogues(); }
+    void textsAreTranslatedForTheWindowOnly();
+    void windowTitleOfTheFormIsInTheChineseCatalogueOnly();
+    void compiledCatalogueHoldsNoOtherText_data() { addCatalogues(); }
+    void compiledCatalogueHoldsNoOtherText();
+    void sourceHoldsTheTableAndNothingUnfinished_data() { addCatalogues(); }
+    void sourceHoldsTheTableAndNothingUnfinished();
+};
+
+void CatalogueTest::textsAreTranslatedForTheWindowOnly()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, isChinese);
     QTranslator catalogue;
-    QVERIFY(catalogue.load(QStringLiteral(":/translation/belun_chinese.qm")));
-    QTEST(catalogue.translate("MainWindow", source.constData()), "chinese");
-    QVERIFY(catalogue.translate("Elsewhere", source.constData()).isEmpty());
-}
-
-void CatalogueTest::englishTextIsTranslatedToItself_data()
-{
-    addTexts(false);
-}
-
-void CatalogueTest::englishTextIsTranslatedToItself()
-{
-    QFETCH(QByteArray, source);
-    QTranslator catalogue;
-    QVERIFY(catalogue.load(QStringLiteral(":/translation/belun_english.qm")));
-    QCOMPARE(catalogue.translate("MainWindow", source.constData()), QString::fromLatin1(source));
-    QVERIFY(catalogue.translate("Elsewhere", source.constData()).isEmpty());
+    QVERIFY(catalogue.load(QStringLiteral(":/translation/%1.qm").arg(name)));
+    const QMap<QString, QString> texts = translations(isChinese);
+    for (auto text = texts.begin(); text != texts.end(); ++text) {
+        const QByteArray source = text.key().toUtf8();
+        QCOMPARE(catalogue.translate("MainWindow", source.constData()), text.value());
+        QVERIFY2(catalogue.translate("Elsewhere", source.constData()).isEmpty(),
+                 source.constData());
+    }
 }
 
 void CatalogueTest::windowTitleOfTheFormIsInTheChineseCatalogueOnly()
@@ -100,11 +76,6 @@ void CatalogueTest::windowTitleOfTheFormIsInTheChineseCatalogueOnly()
     QTranslator english;
     QVERIFY(english.load(QStringLiteral(":/translation/belun_english.qm")));
     QVERIFY(english.translate("MainWindow", "MainWindow").isEmpty());
-}
-
-void CatalogueTest::compiledCatalogueHoldsNoOtherText_data()
-{
-    addCatalogues();
 }
 
 /// A compiled catalogue is a 16-byte magic number followed by sections: a tag byte, a big-endian
@@ -128,21 +99,11 @@ void CatalogueTest::compiledCatalogueHoldsNoOtherText()
     QCOMPARE(found, count);
 }
 
-void CatalogueTest::sourceHoldsTheTableAndNothingUnfinished_data()
-{
-    addCatalogues();
-}
-
 void CatalogueTest::sourceHoldsTheTableAndNothingUnfinished()
 {
     QFETCH(QString, name);
     QFETCH(int, count);
     QFETCH(bool, isChinese);
-    QMap<QString, QString> expected;
-    for (const support::WindowText& text : texts(isChinese)) {
-        expected.insert(text.english, isChinese ? text.chinese : text.english);
-    }
-
     QFile file(QStringLiteral(TRANSLATION_SOURCES "/%1.ts").arg(name));
     QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.fileName()));
     QXmlStreamReader xml(&file);
@@ -172,7 +133,7 @@ void CatalogueTest::sourceHoldsTheTableAndNothingUnfinished()
     QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
     QCOMPARE(contexts, QStringList{"MainWindow"});
     QCOMPARE(messages, count);
-    QCOMPARE(found, expected);
+    QCOMPARE(found, translations(isChinese));
 }
 
 BELUN_TEST(CatalogueTest)

@@ -1,9 +1,8 @@
 // Tool tips in the file table: a cell whose text is cut off has a tip with the whole text, and no
 // other cell has a tip.
-#include "app/MainWindow.h"
 #include "card/FileTable.h"
 #include "tests/kit/TestMain.h"
-#include "tests/kit/WindowProbe.h"
+#include "tests/kit/UserWindow.h"
 
 #include <memory>
 
@@ -11,7 +10,6 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QImage>
-#include <QTableWidget>
 #include <QTextDocument>
 #include <QToolTip>
 
@@ -36,10 +34,7 @@ private slots:
     void itemsHaveNoTipOfTheirOwn();
 
 private:
-    QTableWidget& table() const
-    {
-        return support::WindowProbe(*m_window).child<QTableWidget>("tableWidgetFileInfo");
-    }
+    QTableWidget& table() const { return m_user->table(); }
     /// Rests the mouse at a place of the table. Returns whether a tip is shown.
     bool restMouseAt(const QPoint& place) const
     {
@@ -68,21 +63,20 @@ private:
         return table().viewport()->grab(table().visualItemRect(table().item(0, 0))).toImage();
     }
 
-    std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<UserWindow> m_user;
 };
 
 void CutTextTipTest::init()
 {
-    m_window = std::make_unique<MainWindow>();
-    m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    m_user = std::make_unique<UserWindow>();
+    QVERIFY(QTest::qWaitForWindowExposed(&m_user->window()));
 }
 
 void CutTextTipTest::cleanup()
 {
     QToolTip::hideText();
     QTRY_VERIFY(!QToolTip::isVisible());
-    m_window.reset();
+    m_user.reset();
     QApplication::setStyle(QStringLiteral("Fusion"));
 }
 

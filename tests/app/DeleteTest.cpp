@@ -17,7 +17,6 @@ private slots:
     void conversation_data() { addConversations("delete"); }
     void conversation();
     void commandsAreSentWithTheirLiteralHeads();
-    void withoutALinkNoButtonSendsAnything_data();
     void withoutALinkNoButtonSendsAnything();
     void deleteWithoutASelectionSendsNothing();
     void deleteAllIsDisabledWhileADeleteRuns();
@@ -51,21 +50,10 @@ void DeleteTest::commandsAreSentWithTheirLiteralHeads()
                     commandHead("/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1")}));
 }
 
-void DeleteTest::withoutALinkNoButtonSendsAnything_data()
-{
-    QTest::addColumn<bool>("wasLinked");
-    QTest::newRow("never linked") << false;
-    QTest::newRow("link lost") << true;
-}
-
+/// After a loss of the link: see InterplayTest.
 void DeleteTest::withoutALinkNoButtonSendsAnything()
 {
-    QFETCH(bool, wasLinked);
     Scene scene;
-    if (wasLinked) {
-        scene.link();
-        scene.loseLink();
-    }
     scene.camera->holdFiles(fiveFiles);
     scene.user.clickBrowse();
     const int before = scene.camera->connectionCount();

@@ -36,7 +36,6 @@ class DownloadTest : public QObject
     Q_OBJECT
 
 private slots:
-    void withoutALinkNothingHappens_data();
     void withoutALinkNothingHappens();
     void withoutASelectionNothingHappens();
     void requestIsTheLiteralOne_data();
@@ -61,21 +60,10 @@ private slots:
     void countsBeyondAnIntAreHarmless();
 };
 
-void DownloadTest::withoutALinkNothingHappens_data()
-{
-    QTest::addColumn<bool>("wasLinked");
-    QTest::newRow("never linked") << false;
-    QTest::newRow("link lost") << true;
-}
-
+/// After a loss of the link: see InterplayTest.
 void DownloadTest::withoutALinkNothingHappens()
 {
-    QFETCH(bool, wasLinked);
     Scene scene;
-    if (wasLinked) {
-        scene.link();
-        scene.loseLink();
-    }
     scene.camera->holdFiles(fiveFiles);
     scene.user.clickBrowse();
     const int before = scene.camera->connectionCount();

@@ -1,153 +1,96 @@
 // A recording's details in the window's table; marker search and number conversion.
-#include "app/MainWindow.h"
+#include "card/FileTable.h"
 #include "tests/kit/TestMain.h"
-#include "tests/kit/WindowProbe.h"
+#include "tests/kit/UserWindow.h"
 
-#include <memory>
-
-#include <QByteArray>
 #include <QColor>
-#include <QObject>
-#include <QString>
-#include <QTableWidget>
-#include <QTableWidgetItem>
-#include <QTest>
+
+namespace {
+
+void parse(const UserWindow& user, int row)
+{
+    user.probe().call("ParseFileInfo",
+                      Q_ARG(const char*, "create=\"20200131124502\";size=\"2047\";time=\"37\";"),
+                      Q_ARG(int, row));
+}
+
+} // namespace
 
 class FileInfoTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init();
-
     void answerFillsDateSizeAndDuration();
-    void cellsAreGrayAndAligned();
-    void nameCellStaysAsItIs();
-    void rowThatDoesNotExistIsIgnored_data();
     void rowThatDoesNotExistIsIgnored();
-
+    void markerSearchCopiesTheTextAndReturnsItsLength_data();
     void markerSearchCopiesTheTextAndReturnsItsLength();
-    void markerSearchOfAnEmptyTextTerminatesTheBuffer();
-    void answerWithoutMarkersLeavesTheBufferAlone();
-
     void numberIsWrittenInItsBase();
-
-private:
-    QTableWidget& table() const
-    {
-        return support::WindowProbe(*m_window).child<QTableWidget>("tableWidgetFileInfo");
-    }
-    void parse(const QByteArray& answer, int row) const
-    {
-        support::WindowProbe(*m_window).call(
-            "ParseFileInfo", Q_ARG(const char*, answer.constData()), Q_ARG(int, row));
-    }
-    int search(const QByteArray& answer, QByteArray& buffer) const
-    {
-        int length = -1;
-        support::WindowProbe(*m_window).call(
-            "findSubString", Q_RETURN_ARG(int, length), Q_ARG(const char*, answer.constData()),
-            Q_ARG(char*, buffer.data()), Q_ARG(const char*, "=\""), Q_ARG(const char*, "\";"));
-        return length;
-    }
-    QString shown(int row, int column) const
-    {
-        const QTableWidgetItem* item = table().item(row, column);
-        return item == nullptr ? QStringLiteral("no item") : item->text();
-    }
-
-    std::unique_ptr<MainWindow> m_window;
 };
-
-/// Creates a window whose table has three rows with only names.
-void FileInfoTest::init()
-{
-    m_window = std::make_unique<MainWindow>();
-    for (int row = 0; row < 3; ++row) {
-        table().insertRow(row);
-        table().setItem(row, 0, new QTableWidgetItem(QStringLiteral("F%1.mp4").arg(row)));
-    }
-}
 
 void FileInfoTest::answerFillsDateSizeAndDuration()
 {
-    parse("create=\"20200131124502\";size=\"2047\";time=\"37\";", 1);
-    QCOMPARE(shown(1, 1), QStringLiteral("2020-01-31  12:45:02"));
-    QCOMPARE(shown(1, 2), QStringLiteral("1KB"));
-    QCOMPARE(shown(1, 3), QStringLiteral("37s"));
-    for (const int other : {0, 2}) {
-        QCOMPARE(shown(other, 1), QStringLiteral("no item"));
+    const UserWindow user;
+    for (int row = 0; row < 3; ++row) {
+        card::addNameRow(user.table(), row, "a.mp4");
     }
-}
-
-void FileInfoTest::cellsAreGrayAndAligned()
-{
-    parse("create=\"20200131124502\";size=\"2047\";time=\"37\";", 2);
+    parse(user, 1);
+    QCOMPARE(user.row(0), (QStringList{"a.mp4", "", "", ""}));
+    QCOMPARE(user.row(1), (QStringList{"a.mp4", "2020-01-31  12:45:02", "1KB", "37s"}));
+    QCOMPARE(user.row(2), (QStringList{"a.mp4", "", "", ""}));
     const int alignments[] = {0x0084, 0x0002, 0x0084}; // the size has no vertical alignment
     for (int column = 1; column <= 3; ++column) {
-        const QTableWidgetItem* item = table().item(2, column);
-        QVERIFY(item != nullptr);
-        QCOMPARE(item->foreground().color(), QColor(128, 128, 128));
-        QCOMPARE(item->textAlignment(), alignments[column - 1]);
+        const QTableWidgetItem& item = *user.table().item(1, column);
+        QCOMPARE(item.foreground().color(), QColor(128, 128, 128));
+        QCOMPARE(item.textAlignment(), alignments[column - 1]);
     }
+    QVERIFY(!user.table().item(1, 0)->data(Qt::ForegroundRole).isValid());
+    QVERIFY(!user.table().item(1, 0)->data(Qt::TextAlignmentRole).isValid());
 }
 
-void FileInfoTest::nameCellStaysAsItIs()
-{
-    parse("create=\"20200131124502\";size=\"2047\";time=\"37\";", 2);
-    QCOMPARE(shown(2, 0), QStringLiteral("F2.mp4"));
-    QVERIFY(!table().item(2, 0)->data(Qt::ForegroundRole).isValid());
-    QVERIFY(!table().item(2, 0)->data(Qt::TextAlignmentRole).isValid());
-}
-
-void FileInfoTest::rowThatDoesNotExistIsIgnored_data()
-{
-    QTest::addColumn<int>("row");
-
-    for (const int row : {-128, -1, 3, 9998}) {
-        QTest::newRow(QByteArray::number(row).constData()) << row;
-    }
-}
-
+/// Other rows are covered by the test of card/FileTable.
 void FileInfoTest::rowThatDoesNotExistIsIgnored()
 {
-    QFETCH(int, row);
-    parse("create=\"20200131124502\";size=\"2047\";time=\"37\";", row);
-    QCOMPARE(table().rowCount(), 3);
-    for (int other = 0; other < 3; ++other) {
-        QCOMPARE(shown(other, 1), QStringLiteral("no item"));
-    }
+    const UserWindow user;
+    card::addNameRow(user.table(), 0, "a.mp4");
+    parse(user, -1);
+    parse(user, 1);
+    QCOMPARE(user.table().rowCount(), 1);
+    QCOMPARE(user.row(0), (QStringList{"a.mp4", "", "", ""}));
+}
+
+void FileInfoTest::markerSearchCopiesTheTextAndReturnsItsLength_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<int>("length");
+    QTest::addColumn<QByteArray>("start"); // of the buffer; the rest is as before
+    QTest::newRow("a text") << QByteArray("var a=\"12345\";b=\"6\";") << 5
+                            << QByteArray("12345\0", 6);
+    QTest::newRow("an empty one") << QByteArray("a=\"\";") << 0 << QByteArray("\0", 1);
+    QTest::newRow("no right marker") << QByteArray("=\"12") << 0 << QByteArray();
 }
 
 void FileInfoTest::markerSearchCopiesTheTextAndReturnsItsLength()
 {
+    QFETCH(QByteArray, answer);
+    QFETCH(QByteArray, start);
+    const UserWindow user;
     QByteArray buffer(32, '#');
-    QCOMPARE(search("var a=\"12345\";b=\"6\";", buffer), 5);
-    QCOMPARE(buffer, QByteArray("12345\0", 6) + QByteArray(26, '#'));
-}
-
-void FileInfoTest::markerSearchOfAnEmptyTextTerminatesTheBuffer()
-{
-    QByteArray buffer(32, '#');
-    QCOMPARE(search("a=\"\";", buffer), 0);
-    QCOMPARE(buffer, QByteArray("\0", 1) + QByteArray(31, '#'));
-}
-
-void FileInfoTest::answerWithoutMarkersLeavesTheBufferAlone()
-{
-    QByteArray buffer(32, '#');
-    QCOMPARE(search("=\"12", buffer), 0);
-    QCOMPARE(buffer, QByteArray(32, '#'));
+    int length = -1;
+    user.probe().call("findSubString", Q_RETURN_ARG(int, length),
+                      Q_ARG(const char*, answer.constData()), Q_ARG(char*, buffer.data()),
+                      Q_ARG(const char*, "=\""), Q_ARG(const char*, "\";"));
+    QTEST(length, "length");
+    QCOMPARE(buffer, start + QByteArray(32 - start.size(), '#'));
 }
 
 void FileInfoTest::numberIsWrittenInItsBase()
 {
+    const UserWindow user;
     QByteArray buffer(32, '#');
-    support::WindowProbe(*m_window).call("itoa", Q_ARG(int, 255), Q_ARG(char*, buffer.data()),
-                                         Q_ARG(int, 16));
+    user.probe().call("itoa", Q_ARG(int, 255), Q_ARG(char*, buffer.data()), Q_ARG(int, 16));
     QCOMPARE(buffer, QByteArray("ff\0", 3) + QByteArray(29, '#'));
 }
 
 BELUN_TEST(FileInfoTest)
-
 #include "FileInfoTest.moc"

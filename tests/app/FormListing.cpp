@@ -36,54 +36,35 @@
 namespace {
 
 /// Properties that are not listed, such as the current geometry and those that repeat another one.
-const QStringList leftOut{"objectName",
-                          "geometry",
-                          "frameGeometry",
-                          "normalGeometry",
-                          "x",
-                          "y",
-                          "pos",
-                          "frameSize",
-                          "size",
-                          "width",
-                          "height",
-                          "rect",
-                          "childrenRect",
-                          "childrenRegion",
-                          "sizeHint",
-                          "minimumSizeHint",
-                          "visible",
-                          "windowFlags",
-                          "windowModality",
-                          "windowIcon",
-                          "selectedText",
-                          "minimumWidth",
-                          "minimumHeight",
-                          "maximumWidth",
-                          "maximumHeight"};
+const QStringList leftOut =
+    QString("objectName geometry frameGeometry normalGeometry x y pos frameSize size width height "
+            "rect childrenRect childrenRegion sizeHint minimumSizeHint visible windowFlags "
+            "windowModality windowIcon selectedText minimumWidth minimumHeight maximumWidth "
+            "maximumHeight")
+        .split(' ');
 
 QString classOf(const QObject& object)
 {
     return QString::fromLatin1(object.metaObject()->className());
 }
 
+template <class Widget>
+QWidget* make(QWidget* parent)
+{
+    return new Widget(parent);
+}
+
 std::unique_ptr<QWidget> freshWidget(const QString& className, QWidget* parent)
 {
-    static const std::map<QString, QWidget* (*)(QWidget*)> make{
-        {"QWidget", [](QWidget* in) { return new QWidget(in); }},
-        {"QPushButton", [](QWidget* in) -> QWidget* { return new QPushButton(in); }},
-        {"QLineEdit", [](QWidget* in) -> QWidget* { return new QLineEdit(in); }},
-        {"QLabel", [](QWidget* in) -> QWidget* { return new QLabel(in); }},
-        {"QComboBox", [](QWidget* in) -> QWidget* { return new QComboBox(in); }},
-        {"QGroupBox", [](QWidget* in) -> QWidget* { return new QGroupBox(in); }},
-        {"QProgressBar", [](QWidget* in) -> QWidget* { return new QProgressBar(in); }},
-        {"QCheckBox", [](QWidget* in) -> QWidget* { return new QCheckBox(in); }},
-        {"QTableWidget", [](QWidget* in) -> QWidget* { return new QTableWidget(in); }},
-        {"QMenuBar", [](QWidget* in) -> QWidget* { return new QMenuBar(in); }},
-        {"QToolBar", [](QWidget* in) -> QWidget* { return new QToolBar(in); }},
-        {"QStatusBar", [](QWidget* in) -> QWidget* { return new QStatusBar(in); }}};
-    const auto found = make.find(className);
-    return std::unique_ptr<QWidget>(found != make.end() ? found->second(parent) : nullptr);
+    static const std::map<QString, QWidget* (*)(QWidget*)> makers{
+        {"QWidget", make<QWidget>},           {"QPushButton", make<QPushButton>},
+        {"QLineEdit", make<QLineEdit>},       {"QLabel", make<QLabel>},
+        {"QComboBox", make<QComboBox>},       {"QGroupBox", make<QGroupBox>},
+        {"QProgressBar", make<QProgressBar>}, {"QCheckBox", make<QCheckBox>},
+        {"QTableWidget", make<QTableWidget>}, {"QMenuBar", make<QMenuBar>},
+        {"QToolBar", make<QToolBar>},         {"QStatusBar", make<QStatusBar>}};
+    const auto found = makers.find(className);
+    return std::unique_ptr<QWidget>(found != makers.end() ? found->second(parent) : nullptr);
 }
 
 /// Returns whether two values are equal. Icons and pixmaps are compared by their cache keys,

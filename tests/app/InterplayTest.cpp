@@ -223,7 +223,12 @@ void InterplayTest::linkLostBetweenTwoDeletesDoesNotStopTheSecond()
     scene.user.deleteRows({0, 4});
     QCOMPARE(scene.user.names(), (QStringList{"b.mp4", "c.mp4", "d.mp4"}));
     QTRY_VERIFY(scene.user.showsLinkFail());
+    // Without a link, the buttons have no effect.
+    const int before = scene.camera->connectionCount();
     scene.user.deleteRows({0});
+    scene.user.clickDeleteAll();
+    scene.user.clickFormat();
+    QCOMPARE(scene.camera->connectionCount(), before);
     QCOMPARE(scene.user.table().rowCount(), 3);
 }
 

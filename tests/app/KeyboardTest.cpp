@@ -1,21 +1,12 @@
 // The window without a mouse: the tab order, and entering and leaving the table.
-#include "app/MainWindow.h"
 #include "card/FileTable.h"
-#include "tests/kit/SelectedRows.h"
 #include "tests/kit/TestMain.h"
-#include "tests/kit/WindowProbe.h"
+#include "tests/kit/UserWindow.h"
 
 #include <memory>
 
-#include <QAbstractButton>
 #include <QApplication>
-#include <QList>
-#include <QObject>
 #include <QSignalSpy>
-#include <QString>
-#include <QStringList>
-#include <QTableWidget>
-#include <QTest>
 
 class KeyboardTest : public QObject
 {
@@ -23,7 +14,7 @@ class KeyboardTest : public QObject
 
 private slots:
     void init();
-    void cleanup();
+    void cleanup() { user.reset(); }
 
     void tabGoesThroughTheWidgetsFromTopToBottom();
     void shiftTabGoesBack();
@@ -35,10 +26,6 @@ private slots:
     void ctrlTabLeavesTheTableAndKeepsTheSelection();
 
 private:
-    QTableWidget& table() const
-    {
-        return support::WindowProbe(*m_window).child<QTableWidget>("tableWidgetFileInfo");
-    }
     /// Fills the table as a browse does.
     void enterTableOfFive() const;
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
@@ -46,9 +33,8 @@ private:
         QTest::keyClick(QApplication::focusWidget(), key, modifiers);
     }
     static QString focused() { return QApplication::focusWidget()->objectName(); }
-    QList<int> selectedRows() const { return selectedRowsOf(table()); }
 
-    std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<UserWindow> user;
 };
 
 static const QStringList inTheirOrder{"pushButtonLinkBELUN",      "comboBox",
@@ -59,22 +45,16 @@ static const QStringList inTheirOrder{"pushButtonLinkBELUN",      "comboBox",
 
 void KeyboardTest::init()
 {
-    m_window = std::make_unique<MainWindow>();
-    m_window->show();
-    m_window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    user = std::make_unique<UserWindow>();
+    user->window().activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&user->window()));
     QTRY_VERIFY(QApplication::focusWidget() != nullptr);
-}
-
-void KeyboardTest::cleanup()
-{
-    m_window.reset();
 }
 
 void KeyboardTest::enterTableOfFive() const
 {
     for (int row = 0; row < 5; ++row) {
-        card::addNameRow(table(), row, QStringLiteral("%1.mp4").arg(row));
+        card::addNameRow(user->table(), row, QStringLiteral("%1.mp4").arg(row));
     }
     press(Qt::Key_Backtab, Qt::ShiftModifier);
     QCOMPARE(focused(), QStringLiteral("tableWidgetFileInfo"));
@@ -117,7 +97,7 @@ void KeyboardTest::spacePressesTheButtonInFocus()
     QVERIFY(button != nullptr);
     QCOMPARE(button->objectName(), QString::fromLatin1(QTest::currentDataTag()));
     // Only the key matters here; what the buttons do is tested with a vehicle.
-    QVERIFY(button->disconnect(m_window.get()));
+    QVERIFY(button->disconnect(&user->window()));
     const QSignalSpy clicks(button, SIGNAL(clicked()));
     press(Qt::Key_Space);
     QCOMPARE(clicks.count(), 1);
@@ -127,15 +107,15 @@ void KeyboardTest::arrowsSelectRowsInTheTable()
 {
     enterTableOfFive();
     press(Qt::Key_Down);
-    QCOMPARE(selectedRows(), QList<int>{1});
+    QCOMPARE(user->selectedRows(), QList<int>{1});
     press(Qt::Key_Down, Qt::ShiftModifier);
-    QCOMPARE(selectedRows(), (QList<int>{1, 2}));
+    QCOMPARE(user->selectedRows(), (QList<int>{1, 2}));
     press(Qt::Key_Down, Qt::ControlModifier);
     press(Qt::Key_Down, Qt::ControlModifier);
     press(Qt::Key_Space, Qt::ControlModifier);
-    QCOMPARE(selectedRows(), (QList<int>{1, 2, 4}));
+    QCOMPARE(user->selectedRows(), (QList<int>{1, 2, 4}));
     press(Qt::Key_A, Qt::ControlModifier);
-    QCOMPARE(selectedRows(), (QList<int>{0, 1, 2, 3, 4}));
+    QCOMPARE(user->selectedRows(), (QList<int>{0, 1, 2, 3, 4}));
 }
 
 /// Tab only moves through the cells; Ctrl+Tab leaves the table.
@@ -146,8 +126,8 @@ void KeyboardTest::tabStaysInATableWithRows()
         press(Qt::Key_Tab);
         QCOMPARE(focused(), QStringLiteral("tableWidgetFileInfo"));
     }
-    QCOMPARE(table().currentRow(), 0);
-    QCOMPARE(table().currentColumn(), 1);
+    QCOMPARE(user->table().currentRow(), 0);
+    QCOMPARE(user->table().currentColumn(), 1);
 }
 
 void KeyboardTest::ctrlTabLeavesTheTableAndKeepsTheSelection_data()
@@ -175,7 +155,7 @@ void KeyboardTest::ctrlTabLeavesTheTableAndKeepsTheSelection()
     QCOMPARE(focused(), next);
     press(key, modifiers);
     QVERIFY2(focused() == next, "these keys are the table's alone");
-    QCOMPARE(selectedRows(), (QList<int>{1, 2}));
+    QCOMPARE(user->selectedRows(), (QList<int>{1, 2}));
 }
 
 BELUN_TEST(KeyboardTest)

@@ -1,7 +1,6 @@
 // Cells without a focus frame, compared pixel by pixel with those of the base delegate.
 #include "card/NoFocusDelegate.h"
 
-#include "tests/kit/LoudFocusStyle.h"
 #include "tests/kit/TestMain.h"
 
 #include <QApplication>
@@ -10,14 +9,37 @@
 #include <QObject>
 #include <QPainter>
 #include <QPalette>
+#include <QProxyStyle>
 #include <QRect>
 #include <QStandardItem>
 #include <QStandardItemModel>
 #include <QString>
 #include <QStyle>
+#include <QStyleOption>
 #include <QStyleOptionViewItem>
 #include <QStyledItemDelegate>
 #include <QTest>
+
+namespace {
+
+/// A style that fills the area of every focus frame with pure red.
+class LoudFocusStyle : public QProxyStyle
+{
+public:
+    LoudFocusStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override
+    {
+        if (element == PE_FrameFocusRect) {
+            painter->fillRect(option->rect, QColor(255, 0, 0));
+            return;
+        }
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+};
+
+} // namespace
 
 class NoFocusDelegateTest : public QObject
 {

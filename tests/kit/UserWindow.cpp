@@ -1,13 +1,9 @@
 #include "tests/kit/UserWindow.h"
 
-#include <QComboBox>
-#include <QLineEdit>
-#include <QList>
-#include <QProgressBar>
-#include <QPushButton>
+#include <algorithm>
+
+#include <QItemSelectionModel>
 #include <QString>
-#include <QStringList>
-#include <QTableWidget>
 #include <QTableWidgetItem>
 #include <QTest>
 
@@ -31,8 +27,7 @@ void UserWindow::destroy()
 
 void UserWindow::toggleSelectAll() const
 {
-    QTest::keyClick(&probe().child<QWidget>(QStringLiteral("checkBoxSelectAllFiles")),
-                    Qt::Key_Space);
+    QTest::keyClick(&selectAll(), Qt::Key_Space);
 }
 
 void UserWindow::chooseRows(const QList<int>& rows) const
@@ -61,12 +56,12 @@ void UserWindow::deleteRows(const QList<int>& rows) const
 
 void UserWindow::chooseEnglish() const
 {
-    QTest::keyClick(&probe().child<QComboBox>(QStringLiteral("comboBox")), Qt::Key_Home);
+    QTest::keyClick(&languages(), Qt::Key_Home);
 }
 
 void UserWindow::chooseChinese() const
 {
-    QTest::keyClick(&probe().child<QComboBox>(QStringLiteral("comboBox")), Qt::Key_C);
+    QTest::keyClick(&languages(), Qt::Key_End);
 }
 
 QStringList UserWindow::versions() const
@@ -79,6 +74,21 @@ QStringList UserWindow::versions() const
 QTableWidget& UserWindow::table() const
 {
     return probe().child<QTableWidget>(QStringLiteral("tableWidgetFileInfo"));
+}
+
+QList<int> UserWindow::selectedRows() const
+{
+    QList<int> rows;
+    for (const QModelIndex& index : table().selectionModel()->selectedRows()) {
+        rows.append(index.row());
+    }
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+QCheckBox& UserWindow::selectAll() const
+{
+    return probe().child<QCheckBox>(QStringLiteral("checkBoxSelectAllFiles"));
 }
 
 QStringList UserWindow::names() const

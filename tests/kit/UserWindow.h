@@ -7,7 +7,10 @@
 
 #include <memory>
 
+#include <QCheckBox>
+#include <QComboBox>
 #include <QLineEdit>
+#include <QList>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStringList>
@@ -44,6 +47,7 @@ public:
     void deleteRows(const QList<int>& rows) const;
     void chooseEnglish() const;
     void chooseChinese() const;
+    QComboBox& languages() const { return probe().child<QComboBox>(QStringLiteral("comboBox")); }
 
     QLineEdit& statusField() const { return lineEdit("lineEditLinkBELUN"); }
     QString status() const { return statusField().text(); }
@@ -54,6 +58,9 @@ public:
     QStringList versions() const;
 
     QTableWidget& table() const;
+    /// Returns the numbers of the selected rows in ascending order.
+    QList<int> selectedRows() const;
+    QCheckBox& selectAll() const;
     /// Returns the texts of the name column.
     QStringList names() const;
     /// Returns the row's four texts, empty where there is no item.
