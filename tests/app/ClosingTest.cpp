@@ -2,26 +2,20 @@
 // run as a separate process.
 #include "tests/app/Scene.h"
 #include "tests/kit/DrivenProcess.h"
+#include "tests/kit/OpenDescriptors.h"
 #include "tests/kit/SilentAddress.h"
 #include "tests/kit/TcpTable.h"
 #include "tests/kit/TestMain.h"
 #include "tests/kit/TimeFactor.h"
 
-#include <algorithm>
-#include <array>
 #include <atomic>
 #include <chrono>
+#include <string>
 #include <thread>
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QList>
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
 
@@ -29,43 +23,14 @@ namespace {
 
 const qint64 closingLimit = 2000 * support::timeFactor(); // milliseconds
 
-/// An address where one connection, the window's probe, succeeds and further attempts get no
-/// answer.
-class AddressForAProbe
-{
-public:
-    explicit AddressForAProbe(const char* address)
-        : m_listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
-    {
-        const int on = 1;
-        ::setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-        const sockaddr_in place = support::socketAddress(address, fake::modulePort);
-        if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0 ||
-            ::listen(m_listener, 0) != 0) {
-            qFatal("cannot listen on %s", address);
-        }
-    }
-    ~AddressForAProbe() { ::close(m_listener); }
-    AddressForAProbe(const AddressForAProbe&) = delete;
-    AddressForAProbe& operator=(const AddressForAProbe&) = delete;
-
-private:
-    int m_listener;
-};
-
 /// Returns how many sockets and recordings a process has open.
 int openDescriptors(qint64 process)
 {
-    const QDir folder(QStringLiteral("/proc/%1/fd").arg(process));
-    int count = 0;
-    for (const QString& name : folder.entryList(QDir::AllEntries | QDir::System)) {
-        std::array<char, 4096> target{};
-        const ssize_t size = ::readlink(QFile::encodeName(folder.filePath(name)).constData(),
-                                        target.data(), target.size());
-        const QByteArray text(target.data(), static_cast<int>(std::max<ssize_t>(size, 0)));
-        count += text.startsWith("socket:") || text.contains("/DCIM/") ? 1 : 0;
-    }
-    return count;
+    return support::countDescriptors(
+        [](const std::string& name) {
+            return name.rfind("socket:", 0) == 0 || name.find("/DCIM/") != std::string::npos;
+        },
+        std::to_string(process));
 }
 
 /// Destroys the window and checks that this takes less than closingLimit.
@@ -212,7 +177,7 @@ void ClosingTest::linkThreadConnectingToASilentAddress()
     QFETCH(QByteArray, address);
     Scene scene;
     (address == fake::controlAddress ? scene.control : scene.ground).reset();
-    const AddressForAProbe silent(address.constData());
+    const support::SilentAddress silent(address, fake::modulePort, true);
     scene.user.clickLink();
     QVERIFY(scene.user.showsLinkSuccess());
     QTRY_VERIFY(support::isConnectPending(address.constData(), fake::modulePort));
@@ -288,7 +253,7 @@ void ClosingTest::downloadStalledBesideRefusedAndSilentLinks()
 {
     Scene scene;
     scene.ground.reset();
-    const AddressForAProbe ground(fake::groundAddress);
+    const support::SilentAddress ground(fake::groundAddress, fake::modulePort, true);
     scene.user.clickLink();
     QVERIFY(scene.user.showsLinkSuccess());
     scene.camera->holdFiles({"a.mp4"});

@@ -46,24 +46,4 @@ void LogCapture::take(const QString& line)
     m_lines.append(line);
 }
 
-ExpectedWarning::ExpectedWarning(const QString& part) : m_part(part)
-{
-    MessageLog::instance().add(this);
-}
-
-ExpectedWarning::~ExpectedWarning()
-{
-    MessageLog::instance().remove(this);
-    if (!m_seen) {
-        QTest::qFail(qPrintable("no warning came with: " + m_part), __FILE__, __LINE__);
-    }
-}
-
-bool ExpectedWarning::take(const QString& text)
-{
-    const bool fits = text.contains(m_part);
-    m_seen = m_seen || fits;
-    return fits;
-}
-
 } // namespace support

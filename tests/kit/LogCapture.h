@@ -35,22 +35,4 @@ private:
     QStringList m_lines;
 };
 
-/// A warning or critical message that the test expects at least once while this object exists:
-/// messages that contain `part` do not fail the test, but it fails if none arrives.
-class ExpectedWarning
-{
-public:
-    explicit ExpectedWarning(const QString& part);
-    ~ExpectedWarning();
-    ExpectedWarning(const ExpectedWarning&) = delete;
-    ExpectedWarning& operator=(const ExpectedWarning&) = delete;
-
-private:
-    friend class MessageLog;
-    bool take(const QString& text);
-
-    QString m_part;
-    bool m_seen = false; // guarded by the log's mutex while registered there
-};
-
 } // namespace support

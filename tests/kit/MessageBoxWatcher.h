@@ -5,7 +5,6 @@
 #include <QMessageBox>
 #include <QObject>
 #include <QString>
-#include <QStringList>
 
 namespace support {
 
@@ -14,10 +13,8 @@ struct SeenBox
 {
     QString title;
     QString text;
-    QStringList buttons; ///< Button texts without ampersands, in the order of the box.
     QMessageBox::StandardButtons standardButtons;
     QMessageBox::Icon icon;
-    QMessageBox::StandardButton defaultButton;
 };
 
 /// An event filter that answers each message box that opens while this object exists, with the
@@ -33,8 +30,6 @@ public:
 
     /// Answers the next box by clicking this button.
     void answerNext(QMessageBox::StandardButton button);
-    /// Closes the next box with the Escape key.
-    void dismissNext();
 
     const QList<SeenBox>& boxes() const { return m_boxes; }
 
@@ -43,7 +38,7 @@ public:
 private:
     void answer(QMessageBox& box);
 
-    QList<QMessageBox::StandardButton> m_answers; // NoButton: the Escape key
+    QList<QMessageBox::StandardButton> m_answers;
     QList<SeenBox> m_boxes;
 };
 

@@ -51,18 +51,6 @@ void MessageLog::remove(LogCapture* capture)
     m_captures.erase(std::remove(m_captures.begin(), m_captures.end(), capture), m_captures.end());
 }
 
-void MessageLog::add(ExpectedWarning* expected)
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_expected.push_back(expected);
-}
-
-void MessageLog::remove(ExpectedWarning* expected)
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_expected.erase(std::remove(m_expected.begin(), m_expected.end(), expected), m_expected.end());
-}
-
 void MessageLog::handle(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
     instance().take(type, context, text);
@@ -73,22 +61,13 @@ void MessageLog::take(QtMsgType type, const QMessageLogContext& context, const Q
     if (text.startsWith(offscreenRemark)) {
         return;
     }
-    {
+    if (type == QtDebugMsg || type == QtInfoMsg) {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (type == QtDebugMsg || type == QtInfoMsg) {
-            for (LogCapture* capture : m_captures) {
-                capture->take(text);
-            }
-            if (!m_captures.empty()) {
-                return;
-            }
+        for (LogCapture* capture : m_captures) {
+            capture->take(text);
         }
-        if (type == QtWarningMsg || type == QtCriticalMsg) {
-            for (ExpectedWarning* expected : m_expected) {
-                if (expected->take(text)) {
-                    return;
-                }
-            }
+        if (!m_captures.empty()) {
+            return;
         }
     }
     m_next(type, context, text);

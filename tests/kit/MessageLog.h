@@ -9,10 +9,9 @@
 
 namespace support {
 
-class ExpectedWarning;
 class LogCapture;
 
-/// A message handler in front of Qt Test's. Used by TestMain, LogCapture and ExpectedWarning.
+/// A message handler in front of Qt Test's. Used by TestMain and LogCapture.
 class MessageLog
 {
 public:
@@ -24,8 +23,6 @@ public:
 
     void add(LogCapture* capture);
     void remove(LogCapture* capture);
-    void add(ExpectedWarning* expected);
-    void remove(ExpectedWarning* expected);
 
 private:
     MessageLog() = default;
@@ -35,7 +32,6 @@ private:
     std::mutex m_mutex;
     QtMessageHandler m_next = nullptr;
     std::vector<LogCapture*> m_captures;
-    std::vector<ExpectedWarning*> m_expected;
     QStringList m_stray;
 };
 

@@ -10,26 +10,17 @@
 
 namespace support {
 
-namespace {
-
-const std::filesystem::path descriptors = "/proc/self/fd";
-
-/// Counts the descriptors whose target satisfies `matches`.
-template <class Predicate>
-int countTargets(Predicate matches)
+int countDescriptors(const std::function<bool(const std::string& name)>& matches,
+                     const std::string& process)
 {
     int count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(descriptors)) {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/" + process + "/fd")) {
         std::error_code gone; // set if the descriptor was closed after it was listed
         const std::filesystem::path target = std::filesystem::read_symlink(entry.path(), gone);
-        if (!gone && matches(target.string())) {
-            ++count;
-        }
+        count += !gone && matches(target.string()) ? 1 : 0;
     }
     return count;
 }
-
-} // namespace
 
 // Does not read the descriptors' targets, because the soak test calls this thousands of times with
 // thousands of descriptors.
@@ -37,7 +28,7 @@ int socketsConnectedTo(const QByteArray& address, quint16 port)
 {
     const in_addr_t wanted = inet_addr(address.constData());
     int count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(descriptors)) {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
         const int descriptor = std::stoi(entry.path().filename().string());
         sockaddr_in peer{};
         socklen_t size = sizeof peer;
@@ -52,17 +43,20 @@ int socketsConnectedTo(const QByteArray& address, quint16 port)
 
 int descriptorsOn(const QByteArray& path)
 {
-    return countTargets([&](const std::string& target) { return target == path.toStdString(); });
+    return countDescriptors(
+        [&](const std::string& target) { return target == path.toStdString(); });
 }
 
 int openSockets()
 {
-    return countTargets([](const std::string& target) { return target.rfind("socket:", 0) == 0; });
+    return countDescriptors(
+        [](const std::string& target) { return target.rfind("socket:", 0) == 0; });
 }
 
 int openDescriptors()
 {
-    return countTargets([](const std::string& target) { return target != "anon_inode:[eventfd]"; });
+    return countDescriptors(
+        [](const std::string& target) { return target != "anon_inode:[eventfd]"; });
 }
 
 } // namespace support

@@ -1,10 +1,18 @@
-// Counts the open descriptors of this process.
+// Counts open descriptors.
 #pragma once
+
+#include <functional>
+#include <string>
 
 #include <QByteArray>
 #include <QtGlobal>
 
 namespace support {
+
+/// Returns how many descriptors of a process refer to something whose name matches, such as
+/// "socket:[1]" or the path of a file.
+int countDescriptors(const std::function<bool(const std::string& name)>& matches,
+                     const std::string& process = "self");
 
 /// Returns the number of sockets of this process that are connected to the address and port,
 /// whether or not the peer has closed. A server's own sockets on that port do not count.

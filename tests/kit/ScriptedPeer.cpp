@@ -105,17 +105,12 @@ QByteArray Peer::receiveExactly(int count)
     return takePending(count);
 }
 
-QByteArray Peer::receiveUntilClosed()
+void Peer::waitUntilClosedByClient()
 {
     const Clock::time_point deadline = Clock::now() + patience;
     while (receiveMore(deadline, "the client's close")) {
     }
-    return takePending(static_cast<int>(m_pending.size()));
-}
-
-void Peer::waitUntilClosedByClient()
-{
-    receiveUntilClosed();
+    m_pending.clear();
 }
 
 void Peer::send(const QByteArray& bytes)

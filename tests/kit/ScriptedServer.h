@@ -27,8 +27,6 @@ public:
     /// Receives up to and including the marker; bytes after it are kept for the next call.
     QByteArray receiveUntil(const QByteArray& marker);
     QByteArray receiveExactly(int count);
-    /// Receives everything until the client closes.
-    QByteArray receiveUntilClosed();
 
     void send(const QByteArray& bytes);
     /// Sends the bytes split after each of the given offsets. Each piece is sent after the client

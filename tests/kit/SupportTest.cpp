@@ -5,6 +5,7 @@
 #include "tests/kit/SilentAddress.h"
 #include "tests/kit/SocketPair.h"
 #include "tests/kit/StdoutCapture.h"
+#include "tests/kit/TcpTable.h"
 #include "tests/kit/TestMain.h"
 #include "tests/kit/WindowProbe.h"
 
@@ -13,7 +14,6 @@
 #include <cstdio>
 #include <memory>
 
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -37,10 +37,7 @@ class Client
 public:
     explicit Client(quint16 port) : m_descriptor(::socket(AF_INET, SOCK_STREAM, 0))
     {
-        sockaddr_in place{};
-        place.sin_family = AF_INET;
-        place.sin_addr.s_addr = inet_addr("127.0.0.1");
-        place.sin_port = htons(port);
+        const sockaddr_in place = support::socketAddress("127.0.0.1", port);
         connected =
             ::connect(m_descriptor, reinterpret_cast<const sockaddr*>(&place), sizeof place) == 0;
     }
@@ -87,7 +84,6 @@ private slots:
     void connectionIsControlledFromOutsideItsScript();
     void silentAddressNeitherAcceptsNorRefuses();
     void logCaptureKeepsTheOrder();
-    void expectedWarningPasses();
     void stdoutCaptureSeesFlushedTextOnly();
     void homeFolderIsTheTestsOwn();
     void messageBoxesAreAnsweredInOrder();
@@ -202,10 +198,7 @@ void SupportTest::silentAddressNeitherAcceptsNorRefuses()
 {
     const support::SilentAddress silent("127.0.0.1", 0);
     const int descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
-    sockaddr_in place{};
-    place.sin_family = AF_INET;
-    place.sin_addr.s_addr = inet_addr("127.0.0.1");
-    place.sin_port = htons(silent.port());
+    const sockaddr_in place = support::socketAddress("127.0.0.1", silent.port());
     QCOMPARE(::connect(descriptor, reinterpret_cast<const sockaddr*>(&place), sizeof place), -1);
     QCOMPARE(errno, EINPROGRESS);
     pollfd state{descriptor, POLLOUT, 0};
@@ -224,12 +217,6 @@ void SupportTest::logCaptureKeepsTheOrder()
     qDebug() << "third" << 3;
     QCOMPARE(log.lines(), QStringList({"first", "second", "third 3"}));
     QVERIFY(!log.waitFor("second", 2, 10));
-}
-
-void SupportTest::expectedWarningPasses()
-{
-    const support::ExpectedWarning expected("on purpose");
-    qWarning("a warning on purpose");
 }
 
 void SupportTest::stdoutCaptureSeesFlushedTextOnly()
@@ -261,12 +248,10 @@ void SupportTest::messageBoxesAreAnsweredInOrder()
     support::MessageBoxWatcher watcher;
     watcher.answerNext(QMessageBox::Yes);
     watcher.answerNext(QMessageBox::No);
-    watcher.dismissNext();
     const auto ask = [] { return QMessageBox::question(nullptr, "Title", "Really?"); };
     QCOMPARE(ask(), QMessageBox::Yes);
     QCOMPARE(ask(), QMessageBox::No);
-    QCOMPARE(ask(), QMessageBox::No);
-    QCOMPARE(watcher.boxes().size(), 3);
+    QCOMPARE(watcher.boxes().size(), 2);
     QCOMPARE(watcher.boxes().at(0).text, QString("Really?"));
     QCOMPARE(watcher.boxes().at(0).standardButtons, QMessageBox::Yes | QMessageBox::No);
     QCOMPARE(watcher.boxes().at(0).icon, QMessageBox::Question);
@@ -282,7 +267,6 @@ void SupportTest::windowProbeReachesChildrenAndSlots()
     window.show();
     const support::WindowProbe probe(window);
     QCOMPARE(&probe.child<QPushButton>("button"), button);
-    QVERIFY(!probe.has("line"));
     probe.click("button");
     QCOMPARE(clicks, 1);
     probe.call("setDisabled", Q_ARG(bool, true));

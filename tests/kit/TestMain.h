@@ -29,8 +29,8 @@ private:
 };
 
 /// Runs the test object's functions. A Qt warning or critical message fails the function in which
-/// it occurs, unless an ExpectedWarning expects the message; QTest::ignoreMessage has no effect.
-/// With `needsNetwork` no function is run outside a private network.
+/// it occurs; QTest::ignoreMessage has no effect. With `needsNetwork` no function is run outside a
+/// private network.
 int runTest(QObject& test, int argc, char** argv, bool needsNetwork);
 
 #ifdef QT_WIDGETS_LIB

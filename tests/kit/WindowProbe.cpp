@@ -2,17 +2,11 @@
 
 #include <cstdlib>
 
-#include <QObject>
 #include <QString>
 #include <QTest>
 #include <QWidget>
 
 namespace support {
-
-bool WindowProbe::has(const QString& name) const
-{
-    return m_window.findChild<QObject*>(name) != nullptr;
-}
 
 void WindowProbe::click(const QString& name) const
 {

@@ -28,9 +28,6 @@ public:
         return *found;
     }
 
-    /// Returns whether there is a child of that name, of any type.
-    bool has(const QString& name) const;
-
     /// Clicks in the middle of a child widget with the left button.
     void click(const QString& name) const;
 
