@@ -145,11 +145,7 @@ void ClosingTest::linkedWindow()
 void ClosingTest::twoPairsOfLinks()
 {
     Scene scene;
-    scene.link();
-    scene.loseLink();
-    scene.user.clickLink();
-    QTRY_COMPARE(scene.control->links().size(), 2);
-    QTRY_COMPARE(scene.ground->links().size(), 2);
+    scene.linkTwice();
     destroyInTime(scene);
     QTRY_COMPARE(scene.control->links(), QList<int>());
     QTRY_COMPARE(scene.ground->links(), QList<int>());

@@ -209,9 +209,7 @@ void DownloadTest::windowIsAliveDuringADownload()
     scene.exchangeHeartbeat();
     QTRY_COMPARE(scene.user.status(), support::windowText("linked").chinese);
     QVERIFY(!scene.user.canDownload());
-    scene.gate("a.mp4").open();
-    QTRY_VERIFY(scene.user.isIdle());
-    QCOMPARE(recording("a.mp4"), QByteArray("from a.mp4"));
+    scene.finishDownload("a.mp4");
 }
 
 void DownloadTest::labelKeepsItsLanguageUntilTheNextFile()
@@ -305,9 +303,7 @@ void DownloadTest::rowsGoneAfterABrowseAreSkipped()
     QCOMPARE(scene.user.downloadCount(), QString("3/3"));
     QVERIFY(!scene.user.canDownload());
     QCOMPARE(scene.camera->targets(), Texts{downloadOf("new.mp4")});
-    scene.gate("new.mp4").open();
-    QTRY_VERIFY(scene.user.isIdle());
-    QCOMPARE(recording("new.mp4"), QByteArray("from new.mp4"));
+    scene.finishDownload("new.mp4");
 }
 
 void DownloadTest::noRowLeftEndsTheDownload()

@@ -67,10 +67,8 @@ void InterplayTest::browseDuringADownloadLeavesItAlone()
     scene.gate("e.mp4").open();
     QTRY_VERIFY(scene.gate("y.mp4").isReached());
     QCOMPARE(scene.user.downloadCount(), QString("2/2"));
-    scene.gate("y.mp4").open();
-    QTRY_VERIFY(scene.user.isIdle());
+    scene.finishDownload("y.mp4");
     QCOMPARE(recording("e.mp4"), QByteArray("from e.mp4"));
-    QCOMPARE(recording("y.mp4"), QByteArray("from y.mp4"));
 }
 
 void InterplayTest::deleteDuringADownloadEndsTheQueue()
@@ -84,9 +82,7 @@ void InterplayTest::deleteDuringADownloadEndsTheQueue()
     QCOMPARE(scene.user.names(), (QStringList{"c.mp4", "d.mp4", "e.mp4"}));
     QCOMPARE(scene.user.downloadCount(), QString("1/3"));
     QVERIFY(!scene.user.canDownload());
-    scene.gate("e.mp4").open();
-    QTRY_VERIFY(scene.user.isIdle());
-    QCOMPARE(recording("e.mp4"), QByteArray("from e.mp4"));
+    scene.finishDownload("e.mp4");
     QCOMPARE(scene.camera->targets(),
              (Texts{downloadOf("e.mp4"), deleteOf("b.mp4"), deleteOf("a.mp4")}));
 }
@@ -98,9 +94,7 @@ void InterplayTest::downloadedFileMayBeDeletedMeanwhile()
     scene.downloadUntilStalled({1}, "b.mp4");
     scene.user.clickDelete();
     QCOMPARE(scene.user.names(), QStringList{"a.mp4"});
-    scene.gate("b.mp4").open();
-    QTRY_VERIFY(scene.user.isIdle());
-    QCOMPARE(recording("b.mp4"), QByteArray("from b.mp4"));
+    scene.finishDownload("b.mp4");
     // The next download works normally.
     scene.camera->answer(downloadOf("a.mp4"), "a");
     scene.user.downloadRows({0});
@@ -117,9 +111,7 @@ void InterplayTest::deleteOfNothingDuringADownloadEndsTheQueue()
     scene.user.table().clearSelection();
     scene.user.clickDelete();
     QCOMPARE(scene.user.table().rowCount(), 5);
-    scene.gate("e.mp4").open();
-    QTRY_VERIFY(scene.user.isIdle());
-    QCOMPARE(recording("e.mp4"), QByteArray("from e.mp4"));
+    scene.finishDownload("e.mp4");
     QCOMPARE(scene.camera->targets(), Texts{downloadOf("e.mp4")});
 }
 
@@ -143,9 +135,7 @@ void InterplayTest::emptyingTheCardDuringADownloadEndsTheQueue()
     QCOMPARE(scene.user.table().rowCount(), 0);
     QCOMPARE(scene.user.downloadCount(), QString("1/3"));
     QVERIFY(!scene.user.canDownload());
-    scene.gate("e.mp4").open();
-    QTRY_VERIFY(scene.user.isIdle());
-    QCOMPARE(recording("e.mp4"), QByteArray("from e.mp4"));
+    scene.finishDownload("e.mp4");
     QCOMPARE(scene.camera->targets(), (Texts{downloadOf("e.mp4"), command}));
 }
 
@@ -175,10 +165,8 @@ void InterplayTest::nextFileStartsWhileTheBoxOfADeleteAllIsOpen()
     scene.user.clickDeleteAll();
     QCOMPARE(countBehindTheBox, QString("2/3"));
     QCOMPARE(scene.user.table().rowCount(), 0);
-    scene.gate("d.mp4").open();
-    QTRY_VERIFY(scene.user.isIdle());
+    scene.finishDownload("d.mp4");
     QCOMPARE(recording("e.mp4"), QByteArray("from e.mp4"));
-    QCOMPARE(recording("d.mp4"), QByteArray("from d.mp4"));
     QCOMPARE(recording("c.mp4"), QByteArray("no file"));
 }
 
@@ -270,14 +258,9 @@ void InterplayTest::heartbeatIsAnsweredWhileTheWindowWaitsForTheCamera()
 void InterplayTest::twoPairsOfLinksBothAnswer()
 {
     Scene scene;
-    scene.link();
-    scene.loseLink();
-    scene.user.clickLink();
-    QVERIFY(scene.user.showsLinkSuccess());
-    fake::Module& control = *scene.control;
-    fake::Module& ground = *scene.ground;
-    QTRY_COMPARE(control.links(), (QList<int>{2, 4}));
-    QTRY_COMPARE(ground.links(), (QList<int>{1, 3}));
+    scene.linkTwice();
+    const fake::Module& control = *scene.control;
+    const fake::Module& ground = *scene.ground;
 
     for (int beat = 1; beat <= 3; ++beat) {
         for (const int link : {2, 4}) {
@@ -299,11 +282,8 @@ void InterplayTest::twoPairsOfLinksBothAnswer()
 void InterplayTest::eitherPairMovesTheStatus()
 {
     Scene scene;
-    scene.link();
-    scene.loseLink();
-    scene.user.clickLink();
-    fake::Module& control = *scene.control;
-    QTRY_COMPARE(control.links(), (QList<int>{2, 4}));
+    scene.linkTwice();
+    const fake::Module& control = *scene.control;
     control[2].close();
     QTRY_VERIFY(scene.user.showsLinkFail());
     control[4].send(heartbeat);
@@ -321,9 +301,7 @@ void InterplayTest::downloadGoesOnBesideAFreshPairOfLinks()
     scene.user.clickLink();
     QVERIFY(scene.user.showsLinkSuccess());
     QVERIFY(!scene.user.canDownload());
-    scene.gate("a.mp4").open();
-    QTRY_VERIFY(scene.user.isIdle());
-    QCOMPARE(recording("a.mp4"), QByteArray("from a.mp4"));
+    scene.finishDownload("a.mp4");
 }
 
 BELUN_NETWORK_TEST(InterplayTest)

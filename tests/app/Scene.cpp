@@ -80,6 +80,16 @@ void Scene::loseLink() const
     QTRY_VERIFY(control->links().contains(next));
 }
 
+void Scene::linkTwice() const
+{
+    link();
+    loseLink();
+    user.clickLink();
+    QVERIFY(user.showsLinkSuccess());
+    QTRY_COMPARE(control->links(), (QList<int>{2, 4}));
+    QTRY_COMPARE(ground->links(), (QList<int>{1, 3}));
+}
+
 void Devices::exchangeHeartbeat() const
 {
     const fake::Module::Link link = control->link();
@@ -121,4 +131,11 @@ void Scene::downloadUntilStalled(const QList<int>& rows, const QByteArray& name)
     stall(name);
     user.downloadRows(rows);
     QTRY_COMPARE(user.progressBar().value(), 5);
+}
+
+void Scene::finishDownload(const QByteArray& name) const
+{
+    gate(name).open();
+    QTRY_VERIFY(user.isIdle());
+    QCOMPARE(recording(name), "from " + name);
 }

@@ -76,8 +76,13 @@ struct Scene : Devices
     void link() const;
     /// Closes the control link, and waits until the window shows it and the thread has reconnected.
     void loseLink() const;
+    /// Links, loses the control link, links again, and waits until all four threads are connected:
+    /// links 2 and 4 of the control module, 1 and 3 of the ground module.
+    void linkTwice() const;
     /// Downloads these rows, and waits until that recording stalls after five bytes.
     void downloadUntilStalled(const QList<int>& rows, const QByteArray& name);
+    /// Lets the stalled recording end, waits until the window is idle, and compares the file.
+    void finishDownload(const QByteArray& name) const;
 
     UserWindow user;
 };
