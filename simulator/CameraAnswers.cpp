@@ -137,22 +137,11 @@ Answer CameraAnswers::answer(RequestKind kind, std::string_view target, const Fa
     m_exchange = exchange;
     const std::string_view argument = requestArgument(kind, target);
     switch (kind) {
-    case RequestKind::Count:
-        return countAnswer(faults);
-    case RequestKind::List:
-        return listAnswer(faults, argument);
-    case RequestKind::Info:
-        return infoAnswer(faults, argument);
-    case RequestKind::Delete:
-        return changeAnswer(faults, kind, argument);
-    case RequestKind::DeleteAll:
-    case RequestKind::Format:
-        return changeAnswer(faults, kind, {});
-    case RequestKind::Recording:
-        m_swappedSince = m_faults->since(Fault::SwappedCard);
-        return recordingAnswer(faults, argument);
-    case RequestKind::Other:
-        break;
+#define REQUEST(enumerator, name, target, argument, answer)                                        \
+    case RequestKind::enumerator:                                                                  \
+        return answer;
+#include "simulator/CameraRequests.inc"
+#undef REQUEST
     }
     return errorAnswer(404);
 }
@@ -247,6 +236,7 @@ Answer CameraAnswers::changeAnswer(const FaultScope& faults, RequestKind kind,
 
 Answer CameraAnswers::recordingAnswer(const FaultScope& faults, std::string_view name)
 {
+    m_swappedSince = m_faults->since(Fault::SwappedCard);
     const auto index = find(name);
     if (!index) {
         return errorAnswer(404);

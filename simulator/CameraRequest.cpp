@@ -1,21 +1,36 @@
 #include "simulator/CameraRequest.h"
 
+#include <algorithm>
 #include <array>
 
 namespace simulator {
 
 namespace {
 
-using namespace std::string_view_literals;
-
 constexpr std::string_view hostPrefix = "http://192.168.1.120";
-constexpr std::string_view countTarget = "/cgi-bin/hi3510/getfilecount.cgi?";
-constexpr std::string_view listTarget = "/cgi-bin/hi3510/getfilelist.cgi?&-start=1&-end=";
-constexpr std::string_view infoTarget = "/cgi-bin/hi3510/getfileinfo.cgi?&-name=sd/DCIM/100ZEPNA/";
-constexpr std::string_view deleteTarget = "/cgi-bin/hi3510/deletefile.cgi?&-name=sd/DCIM/100ZEPNA/";
-constexpr std::string_view deleteAllTarget = "/cgi-bin/hi3510/deleteallfiles.cgi?";
-constexpr std::string_view formatTarget = "/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1";
-constexpr std::string_view recordingTarget = "/sd/DCIM/100ZEPNA/";
+
+enum class Argument { None, Appended };
+
+/// One row of the table.
+struct Row
+{
+    RequestKind kind;
+    std::string_view name;
+    std::string_view target;
+    Argument argument;
+};
+
+constexpr std::array rows{
+#define REQUEST(enumerator, name, target, argument, answer)                                        \
+    Row{RequestKind::enumerator, name, target, Argument::argument},
+#include "simulator/CameraRequests.inc"
+#undef REQUEST
+};
+
+const Row& row(RequestKind kind)
+{
+    return rows[static_cast<std::size_t>(kind)];
+}
 
 bool startsWith(std::string_view text, std::string_view start)
 {
@@ -26,9 +41,7 @@ bool startsWith(std::string_view text, std::string_view start)
 
 std::string_view kindName(RequestKind kind)
 {
-    constexpr std::array names{"count"sv,     "list"sv,   "info"sv,      "delete"sv,
-                               "deleteall"sv, "format"sv, "recording"sv, "other"sv};
-    return names[static_cast<std::size_t>(kind)];
+    return row(kind).name;
 }
 
 std::optional<std::string> requestTarget(std::string_view requestLine)
@@ -47,41 +60,19 @@ std::optional<std::string> requestTarget(std::string_view requestLine)
 
 RequestKind requestKind(std::string_view target)
 {
-    if (target == countTarget) {
-        return RequestKind::Count;
-    }
-    if (startsWith(target, listTarget)) {
-        return RequestKind::List;
-    }
-    if (startsWith(target, infoTarget)) {
-        return RequestKind::Info;
-    }
-    if (startsWith(target, deleteTarget)) {
-        return RequestKind::Delete;
-    }
-    if (target == deleteAllTarget) {
-        return RequestKind::DeleteAll;
-    }
-    if (target == formatTarget) {
-        return RequestKind::Format;
-    }
-    return startsWith(target, recordingTarget) ? RequestKind::Recording : RequestKind::Other;
+    // The last row matches every target, so a row is always found.
+    return std::find_if(rows.begin(), rows.end(),
+                        [target](const Row& each) {
+                            return each.argument == Argument::None
+                                       ? target == each.target
+                                       : startsWith(target, each.target);
+                        })
+        ->kind;
 }
 
 std::string_view requestArgument(RequestKind kind, std::string_view target)
 {
-    switch (kind) {
-    case RequestKind::List:
-        return target.substr(listTarget.size());
-    case RequestKind::Info:
-        return target.substr(infoTarget.size());
-    case RequestKind::Delete:
-        return target.substr(deleteTarget.size());
-    case RequestKind::Recording:
-        return target.substr(recordingTarget.size());
-    default:
-        return {};
-    }
+    return target.substr(row(kind).target.size());
 }
 
 } // namespace simulator

@@ -7,8 +7,12 @@
 
 namespace simulator {
 
-/// What a request asks for.
-enum class RequestKind { Count, List, Info, Delete, DeleteAll, Format, Recording, Other };
+/// What a request asks for, in the order of the table.
+enum class RequestKind {
+#define REQUEST(enumerator, name, target, argument, answer) enumerator,
+#include "simulator/CameraRequests.inc"
+#undef REQUEST
+};
 
 /// Returns the name of the kind in the journal and in the fault "only".
 std::string_view kindName(RequestKind kind);
@@ -19,8 +23,8 @@ std::optional<std::string> requestTarget(std::string_view requestLine);
 
 RequestKind requestKind(std::string_view target);
 
-/// Returns the text after the fixed part of a target of this kind: a name or the number of entries.
-/// Returns an empty text for a kind that takes no argument.
+/// Returns the text after the fixed part of a target of this kind, such as a name or the number of
+/// entries. It is empty for a kind that takes no argument.
 std::string_view requestArgument(RequestKind kind, std::string_view target);
 
 } // namespace simulator

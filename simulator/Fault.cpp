@@ -14,6 +14,12 @@ const std::string modules = "control|ground";
 const std::string bothModules = "control,ground";
 const std::string devices = "control|ground|camera";
 const std::string allDevices = "control,ground,camera";
+// What the fault "only" names: modules, all commands of the camera, each of its requests.
+const std::string scopes = modules + "|cgi"
+#define REQUEST(enumerator, name, target, argument, answer) "|" name
+#include "simulator/CameraRequests.inc"
+#undef REQUEST
+    ;
 
 FaultValue none()
 {

@@ -16,6 +16,9 @@ constexpr std::size_t resultColumn = 30;
 /// Maximum length of a default shown in full; of a longer one, the beginning and the length are
 /// shown.
 constexpr std::size_t longestPreset = 40;
+/// Maximum length of a list of words on the Markdown page, which refers to the other forms for a
+/// longer one.
+constexpr std::size_t longestWords = 40;
 
 /// A heading of the list. The headings below are in the order of FaultGroup.
 struct Heading
@@ -197,11 +200,15 @@ std::string faultListMarkdown()
             text += "\n## " + title +
                     "\n\n| fault | acts on | what a client sees | value |\n|---|---|---|---|\n";
         },
-        [&text](const FaultDescription& row) {
+        [&text](FaultDescription row) {
             std::string value;
             const auto add = [&value](const std::string& more) {
                 value += (value.empty() ? "" : ", ") + more;
             };
+            if (row.value.kind == FaultKind::Words && row.value.name.size() > longestWords) {
+                row.value.name = "WORDS";
+                add("words: see `--list-faults`");
+            }
             if (isNumber(row.value)) {
                 add(std::to_string(row.value.minimum) + " to " + std::to_string(row.value.maximum));
             }
