@@ -1,5 +1,6 @@
 // The window's accessible names and descriptions, in both languages.
 #include "card/FileTable.h"
+#include "tests/app/FormListing.h"
 #include "tests/kit/TestMain.h"
 #include "tests/kit/UserWindow.h"
 
@@ -142,7 +143,11 @@ void AccessibilityTest::everyWidgetInUseHasAName()
                 ++named;
             }
         }
-        QCOMPARE(named, 20);
+        const int listed =
+            static_cast<int>(listedNames({"QPushButton", "QCheckBox", "QLineEdit", "QComboBox",
+                                          "QProgressBar", "QGroupBox", "QTableWidget"})
+                                 .size());
+        QCOMPARE(named, listed);
     }
 }
 

@@ -1,5 +1,8 @@
 #include "tests/app/FormListing.h"
 
+#include "tests/kit/MetaMethods.h"
+#include "tests/kit/RecordedText.h"
+
 #include <map>
 #include <memory>
 #include <set>
@@ -8,6 +11,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDebug>
+#include <QFile>
 #include <QGroupBox>
 #include <QIcon>
 #include <QLabel>
@@ -273,4 +277,38 @@ private:
 QString formListing(QMainWindow& window)
 {
     return Listing(window).text();
+}
+
+QString methodListing(const QMetaObject& windowClass)
+{
+    return "\nsignals and slots:\n  " + support::declaredMethods(windowClass).join("\n  ") + '\n';
+}
+
+QList<ListedObject> listedObjects()
+{
+    QFile file(support::dataPath("form.txt"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        qFatal("%s: %s", qPrintable(file.fileName()), qPrintable(file.errorString()));
+    }
+    QList<ListedObject> objects;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split('\n')) {
+        if (line.isEmpty()) {
+            break; // the signals and slots follow
+        }
+        const QStringList nameAndRest = line.trimmed().split(": ");
+        objects.append({nameAndRest[0], nameAndRest.value(1).split(',').first()});
+    }
+    objects.removeFirst(); // the window
+    return objects;
+}
+
+QStringList listedNames(const QStringList& types)
+{
+    QStringList names;
+    for (const ListedObject& object : listedObjects()) {
+        if (types.contains(object.type)) {
+            names.append(object.name);
+        }
+    }
+    return names;
 }

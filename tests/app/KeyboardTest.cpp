@@ -1,5 +1,6 @@
 // The window without a mouse: the tab order, and entering and leaving the table.
 #include "card/FileTable.h"
+#include "tests/app/FormListing.h"
 #include "tests/kit/TestMain.h"
 #include "tests/kit/UserWindow.h"
 
@@ -37,11 +38,11 @@ private:
     std::unique_ptr<UserWindow> user;
 };
 
-static const QStringList inTheirOrder{"pushButtonLinkBELUN",      "comboBox",
-                                      "pushButtonEnterTFcard",    "pushButtonDownloadFile",
-                                      "pushButtonDeleteFile",     "pushButtonFormatCard",
-                                      "pushButtonDeleteAllFiles", "checkBoxSelectAllFiles",
-                                      "tableWidgetFileInfo"};
+/// Returns the widgets that the user can operate, from top to bottom.
+static QStringList inTheirOrder()
+{
+    return listedNames({"QPushButton", "QComboBox", "QCheckBox", "QTableWidget"});
+}
 
 void KeyboardTest::init()
 {
@@ -63,18 +64,19 @@ void KeyboardTest::enterTableOfFive() const
 
 void KeyboardTest::tabGoesThroughTheWidgetsFromTopToBottom()
 {
-    for (const QString& name : inTheirOrder) {
+    for (const QString& name : inTheirOrder()) {
         QCOMPARE(focused(), name);
         press(Qt::Key_Tab);
     }
-    QCOMPARE(focused(), inTheirOrder.first());
+    QCOMPARE(focused(), inTheirOrder().first());
 }
 
 void KeyboardTest::shiftTabGoesBack()
 {
-    for (auto index = inTheirOrder.size() - 1; index >= 0; --index) {
+    QStringList left = inTheirOrder();
+    while (!left.isEmpty()) {
         press(Qt::Key_Backtab, Qt::ShiftModifier);
-        QCOMPARE(focused(), inTheirOrder[index]);
+        QCOMPARE(focused(), left.takeLast());
     }
 }
 
@@ -82,8 +84,8 @@ void KeyboardTest::spacePressesTheButtonInFocus_data()
 {
     QTest::addColumn<int>("tabs");
 
-    for (const int tabs : {0, 2, 3, 4, 5, 6, 7}) {
-        QTest::newRow(qPrintable(inTheirOrder[tabs])) << tabs;
+    for (const QString& button : listedNames({"QPushButton", "QCheckBox"})) {
+        QTest::newRow(qPrintable(button)) << static_cast<int>(inTheirOrder().indexOf(button));
     }
 }
 
@@ -137,7 +139,7 @@ void KeyboardTest::ctrlTabLeavesTheTableAndKeepsTheSelection_data()
     QTest::addColumn<QString>("next");
 
     QTest::newRow("forward") << Qt::Key_Tab << Qt::KeyboardModifiers(Qt::ControlModifier)
-                             << inTheirOrder.first();
+                             << inTheirOrder().first();
     QTest::newRow("back") << Qt::Key_Backtab
                           << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::ShiftModifier)
                           << QStringLiteral("checkBoxSelectAllFiles");
