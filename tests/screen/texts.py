@@ -1,10 +1,24 @@
-"""The window's texts in each language, from tests/data/texts.tsv, not the program's catalogues."""
+"""The window's widgets and texts in each language, as tests/data/form.txt and texts.tsv list them.
+
+Both are written by hand: nothing comes from the program or its catalogues.
+"""
 
 import csv
 import dataclasses
 import pathlib
+import re
 
-TABLE = pathlib.Path(__file__).resolve().parents[1] / "data/texts.tsv"
+DATA = pathlib.Path(__file__).resolve().parents[1] / "data"
+TABLE = DATA / "texts.tsv"
+# Name and class of each object of the form, from top to bottom, up to the signals and slots.
+FORM = re.findall(r"(?m)^ +(\w+): (\w+)",
+                  (DATA / "form.txt").read_text(encoding="utf-8").partition("\n\n")[0])
+BUTTONS = [name for name, kind in FORM if kind == "QPushButton"]
+ROLES = {"QPushButton": "push button", "QLineEdit": "text", "QLabel": "label",
+         "QComboBox": "combo box", "QGroupBox": "panel", "QProgressBar": "progress bar",
+         "QCheckBox": "check box"}
+TAB_ORDER = [name for name, kind in FORM
+             if kind in ("QPushButton", "QComboBox", "QCheckBox", "QTableWidget")]
 VERSIONS = ("hardware_type", "hardware_version", "software_version", "protocol_version",
             "bootloader_version")
 HEADERS = ("file_name", "file_date", "file_size", "file_duration")
@@ -28,17 +42,31 @@ class Texts:
     progress: str
     select_all: str
     headers: tuple
+    shown_by: dict  # the texts by the names of the widgets that show them
+
+    def buttons_that_need_a_link(self):
+        """Returns their texts, from left to right."""
+        texts = [self.shown_by[button] for button in BUTTONS]
+        return [text for text in texts if text not in (self.link, self.browse)]
+
+    def keys(self, start, end):
+        """Returns the keys that move the focus from the button with one text to that with another."""
+        order = [self.shown_by.get(widget) for widget in TAB_ORDER]
+        steps = order.index(end) - order.index(start)
+        return ("Tab" if steps > 0 else "shift+Tab",) * abs(steps)
 
 
 def read(column, chosen):
     """Returns the texts of one column of the table. Language names stay English."""
     with open(TABLE, encoding="utf-8", newline="") as file:
-        shown = {row["name"]: row[column] for row in csv.DictReader(file, delimiter="\t")}
+        rows = list(csv.DictReader(file, delimiter="\t"))
+    shown = {row["name"]: row[column] for row in rows}
     names = [field.name for field in dataclasses.fields(Texts)]
     return Texts(
         chosen=chosen,
         versions=tuple(shown[name] for name in VERSIONS),
         headers=tuple(shown[name] for name in HEADERS),
+        shown_by={widget: row[column] for row in rows for widget in row["shown by"].split()},
         **{name: shown[name] for name in names if name in shown})
 
 
@@ -63,19 +91,16 @@ def window(texts, status="", versions=("",) * 5, download=("", None, ""), rows=(
 
     `download` is label, percentage (None: no bar) and count; `disabled` names texts of buttons.
     """
-    def button(text):
-        return ("disabled button" if text in disabled else "push button"), text
-
     label, percentage, count = download
-    read = [button(texts.link), ("text", status), ("label", texts.language),
-            ("combo box", texts.chosen), ("panel", texts.version_info)]
-    for name, version in zip(texts.versions, versions):
-        read += [("label", name), ("text", version)]
-    read += [("panel", texts.file_operate), button(texts.browse), button(texts.download),
-             button(texts.delete), button(texts.format), button(texts.delete_all),
-             ("text", label)]
-    read += [] if percentage is None else [("progress bar", percentage)]
-    read += [("text", count), ("check box", texts.select_all)]
+    contents = dict(zip(("lineEditHardType", "lineEditHardVer", "lineEditSoftVer",
+                         "lineEditProtocolVer", "lineEditBootVer"), versions),
+                    lineEditLinkBELUN=status, comboBox=texts.chosen, lineEditDownloadLabel=label,
+                    progressBarDownLoad=percentage, lineEditDownloadProgress=count)
+    read = []
+    for name, kind in FORM:
+        text = texts.shown_by.get(name, contents.get(name))
+        if kind in ROLES and text is not None:
+            read.append(("disabled button" if text in disabled else ROLES[kind], text))
     read += [("table column header", header) for header in texts.headers]
     read += [("table cell", cell) for row in rows for cell in row]
     return read

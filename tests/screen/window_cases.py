@@ -82,8 +82,7 @@ class WindowCases:
         self.eventually(lambda: len(self.requests()) == 2 + len(ROWS), "the requests of a browse")
         self.click_row(1)
         self.selects([1])
-        for name in (self.texts.download, self.texts.delete, self.texts.format,
-                     self.texts.delete_all):
+        for name in self.texts.buttons_that_need_a_link():
             self.press(name)
         self.shows()
         self.selects([1])
@@ -115,7 +114,7 @@ class WindowCases:
         self.focus_is_on("push button", said.browse)
         screen.key("space")
         self.shows(rows=ROWS)
-        for name in (said.download, said.delete, said.format, said.delete_all):
+        for name in said.buttons_that_need_a_link():
             screen.key("Tab")
             self.focus_is_on("push button", name)
         screen.key("Tab")
@@ -134,7 +133,7 @@ class WindowCases:
         screen.key("ctrl+Tab")
         self.focus_is_on("push button", said.link)
         self.selects([1, 3])
-        screen.key("Tab", "Tab", "Tab")
+        screen.key(*said.keys(said.link, said.download))
         self.focus_is_on("push button", said.download)
         screen.key("space")
         self.wait_until("both recordings", lambda: self.downloaded() == self.recordings(1, 3))
@@ -143,19 +142,17 @@ class WindowCases:
         # The download button was disabled during the downloads, so the table took the focus.
         screen.key("ctrl+Tab")
         self.focus_is_on("push button", said.link)
-        screen.key("Tab", "Tab", "Tab", "Tab")
+        screen.key(*said.keys(said.link, said.delete))
         self.focus_is_on("push button", said.delete)
         screen.key("space")
         self.shows(rows=without(ROWS, 1, 3))
-        screen.key("Tab")
-        self.focus_is_on("push button", said.format)
-        screen.key("Tab")
+        screen.key(*said.keys(said.delete, said.delete_all))
         self.focus_is_on("push button", said.delete_all)
         screen.key("space")
         self.confirms_box(texts.BOX_ALL_DELETED, "Return")
         self.shows(rows=())
         self.focus_is_on("push button", said.delete_all)
-        screen.key("shift+Tab")
+        screen.key(*said.keys(said.delete_all, said.format))
         self.focus_is_on("push button", said.format)
         screen.key("space")
         self.confirms_box(texts.BOX_FORMATTED, "Escape")
