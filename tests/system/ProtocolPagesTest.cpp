@@ -31,19 +31,37 @@ namespace {
 constexpr quint16 modulePort = 5000;
 constexpr quint16 cameraPort = 80;
 
-/// Returns the lines of each fenced block with that tag.
-QList<QStringList> blocks(const QString& page, const QString& tag)
+/// A fenced block of a page.
+struct Block
 {
-    QList<QStringList> found;
+    QString tag;
+    QStringList lines;
+};
+
+QList<Block> allBlocks(const QString& page)
+{
+    QList<Block> found;
     bool inside = false;
     for (const QString& line : page.split('\n')) {
         if (inside && line == "```") {
             inside = false;
         } else if (inside) {
-            found.last().append(line);
-        } else if (line == "```" + tag) {
+            found.last().lines.append(line);
+        } else if (line.startsWith("```")) {
             inside = true;
-            found.append(QStringList());
+            found.append({line.mid(3), QStringList()});
+        }
+    }
+    return found;
+}
+
+/// Returns the lines of each fenced block with that tag.
+QList<QStringList> blocks(const QString& page, const QString& tag)
+{
+    QList<QStringList> found;
+    for (const Block& block : allBlocks(page)) {
+        if (block.tag == tag) {
+            found.append(block.lines);
         }
     }
     return found;
@@ -204,7 +222,37 @@ QStringList tableText(const QTableWidget& table)
     for (int row = 0; row < table.rowCount(); ++row) {
         rows.append(rowText(table, row));
     }
-    return rows;
+    return rows.isEmpty() ? QStringList("no rows") : rows;
+}
+
+/// Makes the steps of a user in the window: "press TEXT" presses the button with that text, "select
+/// row N" selects a row, and "message TEXT" states the message box that the step before it shows.
+void act(const MainWindow& window, const QStringList& steps, support::MessageBoxWatcher& boxes)
+{
+    for (int i = 0; i < steps.size(); ++i) {
+        const QString words = steps[i].section(' ', 1);
+        if (steps[i].startsWith("press ")) {
+            const auto buttons = window.findChildren<QPushButton*>();
+            const auto button =
+                std::find_if(buttons.begin(), buttons.end(),
+                             [&words](const QPushButton* each) { return each->text() == words; });
+            QVERIFY2(button != buttons.end(), qPrintable(steps[i]));
+            if (steps.value(i + 1).startsWith("message ")) {
+                boxes.answerNext(QMessageBox::Ok);
+            }
+            const int shown = static_cast<int>(boxes.boxes().size());
+            QTest::mouseClick(*button, Qt::LeftButton);
+            QTRY_VERIFY((*button)->isEnabled()); // until a download has ended
+            const bool expectsBox = steps.value(i + 1).startsWith("message ");
+            QCOMPARE(static_cast<int>(boxes.boxes().size()), shown + (expectsBox ? 1 : 0));
+        } else if (steps[i].startsWith("message ")) {
+            QCOMPARE(boxes.boxes().last().text, words);
+        } else {
+            QVERIFY2(steps[i].startsWith("select row "), qPrintable(steps[i]));
+            auto* table = window.findChild<QTableWidget*>();
+            table->selectRow(words.section(' ', 1).toInt() - 1);
+        }
+    }
 }
 
 } // namespace
@@ -221,7 +269,7 @@ private slots:
     void controlConversationHappensAsWritten();
     void groundConversationHappensAsWritten();
 
-    void cameraPageCommandsMatchTheProgram();
+    void cameraConversationContainsEveryCommand();
     void cameraPageAnswersAreParsedAsStated_data();
     void cameraPageAnswersAreParsedAsStated();
     void cameraPageLengthsMatchTheBodies();
@@ -332,17 +380,29 @@ void ProtocolPagesTest::groundConversationHappensAsWritten()
 // --- the camera page
 // --------------------------------------------------------------------------------
 
-void ProtocolPagesTest::cameraPageCommandsMatchTheProgram()
+/// The conversation, which the program must send as written, contains each command of the table,
+/// and no other.
+void ProtocolPagesTest::cameraConversationContainsEveryCommand()
 {
-    const QRegularExpression row("^\\| [a-z ]+\\| `(/cgi-bin[^`]*)` *\\|",
+    const QRegularExpression row("^\\| [a-z ]+\\| `(/cgi-bin[^`]*)` *\\|([^|]*)\\|",
                                  QRegularExpression::MultilineOption);
     QStringList onPage;
+    QStringList inConversation;
     for (auto matches = row.globalMatch(m_cameraPage); matches.hasNext();) {
-        onPage.append("http://192.168.1.120" + matches.next().captured(1));
+        const QRegularExpressionMatch match = matches.next();
+        const QString path = match.captured(1);
+        onPage.append(path);
+        for (const Exchange& exchange : exchanges(m_cameraPage)) {
+            const QString target = QString::fromUtf8(exchange.target());
+            const bool hasArgument = !match.captured(2).trimmed().isEmpty();
+            if (target.startsWith(path) && (target.size() > path.size()) == hasArgument) {
+                inConversation.append(path);
+                break;
+            }
+        }
     }
-    QCOMPARE(onPage, (QStringList{card::fileCountCommand, card::fileListCommand,
-                                  card::fileInfoCommand, card::deleteFileCommand,
-                                  card::deleteAllFilesCommand, card::formatCardCommand}));
+    QVERIFY(onPage.size() >= 6);
+    QCOMPARE(inConversation, onPage);
 }
 
 void ProtocolPagesTest::cameraPageAnswersAreParsedAsStated_data()
@@ -401,7 +461,7 @@ void ProtocolPagesTest::cameraPageLengthsMatchTheBodies()
 void ProtocolPagesTest::cameraConversationHappensAsWritten()
 {
     const QList<Exchange> expected = exchanges(m_cameraPage);
-    QCOMPARE(expected.size(), 8);
+    QVERIFY(expected.size() >= 8);
     std::vector<ScriptedServer::Script> scripts;
     for (const Exchange& exchange : expected) {
         scripts.push_back([exchange](Peer& peer) {
@@ -418,29 +478,25 @@ void ProtocolPagesTest::cameraConversationHappensAsWritten()
 
     MainWindow window;
     window.show();
-    const support::WindowProbe probe(window);
-    auto& table = probe.child<QTableWidget>("tableWidgetFileInfo");
-    probe.click("pushButtonLinkBELUN");
-
-    probe.click("pushButtonEnterTFcard");
-    QCOMPARE(tableText(table), blocks(m_cameraPage, "rows").value(0));
-
-    table.selectRow(1);
-    probe.click("pushButtonDownloadFile");
-    QTRY_VERIFY(probe.child<QPushButton>("pushButtonDownloadFile").isEnabled());
-    const QByteArray name = expected[4].target().split('/').last();
-    QFile recording(QDir::homePath() + "/Desktop/DCIM/" + QString::fromUtf8(name));
-    QVERIFY2(recording.open(QIODevice::ReadOnly), qPrintable(recording.fileName()));
-    QCOMPARE(recording.readAll(), expected[4].body());
-
-    probe.click("pushButtonDeleteFile");
-    QCOMPARE(tableText(table), blocks(m_cameraPage, "rows").value(0).mid(0, 1));
-    boxes.answerNext(QMessageBox::Ok);
-    probe.click("pushButtonDeleteAllFiles");
-    QCOMPARE(tableText(table), QStringList());
-    boxes.answerNext(QMessageBox::Ok);
-    probe.click("pushButtonFormatCard");
-    QCOMPARE(boxes.boxes().size(), 2);
+    const auto& table = support::WindowProbe(window).child<QTableWidget>("tableWidgetFileInfo");
+    for (const Block& block : allBlocks(m_cameraPage)) {
+        if (block.tag == "user") {
+            act(window, block.lines, boxes);
+        } else if (block.tag == "rows") {
+            QCOMPARE(tableText(table), block.lines);
+        }
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+    }
+    for (const Exchange& exchange : expected) {
+        if (exchange.target().startsWith("http://")) {
+            const QString name = QString::fromUtf8(exchange.target().split('/').last());
+            QFile recording(QDir::homePath() + "/Desktop/DCIM/" + name);
+            QVERIFY2(recording.open(QIODevice::ReadOnly), qPrintable(recording.fileName()));
+            QCOMPARE(recording.readAll(), exchange.body());
+        }
+    }
 
     QCOMPARE(camera.connectionCount(), expected.size());
     for (int i = 0; i < expected.size(); ++i) {
