@@ -50,7 +50,7 @@ class Texts:
         return [text for text in texts if text not in (self.link, self.browse)]
 
     def keys(self, start, end):
-        """Returns the keys that move the focus from the button with one text to that with another."""
+        """Returns the keys that move the focus between the buttons with these texts."""
         order = [self.shown_by.get(widget) for widget in TAB_ORDER]
         steps = order.index(end) - order.index(start)
         return ("Tab" if steps > 0 else "shift+Tab",) * abs(steps)
