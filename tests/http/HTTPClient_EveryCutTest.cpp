@@ -1,6 +1,6 @@
 // Plays every conversation over a socket pair, split and closed at every byte.
-#include "tests/http/Conversations.h"
 #include "tests/http/WireOutcome.h"
+#include "tests/kit/ConversationRows.h"
 #include "tests/kit/TestMain.h"
 
 #include <algorithm>
@@ -43,22 +43,17 @@ class HTTPClient_EveryCutTest : public QObject
     Q_OBJECT
 
 private slots:
-    void deliveredWhole_data();
+    void deliveredWhole_data() { support::addConversationsWithoutPauses("http"); }
     void deliveredWhole();
     void deliveredByteByByte_data() { deliveredWhole_data(); }
     void deliveredByteByByte();
     void cutAtEveryPosition_data() { deliveredWhole_data(); }
     void cutAtEveryPosition();
-    void closedAtEveryPosition_data();
+    void closedAtEveryPosition_data() { support::addConversationsThatMayEnd("http"); }
     void closedAtEveryPosition();
-    void deliveredWithPauses_data();
+    void deliveredWithPauses_data() { support::addConversationsWithPauses("http"); }
     void deliveredWithPauses();
 };
-
-void HTTPClient_EveryCutTest::deliveredWhole_data()
-{
-    addConversations([](const Conversation& conversation) { return !conversation.hasPauses(); });
-}
 
 void HTTPClient_EveryCutTest::deliveredWhole()
 {
@@ -92,12 +87,6 @@ void HTTPClient_EveryCutTest::cutAtEveryPosition()
     }
 }
 
-void HTTPClient_EveryCutTest::closedAtEveryPosition_data()
-{
-    addConversations(
-        [](const Conversation& conversation) { return conversation.mayEndAnywhere(); });
-}
-
 void HTTPClient_EveryCutTest::closedAtEveryPosition()
 {
     QFETCH(Conversation, conversation);
@@ -113,11 +102,6 @@ void HTTPClient_EveryCutTest::closedAtEveryPosition()
         }
         QCOMPARE(text(outcome.text), text(expected));
     }
-}
-
-void HTTPClient_EveryCutTest::deliveredWithPauses_data()
-{
-    addConversations([](const Conversation& conversation) { return conversation.hasPauses(); });
 }
 
 void HTTPClient_EveryCutTest::deliveredWithPauses()

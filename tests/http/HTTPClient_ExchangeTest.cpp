@@ -1,9 +1,9 @@
 // Complete GET exchanges over a connection: sendHeader, get, startGet, getData, stopGet.
 #include "http/HTTPClient.h"
 
-#include "tests/http/Conversations.h"
 #include "tests/http/SendPlan.h"
 #include "tests/http/TcpPlay.h"
+#include "tests/kit/ConversationRows.h"
 #include "tests/kit/ScriptedServer.h"
 #include "tests/kit/TestMain.h"
 
@@ -70,7 +70,7 @@ private slots:
     void headIsSentInAsManySendsAsItTakes();
     void headOfAMegabyteIsSentWhole();
 
-    void getReadsTheAnswerAndCloses_data() { addConversations(isOfGet); }
+    void getReadsTheAnswerAndCloses_data() { support::addConversations("http", isOfGet); }
     void getReadsTheAnswerAndCloses();
     void getReadsAnAnswerThatComesByteByByte_data();
     void getReadsAnAnswerThatComesByteByByte();
@@ -247,7 +247,7 @@ void HTTPClient_ExchangeTest::getReadsTheAnswerAndCloses()
 
 void HTTPClient_ExchangeTest::getReadsAnAnswerThatComesByteByByte_data()
 {
-    addConversations([](const Conversation& conversation) {
+    support::addConversations("http", [](const Conversation& conversation) {
         const Exchange& exchange = conversation.exchanges.front();
         return isOfGet(conversation) && conversation.mayEndAnywhere() && !exchange.peerCloses &&
                exchange.unread.empty();
@@ -262,7 +262,7 @@ void HTTPClient_ExchangeTest::getReadsAnAnswerThatComesByteByByte()
 
 void HTTPClient_ExchangeTest::getOfAServerThatClosesEarlyFailsWithWhatArrived_data()
 {
-    addConversations([](const Conversation& conversation) {
+    support::addConversations("http", [](const Conversation& conversation) {
         return isOfGet(conversation) && conversation.mayEndAnywhere();
     });
 }

@@ -1,9 +1,9 @@
 // POST exchanges over a connection: post, sendBody, startPost, postData, stopPost.
 #include "http/HTTPClient.h"
 
-#include "tests/http/Conversations.h"
 #include "tests/http/SendPlan.h"
 #include "tests/http/TcpPlay.h"
+#include "tests/kit/ConversationRows.h"
 #include "tests/kit/ScriptedServer.h"
 #include "tests/kit/SocketPair.h"
 #include "tests/kit/TestMain.h"
@@ -144,7 +144,7 @@ void HTTPClient_PostTest::bodyIsLeftAsItWas()
 
 void HTTPClient_PostTest::postReadsTheAnswerAndCloses_data()
 {
-    addConversations([](const Conversation& conversation) {
+    support::addConversations("http", [](const Conversation& conversation) {
         return conversation.exchanges.front().call.rfind("post ", 0) == 0;
     });
 }

@@ -1,7 +1,7 @@
 #include "tests/http/WireOutcome.h"
 
 #include "http/HTTPClient.h"
-#include "tests/kit/Cuts.h"
+#include "tests/kit/ConversationFile.h"
 
 #include <algorithm>
 #include <array>
@@ -10,27 +10,13 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-using support::printable;
+using support::shortened;
 
 namespace {
 
-/// Writes a run of a hundred characters or more as "\(100 x)".
-std::string shortened(const std::string& text)
-{
-    std::string result;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find_first_not_of(text[at], at), text.size());
-        const std::string run = text.substr(at, end - at);
-        result +=
-            run.size() < 100 ? run : "\\(" + std::to_string(run.size()) + " " + text[at] + ")";
-        at = end;
-    }
-    return result;
-}
-
 std::string quoted(const std::string& bytes)
 {
-    return bytes.empty() ? "" : "\"" + shortened(printable(bytes)) + "\"";
+    return bytes.empty() ? "" : "\"" + shortened(bytes) + "\"";
 }
 
 std::string receivedByNow(int descriptor)
@@ -67,7 +53,7 @@ std::string describe(bool result, const Record& record)
         text += " {";
         const char* comma = "";
         for (const auto& [name, value] : response.headers) {
-            text += comma + shortened(printable(name)) + ": " + shortened(printable(value));
+            text += comma + shortened(name) + ": " + shortened(value);
             comma = ", ";
         }
         text += "}";

@@ -105,7 +105,7 @@ private:
         }
         const bool mayEnd = !closedAtStart.empty() || m_all.back().mayEndAnywhere();
         require(!m_continues || !mayEnd, "| in a conversation of several calls");
-        m_all.back().exchanges.push_back({text, closedAtStart, {}, {}, false, {}, {}});
+        m_all.back().exchanges.push_back({text, closedAtStart, {}, {}, false, false, {}, {}});
         m_continues = true;
     }
 
@@ -114,9 +114,11 @@ private:
         const std::vector<Piece>& above = call().pieces;
         require(above.empty() || above.back().closed.empty() == call().closedAtStart.empty(),
                 "the line above must state a result after |, as client does, or none");
-        require(action.empty() || action == "close" || action == "pause", "unknown action");
+        require(action.empty() || action == "close" || action == "reset" || action == "pause",
+                "unknown action");
         call().pieces.push_back({bytes, closed});
         call().peerCloses = action == "close";
+        call().peerResets = action == "reset";
         if (action == "pause") {
             call().pauses.push_back(allBytes(call().pieces).size());
         }
@@ -161,6 +163,20 @@ Conversations readConversations(const std::string& folder)
     }
     conversations.error = conversations.all.empty() ? folder + ": no conversation" : "";
     return conversations;
+}
+
+std::string shortened(const std::string& bytes)
+{
+    const std::string text = printable(bytes);
+    std::string result;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find_first_not_of(text[at], at), text.size());
+        const std::string run = text.substr(at, end - at);
+        result +=
+            run.size() < 100 ? run : "\\(" + std::to_string(run.size()) + " " + text[at] + ")";
+        at = end;
+    }
+    return result;
 }
 
 } // namespace support

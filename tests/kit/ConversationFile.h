@@ -15,9 +15,9 @@
 // `|` states the result if the connection ends there: in the `client` line before the first byte,
 // in a `<` line after any of its bytes. It is in every line above the last `<` line or in none.
 //
-// A `<` line may state an action after its bytes. `! close`: the peer closes. `! pause`: the peer
-// waits until the client has received everything; the conversation is then played only with these
-// pauses.
+// A `<` line may state an action after its bytes. `! close`: the peer closes. `! reset`: it resets
+// the connection. `! pause`: it waits until the client has received everything; the conversation is
+// then played only with these pauses.
 //
 // `then as in: NAME` continues with the lines of an earlier conversation in the same file that
 // follow its first `<` line.
@@ -43,6 +43,7 @@ struct Exchange
     std::vector<Piece> pieces; ///< One for each `<` line; the last one's outcome is the result.
     std::vector<std::size_t> pauses; ///< Positions in the bytes.
     bool peerCloses;
+    bool peerResets;
     std::string result;
     std::string unread; ///< In quotes; empty if there is nothing.
 };
@@ -71,5 +72,9 @@ struct Conversations
 
 /// Parses every file of a folder, up to the first error.
 Conversations readConversations(const std::string& folder);
+
+/// Returns bytes as results state them: see printable(); in addition, a run of a hundred characters
+/// or more is written as "\(100 x)".
+std::string shortened(const std::string& bytes);
 
 } // namespace support

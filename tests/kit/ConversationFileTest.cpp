@@ -27,6 +27,7 @@ std::string description(const support::Conversations& conversations)
                 text += "pause " + std::to_string(pause) + "\n";
             }
             text += exchange.peerCloses ? "close\n" : "";
+            text += exchange.peerResets ? "reset\n" : "";
             text += "result " + exchange.result + " > " + exchange.unread + "\n";
         }
     }
@@ -114,6 +115,10 @@ void ConversationFileTest::fileIsReadOrItsErrorNamesTheLine_data()
         "call get /2 > \nbytes b > false\nresult false > \n");
     row("escapes", "# name\nclient get /\n< a\\r\\n\\\\\\s\\x00\\x80\\xFF1\\(3 x) = true\n",
         "x: name\ncall get / > \nbytes a\\r\\n\\ \\x00\\x80\\xFF1xxx > true\nresult true > \n");
+
+    row("reset", "# name\nclient download a.mp4\n< ! pause\n< ab ! reset = \"\"\n",
+        "x: name\nhas pauses\ncall download a.mp4 > \nbytes  > \nbytes ab > \"\"\npause 0\nreset\n"
+        "result \"\" > \n");
 
     row("no comment above", "\nclient get /\n", "x.txt:2: no name in a comment right above");
     row("empty line below the comment", "# name\n\nclient get /\n",

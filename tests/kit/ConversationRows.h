@@ -1,0 +1,45 @@
+// Conversations as rows of a test.
+#pragma once
+
+#include "tests/kit/ConversationFile.h"
+#include "tests/kit/RecordedText.h"
+
+#include <QTest>
+
+Q_DECLARE_METATYPE(support::Conversation)
+
+namespace support {
+
+/// Adds a column "conversation" and a row for each conversation that fits, from the files in a
+/// folder of tests/data/conversations.
+template <class Fits>
+void addConversations(const char* folder, const Fits& fits)
+{
+    QTest::addColumn<Conversation>("conversation");
+    const QString path = dataPath(QStringLiteral("conversations/") + QLatin1String(folder));
+    const Conversations conversations = readConversations(path.toStdString());
+    QVERIFY2(conversations.error.empty(), conversations.error.c_str());
+    for (const Conversation& conversation : conversations.all) {
+        if (fits(conversation)) {
+            QTest::newRow(conversation.name.c_str()) << conversation;
+        }
+    }
+}
+
+/// Those that are played with every cut, and those that state their cuts.
+inline void addConversationsWithoutPauses(const char* folder)
+{
+    addConversations(folder, [](const Conversation& one) { return !one.hasPauses(); });
+}
+inline void addConversationsWithPauses(const char* folder)
+{
+    addConversations(folder, [](const Conversation& one) { return one.hasPauses(); });
+}
+
+/// Those that may end after any byte.
+inline void addConversationsThatMayEnd(const char* folder)
+{
+    addConversations(folder, [](const Conversation& one) { return one.mayEndAnywhere(); });
+}
+
+} // namespace support
