@@ -1,150 +1,122 @@
 // Where a download is saved on the local disk, and where it never is.
 #include "download/LocalFile.h"
 
-#include "tests/download/DownloadRecorder.h"
+#include "tests/download/DownloadScene.h"
 #include "tests/kit/Lease.h"
-#include "tests/kit/ScriptedServer.h"
 #include "tests/kit/SleepWatch.h"
 #include "tests/kit/TestMain.h"
-#include "tests/kit/TimeFactor.h"
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
 
-#include <dirent.h>
-#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
-#include <QFileInfo>
 #include <QList>
-#include <QTemporaryDir>
 
-using support::Peer;
-using support::ScriptedServer;
+namespace fs = std::filesystem; // Qt cannot handle names that are not UTF-8
+
+using Entries = QList<QByteArray>;
 
 namespace {
 
-constexpr char address[] = "192.168.1.120";
-constexpr quint16 port = 80;
-const int stopLimit = 500 * support::timeFactor(); // milliseconds
-
-/// Returns the paths of everything in the home folder, or in its subfolder `below`, relative to the
-/// home folder and as bytes. Folders end in a slash.
-QList<QByteArray> homeContent(const QByteArray& below = QByteArray())
+fs::path inHome(const QByteArray& path)
 {
-    QList<QByteArray> paths;
-    const QByteArray folder = QDir::homePath().toUtf8() + "/" + below;
-    DIR* directory = ::opendir(folder);
-    while (const dirent* entry = directory != nullptr ? ::readdir(directory) : nullptr) {
-        const QByteArray name = entry->d_name;
-        if (name == "." || name == "..") {
-            continue;
-        }
-        struct stat status = {};
-        ::lstat(folder + name, &status);
-        if (S_ISDIR(status.st_mode)) {
-            paths.append(below + name + "/");
-            paths.append(homeContent(below + name + "/"));
-        } else {
-            paths.append(below + name);
-        }
-    }
-    if (directory != nullptr) {
-        ::closedir(directory);
-    }
-    std::sort(paths.begin(), paths.end());
-    return paths;
-}
-
-QByteArray inHome(const QByteArray& path)
-{
-    return QDir::homePath().toUtf8() + "/" + path;
+    return fs::path(QDir::homePath().toStdString()) / path.toStdString();
 }
 
 QByteArray contentOf(const QByteArray& path)
 {
-    const int descriptor = ::open(inHome(path), O_RDONLY);
-    char buffer[1000];
-    const ssize_t count = ::read(descriptor, buffer, sizeof buffer);
-    ::close(descriptor);
-    return count < 0 ? QByteArray("no such file") : QByteArray(buffer, static_cast<int>(count));
+    std::ifstream file(inHome(path), std::ios::binary);
+    return QByteArray::fromStdString(std::string(std::istreambuf_iterator<char>(file), {}));
 }
 
-void write(const QByteArray& path, const QByteArray& bytes)
+void bindLocalSocket(const fs::path& path)
 {
-    const int descriptor = ::open(inHome(path), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    const ssize_t count =
-        ::write(descriptor, bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    sockaddr_un place{};
+    place.sun_family = AF_UNIX;
+    qstrncpy(place.sun_path, path.c_str(), sizeof place.sun_path);
+    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    QCOMPARE(::bind(descriptor, reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
     ::close(descriptor);
-    QCOMPARE(count, static_cast<ssize_t>(bytes.size()));
+}
+
+/// Creates an entry of the home folder: "folder/", "file: content", "link -> target", "pipe|" or
+/// "socket=".
+void create(const QByteArray& entry)
+{
+    const int colon = entry.indexOf(": ");
+    const int arrow = entry.indexOf(" -> ");
+    const fs::path chopped = inHome(entry.chopped(1));
+    if (entry.endsWith('/')) {
+        fs::create_directories(chopped);
+    } else if (arrow > 0) {
+        fs::create_symlink(entry.mid(arrow + 4).toStdString(), inHome(entry.left(arrow)));
+    } else if (entry.endsWith('|')) {
+        QCOMPARE(::mkfifo(chopped.c_str(), 0600), 0);
+    } else if (entry.endsWith('=')) {
+        bindLocalSocket(chopped);
+    } else {
+        const fs::path path = inHome(entry.left(colon));
+        std::ofstream(path) << entry.constData() + colon + 2;
+        fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
+    }
+}
+
+/// Returns every entry of the home folder and its subfolders as create() takes them, sorted.
+Entries homeEntries()
+{
+    Entries entries;
+    const fs::path home = inHome("");
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(home)) {
+        const auto name = QByteArray::fromStdString(entry.path().lexically_relative(home));
+        switch (entry.symlink_status().type()) {
+        case fs::file_type::directory:
+            entries.append(name + '/');
+            break;
+        case fs::file_type::symlink:
+            entries.append(name + " -> " + fs::read_symlink(entry).c_str());
+            break;
+        case fs::file_type::regular:
+            entries.append(name + ": " + contentOf(name));
+            break;
+        default:
+            entries.append(name + (entry.is_fifo() ? '|' : '='));
+        }
+    }
+    std::sort(entries.begin(), entries.end());
+    return entries;
+}
+
+/// Returns the entries that are gone with a minus sign, then the new ones with a plus sign.
+Entries changes(const Entries& before, const Entries& after)
+{
+    Entries changed;
+    for (const QByteArray& entry : before) {
+        if (!after.contains(entry)) {
+            changed.append('-' + entry);
+        }
+    }
+    for (const QByteArray& entry : after) {
+        if (!before.contains(entry)) {
+            changed.append('+' + entry);
+        }
+    }
+    return changed;
 }
 
 unsigned modeOf(const QByteArray& path)
 {
-    struct stat status = {};
-    return ::stat(inHome(path), &status) == 0 ? status.st_mode & 07777U : 0U;
+    return static_cast<unsigned>(fs::status(inHome(path)).permissions());
 }
-
-/// Creates a socket in the file system. Returns whether that succeeded.
-bool bindLocalSocket(const QByteArray& path)
-{
-    sockaddr_un place{};
-    place.sun_family = AF_UNIX;
-    qstrncpy(place.sun_path, path.constData(), sizeof place.sun_path);
-    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    const bool bound =
-        ::bind(descriptor, reinterpret_cast<const sockaddr*>(&place), sizeof place) == 0;
-    ::close(descriptor);
-    return bound;
-}
-
-/// A camera that serves "new content" under every name.
-class Camera
-{
-public:
-    ScriptedServer server{ScriptedServer::Script([](Peer& peer) {
-                              peer.receiveUntil("Connection:close\r\n\r\n");
-                              peer.send("HTTP/1.1 200 OK\r\nContent-Length: 11\r\n\r\nnew content");
-                          }),
-                          address, port};
-};
-
-/// The file mode mask of the process while this object exists.
-class ModeMask
-{
-public:
-    explicit ModeMask(mode_t mask) : m_before(::umask(mask)) {}
-    ~ModeMask() { ::umask(m_before); }
-    ModeMask(const ModeMask&) = delete;
-    ModeMask& operator=(const ModeMask&) = delete;
-
-private:
-    mode_t m_before;
-};
-
-/// A folder created and removed by its byte name, whatever the encoding.
-class Folder
-{
-public:
-    explicit Folder(QByteArray path) : m_path(std::move(path))
-    {
-        made = ::mkdir(m_path, 0700) == 0;
-    }
-    ~Folder() { ::rmdir(m_path); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    bool made = false;
-
-private:
-    QByteArray m_path;
-};
 
 /// A signal that is blocked in this thread, and in the threads that it starts, while this object
 /// exists. Number 0 blocks no signal.
@@ -168,12 +140,25 @@ private:
     sigset_t m_before;
 };
 
-/// Creates a recording whose content is "old" and returns its path.
+/// Creates a recording and returns its path.
 QByteArray oldRecording()
 {
-    QDir::home().mkpath("Desktop/DCIM");
-    write("Desktop/DCIM/a.mp4", "old");
-    return inHome("Desktop/DCIM/a.mp4");
+    create("Desktop/DCIM/");
+    create("Desktop/DCIM/a.mp4: old");
+    return inHome("Desktop/DCIM/a.mp4").c_str();
+}
+
+/// Downloads a recording and compares what changes in the home folder; nothing does if the
+/// recording cannot be saved.
+void downloadThatChanges(const QString& name, const Entries& expected)
+{
+    const Entries before = homeEntries();
+    const Camera camera(answerOf("new content"));
+    Download download(name);
+    QVERIFY(download.run());
+    QCOMPARE(changes(before, homeEntries()), expected);
+    QCOMPARE(download.output.text(), QByteArray(expected.isEmpty() ? "Create file failed\n" : ""));
+    QCOMPARE(download.recorder.received, QList<qint64>({11}));
 }
 
 /// A download of a recording that is under a lease.
@@ -183,11 +168,11 @@ struct LeasedDownload
     bool startsToWait()
     {
         download.start();
-        return lease.waitUntilWanted() && watch.waitUntilAsleep();
+        return lease.taken() && lease.waitUntilWanted() && watch.waitUntilAsleep();
     }
 
     support::Lease lease{oldRecording()};
-    Camera camera;
+    Camera camera{answerOf("new content")};
     Download download{"a.mp4"};
     support::SleepWatch watch{download.thread}; // created before the thread starts
 };
@@ -200,110 +185,55 @@ class LocalFileTest : public QObject
 
 private slots:
     void init();
-    void existingLatin1DesktopIsUsed();
-    void desktopUnderItsNativeNameOnlyIsUsed_data();
-    void desktopUnderItsNativeNameOnlyIsUsed();
-    void latin1DesktopIsPreferredToTheNativeOne();
-    void missingDesktopIsNamedInLatin1();
+    void folderIsOnTheDesktopUnderItsLatin1OrNativeName_data();
+    void folderIsOnTheDesktopUnderItsLatin1OrNativeName();
     void bareFileNamesAreRecognised_data();
     void bareFileNamesAreRecognised();
-    void missingFolderIsCreated();
+    void recordingIsSavedUnderABareNameOnly_data();
+    void recordingIsSavedUnderABareNameOnly();
+    void missingDesktopIsAFailureAndCreatesNothing();
     void modesAreOpenExceptForTheMask_data();
     void modesAreOpenExceptForTheMask();
-    void longerFileKeepsItsTail();
-    void shorterFileIsReplaced();
     void existingFileKeepsItsMode();
     void failedDownloadLeavesAnExistingFileAlone();
-    void folderMayBeALink();
-    void danglingLinkIsAFailure();
-    void fileInPlaceOfTheFolderIsAFailure();
-    void folderUnderTheRecordingsNameIsAFailure();
-    void linkUnderTheRecordingsNameIsAFailure();
-    void pipeUnderTheRecordingsNameIsAFailure();
-    void deviceUnderTheRecordingsNameIsAFailure();
     void openingAFileUnderALeaseWaits();
     void stopEndsTheWaitForALease_data();
     void stopEndsTheWaitForALease();
-    void missingDesktopIsAFailureAndCreatesNothing();
-    void desktopWithAnotherNameIsFound_data();
-    void desktopWithAnotherNameIsFound();
-    void desktopInLatin1IsPreferredToTheNativeOne();
-    void localNameIsLatin1_data();
-    void localNameIsLatin1();
-    void hostileNameIsFetchedButNotWritten_data();
-    void hostileNameIsFetchedButNotWritten();
-    void oddButBareNameIsWrittenInTheFolder_data();
-    void oddButBareNameIsWrittenInTheFolder();
-
-private:
-    static void setDesktop(const QByteArray& name);
 };
 
 void LocalFileTest::init()
 {
-    const QDir home(QDir::homePath());
-    for (const QFileInfo& entry : home.entryInfoList(QDir::AllEntries | QDir::Hidden |
-                                                     QDir::System | QDir::NoDotAndDotDot)) {
-        if (entry.isDir() && !entry.isSymLink()) {
-            QDir(entry.filePath()).removeRecursively();
-        } else {
-            QFile::remove(entry.filePath());
-        }
+    for (const fs::directory_entry& entry : fs::directory_iterator(inHome(""))) {
+        fs::remove_all(entry);
     }
-    // Qt cannot handle names that are not UTF-8.
-    const QByteArray latin1Desktop = inHome("\xC1rea");
-    ::unlink(latin1Desktop + "/DCIM/a.mp4");
-    ::rmdir(latin1Desktop + "/DCIM");
-    ::rmdir(latin1Desktop);
-    QVERIFY(home.mkdir("Desktop"));
+    create("Desktop/");
 }
 
-void LocalFileTest::setDesktop(const QByteArray& name)
+void LocalFileTest::folderIsOnTheDesktopUnderItsLatin1OrNativeName_data()
 {
-    QVERIFY(QDir::home().mkpath(".config"));
-    write(".config/user-dirs.dirs", "XDG_DESKTOP_DIR=\"$HOME/" + name + "\"\n");
+    QTest::addColumn<Entries>("existing");
+    QTest::addColumn<QByteArray>("desktop");
+    QTest::addColumn<QByteArray>("folder");
+    const auto row = [](const char* title, const Entries& existing, const char* desktop,
+                        const char* folder) {
+        QTest::newRow(title) << existing << QByteArray(desktop) << QByteArray(folder);
+    };
+    row("ASCII", {"Desktop/"}, "Desktop", "Desktop/DCIM/");
+    row("native, with an accent", {"Área de Trabalho/"}, "Área de Trabalho",
+        "Área de Trabalho/DCIM/");
+    row("native, Chinese", {"桌面/"}, "桌面", "桌面/DCIM/");
+    row("both: Latin-1", {"Área/", "\xC1rea/"}, "Área", "\xC1rea/DCIM/");
+    row("none: Latin-1", {}, "Área", "\xC1rea/DCIM/");
 }
 
-void LocalFileTest::existingLatin1DesktopIsUsed()
+void LocalFileTest::folderIsOnTheDesktopUnderItsLatin1OrNativeName()
 {
-    const QTemporaryDir base;
-    QCOMPARE(download::recordingsFolder(base.path()), base.path().toLatin1() + "/DCIM/");
-}
-
-void LocalFileTest::desktopUnderItsNativeNameOnlyIsUsed_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::newRow("Latin letters with an accent") << QString::fromUtf8("Área de Trabalho");
-    QTest::newRow("Chinese") << QString::fromUtf8("桌面");
-}
-
-void LocalFileTest::desktopUnderItsNativeNameOnlyIsUsed()
-{
-    QFETCH(QString, name);
-    const QTemporaryDir base;
-    const QString desktop = base.path() + "/" + name;
-    const Folder native(desktop.toUtf8());
-    QVERIFY(native.made);
-    QCOMPARE(download::recordingsFolder(desktop), desktop.toUtf8() + "/DCIM/");
-}
-
-void LocalFileTest::latin1DesktopIsPreferredToTheNativeOne()
-{
-    const QTemporaryDir base;
-    const QString desktop = base.path() + QString::fromUtf8("/Área");
-    const QByteArray latin1Path = base.path().toLatin1() + "/\xC1rea";
-    const Folder native(desktop.toUtf8());
-    const Folder latin1(latin1Path);
-    QVERIFY(native.made);
-    QVERIFY(latin1.made);
-    QCOMPARE(download::recordingsFolder(desktop), latin1Path + "/DCIM/");
-}
-
-void LocalFileTest::missingDesktopIsNamedInLatin1()
-{
-    const QTemporaryDir base;
-    QCOMPARE(download::recordingsFolder(base.path() + QString::fromUtf8("/Área")),
-             base.path().toLatin1() + "/\xC1rea/DCIM/");
+    QFETCH(Entries, existing);
+    QFETCH(QByteArray, desktop);
+    QFETCH(QByteArray, folder);
+    std::for_each(existing.begin(), existing.end(), create);
+    QCOMPARE(download::recordingsFolder(QDir::homePath() + '/' + QString::fromUtf8(desktop)),
+             QDir::homePath().toLatin1() + '/' + folder);
 }
 
 void LocalFileTest::bareFileNamesAreRecognised_data()
@@ -333,13 +263,80 @@ void LocalFileTest::bareFileNamesAreRecognised()
     QCOMPARE(download::isBareFileName(name), bare);
 }
 
-void LocalFileTest::missingFolderIsCreated()
+void LocalFileTest::recordingIsSavedUnderABareNameOnly_data()
 {
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(homeContent(), QList<QByteArray>({"Desktop/", "Desktop/DCIM/", "Desktop/DCIM/a.mp4"}));
-    QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("new content"));
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<Entries>("before");
+    QTest::addColumn<Entries>("changed");
+    const auto row = [](const char* title, const QString& name, const Entries& before,
+                        const Entries& changed) {
+        QTest::newRow(title) << name << before << changed;
+    };
+    const QByteArray saved = "+Desktop/DCIM/a.mp4: new content";
+    row("new folder", "a.mp4", {}, {"+Desktop/DCIM/", saved});
+    row("existing folder", "a.mp4", {"Desktop/DCIM/"}, {saved});
+    row("folder is a link", "a.mp4", {"elsewhere/", "Desktop/DCIM -> ../elsewhere"},
+        {"+elsewhere/a.mp4: new content"});
+    row("longer file keeps its tail", "a.mp4",
+        {"Desktop/DCIM/", "Desktop/DCIM/a.mp4: old content longer content"},
+        {"-Desktop/DCIM/a.mp4: old content longer content",
+         "+Desktop/DCIM/a.mp4: new content longer content"});
+    row("shorter file is replaced", "a.mp4", {"Desktop/DCIM/", "Desktop/DCIM/a.mp4: old"},
+        {"-Desktop/DCIM/a.mp4: old", saved});
+
+    // The desktop has the name that the user's settings state.
+    for (const char* desktop : {"Schreibtisch", "Área de Trabalho", "桌面"}) {
+        const QByteArray folder = desktop;
+        row(desktop, "a.mp4",
+            {".config/", ".config/user-dirs.dirs: XDG_DESKTOP_DIR=\"$HOME/" + folder + "\"\n",
+             folder + '/'},
+            {'+' + folder + "/DCIM/", '+' + folder + "/DCIM/a.mp4: new content"});
+    }
+
+    row("Latin-1 letter", QString::fromUtf8("é.mp4"), {"Desktop/DCIM/"},
+        {"+Desktop/DCIM/\xE9.mp4: new content"});
+    row("other letter", QString::fromUtf8("桌.mp4"), {"Desktop/DCIM/"},
+        {"+Desktop/DCIM/?.mp4: new content"});
+    for (const char* name : {"-rf", "..a", "..\\a", "%s%n%2e%2e%2f", "a\r\nb", "$(id);`id`|*?"}) {
+        row(name, name, {"Desktop/DCIM/"}, {"+Desktop/DCIM/" + QByteArray(name) + ": new content"});
+    }
+
+    row("folder is a dangling link", "a.mp4", {"Desktop/DCIM -> ../nowhere"}, {});
+    row("folder is a file", "a.mp4", {"Desktop/DCIM: a file"}, {});
+    row("recording is a folder", "a.mp4", {"Desktop/DCIM/", "Desktop/DCIM/a.mp4/"}, {});
+    row("recording is a link", "a.mp4",
+        {"outside: kept", "Desktop/DCIM/", "Desktop/DCIM/a.mp4 -> ../../outside"}, {});
+    row("recording is a pipe", "a.mp4", {"Desktop/DCIM/", "Desktop/DCIM/a.mp4|"}, {});
+    // In place of a device file, which only root can create.
+    row("recording is a socket", "a.mp4", {"Desktop/DCIM/", "Desktop/DCIM/a.mp4="}, {});
+
+    const Entries precious{"Desktop/DCIM/", "Desktop/DCIM/sub/", "Desktop/precious: kept"};
+    row("empty", "", precious, {});
+    row("the folder", ".", precious, {});
+    row("the folder above", "..", precious, {});
+    row("a file above", "../precious", precious, {});
+    row("an absolute path", "/tmp/evil", precious, {});
+    row("a file in a folder", "sub/evil", precious, {});
+    row("trailing slash", "evil/", precious, {});
+    row("zero byte", QString::fromLatin1("evil\0.mp4", 9), precious, {});
+    row("zero byte after dots", QString::fromLatin1("../precious\0", 12), precious, {});
+    row("longer than file names may be", QString(3000, 'n'), precious, {});
+}
+
+void LocalFileTest::recordingIsSavedUnderABareNameOnly()
+{
+    QFETCH(QString, name);
+    QFETCH(Entries, before);
+    QFETCH(Entries, changed);
+    std::for_each(before.begin(), before.end(), create);
+    downloadThatChanges(name, changed);
+    QVERIFY(!QFile::exists("/tmp/evil"));
+}
+
+void LocalFileTest::missingDesktopIsAFailureAndCreatesNothing()
+{
+    fs::remove(inHome("Desktop"));
+    downloadThatChanges("a.mp4", {});
 }
 
 void LocalFileTest::modesAreOpenExceptForTheMask_data()
@@ -354,41 +351,20 @@ void LocalFileTest::modesAreOpenExceptForTheMask()
 {
     QFETCH(unsigned, mask);
     QFETCH(unsigned, mode);
-    const Camera camera;
+    const Camera camera(answerOf("new content"));
     Download download("a.mp4");
-    {
-        const ModeMask set(mask);
-        QVERIFY(download.run());
-    }
+    const mode_t before = ::umask(mask);
+    const bool finished = download.run();
+    ::umask(before);
+    QVERIFY(finished);
     QCOMPARE(modeOf("Desktop/DCIM"), mode);
     QCOMPARE(modeOf("Desktop/DCIM/a.mp4"), mode);
 }
 
-void LocalFileTest::longerFileKeepsItsTail()
-{
-    QVERIFY(QDir::home().mkdir("Desktop/DCIM"));
-    write("Desktop/DCIM/a.mp4", "old content longer content");
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("new content longer content"));
-}
-
-void LocalFileTest::shorterFileIsReplaced()
-{
-    QVERIFY(QDir::home().mkdir("Desktop/DCIM"));
-    write("Desktop/DCIM/a.mp4", "old");
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("new content"));
-}
-
 void LocalFileTest::existingFileKeepsItsMode()
 {
-    QVERIFY(QDir::home().mkdir("Desktop/DCIM"));
-    write("Desktop/DCIM/a.mp4", "old");
-    const Camera camera;
+    oldRecording();
+    const Camera camera(answerOf("new content"));
     Download download("a.mp4");
     QVERIFY(download.run());
     QCOMPARE(modeOf("Desktop/DCIM/a.mp4"), 0600U);
@@ -396,98 +372,16 @@ void LocalFileTest::existingFileKeepsItsMode()
 
 void LocalFileTest::failedDownloadLeavesAnExistingFileAlone()
 {
-    QVERIFY(QDir::home().mkdir("Desktop/DCIM"));
-    write("Desktop/DCIM/a.mp4", "old");
+    oldRecording();
     Download download("a.mp4");
     QVERIFY(download.run());
     QCOMPARE(download.output.text(), QByteArray("connect failed, return: -1\n"));
     QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("old"));
 }
 
-void LocalFileTest::folderMayBeALink()
-{
-    QVERIFY(QDir::home().mkdir("elsewhere"));
-    QCOMPARE(::symlink("../elsewhere", inHome("Desktop/DCIM")), 0);
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(homeContent(),
-             QList<QByteArray>({"Desktop/", "Desktop/DCIM", "elsewhere/", "elsewhere/a.mp4"}));
-    QCOMPARE(contentOf("elsewhere/a.mp4"), QByteArray("new content"));
-}
-
-void LocalFileTest::danglingLinkIsAFailure()
-{
-    QCOMPARE(::symlink("../nowhere", inHome("Desktop/DCIM")), 0);
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
-    QCOMPARE(homeContent(), QList<QByteArray>({"Desktop/", "Desktop/DCIM"}));
-    QCOMPARE(download.recorder.received, QList<qint64>({11}));
-}
-
-void LocalFileTest::fileInPlaceOfTheFolderIsAFailure()
-{
-    write("Desktop/DCIM", "a file");
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
-    QCOMPARE(contentOf("Desktop/DCIM"), QByteArray("a file"));
-}
-
-void LocalFileTest::folderUnderTheRecordingsNameIsAFailure()
-{
-    QVERIFY(QDir::home().mkpath("Desktop/DCIM/a.mp4"));
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
-    QCOMPARE(download.recorder.received, QList<qint64>({11}));
-    QCOMPARE(download.recorder.finished, 1);
-}
-
-void LocalFileTest::linkUnderTheRecordingsNameIsAFailure()
-{
-    QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
-    write("outside", "kept");
-    QCOMPARE(::symlink("../../outside", inHome("Desktop/DCIM/a.mp4")), 0);
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
-    QCOMPARE(contentOf("outside"), QByteArray("kept"));
-    QCOMPARE(download.recorder.received, QList<qint64>({11}));
-}
-
-void LocalFileTest::pipeUnderTheRecordingsNameIsAFailure()
-{
-    QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
-    QCOMPARE(::mkfifo(inHome("Desktop/DCIM/a.mp4"), 0600), 0);
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
-    QCOMPARE(download.recorder.received, QList<qint64>({11}));
-}
-
-// A socket is used in place of a device file, which only root can create.
-void LocalFileTest::deviceUnderTheRecordingsNameIsAFailure()
-{
-    QVERIFY(QDir::home().mkpath("Desktop/DCIM"));
-    QVERIFY(bindLocalSocket(inHome("Desktop/DCIM/a.mp4")));
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
-    QCOMPARE(download.recorder.received, QList<qint64>({11}));
-}
-
 void LocalFileTest::openingAFileUnderALeaseWaits()
 {
     LeasedDownload leased;
-    QVERIFY(leased.lease.taken());
     QVERIFY(leased.startsToWait());
     QCOMPARE(leased.download.recorder.finished, 0);
     QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("old"));
@@ -499,147 +393,20 @@ void LocalFileTest::openingAFileUnderALeaseWaits()
 
 void LocalFileTest::stopEndsTheWaitForALease_data()
 {
-    QTest::addColumn<bool>("blocksTheSignal");
-    QTest::newRow("ordinary program") << false;
-    QTest::newRow("program that blocks SIGURG") << true;
+    QTest::addColumn<int>("blockedSignal");
+    QTest::newRow("ordinary program") << 0;
+    QTest::newRow("program that blocks SIGURG") << SIGURG;
 }
 
 void LocalFileTest::stopEndsTheWaitForALease()
 {
-    QFETCH(bool, blocksTheSignal);
-    const BlockedSignal block(blocksTheSignal ? SIGURG : 0);
+    QFETCH(int, blockedSignal);
+    const BlockedSignal block(blockedSignal);
     LeasedDownload leased;
-    QVERIFY(leased.lease.taken());
     QVERIFY(leased.startsToWait());
-    QElapsedTimer time;
-    time.start();
-    leased.download.thread.stopAndWait();
-    QVERIFY2(time.elapsed() < stopLimit, qPrintable(QString::number(time.elapsed()) + " ms"));
+    QCOMPARE(delayOf([&] { leased.download.thread.stopAndWait(); }), QString());
     QCOMPARE(leased.download.output.text(), QByteArray());
     QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("old"));
-}
-
-void LocalFileTest::missingDesktopIsAFailureAndCreatesNothing()
-{
-    QVERIFY(QDir::home().rmdir("Desktop"));
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
-    QCOMPARE(homeContent(), QList<QByteArray>());
-    QCOMPARE(download.recorder.received, QList<qint64>({11}));
-    QCOMPARE(download.recorder.finished, 1);
-}
-
-void LocalFileTest::desktopWithAnotherNameIsFound_data()
-{
-    QTest::addColumn<QByteArray>("name");
-    QTest::newRow("plain") << QByteArray("Schreibtisch");
-    QTest::newRow("Latin letters with an accent") << QByteArray("Área de Trabalho");
-    QTest::newRow("Chinese") << QByteArray("桌面");
-}
-
-void LocalFileTest::desktopWithAnotherNameIsFound()
-{
-    QFETCH(QByteArray, name);
-    setDesktop(name);
-    QCOMPARE(::mkdir(inHome(name), 0700), 0);
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(contentOf(name + "/DCIM/a.mp4"), QByteArray("new content"));
-    QVERIFY(!QDir::home().exists("Desktop/DCIM"));
-}
-
-void LocalFileTest::desktopInLatin1IsPreferredToTheNativeOne()
-{
-    setDesktop("Área");
-    QCOMPARE(::mkdir(inHome("Área"), 0700), 0);
-    QCOMPARE(::mkdir(inHome("\xC1rea"), 0700), 0);
-    const Camera camera;
-    Download download("a.mp4");
-    QVERIFY(download.run());
-    QCOMPARE(contentOf("\xC1rea/DCIM/a.mp4"), QByteArray("new content"));
-    QCOMPARE(contentOf("Área/DCIM/a.mp4"), QByteArray("no such file"));
-}
-
-void LocalFileTest::localNameIsLatin1_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("local");
-    QTest::newRow("Latin-1 letter") << QString::fromUtf8("é.mp4") << QByteArray("\xE9.mp4");
-    QTest::newRow("other letter") << QString::fromUtf8("桌.mp4") << QByteArray("?.mp4");
-}
-
-void LocalFileTest::localNameIsLatin1()
-{
-    QFETCH(QString, name);
-    QFETCH(QByteArray, local);
-    const Camera camera;
-    Download download(name);
-    QVERIFY(download.run());
-    QCOMPARE(contentOf("Desktop/DCIM/" + local), QByteArray("new content"));
-    QCOMPARE(::unlink(inHome("Desktop/DCIM/" + local)), 0);
-}
-
-void LocalFileTest::hostileNameIsFetchedButNotWritten_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("target");
-    QTest::newRow("empty") << "" << QByteArray("");
-    QTest::newRow("the folder") << "." << QByteArray(".");
-    QTest::newRow("the folder above") << ".." << QByteArray("..");
-    QTest::newRow("a file above") << "../precious" << QByteArray("../precious");
-    QTest::newRow("an absolute path") << "/tmp/evil" << QByteArray("/tmp/evil");
-    QTest::newRow("a file in a folder") << "sub/evil" << QByteArray("sub/evil");
-    QTest::newRow("trailing slash") << "evil/" << QByteArray("evil/");
-    QTest::newRow("zero byte") << QString::fromLatin1("evil\0.mp4", 9) << QByteArray("evil");
-    QTest::newRow("zero byte after dots")
-        << QString::fromLatin1("../precious\0", 12) << QByteArray("../precious");
-}
-
-void LocalFileTest::hostileNameIsFetchedButNotWritten()
-{
-    QFETCH(QString, name);
-    QFETCH(QByteArray, target);
-    QVERIFY(QDir::home().mkpath("Desktop/DCIM/sub"));
-    write("Desktop/precious", "the user's own");
-    const Camera camera;
-    Download download(name);
-    QVERIFY(download.run());
-    QVERIFY2(camera.server.received(0).startsWith("GET http://192.168.1.120/sd/DCIM/100ZEPNA/" +
-                                                  target + " HTTP/1.1\r\n"),
-             camera.server.received(0).constData());
-    QCOMPARE(download.output.text(), QByteArray("Create file failed\n"));
-    QCOMPARE(download.recorder.received, QList<qint64>({11}));
-    QCOMPARE(download.recorder.finished, 1);
-    QCOMPARE(int{download.thread.respHeader.status_code}, 200);
-    QCOMPARE(homeContent(), QList<QByteArray>({"Desktop/", "Desktop/DCIM/", "Desktop/DCIM/sub/",
-                                               "Desktop/precious"}));
-    QCOMPARE(contentOf("Desktop/precious"), QByteArray("the user's own"));
-    QVERIFY(!QFile::exists("/tmp/evil"));
-}
-
-void LocalFileTest::oddButBareNameIsWrittenInTheFolder_data()
-{
-    QTest::addColumn<QByteArray>("name");
-    QTest::newRow("leading dash") << QByteArray("-rf");
-    QTest::newRow("leading dots") << QByteArray("..a");
-    QTest::newRow("backslash") << QByteArray("..\\a");
-    QTest::newRow("percent") << QByteArray("%s%n%2e%2e%2f");
-    QTest::newRow("line end") << QByteArray("a\r\nb");
-    QTest::newRow("shell") << QByteArray("$(id);`id`|*?");
-}
-
-void LocalFileTest::oddButBareNameIsWrittenInTheFolder()
-{
-    QFETCH(QByteArray, name);
-    const Camera camera;
-    Download download(QString::fromLatin1(name));
-    QVERIFY(download.run());
-    QCOMPARE(homeContent(),
-             QList<QByteArray>({"Desktop/", "Desktop/DCIM/", "Desktop/DCIM/" + name}));
-    QCOMPARE(contentOf("Desktop/DCIM/" + name), QByteArray("new content"));
 }
 
 BELUN_NETWORK_TEST(LocalFileTest)
