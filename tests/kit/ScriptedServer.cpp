@@ -139,6 +139,7 @@ void ScriptedServer::stop()
     // is refused.
     m_listening = false;
     if (m_thread.joinable()) {
+        ::shutdown(m_listener, SHUT_RDWR); // ends the thread's wait for a connection
         m_thread.join();
         ::close(m_listener);
     }
