@@ -1,37 +1,94 @@
-// Valid and invalid list and count answers, split and closed at every byte.
+// Plays the answers about the card, split and closed at every byte: `client count`, `client list`
+// and `client details`.
 #include "card/CardAnswers.h"
 
 #include "card/CardCommands.h"
-#include "tests/card/AnswerCuts.h"
+#include "card/FileInfoText.h"
+#include "http/HTTPClient.h"
+#include "tests/kit/ConversationRows.h"
+#include "tests/kit/PieceSender.h"
+#include "tests/kit/SocketPair.h"
 #include "tests/kit/TestMain.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include <QByteArray>
 #include <QObject>
 #include <QTest>
 
-using support::Piece;
-using Pieces = std::vector<Piece>;
-Q_DECLARE_METATYPE(Pieces)
+using support::allBytes;
+using support::Conversation;
+using support::Delivery;
+using support::Exchange;
 
 namespace {
 
-/// Returns the names in a list, each in angle brackets, with a dash for an entry without a name.
-std::string namesIn(const std::string& answer)
+std::string quoted(const std::string& bytes)
 {
-    std::string names;
-    card::FileListWalk walk(answer.c_str());
-    while (const auto entry = walk.next()) {
-        names += entry->name ? '<' + support::printable(std::string(*entry->name)) + '>' : "-";
-    }
-    return names;
+    return '"' + support::shortened(bytes) + '"';
 }
 
-std::string countOf(const std::string& answer)
+std::string countIn(const char* answer)
 {
-    const auto text = card::textBetween(answer.c_str(), card::countStart, card::valueEnd);
-    return text ? '<' + std::string(*text) + '>' : "none";
+    const auto text = card::textBetween(answer, card::countStart, card::valueEnd);
+    return text ? quoted(std::string(*text)) : "none";
+}
+
+std::string namesIn(const char* answer)
+{
+    std::string names;
+    card::FileListWalk walk(answer);
+    while (const auto entry = walk.next()) {
+        names += names.empty() ? "" : " ";
+        names += entry->name ? quoted(std::string(*entry->name)) : "-";
+    }
+    return names.empty() ? "no entry" : names;
+}
+
+std::string detailsIn(const char* answer)
+{
+    const card::FileInfoText texts = card::readFileInfo(answer);
+    return quoted(texts.date.toStdString()) + ' ' + quoted(texts.size.toStdString()) + ' ' +
+           quoted(texts.duration.toStdString());
+}
+
+/// Receives an answer of the announced length, or of none if that is 0, and returns the result of
+/// the call.
+std::string result(const std::string& call, std::size_t announced, const Delivery& delivery)
+{
+    support::SocketPair pair;
+    HTTPSession session;
+    session.socketDescriptor = std::exchange(pair.product, -1); // closed by the session
+    support::PieceSender sender(pair.test, session.socketDescriptor, delivery);
+    HTTPResponse response;
+    response.contentLength = static_cast<std::uint32_t>(announced);
+    std::string body;
+    const bool received = HTTPClient().readBody(session, response, body);
+    sender.finish();
+    if (!received) {
+        return "no answer";
+    }
+    // A block of exactly its size, so that a memory checker detects reads past its end.
+    std::vector<char> answer(body.size() + 1);
+    std::copy(body.begin(), body.end(), answer.begin());
+    return call == "count"     ? countIn(answer.data())
+           : call == "list"    ? namesIn(answer.data())
+           : call == "details" ? detailsIn(answer.data())
+                               : "unknown call";
+}
+
+void play(const Exchange& exchange, std::size_t announced, const Delivery& delivery,
+          const std::string& expected, const char* how, std::size_t position)
+{
+    const std::string actual = result(exchange.call, announced, delivery);
+    if (actual != expected) {
+        qInfo("%s %zu, %zu bytes announced", how, position, announced);
+    }
+    QCOMPARE(QByteArray::fromStdString(actual), QByteArray::fromStdString(expected));
 }
 
 } // namespace
@@ -41,69 +98,59 @@ class CardAnswers_EveryCutTest : public QObject
     Q_OBJECT
 
 private slots:
-    void listIsReadAsFarAsReceived_data();
-    void listIsReadAsFarAsReceived();
-    void countIsReadAsFarAsReceived_data();
-    void countIsReadAsFarAsReceived();
+    void answerOfAnnouncedLengthIsReadWhole_data()
+    {
+        support::addConversationsWithoutPauses("card");
+    }
+    void answerOfAnnouncedLengthIsReadWhole();
+    void answerWithoutALengthIsReadAsFarAsReceived_data()
+    {
+        support::addConversationsThatMayEnd("card");
+    }
+    void answerWithoutALengthIsReadAsFarAsReceived();
+    void longAnswerIsReadWhole_data() { support::addConversationsWithPauses("card"); }
+    void longAnswerIsReadWhole();
 };
 
-void CardAnswers_EveryCutTest::listIsReadAsFarAsReceived_data()
+void CardAnswers_EveryCutTest::answerOfAnnouncedLengthIsReadWhole()
 {
-    QTest::addColumn<Pieces>("pieces");
-    const auto row = [](const char* name, const Pieces& pieces) { QTest::newRow(name) << pieces; };
-    row("two recordings", {{"sd/DCIM/100ZEPNA/a.mp4", "-"},
-                           {";", "<a.mp4>"},
-                           {"sd/DCIM/100ZEPNA/b.mp4", "<a.mp4>-"},
-                           {";", "<a.mp4><b.mp4>"},
-                           {"\r\n", "<a.mp4><b.mp4>"}});
-    row("empty card", {{"\r\n", ""}});
-    row("return first, then an entry", {{"\r\nZEPNA/a.mp4;\r\n", ""}});
-    row("no end", {{"ZEPNA/a.mp4", "-"}, {";", "<a.mp4>"}, {"ZEPNA/b.mp4", "<a.mp4>-"}});
-    row("entry without a folder takes the next one's name", {{"note;", "-"},
-                                                             {"ZEPNA/b.mp4", "--"},
-                                                             {";", "<b.mp4><b.mp4>"},
-                                                             {"\r\n", "<b.mp4><b.mp4>"}});
-    row("empty name", {{"ZEPNA/", "-"}, {";", "<>"}, {"\r\n", "<>"}});
-    row("long name", {{"ZEPNA/abcdefghijklmnopqrstuvwxyz01234.mp4", "-"},
-                      {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4>"},
-                      {"ZEPNA/n", "<abcdefghijklmnopqrstuvwxyz01234.mp4>-"},
-                      {";", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"},
-                      {"\r\n", "<abcdefghijklmnopqrstuvwxyz01234.mp4><n>"}});
-    row("bytes outside ASCII",
-        {{"ZEPNA/\xE6\xB5\xB7\xFF\x80", "-"}, {";\r", "<\\xE6\\xB5\\xB7\\xFF\\x80>"}});
-    row("zero byte ends it",
-        {{"ZEPNA/a", "-"}, {";", "<a>"}, {std::string("\0ZEPNA/b;\r", 10), "<a>"}});
-    row("return inside a name", {{"ZEPNA/a\rb", "-"}, {";\r", "<a\\rb>"}});
-    row("return between entries", {{"ZEPNA/a", "-"}, {";\rZEPNA/b;\r", "<a>"}});
-    row("line feed between entries",
-        {{"ZEPNA/a", "-"}, {";", "<a>"}, {"\nZEPNA/b", "<a>-"}, {";\r", "<a><b>"}});
-    row("semicolons only", {{";", "-"}, {";", "--"}, {";", "---"}});
-    row("no list at all", {{"404 Not Found\r\n", "-"}});
+    QFETCH(Conversation, conversation);
+    const Exchange& exchange = conversation.exchanges.front();
+    const std::string bytes = allBytes(exchange.pieces);
+    const std::size_t size = bytes.size();
+    play(exchange, size, {{bytes}}, exchange.result, "whole,", size);
+    play(exchange, size, {support::singleBytes(bytes)}, exchange.result, "byte by byte,", size);
+    for (std::size_t position = 0; position < size && !QTest::currentTestFailed(); ++position) {
+        play(exchange, size, {support::cut(bytes, {position})}, exchange.result, "split after",
+             position);
+        play(exchange, size, {{bytes.substr(0, position)}, true}, "no answer", "closed after",
+             position);
+    }
 }
 
-void CardAnswers_EveryCutTest::listIsReadAsFarAsReceived()
+// Reading ends with the first receive.
+void CardAnswers_EveryCutTest::answerWithoutALengthIsReadAsFarAsReceived()
 {
-    QFETCH(Pieces, pieces);
-    checkEveryCut(pieces, namesIn);
+    QFETCH(Conversation, conversation);
+    const Exchange& exchange = conversation.exchanges.front();
+    const std::string bytes = allBytes(exchange.pieces);
+    for (std::size_t position = 0; position <= bytes.size() && !QTest::currentTestFailed();
+         ++position) {
+        const std::string expected =
+            support::closedBehind(exchange.pieces, exchange.closedAtStart, position);
+        play(exchange, 0, {{bytes.substr(0, position)}, true}, expected, "closed after", position);
+        if (position > 0) {
+            play(exchange, 0, {support::cut(bytes, {position})}, expected, "split after", position);
+        }
+    }
 }
 
-void CardAnswers_EveryCutTest::countIsReadAsFarAsReceived_data()
+void CardAnswers_EveryCutTest::longAnswerIsReadWhole()
 {
-    QTest::addColumn<Pieces>("pieces");
-    const auto row = [](const char* name, const Pieces& pieces) { QTest::newRow(name) << pieces; };
-    row("count", {{"var count=\"12\"", "none"}, {";\r\n", "<12>"}});
-    row("first of two", {{"=\"1\"", "none"}, {";=\"2\";", "<1>"}});
-    row("empty", {{"=\"\"", "none"}, {";", "<>"}});
-    row("not closed", {{"=\"12\r\n", "none"}});
-    row("closed by the next value", {{"=\"1;b=\"2\"", "none"}, {";", "<1;b=\"2>"}});
-    row("end before the start", {{"\";12=\"3\"", "none"}, {";", "<3>"}});
-    row("zero byte before the end", {{std::string("=\"12\0\";", 7), "none"}});
-}
-
-void CardAnswers_EveryCutTest::countIsReadAsFarAsReceived()
-{
-    QFETCH(Pieces, pieces);
-    checkEveryCut(pieces, countOf);
+    QFETCH(Conversation, conversation);
+    const Exchange& exchange = conversation.exchanges.front();
+    const std::string bytes = allBytes(exchange.pieces);
+    play(exchange, bytes.size(), {{bytes}}, exchange.result, "whole,", bytes.size());
 }
 
 BELUN_TEST(CardAnswers_EveryCutTest)

@@ -10,10 +10,16 @@
 #include <string>
 
 #include <QByteArray>
+#include <QList>
 #include <QObject>
+#include <QPair>
 #include <QTest>
 
 using card::NameTable;
+
+/// The number of a slot and a name.
+using Named = QPair<int, QByteArray>;
+using NamedSlots = QList<Named>;
 
 class NameTableTest : public QObject
 {
@@ -21,16 +27,12 @@ class NameTableTest : public QObject
 
 private slots:
     void init();
+    void cleanup(); // nothing around the table was written
 
     void holds9999SlotsOf30Bytes();
     void freshSlotsAreEmpty();
-    void nameOf29CharactersFitsItsSlot();
-    void nameOf30CharactersRunsIntoTheNextSlot();
-    void nameOfSeveralSlotsIsReadFromEachOfThem();
-    void nextNameIsReadAfterTheFirst30CharactersOfALongOne();
-    void shorterNameReplacesALongerOne();
-    void slotsNotWrittenKeepTheirText();
-    void nameInTheLastSlotIsCutWhereTheBlockEnds();
+    void namesAreReadAsStored_data();
+    void namesAreReadAsStored();
     void hugeNameIsCutWhereTheBlockEnds();
     void slotOutsideTheTableIsNeitherWrittenNorRead_data();
     void slotOutsideTheTableIsNeitherWrittenNorRead();
@@ -49,12 +51,6 @@ private:
     {
         m_guarded->names.store(slot, {name.constData(), static_cast<std::size_t>(name.size())});
     }
-    bool surroundingsAreIntact() const
-    {
-        std::array<char, 64> canary{};
-        canary.fill('#');
-        return m_guarded->before == canary && m_guarded->after == canary;
-    }
 
     std::unique_ptr<Guarded> m_guarded;
 };
@@ -64,6 +60,13 @@ void NameTableTest::init()
     m_guarded = std::make_unique<Guarded>();
     m_guarded->before.fill('#');
     m_guarded->after.fill('#');
+}
+
+void NameTableTest::cleanup()
+{
+    std::array<char, 64> canary{};
+    canary.fill('#');
+    QVERIFY(m_guarded->before == canary && m_guarded->after == canary);
 }
 
 void NameTableTest::holds9999SlotsOf30Bytes()
@@ -80,65 +83,44 @@ void NameTableTest::freshSlotsAreEmpty()
     }
 }
 
-void NameTableTest::nameOf29CharactersFitsItsSlot()
+void NameTableTest::namesAreReadAsStored_data()
 {
-    store(1, "next.mp4");
-    store(0, "abcdefghijklmnopqrstuvwxy.mp4");
-    QCOMPARE(name(0), QByteArray("abcdefghijklmnopqrstuvwxy.mp4"));
-    QCOMPARE(name(1), QByteArray("next.mp4"));
+    QTest::addColumn<NamedSlots>("stored");
+    QTest::addColumn<NamedSlots>("read");
+    const auto row = [](const char* title, const NamedSlots& stored, const NamedSlots& read) {
+        QTest::newRow(title) << stored << read;
+    };
+    row("29 characters fit a slot", {{1, "next.mp4"}, {0, "abcdefghijklmnopqrstuvwxy.mp4"}},
+        {{0, "abcdefghijklmnopqrstuvwxy.mp4"}, {1, "next.mp4"}});
+    row("30 end with a zero in the next slot",
+        {{1, "next.mp4"}, {0, "abcdefghijklmnopqrstuvwxyz.mp4"}},
+        {{0, "abcdefghijklmnopqrstuvwxyz.mp4"}, {1, ""}});
+    const QByteArray long63 = QByteArray(30, 'a') + QByteArray(30, 'b') + "ccc";
+    row("several slots", {{5, long63}},
+        {{4, ""}, {5, long63}, {6, long63.mid(30)}, {7, "ccc"}, {8, ""}});
+    row("next name after the first 30 characters of a long one",
+        {{0, "abcdefghijklmnopqrstuvwxyz0123.mp4"}, {1, "next.mp4"}},
+        {{0, "abcdefghijklmnopqrstuvwxyz0123next.mp4"}, {1, "next.mp4"}});
+    row("shorter name replaces a longer one", {{3, "BELUN_0001.mp4"}, {3, "a.mp4"}},
+        {{3, "a.mp4"}});
+    row("empty name replaces one", {{3, "a.mp4"}, {3, ""}}, {{3, ""}});
+    row("slots not written keep their text",
+        {{0, "zero.mp4"}, {1, "one.mp4"}, {2, "two.mp4"}, {1, "new.mp4"}},
+        {{0, "zero.mp4"}, {1, "new.mp4"}, {2, "two.mp4"}});
+    row("last slot is cut where the block ends", {{9998, "abcdefghijklmnopqrstuvwxyz0123456789"}},
+        {{9998, "abcdefghijklmnopqrstuvwxyz012"}});
 }
 
-void NameTableTest::nameOf30CharactersRunsIntoTheNextSlot()
+void NameTableTest::namesAreReadAsStored()
 {
-    store(1, "next.mp4");
-    store(0, "abcdefghijklmnopqrstuvwxyz.mp4");
-    QCOMPARE(name(0), QByteArray("abcdefghijklmnopqrstuvwxyz.mp4"));
-    QCOMPARE(name(1), QByteArray()); // the long name's terminating zero
-}
-
-void NameTableTest::nameOfSeveralSlotsIsReadFromEachOfThem()
-{
-    store(5, QByteArray(30, 'a') + QByteArray(30, 'b') + "ccc");
-    QCOMPARE(name(5), QByteArray(30, 'a') + QByteArray(30, 'b') + "ccc");
-    QCOMPARE(name(6), QByteArray(30, 'b') + "ccc");
-    QCOMPARE(name(7), QByteArray("ccc"));
-    QCOMPARE(name(4), QByteArray());
-    QCOMPARE(name(8), QByteArray());
-}
-
-void NameTableTest::nextNameIsReadAfterTheFirst30CharactersOfALongOne()
-{
-    store(0, "abcdefghijklmnopqrstuvwxyz0123.mp4");
-    store(1, "next.mp4");
-    QCOMPARE(name(0), QByteArray("abcdefghijklmnopqrstuvwxyz0123next.mp4"));
-    QCOMPARE(name(1), QByteArray("next.mp4"));
-}
-
-void NameTableTest::shorterNameReplacesALongerOne()
-{
-    store(3, "BELUN_0001.mp4");
-    store(3, "a.mp4");
-    QCOMPARE(name(3), QByteArray("a.mp4"));
-    store(3, "");
-    QCOMPARE(name(3), QByteArray());
-}
-
-void NameTableTest::slotsNotWrittenKeepTheirText()
-{
-    store(0, "zero.mp4");
-    store(1, "one.mp4");
-    store(2, "two.mp4");
-    store(1, "new.mp4");
-    QCOMPARE(name(0), QByteArray("zero.mp4"));
-    QCOMPARE(name(1), QByteArray("new.mp4"));
-    QCOMPARE(name(2), QByteArray("two.mp4"));
-}
-
-void NameTableTest::nameInTheLastSlotIsCutWhereTheBlockEnds()
-{
-    store(9998, "abcdefghijklmnopqrstuvwxyz0123456789");
-    QCOMPARE(name(9998), QByteArray("abcdefghijklmnopqrstuvwxyz012"));
-    QVERIFY(surroundingsAreIntact());
+    QFETCH(NamedSlots, stored);
+    QFETCH(NamedSlots, read);
+    for (const Named& one : stored) {
+        store(one.first, one.second);
+    }
+    for (const Named& one : read) {
+        QCOMPARE(name(one.first), one.second);
+    }
 }
 
 void NameTableTest::hugeNameIsCutWhereTheBlockEnds()
@@ -146,7 +128,6 @@ void NameTableTest::hugeNameIsCutWhereTheBlockEnds()
     store(0, QByteArray(400000, 'x'));
     QCOMPARE(name(0).size(), 299969);
     QCOMPARE(name(9998), QByteArray(29, 'x'));
-    QVERIFY(surroundingsAreIntact());
 }
 
 void NameTableTest::slotOutsideTheTableIsNeitherWrittenNorRead_data()
@@ -163,7 +144,6 @@ void NameTableTest::slotOutsideTheTableIsNeitherWrittenNorRead()
     QFETCH(int, slot);
     store(slot, "outside.mp4");
     QCOMPARE(name(slot), QByteArray());
-    QVERIFY(surroundingsAreIntact());
     for (const int inside : {0, 1, 9871, 9997, 9998}) {
         QCOMPARE(name(inside), QByteArray());
     }
