@@ -3,51 +3,28 @@
 // Input: a line with three decimal numbers (the announced length, the bytes received before, the
 // size of the pieces), then the body.
 #include "http/HTTPClient.h"
+#include "tests/fuzz/BodyPlan.h"
 #include "tests/fuzz/MemoryPeer.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace {
 
-struct Plan
+void judge(const fuzz::BodyPlan& plan, fuzz::End end)
 {
-    std::uint32_t announced = 0;
-    std::uint32_t receivedBefore = 0;
-    std::size_t pieceSize = fuzz::longestInput;
-    std::string body;
-};
-
-Plan planOf(const std::string& input)
-{
-    Plan plan;
-    const std::size_t lineEnd = input.find('\n');
-    if (lineEnd == std::string::npos) {
-        plan.body = input;
-        return plan;
-    }
-    const std::string line = input.substr(0, lineEnd);
-    char* next = nullptr;
-    plan.announced = static_cast<std::uint32_t>(std::strtoul(line.c_str(), &next, 10));
-    plan.receivedBefore = static_cast<std::uint32_t>(std::strtoul(next, &next, 10));
-    plan.pieceSize = 1 + std::strtoul(next, nullptr, 10) % fuzz::longestInput;
-    plan.body = input.substr(lineEnd + 1);
-    return plan;
-}
-
-void judge(const Plan& plan, fuzz::End end)
-{
+    const auto length = static_cast<std::uint32_t>(plan.numbers[0]);
+    const auto before = static_cast<std::uint32_t>(plan.numbers[1]);
     // The body ends with the first piece that brings the count up to the length.
     std::size_t expected = 0;
     bool complete = false;
     while (!complete && expected < plan.body.size()) {
         expected = std::min(expected + plan.pieceSize, plan.body.size());
-        complete = plan.receivedBefore + static_cast<std::uint32_t>(expected) >= plan.announced;
+        complete = before + static_cast<std::uint32_t>(expected) >= length;
     }
 
     HTTPResponse response;
-    response.contentLength = plan.announced;
-    response.received = plan.receivedBefore;
+    response.contentLength = length;
+    response.received = before;
     std::string body = "kept ";
     fuzz::TextPeer peer(plan.body, plan.pieceSize, end);
     HTTPSession session;
@@ -57,9 +34,9 @@ void judge(const Plan& plan, fuzz::End end)
     fuzz::require(body == "kept " + plan.body.substr(0, expected),
                   "the body is appended, and nothing is lost or added");
     fuzz::require(peer.received() == expected, "nothing is received after the end");
-    fuzz::require(response.received == plan.receivedBefore + static_cast<std::uint32_t>(expected),
+    fuzz::require(response.received == before + static_cast<std::uint32_t>(expected),
                   "every byte is counted");
-    fuzz::require(response.contentLength == plan.announced && response.chunkLeft == 0 &&
+    fuzz::require(response.contentLength == length && response.chunkLeft == 0 &&
                       !response.chunked && !response.lastChunkSeen,
                   "nothing else of the record changes");
 }
@@ -68,7 +45,7 @@ void judge(const Plan& plan, fuzz::End end)
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    Plan plan = planOf(fuzz::textOf(data, size));
+    fuzz::BodyPlan plan = fuzz::bodyPlanOf(fuzz::textOf(data, size), 2);
     judge(plan, fuzz::End::Closed);
     judge(plan, fuzz::End::Failed);
     plan.pieceSize = 1;

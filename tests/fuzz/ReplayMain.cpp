@@ -1,5 +1,5 @@
-// The main function of a fuzz target in an ordinary build: runs the target on every file of a
-// folder.
+// The main function of a fuzz target in an ordinary build: runs the target on every file of
+// one or more folders.
 #include "tests/fuzz/Require.h"
 
 #include <algorithm>
@@ -24,13 +24,15 @@ std::vector<std::uint8_t> contentOf(const std::filesystem::path& path)
 
 int main(int argc, char* argv[])
 {
-    if (argc != 2) {
-        std::cerr << "usage: " << argv[0] << " FOLDER\n";
+    if (argc < 2) {
+        std::cerr << "usage: " << argv[0] << " FOLDER...\n";
         return 2;
     }
     std::vector<std::filesystem::path> seeds;
-    for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
-        seeds.push_back(entry.path());
+    for (int folder = 1; folder < argc; ++folder) {
+        for (const auto& entry : std::filesystem::directory_iterator(argv[folder])) {
+            seeds.push_back(entry.path());
+        }
     }
     std::sort(seeds.begin(), seeds.end());
     fuzz::require(seeds.size() >= fewestSeeds, "a target has at least thirty seeds");
