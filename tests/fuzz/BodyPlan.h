@@ -1,7 +1,7 @@
 // The input of the targets that receive a body.
 #pragma once
 
-#include "tests/fuzz/Require.h"
+#include "tests/fuzz/MemoryPeer.h"
 
 #include <vector>
 
@@ -33,6 +33,17 @@ inline BodyPlan bodyPlanOf(const std::string& input, std::size_t count)
         plan.body = input.substr(lineEnd + 1);
     }
     return plan;
+}
+
+/// Judges the reception of an input's body with each end of the connection, and byte by byte.
+template <class Judge>
+void judgeReceptions(const std::string& input, std::size_t count, const Judge& judge)
+{
+    BodyPlan plan = bodyPlanOf(input, count);
+    judge(plan, End::Closed);
+    judge(plan, End::Failed);
+    plan.pieceSize = 1;
+    judge(plan, End::Closed);
 }
 
 } // namespace fuzz

@@ -4,7 +4,6 @@
 // the recording.
 #include "download/RecordingDownload.h"
 #include "tests/fuzz/BodyPlan.h"
-#include "tests/fuzz/MemoryPeer.h"
 
 #include <algorithm>
 
@@ -50,10 +49,6 @@ void judge(const fuzz::BodyPlan& plan, fuzz::End end)
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    fuzz::BodyPlan plan = fuzz::bodyPlanOf(fuzz::textOf(data, size), 1);
-    judge(plan, fuzz::End::Closed);
-    judge(plan, fuzz::End::Failed);
-    plan.pieceSize = 1;
-    judge(plan, fuzz::End::Closed);
+    fuzz::judgeReceptions(fuzz::textOf(data, size), 1, judge);
     return 0;
 }

@@ -4,7 +4,6 @@
 // size of the pieces), then the body.
 #include "http/HTTPClient.h"
 #include "tests/fuzz/BodyPlan.h"
-#include "tests/fuzz/MemoryPeer.h"
 
 #include <algorithm>
 
@@ -45,10 +44,6 @@ void judge(const fuzz::BodyPlan& plan, fuzz::End end)
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    fuzz::BodyPlan plan = fuzz::bodyPlanOf(fuzz::textOf(data, size), 2);
-    judge(plan, fuzz::End::Closed);
-    judge(plan, fuzz::End::Failed);
-    plan.pieceSize = 1;
-    judge(plan, fuzz::End::Closed);
+    fuzz::judgeReceptions(fuzz::textOf(data, size), 2, judge);
     return 0;
 }
