@@ -53,8 +53,8 @@ void bindLocalSocket(const fs::path& path)
 /// "socket=".
 void create(const QByteArray& entry)
 {
-    const int colon = entry.indexOf(": ");
-    const int arrow = entry.indexOf(" -> ");
+    const auto colon = entry.indexOf(": ");
+    const auto arrow = entry.indexOf(" -> ");
     const fs::path chopped = inHome(entry.chopped(1));
     if (entry.endsWith('/')) {
         fs::create_directories(chopped);

@@ -40,7 +40,7 @@ void ResponseHeadTest::headEndsWithFourLineEndCharacters_data()
     QTest::addColumn<int>("taken");
     QTest::addColumn<QByteArray>("text");
     const auto ends = [](const char* title, const QByteArray& head) {
-        QTest::newRow(title) << head + "\nbody" << head.size() << head;
+        QTest::newRow(title) << head + "\nbody" << static_cast<int>(head.size()) << head;
     };
     ends("CR LF CR LF", "HTTP/1.1 200 OK\r\nA: b\r\n\r\n");
     ends("LF LF CR LF", "HTTP/1.1 200 OK\r\nA: b\n\n\r\n");
@@ -73,7 +73,7 @@ void ResponseHeadTest::longHeadIsKeptWhole()
 {
     const QByteArray text = "A: " + QByteArray(1000000, 'x') + "\r\n\r\n";
     QByteArray head;
-    QCOMPARE(readHead(text, head), text.size());
+    QCOMPARE(readHead(text, head), 1000007);
     QVERIFY(head == text);
 }
 
