@@ -141,27 +141,36 @@ private:
 
 } // namespace
 
-Conversations readConversations(const std::string& folder)
+Conversations readConversations(const std::string& path)
 {
     std::error_code error;
-    const std::set<std::filesystem::path> files(std::filesystem::directory_iterator(folder, error),
-                                                {});
+    std::set<std::filesystem::path> files(std::filesystem::directory_iterator(path, error), {});
+    if (std::filesystem::is_regular_file(path, error)) {
+        files.insert(path);
+    }
     Conversations conversations;
     for (const std::filesystem::path& file : files) {
         Parser parser(file.stem(), conversations.all);
         std::ifstream lines(file);
         std::string line;
+        const bool isPage = file.extension() == ".md";
+        bool inside = !isPage;
         int number = 1;
         try {
             for (; std::getline(lines, line); ++number) {
-                parser.take(line);
+                if (isPage && line.rfind("```", 0) == 0) {
+                    inside = line == "```conversation";
+                    parser.take("");
+                } else if (inside) {
+                    parser.take(line);
+                }
             }
             parser.take("");
         } catch (const WrongLine& wrong) {
             return {{}, file.string() + ":" + std::to_string(number) + ": " + wrong.reason};
         }
     }
-    conversations.error = conversations.all.empty() ? folder + ": no conversation" : "";
+    conversations.error = conversations.all.empty() ? path + ": no conversation" : "";
     return conversations;
 }
 

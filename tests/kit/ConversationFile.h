@@ -70,8 +70,9 @@ struct Conversations
     std::string error; ///< "FILE:LINE: REASON", or empty.
 };
 
-/// Parses every file of a folder, up to the first error.
-Conversations readConversations(const std::string& folder);
+/// Parses every file of a folder, or one file, up to the first error. Of a page, whose name
+/// ends with ".md", only the blocks that are fenced with "```conversation" and "```" are parsed.
+Conversations readConversations(const std::string& path);
 
 /// Returns bytes as results state them: see printable(); in addition, a run of a hundred characters
 /// or more is written as "\(100 x)".

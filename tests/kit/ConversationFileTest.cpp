@@ -34,6 +34,20 @@ std::string description(const support::Conversations& conversations)
     return text;
 }
 
+/// Describes a file with that text, without its folder.
+QByteArray descriptionOf(const QString& name, const QByteArray& text)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
+        return file.errorString().toUtf8();
+    }
+    file.close();
+    const std::string path = file.fileName().toStdString();
+    return QByteArray::fromStdString(description(support::readConversations(path)))
+        .replace(folder.path().toUtf8() + "/", "");
+}
+
 } // namespace
 
 class ConversationFileTest : public QObject
@@ -43,6 +57,8 @@ class ConversationFileTest : public QObject
 private slots:
     void fileIsReadOrItsErrorNamesTheLine_data();
     void fileIsReadOrItsErrorNamesTheLine();
+    void everyFileOfAFolderIsRead();
+    void onlyTheBlocksOfAPageAreRead();
     void folderWithoutAConversationIsAnError();
 };
 
@@ -66,7 +82,9 @@ void ConversationFileTest::fileIsReadOrItsErrorNamesTheLine_data()
         "# second\n"
         "client readBody\n"
         "< ! close\n"
-        "= false\n",
+        "= false\n"
+        "client readBody\n"
+        "< ! reset = false\n",
         "x: first: of two\n"
         "may end anywhere\n"
         "has pauses\n"
@@ -81,6 +99,10 @@ void ConversationFileTest::fileIsReadOrItsErrorNamesTheLine_data()
         "call readBody > \n"
         "bytes  > false\n"
         "close\n"
+        "result false > \n"
+        "call readBody > \n"
+        "bytes  > false\n"
+        "reset\n"
         "result false > \n");
     row("the end of another conversation",
         "# first\n"
@@ -158,15 +180,32 @@ void ConversationFileTest::fileIsReadOrItsErrorNamesTheLine_data()
 void ConversationFileTest::fileIsReadOrItsErrorNamesTheLine()
 {
     QFETCH(QByteArray, text);
+    QTEST(descriptionOf("x.txt", text), "expected");
+}
+
+void ConversationFileTest::everyFileOfAFolderIsRead()
+{
     const QTemporaryDir folder;
-    QFile file(folder.filePath("x.txt"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(text), qint64(text.size()));
-    file.close();
-    const std::string path = folder.path().toStdString();
-    const QByteArray read =
-        QByteArray::fromStdString(description(support::readConversations(path)));
-    QTEST(QByteArray(read).replace(folder.path().toUtf8() + "/", ""), "expected");
+    for (const char* name : {"b.txt", "a.txt"}) {
+        QFile file(folder.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("# name\nclient get /\n< a = true\n");
+    }
+    const support::Conversations read = support::readConversations(folder.path().toStdString());
+    QCOMPARE(read.error, std::string());
+    QCOMPARE(read.all.size(), std::size_t{2});
+    QCOMPARE(read.all[0].name, std::string("a: name"));
+    QCOMPARE(read.all[1].name, std::string("b: name"));
+}
+
+void ConversationFileTest::onlyTheBlocksOfAPageAreRead()
+{
+    QCOMPARE(descriptionOf("page.md",
+                           "# Title\n\n```conversation\n# name\nclient get /\n< a = true\n"
+                           "```\n< text\n\n```sh\n= other\n```\n"),
+             QByteArray("page: name\ncall get / > \nbytes a > true\nresult true > \n"));
+    QCOMPARE(descriptionOf("page.md", "Text.\n```conversation\n# name\nclient get /\n```\n"),
+             QByteArray("page.md:5: the result is missing above"));
 }
 
 void ConversationFileTest::folderWithoutAConversationIsAnError()

@@ -14,13 +14,6 @@ namespace {
 constexpr int highestDescriptor = 4096; // the highest one that is checked
 constexpr int established = 1;          // state of a connection that neither side has closed
 
-/// A connection, identified by its descriptor and its own port, because descriptors are reused.
-struct Connection
-{
-    int descriptor;
-    quint16 ownPort;
-};
-
 quint16 portOf(int descriptor, decltype(::getsockname)* name)
 {
     sockaddr_in place{};
@@ -38,44 +31,42 @@ tcp_info infoOf(int descriptor)
     return info;
 }
 
-Connection connectionTo(quint16 port)
+} // namespace
+
+ReadingEnd::ReadingEnd(quint16 port)
 {
-    int descriptor = 0;
-    while (descriptor <= highestDescriptor && (portOf(descriptor, ::getpeername) != port ||
-                                               infoOf(descriptor).tcpi_state != established)) {
-        ++descriptor;
+    while (m_descriptor <= highestDescriptor && (portOf(m_descriptor, ::getpeername) != port ||
+                                                 infoOf(m_descriptor).tcpi_state != established)) {
+        ++m_descriptor;
     }
-    return {descriptor, portOf(descriptor, ::getsockname)};
+    m_ownPort = portOf(m_descriptor, ::getsockname);
 }
 
-bool stands(const Connection& connection)
+bool ReadingEnd::isOpen() const
 {
-    return connection.ownPort != 0 &&
-           portOf(connection.descriptor, ::getsockname) == connection.ownPort;
+    return m_ownPort != 0 && portOf(m_descriptor, ::getsockname) == m_ownPort;
 }
 
-bool hasTaken(const Connection& connection, std::size_t bytes)
+bool ReadingEnd::hasTaken(std::size_t bytes) const
 {
     int waiting = 0;
-    return infoOf(connection.descriptor).tcpi_bytes_received >= bytes &&
-           ::ioctl(connection.descriptor, FIONREAD, &waiting) == 0 && waiting == 0;
+    return infoOf(m_descriptor).tcpi_bytes_received >= bytes &&
+           ::ioctl(m_descriptor, FIONREAD, &waiting) == 0 && waiting == 0;
 }
-
-} // namespace
 
 void sendPaced(Peer& peer, const std::vector<std::string>& pieces, quint16 port,
                const std::function<bool()>& readerSleeps)
 {
-    const Connection reader = connectionTo(port);
+    const ReadingEnd reader(port);
     std::size_t sent = 0;
     for (const std::string& piece : pieces) {
-        if (!stands(reader)) {
+        if (!reader.isOpen()) {
             return;
         }
         peer.send(QByteArray::fromStdString(piece));
         sent += piece.size();
         peer.waitUntil(
-            [&] { return (hasTaken(reader, sent) || !stands(reader)) && readerSleeps(); });
+            [&] { return (reader.hasTaken(sent) || !reader.isOpen()) && readerSleeps(); });
     }
 }
 

@@ -3,17 +3,35 @@
 
 #include "tests/kit/ScriptedServer.h"
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
 
 namespace support {
 
+/// The reader's end of a connection, in this process: the only one to the port that neither side
+/// has closed.
+class ReadingEnd
+{
+public:
+    explicit ReadingEnd(quint16 port);
+
+    /// Returns whether the reader has not closed its end.
+    bool isOpen() const;
+    /// Returns whether the reader has received that many bytes and everything that has arrived.
+    /// Unlike Peer::isAllRead(), this does not depend on the acknowledgement, which the system
+    /// delays by forty milliseconds if the reader also sends.
+    bool hasTaken(std::size_t bytes) const;
+
+private:
+    int m_descriptor = 0;
+    quint16 m_ownPort; // because descriptors are reused
+};
+
 /// Sends each piece after the reader has received the previous one and sleeps again, so that no
 /// receive returns parts of two pieces. Returns when the reader has received the last piece or
-/// closed. The reader is the only connection of this process to the port that neither side has
-/// closed. Unlike Peer::waitUntilRead(), this does not wait for the acknowledgement, which the
-/// system delays by forty milliseconds if the reader also sends.
+/// closed.
 void sendPaced(Peer& peer, const std::vector<std::string>& pieces, quint16 port,
                const std::function<bool()>& readerSleeps);
 

@@ -268,6 +268,7 @@ void Peer::reset()
 
 void Peer::halfClose()
 {
+    const std::lock_guard<std::mutex> lock(m_descriptorMutex);
     ::shutdown(m_descriptor, SHUT_WR);
 }
 

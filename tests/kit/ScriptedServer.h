@@ -37,9 +37,8 @@ public:
     /// Waits until the client has read everything sent so far.
     void waitUntilRead();
 
-    void close();     ///< Closes normally; everything received until then is recorded.
-    void reset();     ///< Closes with a reset.
-    void halfClose(); ///< Closes the sending side; still receives.
+    void close(); ///< Closes normally; everything received until then is recorded.
+    void reset(); ///< Closes with a reset.
 
     /// Waits until the client closes or resets; received bytes are only recorded.
     void waitUntilClosedByClient();
@@ -64,6 +63,8 @@ public:
     bool isAllRead() const;
     /// Sends. Returns an empty text, or why not everything was sent.
     QString trySend(const QByteArray& bytes);
+    /// Closes the sending side; still receives.
+    void halfClose();
     /// Makes serve() close the connection.
     void wantClose() { m_wantedEnd = End::Close; }
     /// Makes serve() reset the connection.
