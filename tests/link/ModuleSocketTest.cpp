@@ -6,6 +6,7 @@
 #include "tests/kit/SilentAddress.h"
 #include "tests/kit/SocketPair.h"
 #include "tests/kit/StdoutCapture.h"
+#include "tests/kit/TcpTable.h"
 #include "tests/kit/TestMain.h"
 #include "tests/kit/TimeFactor.h"
 
@@ -13,8 +14,6 @@
 #include <atomic>
 #include <memory>
 
-#include <arpa/inet.h>
-#include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -32,15 +31,6 @@ namespace {
 constexpr char host[] = "127.0.0.1";
 constexpr quint16 closedPort = 45679;
 const int stopLimit = 500 * support::timeFactor(); // milliseconds
-
-sockaddr_in place(quint16 port)
-{
-    sockaddr_in result{};
-    result.sin_family = AF_INET;
-    result.sin_addr.s_addr = inet_addr(host);
-    result.sin_port = htons(port);
-    return result;
-}
 
 /// Returns the first IPv4 socket of this process that neither listens nor is connected, or -1.
 int unconnectedSocket()
@@ -181,7 +171,7 @@ void ModuleSocketTest::socketThatIsConnectedAlreadyCountsAsSuccess()
     Connecting connecting(closedPort);
     QVERIFY(log.waitFor("test new socket bind ok"));
     const int tried = unconnectedSocket();
-    const sockaddr_in listening = place(server.port());
+    const sockaddr_in listening = support::socketAddress(host, server.port());
     QVERIFY(QTest::qWaitFor([&] {
         return ::connect(tried, reinterpret_cast<const sockaddr*>(&listening), sizeof listening) ==
                0;
@@ -230,7 +220,7 @@ void ModuleSocketTest::stopBeforeConnectingTriesOnceOnly()
 void ModuleSocketTest::localAddressIsWrittenWithItsLength()
 {
     const int descriptor = ::socket(AF_INET, SOCK_DGRAM, 0);
-    const sockaddr_in own = place(0);
+    const sockaddr_in own = support::socketAddress(host, 0);
     QCOMPARE(::bind(descriptor, reinterpret_cast<const sockaddr*>(&own), sizeof own), 0);
     std::array<char, 16> text;
     text.fill('x');

@@ -2,7 +2,9 @@
 
 #include "tests/kit/SocketPair.h"
 #include "tests/kit/TestMain.h"
+#include "tests/link/LinkConversations.h"
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <thread>
@@ -10,23 +12,76 @@
 #include <pthread.h>
 
 #include <QByteArray>
-#include <QList>
+#include <QString>
+#include <QStringList>
 
+using support::Conversation;
+using support::Exchange;
 using support::SocketPair;
 using vehicle::EndReason;
 
 namespace {
 
-QByteArray bytesOf(const vehicle::Received& received)
+/// Returns the bytes as a conversation states them: "61 62 00*98".
+QString bytesText(const vehicle::Received& received)
 {
-    return QByteArray(reinterpret_cast<const char*>(received.data()),
-                      static_cast<int>(received.size()));
+    QStringList runs;
+    for (auto begin = received.begin(); begin != received.end();) {
+        const auto end =
+            std::find_if(begin, received.end(), [&](auto byte) { return byte != *begin; });
+        const auto count = end - begin;
+        const QString byte = QStringLiteral("%1").arg(*begin, 2, 16, QLatin1Char('0')).toUpper();
+        runs.append(count == 1 ? byte : byte + "*" + QString::number(count));
+        begin = end;
+    }
+    return runs.join(' ');
 }
 
-/// Returns the bytes, padded with zeros to a hundred.
-QByteArray filledUp(const QByteArray& bytes)
+QString reasonText(EndReason reason)
 {
-    return bytes + QByteArray(100 - bytes.size(), '\0');
+    switch (reason) {
+    case EndReason::ClosedByModule:
+        return "closed";
+    case EndReason::ReceiveError:
+        return "failed";
+    case EndReason::HeartbeatLost:
+        return "heartbeat lost";
+    }
+    return "unknown reason";
+}
+
+/// Plays the module, which sends each piece after the previous one was handled. Returns what
+/// happened.
+QString happensIn(const Exchange& exchange)
+{
+    SocketPair pair;
+    auto next = exchange.pieces.begin();
+    const auto sendNext = [&] {
+        if (next == exchange.pieces.end()) {
+            return;
+        }
+        pair.send(QByteArray::fromStdString(next->bytes));
+        if (++next == exchange.pieces.end()) {
+            if (exchange.peerResets) {
+                ::send(pair.product, "x", 1, MSG_NOSIGNAL); // closing with an unread byte resets
+            }
+            pair.closeTest();
+        }
+    };
+    QStringList all;
+    int ticks = ticksOf(exchange);
+    sendNext();
+    const vehicle::ConnectionEnd end =
+        vehicle::receiveUntilEnd(pair.product, ticks, [&](const vehicle::Received& received) {
+            all.append("handles " + bytesText(received));
+            sendNext();
+        });
+    const QString missed = QStringLiteral(" after %1 ticks").arg(end.missedTicks);
+    all.append(reasonText(end.reason) + (end.missedTicks == 0 ? QString() : missed));
+    if (ticks != 0) {
+        all.append(QStringLiteral("%1 ticks left").arg(ticks));
+    }
+    return all.join(", ");
 }
 
 /// While this object exists, SIGUSR1 interrupts system calls instead of ending the process.
@@ -54,122 +109,19 @@ class ReceiveLoopTest : public QObject
     Q_OBJECT
 
 private slots:
-    void everyReceiveIsHandledSeparately();
-    void bufferIsZeroAfterTheReceivedBytes();
-    void longTextComesInPiecesOfAHundred();
-    void closedConnectionEndsTheLoop();
-    void receiveErrorEndsTheLoop();
-    void limitIsSixTicks_data();
-    void limitIsSixTicks();
+    void conversationHappensAsWritten_data() { addConversations("receiver"); }
+    void conversationHappensAsWritten();
     void handlerThatSetsTheCountBackKeepsTheConnection();
-    void silentModuleIsNotLost();
     void interruptedReceiveGoesOn();
     void interruptedReceiveChecksTheLimit();
 };
 
-void ReceiveLoopTest::everyReceiveIsHandledSeparately()
+void ReceiveLoopTest::conversationHappensAsWritten()
 {
-    SocketPair pair;
-    QList<QByteArray> next{"second", "third"};
-    QList<QByteArray> seen;
-    int count = 0;
-    QVERIFY(pair.send("first"));
-    const auto end =
-        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received& received) {
-            seen.append(bytesOf(received));
-            if (next.isEmpty()) {
-                pair.closeTest();
-            } else {
-                pair.send(next.takeFirst());
-            }
-        });
-    QCOMPARE(seen, QList<QByteArray>({filledUp("first"), filledUp("second"), filledUp("third")}));
-    QVERIFY(end.reason == EndReason::ClosedByModule);
-}
-
-void ReceiveLoopTest::bufferIsZeroAfterTheReceivedBytes()
-{
-    SocketPair pair;
-    QList<QByteArray> seen;
-    int count = 0;
-    QVERIFY(pair.send(QByteArray(100, 'x')));
-    vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received& received) {
-        seen.append(bytesOf(received));
-        if (seen.size() == 1) {
-            pair.send("ab");
-            pair.closeTest();
-        }
-    });
-    QCOMPARE(seen, QList<QByteArray>({QByteArray(100, 'x'), filledUp("ab")}));
-}
-
-void ReceiveLoopTest::longTextComesInPiecesOfAHundred()
-{
-    SocketPair pair;
-    QList<QByteArray> seen;
-    int count = 0;
-    QVERIFY(pair.send(QByteArray(100, 'a') + QByteArray(100, 'b') + "c"));
-    pair.closeTest();
-    vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received& received) {
-        seen.append(bytesOf(received));
-    });
-    QCOMPARE(seen, QList<QByteArray>({QByteArray(100, 'a'), QByteArray(100, 'b'), filledUp("c")}));
-}
-
-void ReceiveLoopTest::closedConnectionEndsTheLoop()
-{
-    SocketPair pair;
-    pair.closeTest();
-    int count = 3;
-    int handled = 0;
-    const auto end =
-        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received&) { ++handled; });
-    QVERIFY(end.reason == EndReason::ClosedByModule);
-    QCOMPARE(end.missedTicks, 0);
-    QCOMPARE(count, 3);
-    QCOMPARE(handled, 0);
-}
-
-void ReceiveLoopTest::receiveErrorEndsTheLoop()
-{
-    SocketPair pair;
-    QCOMPARE(::send(pair.product, "x", 1, MSG_NOSIGNAL), ssize_t{1});
-    pair.closeTest(); // an unread byte makes this a reset
-    int count = 0;
-    int handled = 0;
-    const auto end =
-        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received&) { ++handled; });
-    QVERIFY(end.reason == EndReason::ReceiveError);
-    QCOMPARE(end.missedTicks, 0);
-    QCOMPARE(handled, 0);
-}
-
-void ReceiveLoopTest::limitIsSixTicks_data()
-{
-    QTest::addColumn<int>("ticks");
-    QTest::addColumn<bool>("lost");
-    QTest::newRow("none") << 0 << false;
-    QTest::newRow("five") << 5 << false;
-    QTest::newRow("six") << 6 << true;
-    QTest::newRow("seven") << 7 << true;
-    QTest::newRow("an hour") << 3600 << true;
-}
-
-void ReceiveLoopTest::limitIsSixTicks()
-{
-    QFETCH(int, ticks);
-    QFETCH(bool, lost);
-    SocketPair pair;
-    int count = ticks;
-    int handled = 0;
-    QVERIFY(pair.send("x"));
-    pair.closeTest();
-    const auto end =
-        vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received&) { ++handled; });
-    QCOMPARE(handled, 1);
-    QVERIFY(end.reason == (lost ? EndReason::HeartbeatLost : EndReason::ClosedByModule));
-    QCOMPARE(end.missedTicks, lost ? ticks : 0);
-    QCOMPARE(count, lost ? 0 : ticks);
+    QFETCH(Conversation, conversation);
+    for (const Exchange& exchange : conversation.exchanges) {
+        QCOMPARE(happensIn(exchange), QString::fromStdString(exchange.result));
+    }
 }
 
 void ReceiveLoopTest::handlerThatSetsTheCountBackKeepsTheConnection()
@@ -181,16 +133,6 @@ void ReceiveLoopTest::handlerThatSetsTheCountBackKeepsTheConnection()
     const auto end =
         vehicle::receiveUntilEnd(pair.product, count, [&](const vehicle::Received&) { count = 0; });
     QVERIFY(end.reason == EndReason::ClosedByModule);
-}
-
-void ReceiveLoopTest::silentModuleIsNotLost()
-{
-    SocketPair pair;
-    pair.closeTest();
-    int count = 100;
-    const auto end = vehicle::receiveUntilEnd(pair.product, count, [](const vehicle::Received&) {});
-    QVERIFY(end.reason == EndReason::ClosedByModule);
-    QCOMPARE(count, 100);
 }
 
 void ReceiveLoopTest::interruptedReceiveGoesOn()

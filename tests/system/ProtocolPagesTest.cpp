@@ -1,9 +1,8 @@
-// Plays the blocks of the protocol pages in docs/ to the program, so that a wrong page fails.
+// Plays the blocks of the protocol pages in docs/ to the program, so that a wrong page fails. The
+// conversations of the link page are played by the tests of the link threads.
 #include "app/MainWindow.h"
 #include "card/CardAnswers.h"
 #include "card/CardCommands.h"
-#include "link/ControlClientThread.h"
-#include "link/GroundClientThread.h"
 #include "link/VehicleFrame.h"
 #include "link/VersionText.h"
 #include "tests/kit/MessageBoxWatcher.h"
@@ -12,10 +11,8 @@
 #include "tests/kit/WindowProbe.h"
 
 #include <algorithm>
-#include <memory>
 #include <vector>
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QList>
@@ -78,11 +75,6 @@ QByteArray bytes(const QString& hexadecimal)
     return QByteArray::fromHex(hexadecimal.toLatin1());
 }
 
-QString hexadecimal(const QByteArray& bytes)
-{
-    return QString::fromLatin1(bytes.toHex(' ')).toUpper();
-}
-
 vehicle::Received receivedFrom(const QByteArray& bytes)
 {
     vehicle::Received received{};
@@ -97,84 +89,6 @@ QString meaning(const vehicle::Received& received, std::uint8_t startByte, bool 
         return "heartbeat";
     }
     return readsReports && vehicle::decodeVersionReport(received) ? "report" : "nothing";
-}
-
-/// The module's side of a conversation on a page, as the function of a scripted server.
-struct Conversation
-{
-    std::vector<ScriptedServer::Script> connections;
-    QStringList programBytes; // per connection
-    QStringList signalTexts;
-
-    /// Plays the connections in order. A connection that is not on the page is held open, because a
-    /// link would reconnect repeatedly if it were closed.
-    void operator()(Peer& peer) const
-    {
-        const auto number = static_cast<std::size_t>(peer.number());
-        if (number < connections.size()) {
-            connections[number](peer);
-        } else {
-            peer.holdOpen();
-        }
-    }
-};
-
-/// Returns a script that sends a connection's module lines and waits for its program lines, in
-/// order. The program receives every module line separately.
-ScriptedServer::Script script(const QList<QStringList>& lines, bool closes)
-{
-    return [lines, closes](Peer& peer) {
-        for (const QStringList& line : lines) {
-            if (line[0] == "module") {
-                peer.send(bytes(line[1]));
-                peer.waitUntilRead();
-            } else {
-                peer.receiveExactly(static_cast<int>(bytes(line[1]).size()));
-            }
-        }
-        if (closes) {
-            peer.halfClose();
-        }
-        // Receives everything else too, so that an answer that is not on the page is detected.
-        peer.waitUntilClosedByClient();
-    };
-}
-
-Conversation conversation(const QStringList& block)
-{
-    Conversation result;
-    QList<QStringList> lines;
-    const auto endConnection = [&](bool closes) {
-        QByteArray expected;
-        for (const QStringList& line : qAsConst(lines)) {
-            expected += line[0] == "program" ? bytes(line[1]) : QByteArray();
-        }
-        result.connections.push_back(script(lines, closes));
-        result.programBytes.append(hexadecimal(expected));
-        lines.clear();
-    };
-    for (const QString& text : block) {
-        const QStringList line = columns(text);
-        if (line[0] == "signal") {
-            result.signalTexts.append(line[1]);
-        } else if (line[0] == "close") {
-            endConnection(true);
-        } else if (line[0] != "connect") {
-            lines.append(line);
-        }
-    }
-    endConnection(false);
-    return result;
-}
-
-/// Returns what the program sent on each connection of a conversation.
-QStringList sentBytes(const ScriptedServer& server)
-{
-    QStringList sent;
-    for (int i = 0; i < server.connectionCount(); ++i) {
-        sent.append(hexadecimal(server.received(i)));
-    }
-    return sent;
 }
 
 /// One request of the camera page and its answer.
@@ -266,8 +180,6 @@ private slots:
 
     void linkPageVersionsAreDecodedAndShownAsStated();
     void linkPageReceivesAreInterpretedAsStated();
-    void controlConversationHappensAsWritten();
-    void groundConversationHappensAsWritten();
 
     void cameraConversationContainsEveryCommand();
     void cameraPageAnswersAreParsedAsStated_data();
@@ -314,7 +226,7 @@ void ProtocolPagesTest::linkPageVersionsAreDecodedAndShownAsStated()
 
 void ProtocolPagesTest::linkPageReceivesAreInterpretedAsStated()
 {
-    const QStringList lines = blocks(m_linkPage, "chunks").value(0);
+    const QStringList lines = blocks(m_linkPage, "receives").value(0);
     QVERIFY(lines.size() > 5);
     for (const QString& line : lines) {
         const QStringList parts = columns(line);
@@ -324,57 +236,6 @@ void ProtocolPagesTest::linkPageReceivesAreInterpretedAsStated()
         QCOMPARE(context + meaning(received, 0xAA, true), context + parts[1]);
         QCOMPARE(context + meaning(received, 0xBB, false), context + parts[2]);
     }
-}
-
-void ProtocolPagesTest::controlConversationHappensAsWritten()
-{
-    const QList<QStringList> found = blocks(m_linkPage, "control-conversation");
-    QCOMPARE(found.size(), 1);
-    const Conversation expected = conversation(found[0]);
-    QCOMPARE(expected.connections.size(), std::size_t(2));
-
-    ScriptedServer module(ScriptedServer::Script(expected), "192.168.1.149", modulePort);
-    QStringList signalTexts;
-    QObject listener; // no signal is delivered after its destruction
-    auto thread = std::make_unique<ControlClientThread>(nullptr);
-    connect(thread.get(), &ControlClientThread::updateLinkedFlag, &listener, [&](bool flag) {
-        signalTexts.append(QString("updateLinkedFlag(%1)").arg(flag ? "true" : "false"));
-    });
-    connect(thread.get(), &ControlClientThread::VersionInfo, &listener,
-            [&](char hardType, int hardVer, int softVer, int protocolVer, int bootVer) {
-                signalTexts.append(QString("VersionInfo(%1, %2, %3, %4, %5)")
-                                       .arg(static_cast<int>(hardType))
-                                       .arg(hardVer)
-                                       .arg(softVer)
-                                       .arg(protocolVer)
-                                       .arg(bootVer));
-            });
-    thread->start();
-    QTRY_COMPARE(signalTexts, expected.signalTexts);
-    QTRY_COMPARE(sentBytes(module), expected.programBytes);
-    thread->stopAndWait();
-    QCoreApplication::sendPostedEvents();
-    QCOMPARE(signalTexts, expected.signalTexts);
-    thread.reset();
-    QVERIFY(module.waitForScripts(static_cast<int>(expected.programBytes.size())));
-    QCOMPARE(sentBytes(module), expected.programBytes);
-}
-
-void ProtocolPagesTest::groundConversationHappensAsWritten()
-{
-    const QList<QStringList> found = blocks(m_linkPage, "ground-conversation");
-    QCOMPARE(found.size(), 1);
-    const Conversation expected = conversation(found[0]);
-    QCOMPARE(expected.connections.size(), std::size_t(2));
-    QCOMPARE(expected.signalTexts, QStringList());
-
-    ScriptedServer module(ScriptedServer::Script(expected), "192.168.1.148", modulePort);
-    auto thread = std::make_unique<GroundClientThread>(nullptr);
-    thread->start();
-    QTRY_COMPARE(sentBytes(module), expected.programBytes);
-    thread.reset();
-    QVERIFY(module.waitForScripts(static_cast<int>(expected.programBytes.size())));
-    QCOMPARE(sentBytes(module), expected.programBytes);
 }
 
 // --- the camera page

@@ -1,0 +1,70 @@
+#include "tests/link/Link.h"
+
+#include "link/ControlClientThread.h"
+
+#include <QMetaObject>
+#include <QTimer>
+
+int heartBeatsOf(const ModuleClientThread& thread)
+{
+    return thread.heartBeatCount;
+}
+
+void SignalRecorder::listenTo(const ModuleClientThread& thread)
+{
+    const auto* control = qobject_cast<const ControlClientThread*>(&thread);
+    if (control == nullptr) {
+        return; // the ground module's thread has no signals
+    }
+    QObject::connect(
+        control, &ControlClientThread::VersionInfo, control,
+        [this](char hardType, int hardVer, int softVer, int protocolVer, int bootVer) {
+            record(QStringLiteral("version %1 %2 %3 %4 %5")
+                       .arg(int{static_cast<signed char>(hardType)})
+                       .arg(hardVer)
+                       .arg(softVer)
+                       .arg(protocolVer)
+                       .arg(bootVer));
+        },
+        Qt::DirectConnection);
+    QObject::connect(
+        control, &ControlClientThread::updateLinkedFlag, control,
+        [this](bool flag) { record(flag ? QStringLiteral("linked") : QStringLiteral("lost")); },
+        Qt::DirectConnection);
+}
+
+QStringList SignalRecorder::signalTexts() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_texts;
+}
+
+void SignalRecorder::record(const QString& text)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_texts.append(text);
+}
+
+Link::Link(const Module& ofModule)
+    : module(ofModule), thread(ofModule.newThread(nullptr)), watch(*thread)
+{
+    recorder.listenTo(*thread);
+    thread->findChild<QTimer*>()->stop();
+}
+
+void Link::tick(int times) const
+{
+    for (int number = 0; number < times; ++number) {
+        QMetaObject::invokeMethod(thread.get(), "heartBeatTimer", Qt::DirectConnection);
+    }
+}
+
+bool Link::waitUntilConnected(int times) const
+{
+    return log.waitFor(module.connecting.last(), times);
+}
+
+bool Link::waitUntilConnecting(int times) const
+{
+    return log.waitFor(module.connecting.at(2), times);
+}

@@ -1,0 +1,66 @@
+#include "tests/link/LinkConversations.h"
+
+#include <regex>
+
+using support::Conversation;
+using support::Conversations;
+using support::Exchange;
+using support::Piece;
+
+namespace {
+
+const std::regex callForm("(control|ground|receiver)(?: after ([0-9]+) ticks?)?");
+
+/// Returns the bytes of "AA 78*94". Sets `error` if the text has another form.
+std::string decoded(const std::string& text, std::string& error)
+{
+    static const std::regex byte(R"(([0-9A-F]{2})(?:\*([0-9]{1,3}))?(?: |$))");
+    std::string bytes;
+    std::smatch part;
+    for (auto at = text.begin(); at != text.end(); at = part[0].second) {
+        if (!std::regex_search(at, text.end(), part, byte,
+                               std::regex_constants::match_continuous)) {
+            error += "not hexadecimal: " + text + "\n";
+            break;
+        }
+        bytes.append(part[2].matched ? std::stoul(part[2]) : 1,
+                     static_cast<char>(std::stoi(part[1], nullptr, 16)));
+    }
+    return bytes;
+}
+
+void addConversations(const std::string& path, const std::string& client, Conversations& to)
+{
+    Conversations read = support::readConversations(path);
+    to.error += read.error;
+    for (Conversation& conversation : read.all) {
+        for (Exchange& exchange : conversation.exchanges) {
+            if (!std::regex_match(exchange.call, callForm)) {
+                to.error += conversation.name + ": unknown call: " + exchange.call + "\n";
+            }
+            for (Piece& piece : exchange.pieces) {
+                piece.bytes = decoded(piece.bytes, to.error);
+            }
+        }
+        if (conversation.exchanges.front().call.rfind(client, 0) == 0) {
+            to.all.push_back(conversation);
+        }
+    }
+}
+
+} // namespace
+
+Conversations linkConversations(const std::string& client)
+{
+    Conversations conversations;
+    addConversations(TEST_DATA "/conversations/link", client, conversations);
+    addConversations(LINK_PAGE, client, conversations);
+    return conversations;
+}
+
+int ticksOf(const Exchange& exchange)
+{
+    std::smatch part;
+    std::regex_match(exchange.call, part, callForm);
+    return part[2].matched ? std::stoi(part[2]) : 0;
+}

@@ -1,0 +1,50 @@
+// The conversations of tests/data/conversations/link and docs/link-protocol.md. Their bytes are
+// hexadecimal; 78*94 is the byte 78 ninety-four times. Each `<` line is one receive.
+//
+//   # six ticks and another receive end the connection
+//   client control
+//   < AA AF 04 01 00 5E = sends AA AF 04 01 01 5F, linked
+//   client control after 6 ticks
+//   < AA AF 77 01 00 00 = lost, logs "heartBeat is 6,break", connects
+//
+// `client control` and `client ground` name a module's link thread, which is connected to the
+// module and gets the ticks of its heartbeat timer before the bytes. In the first call the ticks
+// come before the connection. The result is, in this order, what the thread sends, the signals
+// that it emits, what it logs, and whether it connects again; the next call uses that connection.
+//
+// `client receiver` names the receive loop of one connection. The result is what its handler gets,
+// and why the loop ends.
+//
+// With `|`, all `<` lines together are one receive, and `|` states the result if that receive ends
+// there.
+#pragma once
+
+#include "tests/kit/ConversationFile.h"
+
+#include <string>
+
+#include <QByteArray>
+#include <QTest>
+
+Q_DECLARE_METATYPE(support::Conversation)
+
+/// Returns the conversations whose calls begin with the word, with their bytes decoded, or an
+/// error.
+support::Conversations linkConversations(const std::string& client);
+
+/// Returns the number in "after 6 ticks", or 0.
+int ticksOf(const support::Exchange& exchange);
+
+/// Adds a column "conversation" and a row for each conversation of that client, either those that
+/// may end anywhere or the others.
+inline void addConversations(const std::string& client, bool mayEndAnywhere = false)
+{
+    QTest::addColumn<support::Conversation>("conversation");
+    const support::Conversations conversations = linkConversations(client);
+    QVERIFY2(conversations.error.empty(), conversations.error.c_str());
+    for (const support::Conversation& conversation : conversations.all) {
+        if (conversation.mayEndAnywhere() == mayEndAnywhere) {
+            QTest::newRow(conversation.name.c_str()) << conversation;
+        }
+    }
+}
