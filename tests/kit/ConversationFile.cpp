@@ -65,6 +65,9 @@ public:
         static const std::regex asIn("then as in: (.*)");
         static const std::regex result(outcome);
 
+        if (line.rfind('<', 0) == 0 && m_continues && !call().result.empty()) {
+            beginCall("", "");
+        }
         const bool belongsToCall = line.find_first_of("<t=") == 0;
         const bool callIsOpen = !m_all.empty() && call().result.empty();
         require(!belongsToCall || callIsOpen, "no client line above");

@@ -10,7 +10,8 @@
 // `#` is a comment; the one right above `client` names the conversation. `client` states the call
 // and `<` what the peer sends. `=`, in the last `<` line or below it, states the result and, after
 // `unread`, the bytes that the client leaves unread. A further call of the same conversation
-// follows without an empty line. The player defines the words of calls and results.
+// follows without an empty line; if it is a `<` line, the call above goes on. The player defines
+// the words of calls and results.
 //
 // `|` states the result if the connection ends there: in the `client` line before the first byte,
 // in a `<` line after any of its bytes. It is in every line above the last `<` line or in none.
@@ -38,7 +39,7 @@ namespace support {
 /// One call and the peer's part of it.
 struct Exchange
 {
-    std::string call;
+    std::string call;          ///< Empty if the call above goes on.
     std::string closedAtStart; ///< Result if the connection closes without a byte; or empty.
     std::vector<Piece> pieces; ///< One for each `<` line; the last one's outcome is the result.
     std::vector<std::size_t> pauses; ///< Positions in the bytes.

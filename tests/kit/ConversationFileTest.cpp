@@ -135,6 +135,10 @@ void ConversationFileTest::fileIsReadOrItsErrorNamesTheLine_data()
         "x: name\n"
         "call get /1 > \nbytes a > true\nresult true > \n"
         "call get /2 > \nbytes b > false\nresult false > \n");
+    row("a call that goes on", "# name\nclient get /\n< a = true\n< b = false\n",
+        "x: name\n"
+        "call get / > \nbytes a > true\nresult true > \n"
+        "call  > \nbytes b > false\nresult false > \n");
     row("escapes", "# name\nclient get /\n< a\\r\\n\\\\\\s\\x00\\x80\\xFF1\\(3 x) = true\n",
         "x: name\ncall get / > \nbytes a\\r\\n\\ \\x00\\x80\\xFF1xxx > true\nresult true > \n");
 
@@ -146,6 +150,8 @@ void ConversationFileTest::fileIsReadOrItsErrorNamesTheLine_data()
     row("empty line below the comment", "# name\n\nclient get /\n",
         "x.txt:3: no name in a comment right above");
     row("bytes without a call", "# name\n< a\n", "x.txt:2: no client line above");
+    row("bytes below an empty line", "# name\nclient get /\n< a = true\n\n< b = true\n",
+        "x.txt:5: no client line above");
     row("second result", "# name\nclient get /\n< a\n= true\n= true\n",
         "x.txt:5: no client line above");
     row("no result before an empty line", "# name\nclient get /\n< a\n\n",

@@ -9,7 +9,7 @@ using support::Piece;
 
 namespace {
 
-const std::regex callForm("(control|ground|receiver)(?: after ([0-9]+) ticks?)?");
+const std::regex callForm("(?:(control|ground|receiver)(?: after ([0-9]+) ticks?)?)?");
 
 /// Returns the bytes of "AA 78*94". Sets `error` if the text has another form.
 std::string decoded(const std::string& text, std::string& error)

@@ -6,14 +6,15 @@
 //   < AA AF 04 01 00 5E = sends AA AF 04 01 01 5F, linked
 //   client control after 6 ticks
 //   < AA AF 77 01 00 00 = lost, logs "heartBeat is 6,break", connects
+//   < AA AF 04 01 00 5E = sends AA AF 04 01 01 5F, linked
 //
-// `client control` and `client ground` name a module's link thread, which is connected to the
-// module and gets the ticks of its heartbeat timer before the bytes. In the first call the ticks
-// come before the connection. The result is, in this order, what the thread sends, the signals
-// that it emits, what it logs, and whether it connects again; the next call uses that connection.
+// `client control` and `client ground` name the link thread that is connected to the module. Its
+// heartbeat timer ticks before it gets the bytes; the ticks of the first call come before the
+// connection. The result is, in this order, what the thread sends, which signals it emits, what it
+// logs, and whether it connects again. If it does, the next `<` line is sent on the new connection.
 //
 // `client receiver` names the receive loop of one connection. The result is what its handler gets,
-// and why the loop ends.
+// why the loop ends, and how many ticks are left.
 //
 // With `|`, all `<` lines together are one receive, and `|` states the result if that receive ends
 // there.
