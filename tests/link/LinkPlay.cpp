@@ -11,6 +11,8 @@ using support::Piece;
 
 namespace {
 
+const QString connects = QStringLiteral("connects");
+
 /// Waits until the condition holds, for up to five seconds.
 template <class Condition>
 void waitUntil(const Condition& condition)
@@ -41,8 +43,8 @@ QString LinkPlay::happensIn(const Exchange& exchange)
     if (!m_threadsEnd) {
         m_link.tick(ticks);
         m_link.start();
-        const QString first = waitFor("connects");
-        if (first != "connects") {
+        const QString first = waitFor(connects);
+        if (first != connects) {
             return "before the first bytes: " + first;
         }
     } else if (ticks > 0 && m_link.watch.waitUntilAsleep()) {
@@ -63,7 +65,7 @@ QString LinkPlay::happensAfterwards()
 {
     m_link.thread->stopAndWait();
     m_server.waitForScripts(m_connection + 1);
-    return observed().text();
+    return text(observed());
 }
 
 void LinkPlay::send(const std::string& bytes)
@@ -75,30 +77,34 @@ void LinkPlay::send(const std::string& bytes)
 
 LinkPlay::Observed LinkPlay::observed() const
 {
-    QStringList connecting = m_link.module.connecting;
-    if (m_threadsEnd) {
-        connecting.prepend(m_link.module.threadName + " run exit");
-    }
-    const QStringList lines = m_link.log.lines().mid(m_linesBefore);
-    const int others = lines.size() - connecting.size();
-    const bool connects = others >= 0 && lines.mid(others) == connecting;
-    return {m_threadsEnd ? peer().received().mid(m_sentBefore) : QByteArray(),
-            m_link.recorder.signalTexts().mid(m_signalsBefore), lines, connects,
-            connects ? others : lines.size()};
+    return {m_threadsEnd ? peer().received().mid(m_before.sent.size()) : QByteArray(),
+            m_link.recorder.signalTexts().mid(m_before.signalTexts.size()),
+            m_link.log.lines().mid(m_before.lines.size())};
 }
 
-QString LinkPlay::Observed::text() const
+QStringList LinkPlay::connecting() const
+{
+    const Module& module = m_link.module;
+    return QStringList(module.threadName + (m_threadsEnd ? " run exit" : " build")) +
+           module.connecting;
+}
+
+QString LinkPlay::text(const Observed& observed) const
 {
     QStringList all;
-    if (!sent.isEmpty()) {
-        all.append("sends " + QString::fromLatin1(sent.toHex(' ')).toUpper());
+    if (!observed.sent.isEmpty()) {
+        all.append("sends " + QString::fromLatin1(observed.sent.toHex(' ')).toUpper());
     }
-    all += signalTexts;
-    for (const QString& line : lines.mid(0, otherLines)) {
+    all += observed.signalTexts;
+    const QStringList& lines = observed.lines;
+    const QStringList connection = connecting();
+    const auto others = lines.size() - connection.size();
+    const bool isConnected = others >= 0 && lines.mid(others) == connection;
+    for (const QString& line : lines.mid(0, isConnected ? others : lines.size())) {
         all.append("logs \"" + line + "\"");
     }
-    if (connects) {
-        all.append("connects");
+    if (isConnected) {
+        all.append(connects);
     }
     return all.isEmpty() ? "nothing" : all.join(", ");
 }
@@ -108,12 +114,13 @@ QString LinkPlay::waitFor(const QString& expected)
     Observed last;
     waitUntil([&] {
         last = observed();
-        return last.text() == expected;
+        return text(last) == expected;
     });
-    m_sentBefore += last.sent.size();
-    m_signalsBefore += last.signalTexts.size();
-    m_linesBefore += last.lines.size();
-    if (last.connects) {
+    const QString happened = text(last);
+    m_before.signalTexts += last.signalTexts;
+    m_before.lines += last.lines;
+    m_before.sent += last.sent;
+    if (happened.endsWith(connects)) {
         if (m_threadsEnd) {
             peer().halfClose();
             peer().wantClose();
@@ -122,7 +129,7 @@ QString LinkPlay::waitFor(const QString& expected)
         waitUntil([&] { return m_scripts > m_connection; });
         m_threadsEnd.emplace(modulePort);
         m_sentToThread = 0;
-        m_sentBefore = 0;
+        m_before.sent.clear();
     }
-    return last.text();
+    return happened;
 }

@@ -27,23 +27,23 @@ public:
     const ModuleClientThread& thread() const { return *m_link.thread; }
 
 private:
-    /// What was observed since the last exchange.
     struct Observed
     {
         QByteArray sent;
         QStringList signalTexts;
         QStringList lines;
-        bool connects;
-        int otherLines; ///< How many of the first lines do not belong to a new connection.
-
-        QString text() const;
     };
 
     /// Sends the bytes and waits until the thread has received them and waits for more.
     void send(const std::string& bytes);
     support::Peer& peer() const { return m_server.peer(m_connection); }
+    /// Returns what was observed since the last exchange.
     Observed observed() const;
-    /// Waits until this is observed. Returns what was observed, which is then forgotten.
+    /// Returns the log lines of a new connection.
+    QStringList connecting() const;
+    /// Describes it as the result of an exchange.
+    QString text(const Observed& observed) const;
+    /// Waits until this is observed. Returns what was observed, which ends the exchange.
     QString waitFor(const QString& expected);
 
     std::atomic<int> m_scripts{0}; // that have begun, one for each connection
@@ -51,8 +51,6 @@ private:
     int m_connection = -1;
     std::optional<support::ReadingEnd> m_threadsEnd; // if the thread has connected
     std::size_t m_sentToThread = 0;
-    int m_sentBefore = 0;
-    int m_signalsBefore = 0;
-    int m_linesBefore = 1; // the thread logs its construction
+    Observed m_before; // in earlier exchanges: sent on this connection, emitted and logged on any
     Link m_link;
 };

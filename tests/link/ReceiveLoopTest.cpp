@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <map>
 #include <thread>
 
 #include <pthread.h>
@@ -37,19 +38,6 @@ QString bytesText(const vehicle::Received& received)
     return runs.join(' ');
 }
 
-QString reasonText(EndReason reason)
-{
-    switch (reason) {
-    case EndReason::ClosedByModule:
-        return "closed";
-    case EndReason::ReceiveError:
-        return "failed";
-    case EndReason::HeartbeatLost:
-        return "heartbeat lost";
-    }
-    return "unknown reason";
-}
-
 /// Plays the module, which sends each piece after the previous one was handled. Returns what
 /// happened.
 QString happensIn(const Exchange& exchange)
@@ -76,30 +64,53 @@ QString happensIn(const Exchange& exchange)
             all.append("handles " + bytesText(received));
             sendNext();
         });
+    const std::map<EndReason, QString> reasons{{EndReason::ClosedByModule, "closed"},
+                                               {EndReason::ReceiveError, "failed"},
+                                               {EndReason::HeartbeatLost, "heartbeat lost"}};
     const QString missed = QStringLiteral(" after %1 ticks").arg(end.missedTicks);
-    all.append(reasonText(end.reason) + (end.missedTicks == 0 ? QString() : missed));
+    all.append(reasons.at(end.reason) + (end.missedTicks == 0 ? QString() : missed));
     if (ticks != 0) {
         all.append(QStringLiteral("%1 ticks left").arg(ticks));
     }
     return all.join(", ");
 }
 
-/// While this object exists, SIGUSR1 interrupts system calls instead of ending the process.
-class InterruptingSignal
+/// A receive loop in a separate thread, whose system calls a signal can interrupt.
+class RunningLoop
 {
 public:
-    InterruptingSignal()
+    explicit RunningLoop(int ticks) : count(ticks)
     {
         struct sigaction action = {};
         action.sa_handler = [](int) {};
         ::sigaction(SIGUSR1, &action, &m_before);
     }
-    ~InterruptingSignal() { ::sigaction(SIGUSR1, &m_before, nullptr); }
-    InterruptingSignal(const InterruptingSignal&) = delete;
-    InterruptingSignal& operator=(const InterruptingSignal&) = delete;
+    ~RunningLoop() { ::sigaction(SIGUSR1, &m_before, nullptr); }
+    RunningLoop(const RunningLoop&) = delete;
+    RunningLoop& operator=(const RunningLoop&) = delete;
+
+    void interrupt() { ::pthread_kill(m_thread.native_handle(), SIGUSR1); }
+    /// Closes the connection and returns how the loop ended.
+    vehicle::ConnectionEnd finish()
+    {
+        pair.closeTest();
+        m_thread.join();
+        return m_end;
+    }
+
+    SocketPair pair;
+    int count;
+    std::atomic<int> handled{0};
+    std::atomic<bool> ended{false};
 
 private:
     struct sigaction m_before = {};
+    vehicle::ConnectionEnd m_end{EndReason::ReceiveError, -1};
+    std::thread m_thread{[this] {
+        m_end = vehicle::receiveUntilEnd(pair.product, count,
+                                         [this](const vehicle::Received&) { ++handled; });
+        ended = true;
+    }};
 };
 
 } // namespace
@@ -137,55 +148,37 @@ void ReceiveLoopTest::handlerThatSetsTheCountBackKeepsTheConnection()
 
 void ReceiveLoopTest::interruptedReceiveGoesOn()
 {
-    const InterruptingSignal signal;
-    SocketPair pair;
-    std::atomic<int> handled{0};
-    int count = 0;
-    vehicle::ConnectionEnd end{EndReason::ReceiveError, -1};
-    std::thread loop([&] {
-        end = vehicle::receiveUntilEnd(pair.product, count,
-                                       [&](const vehicle::Received&) { ++handled; });
-    });
-    pair.send("x");
-    const bool begun = QTest::qWaitFor([&] { return handled == 1; });
+    RunningLoop loop(0);
+    loop.pair.send("x");
+    const bool begun = QTest::qWaitFor([&] { return loop.handled == 1; });
     // After the first byte the thread blocks in recv(), so at least one of these signals interrupts
     // it.
     for (int number = 0; number < 50; ++number) {
-        ::pthread_kill(loop.native_handle(), SIGUSR1);
+        loop.interrupt();
         std::this_thread::sleep_for(std::chrono::microseconds(500));
     }
-    pair.send("y");
-    const bool wentOn = QTest::qWaitFor([&] { return handled == 2; });
-    pair.closeTest();
-    loop.join();
+    loop.pair.send("y");
+    const bool wentOn = QTest::qWaitFor([&] { return loop.handled == 2; });
+    const EndReason reason = loop.finish().reason;
     QVERIFY(begun);
     QVERIFY(wentOn);
-    QVERIFY(end.reason == EndReason::ClosedByModule);
+    QVERIFY(reason == EndReason::ClosedByModule);
 }
 
 void ReceiveLoopTest::interruptedReceiveChecksTheLimit()
 {
-    const InterruptingSignal signal;
-    SocketPair pair;
-    std::atomic<bool> ended{false};
-    int count = 6;
-    vehicle::ConnectionEnd end{EndReason::ReceiveError, -1};
-    std::thread loop([&] {
-        end = vehicle::receiveUntilEnd(pair.product, count, [](const vehicle::Received&) {});
-        ended = true;
-    });
+    RunningLoop loop(6);
     const bool inTime = QTest::qWaitFor([&] {
-        if (!ended) {
-            ::pthread_kill(loop.native_handle(), SIGUSR1);
+        if (!loop.ended) {
+            loop.interrupt();
         }
-        return ended.load();
+        return loop.ended.load();
     });
-    pair.closeTest();
-    loop.join();
+    const vehicle::ConnectionEnd end = loop.finish();
     QVERIFY(inTime);
     QVERIFY(end.reason == EndReason::HeartbeatLost);
     QCOMPARE(end.missedTicks, 6);
-    QCOMPARE(count, 0);
+    QCOMPARE(loop.count, 0);
 }
 
 BELUN_TEST(ReceiveLoopTest)
