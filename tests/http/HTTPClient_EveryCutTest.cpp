@@ -1,4 +1,4 @@
-// Plays every conversation over a socket pair, split and closed at every byte.
+// Plays every conversation over a socket pair, split, closed and failing at every byte.
 #include "tests/http/WireOutcome.h"
 #include "tests/kit/ConversationRows.h"
 #include "tests/kit/TestMain.h"
@@ -36,6 +36,17 @@ void play(const Conversation& conversation, bool closes, const Split& split)
     }
 }
 
+/// Compares the outcome of a connection that ends after the first `count` bytes.
+void compareEnd(const Exchange& exchange, std::size_t count, const std::string& outcome)
+{
+    const std::string expected =
+        support::closedBehind(exchange.pieces, exchange.closedAtStart, count);
+    if (outcome != expected) {
+        qInfo("ended after %zu bytes", count);
+    }
+    QCOMPARE(text(outcome), text(expected));
+}
+
 } // namespace
 
 class HTTPClient_EveryCutTest : public QObject
@@ -51,6 +62,8 @@ private slots:
     void cutAtEveryPosition();
     void closedAtEveryPosition_data() { support::addConversationsThatMayEnd("http"); }
     void closedAtEveryPosition();
+    void failedAtEveryPosition_data() { closedAtEveryPosition_data(); }
+    void failedAtEveryPosition();
     void deliveredWithPauses_data() { support::addConversationsWithPauses("http"); }
     void deliveredWithPauses();
 };
@@ -94,13 +107,22 @@ void HTTPClient_EveryCutTest::closedAtEveryPosition()
     const std::string bytes = allBytes(exchange.pieces);
     for (std::size_t count = 0; count <= bytes.size(); ++count) {
         Record record;
-        const Outcome outcome = readFrom(exchange.call, record, {{bytes.substr(0, count)}, true});
-        const std::string expected =
-            support::closedBehind(exchange.pieces, exchange.closedAtStart, count);
-        if (outcome.text != expected) {
-            qInfo("closed after %zu of %zu bytes", count, bytes.size());
-        }
-        QCOMPARE(text(outcome.text), text(expected));
+        compareEnd(exchange, count,
+                   readFrom(exchange.call, record, {{bytes.substr(0, count)}, true}).text);
+    }
+}
+
+// A receive that fails ends a call as one that reports the end of the connection does.
+void HTTPClient_EveryCutTest::failedAtEveryPosition()
+{
+    QFETCH(Conversation, conversation);
+    const Exchange& exchange = conversation.exchanges.front();
+    const std::string bytes = allBytes(exchange.pieces);
+    // The exception, a line without a byte, is tested in HTTPSessionTest.
+    const bool readsLine = exchange.call.rfind("readLine", 0) == 0;
+    for (std::size_t count = readsLine ? 1 : 0; count <= bytes.size(); ++count) {
+        Record record;
+        compareEnd(exchange, count, readFromFailing(exchange.call, record, bytes.substr(0, count)));
     }
 }
 

@@ -1,16 +1,15 @@
-// Complete GET exchanges over a connection: sendHeader, get, startGet, getData, stopGet.
+// GET exchanges over a connection: sendHeader, get, startGet, getData, stopGet; and how any call
+// that begins an exchange fails.
 #include "http/HTTPClient.h"
 
 #include "tests/http/SendPlan.h"
 #include "tests/http/TcpPlay.h"
+#include "tests/http/TcpScene.h"
 #include "tests/kit/ConversationRows.h"
-#include "tests/kit/ScriptedServer.h"
+#include "tests/kit/OpenDescriptors.h"
 #include "tests/kit/TestMain.h"
 
-#include <fcntl.h>
-
 #include <QByteArray>
-#include <QDir>
 #include <QTest>
 
 using support::Conversation;
@@ -20,38 +19,39 @@ using support::ScriptedServer;
 
 namespace {
 
-/// Returns a script that receives a request, sends the answer and waits for the client to close.
-ScriptedServer::Script answering(const QByteArray& answer)
-{
-    return [answer](Peer& peer) {
-        peer.receiveUntil("\r\n\r\n");
-        peer.send(answer);
-        peer.waitUntilClosedByClient();
-    };
-}
-
-HTTPRequest requestTo(const ScriptedServer& server, const std::string& path)
-{
-    HTTPRequest request;
-    request.url = "http://127.0.0.1:" + std::to_string(server.port()) + path;
-    return request;
-}
-
-bool isOpen(int descriptor)
-{
-    return ::fcntl(descriptor, F_GETFD) != -1;
-}
-
-/// Returns a port without a listener.
-int refusingPort()
-{
-    return ScriptedServer([](Peer&) {}).port();
-}
-
 bool isOfGet(const Conversation& conversation)
 {
     return conversation.exchanges.front().call.rfind("get ", 0) == 0;
 }
+
+/// Sends the head of the scene's request, which may stop at a failure.
+bool sendHead(TcpScene& scene, HTTP_REQ_TYPE type)
+{
+    HTTPClient client;
+    return client.parseUrl(scene.request) && client.sendHeader(type, scene.session, scene.request);
+}
+
+/// The calls that begin an exchange.
+struct Call
+{
+    const char* name;
+    bool (*make)(TcpScene&);
+    bool leavesSessionOpen;
+};
+
+const Call calls[] = {
+    {"get", [](TcpScene& scene) { return scene.get(); }, false},
+    {"post", [](TcpScene& scene) { return scene.post("data"); }, false},
+    {"startGet",
+     [](TcpScene& scene) {
+         return HTTPClient().startGet(scene.session, scene.response, scene.request);
+     },
+     true},
+    {"startPost",
+     [](TcpScene& scene) { return HTTPClient().startPost(scene.session, scene.request); }, true},
+};
+
+const QByteArray hello = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello";
 
 } // namespace
 
@@ -65,10 +65,13 @@ private slots:
     void lowSixteenBitsOfThePortAreUsed();
     void hostWithoutAddressIsStillConnectedTo();
     void invalidDottedHostIsStillConnectedTo();
-    void refusedConnectionFailsAndLeavesTheSocketOpen();
     void failedSendLeavesTheSocketOpen();
     void headIsSentInAsManySendsAsItTakes();
     void headOfAMegabyteIsSentWhole();
+
+    void anotherSchemeOpensNoSocket();
+    void refusedConnectionFails();
+    void headThatCannotBeSentFails();
 
     void getReadsTheAnswerAndCloses_data() { support::addConversations("http", isOfGet); }
     void getReadsTheAnswerAndCloses();
@@ -77,20 +80,13 @@ private slots:
     void getOfAServerThatClosesEarlyFailsWithWhatArrived_data();
     void getOfAServerThatClosesEarlyFailsWithWhatArrived();
     void getOfTheRootOverPort80();
-    void getOfAnotherSchemeOpensNoSocket();
-    void getOfARefusedConnectionFails();
-    void getWhoseHeadCannotBeSentFails();
-    void getClosesItsConnectionAfterAFailure();
     void getMayAppendToTheAddress();
     void getOfAServerThatResetsInsideTheBodyFails();
-
     void portAndPathOfAnEarlierAddressStay();
 
     void startGetReadsTheHeadOnly();
-    void startGetOfARefusedAddressOpensNoSocket();
-    void startGetOfARefusedConnectionLeavesTheSessionOpen();
-    void startGetOnAConnectedSessionFails();
     void getDataReadsTheBodyAndStopGetCloses();
+    void startGetOnAConnectedSessionFails();
     void getDataOfAClosedPeerReturnsFalse();
     void stopGetOfAnUnusedSessionDoesNothing();
 };
@@ -99,142 +95,121 @@ private slots:
 
 void HTTPClient_ExchangeTest::headReachesTheServerByteForByte()
 {
-    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
-    HTTPRequest request;
-    request.host = "127.0.0.1";
-    request.port = server.port();
-    request.path = "/a b?c=\xE4";
-    request.headers = {{"B", "2"}, {"A", "1"}};
-    HTTP_REQ_TYPE type = HTTP_REQ_DELETE;
-    {
-        HTTPSession session;
-        QVERIFY(HTTPClient().sendHeader(type, session, request));
-    }
-    QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0),
-             "DELETE /a b?c=\xE4 HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) +
-                 "\r\nA: 1\r\nB: 2\r\n\r\n");
+    TcpScene scene(receiving(), "/a b?c=\xE4");
+    scene.request.headers = {{"B", "2"}, {"A", "1"}};
+    QVERIFY(sendHead(scene, HTTP_REQ_DELETE));
+    QCOMPARE(scene.received(),
+             "DELETE /a b?c=\xE4 HTTP/1.1\r\n" + scene.hostLine() + "A: 1\r\nB: 2\r\n\r\n");
 }
 
 void HTTPClient_ExchangeTest::headOfAnUnknownMethodBeginsWithASpace()
 {
-    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
-    HTTPRequest request;
-    request.host = "127.0.0.1";
-    request.port = server.port();
-    request.headers.clear();
-    auto type = static_cast<HTTP_REQ_TYPE>(9);
-    {
-        HTTPSession session;
-        QVERIFY(HTTPClient().sendHeader(type, session, request));
-    }
-    QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0),
-             " / HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) + "\r\n\r\n");
+    TcpScene scene(receiving());
+    scene.request.headers.clear();
+    QVERIFY(sendHead(scene, static_cast<HTTP_REQ_TYPE>(9)));
+    QCOMPARE(scene.received(), " / HTTP/1.1\r\n" + scene.hostLine() + "\r\n");
 }
 
 void HTTPClient_ExchangeTest::lowSixteenBitsOfThePortAreUsed()
 {
-    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
-    HTTPRequest request;
-    request.host = "127.0.0.1";
-    request.port = server.port() + 0x30000;
-    HTTP_REQ_TYPE type = HTTP_REQ_GET;
-    {
-        HTTPSession session;
-        QVERIFY(HTTPClient().sendHeader(type, session, request));
-    }
-    QVERIFY(server.waitForScripts(1));
-    QVERIFY(server.received(0).contains(
-        "Host: 127.0.0.1:" + QByteArray::number(server.port() + 0x30000) + "\r\n"));
+    TcpScene scene(receiving());
+    const std::string host = "127.0.0.1:" + std::to_string(scene.server.port() + 0x30000);
+    scene.request.url = "http://" + host;
+    QVERIFY(sendHead(scene, HTTP_REQ_GET));
+    QVERIFY(scene.received().contains(("Host: " + host + "\r\n").c_str()));
 }
 
 void HTTPClient_ExchangeTest::hostWithoutAddressIsStillConnectedTo()
 {
     // The name cannot be resolved, so the client connects to the address 0, which is this computer.
-    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"));
-    HTTPRequest request;
-    request.url = "http://my_host:" + std::to_string(server.port());
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("ok"));
-    QVERIFY(server.waitForScripts(1));
-    QVERIFY(server.received(0).contains("\r\nHost: my_host:"));
+    TcpScene scene(answering(hello));
+    scene.request.url = "http://my_host:" + std::to_string(scene.server.port());
+    QVERIFY(scene.get());
+    QCOMPARE(scene.body, std::string("hello"));
+    QVERIFY(scene.received().contains("\r\nHost: my_host:"));
 }
 
 void HTTPClient_ExchangeTest::invalidDottedHostIsStillConnectedTo()
 {
     // inet_addr() returns INADDR_NONE for this host, which is the broadcast address: connecting to
     // it fails.
-    HTTPRequest request;
-    request.host = "1.2.3.4.5";
-    HTTP_REQ_TYPE type = HTTP_REQ_GET;
-    HTTPSession session;
-    QVERIFY(!HTTPClient().sendHeader(type, session, request));
-    QVERIFY(isOpen(session.socketDescriptor));
-}
-
-void HTTPClient_ExchangeTest::refusedConnectionFailsAndLeavesTheSocketOpen()
-{
-    HTTPRequest request;
-    request.host = "127.0.0.1";
-    request.port = refusingPort();
-    HTTP_REQ_TYPE type = HTTP_REQ_GET;
-    HTTPSession session;
-    QVERIFY(!HTTPClient().sendHeader(type, session, request));
-    QVERIFY(isOpen(session.socketDescriptor));
+    TcpScene scene(receiving());
+    scene.request.url = "http://1.2.3.4.5";
+    QVERIFY(!sendHead(scene, HTTP_REQ_GET));
+    QVERIFY(isOpen(scene.session.socketDescriptor));
 }
 
 void HTTPClient_ExchangeTest::failedSendLeavesTheSocketOpen()
 {
-    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
-    HTTPRequest request;
-    request.host = "127.0.0.1";
-    request.port = server.port();
-    HTTP_REQ_TYPE type = HTTP_REQ_GET;
-    {
-        HTTPSession session;
-        const SendPlan plan({3, -1});
-        QVERIFY(!HTTPClient().sendHeader(type, session, request));
-        QVERIFY(plan.used());
-        QVERIFY(isOpen(session.socketDescriptor));
-    }
-    QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), QByteArray("GET"));
+    TcpScene scene(receiving());
+    const SendPlan plan({3, -1});
+    QVERIFY(!sendHead(scene, HTTP_REQ_GET));
+    QVERIFY(plan.used());
+    QVERIFY(isOpen(scene.session.socketDescriptor));
+    QCOMPARE(scene.received(), QByteArray("GET"));
 }
 
 void HTTPClient_ExchangeTest::headIsSentInAsManySendsAsItTakes()
 {
-    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
-    HTTPRequest request = requestTo(server, "/p");
-    HTTPClient client;
-    QVERIFY(client.parseUrl(request));
-    HTTP_REQ_TYPE type = HTTP_REQ_GET;
-    {
-        HTTPSession session;
-        const SendPlan plan({1, 2, 0, 3, 0, 0, 10, 1});
-        QVERIFY(client.sendHeader(type, session, request));
-        QVERIFY(plan.used());
-    }
-    QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), defaultHead("GET /p", server));
+    TcpScene scene(receiving(), "/p");
+    const SendPlan plan({1, 2, 0, 3, 0, 0, 10, 1});
+    QVERIFY(sendHead(scene, HTTP_REQ_GET));
+    QVERIFY(plan.used());
+    QCOMPARE(scene.received(), scene.defaultHead("GET /p"));
 }
 
 void HTTPClient_ExchangeTest::headOfAMegabyteIsSentWhole()
 {
-    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
-    HTTPRequest request;
-    request.host = "127.0.0.1";
-    request.port = server.port();
-    request.headers = {{"A", std::string(1000000, 'x')}};
-    HTTP_REQ_TYPE type = HTTP_REQ_GET;
-    {
-        HTTPSession session;
-        QVERIFY(HTTPClient().sendHeader(type, session, request));
+    TcpScene scene(receiving());
+    scene.request.headers = {{"A", std::string(1000000, 'x')}};
+    QVERIFY(sendHead(scene, HTTP_REQ_GET));
+    QVERIFY(scene.received().endsWith("\r\nA: " + QByteArray(1000000, 'x') + "\r\n\r\n"));
+}
+
+// --- any call ----------------------------------------------------------------------------------
+
+void HTTPClient_ExchangeTest::anotherSchemeOpensNoSocket()
+{
+    TcpScene scene(receiving());
+    scene.request.host = "127.0.0.1";
+    scene.request.port = scene.server.port();
+    scene.body = "before";
+    for (const Call& call : calls) {
+        for (const char* url : {"https://127.0.0.1/p", "HTTP://127.0.0.1/p", "ftp://127.0.0.1/p",
+                                "127.0.0.1/p", "http://", "http://127.0.0.1/a:b", ""}) {
+            scene.request.url = url;
+            QVERIFY2(!call.make(scene), call.name);
+            QCOMPARE(scene.session.socketDescriptor, -1);
+        }
     }
-    QVERIFY(server.waitForScripts(1));
-    QVERIFY(server.received(0).endsWith("\r\nA: " + QByteArray(1000000, 'x') + "\r\n\r\n"));
+    QCOMPARE(scene.body, std::string("before"));
+    QCOMPARE(scene.server.connectionCount(), 0);
+}
+
+void HTTPClient_ExchangeTest::refusedConnectionFails()
+{
+    for (const Call& call : calls) {
+        TcpScene scene(receiving());
+        scene.request.url = "http://127.0.0.1:" + std::to_string(refusingPort());
+        scene.body = "before";
+        const int before = support::openDescriptors();
+        QVERIFY2(!call.make(scene), call.name);
+        QCOMPARE(isOpen(scene.session.socketDescriptor), call.leavesSessionOpen);
+        QCOMPARE(support::openDescriptors(), before + (call.leavesSessionOpen ? 1 : 0));
+        QCOMPARE(scene.response.statusCode, 0);
+        QCOMPARE(scene.body, std::string("before"));
+    }
+}
+
+void HTTPClient_ExchangeTest::headThatCannotBeSentFails()
+{
+    for (const Call& call : calls) {
+        TcpScene scene(receiving());
+        const SendPlan plan({-1});
+        QVERIFY2(!call.make(scene), call.name);
+        QCOMPARE(isOpen(scene.session.socketDescriptor), call.leavesSessionOpen);
+        QCOMPARE(scene.received(), QByteArray());
+    }
 }
 
 // --- get ---------------------------------------------------------------------------------------
@@ -288,8 +263,7 @@ void HTTPClient_ExchangeTest::getOfAServerThatClosesEarlyFailsWithWhatArrived()
 
 void HTTPClient_ExchangeTest::getOfTheRootOverPort80()
 {
-    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"),
-                          "192.168.1.120", 80);
+    ScriptedServer server(answering(hello), "192.168.1.120", 80);
     HTTPRequest request;
     request.url = "http://192.168.1.120";
     HTTPResponse response;
@@ -302,202 +276,93 @@ void HTTPClient_ExchangeTest::getOfTheRootOverPort80()
                                             "User-Agent: SDK C++ http client\r\n\r\n"));
 }
 
-void HTTPClient_ExchangeTest::getOfAnotherSchemeOpensNoSocket()
-{
-    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
-    HTTPRequest request;
-    request.host = "127.0.0.1";
-    request.port = server.port();
-    HTTPResponse response;
-    std::string body = "before";
-    for (const char* url : {"https://127.0.0.1/p", "HTTP://127.0.0.1/p", "ftp://127.0.0.1/p",
-                            "127.0.0.1/p", "http://", "http://127.0.0.1/a:b", ""}) {
-        request.url = url;
-        QVERIFY2(!HTTPClient().get(request, response, body), url);
-    }
-    QCOMPARE(body, std::string("before"));
-    QCOMPARE(server.connectionCount(), 0);
-}
-
-void HTTPClient_ExchangeTest::getOfARefusedConnectionFails()
-{
-    HTTPRequest request;
-    request.url = "http://127.0.0.1:" + std::to_string(refusingPort());
-    HTTPResponse response;
-    std::string body = "before";
-    QVERIFY(!HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("before"));
-    QCOMPARE(response.statusCode, 0);
-}
-
-void HTTPClient_ExchangeTest::getWhoseHeadCannotBeSentFails()
-{
-    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    const SendPlan plan({-1});
-    QVERIFY(!HTTPClient().get(request, response, body));
-    QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), QByteArray());
-}
-
-void HTTPClient_ExchangeTest::getClosesItsConnectionAfterAFailure()
-{
-    const auto openDescriptors = [] {
-        return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size();
-    };
-    HTTPRequest request;
-    request.url = "http://127.0.0.1:" + std::to_string(refusingPort());
-    HTTPResponse response;
-    std::string body;
-    const auto before = openDescriptors();
-    for (int turn = 0; turn < 20; ++turn) {
-        QVERIFY(!HTTPClient().get(request, response, body));
-        QVERIFY(!HTTPClient().post(request, response, "data", body));
-    }
-    QCOMPARE(openDescriptors(), before);
-}
-
 void HTTPClient_ExchangeTest::getMayAppendToTheAddress()
 {
-    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"));
-    HTTPRequest request = requestTo(server, "/a");
-    const std::string url = request.url;
-    HTTPResponse response;
-    QVERIFY(HTTPClient().get(request, response, request.url));
-    QCOMPARE(request.url, url + "hello");
-    request.url = url;
-    QVERIFY(HTTPClient().get(request, response, request.path));
-    QCOMPARE(request.path, std::string("/ahello"));
-    QVERIFY(server.waitForScripts(2));
-    QCOMPARE(server.received(1), defaultHead("GET /a", server));
+    TcpScene scene(answering(hello), "/a");
+    const std::string url = scene.request.url;
+    QVERIFY(HTTPClient().get(scene.request, scene.response, scene.request.url));
+    QCOMPARE(scene.request.url, url + "hello");
+    scene.request.url = url;
+    QVERIFY(HTTPClient().get(scene.request, scene.response, scene.request.path));
+    QCOMPARE(scene.request.path, std::string("/ahello"));
+    QVERIFY(scene.server.waitForScripts(2));
+    QCOMPARE(scene.server.received(1), scene.defaultHead("GET /a"));
 }
 
 void HTTPClient_ExchangeTest::getOfAServerThatResetsInsideTheBodyFails()
 {
-    ScriptedServer server([](Peer& peer) {
+    TcpScene scene([](Peer& peer) {
         peer.receiveUntil("\r\n\r\n");
-        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel");
+        peer.send(hello.chopped(2));
         peer.waitUntilRead();
         peer.reset();
     });
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(!HTTPClient().get(request, response, body));
-    QCOMPARE(body, std::string("hel"));
-    QCOMPARE(response.received, 3u);
+    QVERIFY(!scene.get());
+    QCOMPARE(scene.body, std::string("hel"));
+    QCOMPARE(scene.response.received, 3u);
 }
 
 void HTTPClient_ExchangeTest::portAndPathOfAnEarlierAddressStay()
 {
-    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\na"),
-                           answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nb")});
-    HTTPRequest request = requestTo(server, "/first");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().get(request, response, body));
-    request.url = "http://127.0.0.1";
-    QVERIFY(HTTPClient().get(request, response, body));
-    QVERIFY(server.waitForScripts(2));
-    QCOMPARE(server.received(1), defaultHead("GET /first", server));
+    TcpScene scene(answering(hello), "/first");
+    QVERIFY(scene.get());
+    scene.request.url = "http://127.0.0.1";
+    QVERIFY(scene.get());
+    QVERIFY(scene.server.waitForScripts(2));
+    QCOMPARE(scene.server.received(1), scene.defaultHead("GET /first"));
 }
 
 // --- in steps ----------------------------------------------------------------------------------
 
 void HTTPClient_ExchangeTest::startGetReadsTheHeadOnly()
 {
-    ScriptedServer server(
-        answering("HTTP/1.1 206 Partial Content\r\nContent-Length: 5\r\n\r\nhello"));
-    HTTPRequest request = requestTo(server, "/p");
-    HTTPResponse response;
-    HTTPSession session;
-    QVERIFY(HTTPClient().startGet(session, response, request));
-    QCOMPARE(response.statusCode, 206);
-    QCOMPARE(response.contentLength, 5u);
-    QCOMPARE(response.received, 0u);
+    TcpScene scene(answering("HTTP/1.1 206 Partial Content\r\nContent-Length: 5\r\n\r\nhello"),
+                   "/p");
+    QVERIFY(HTTPClient().startGet(scene.session, scene.response, scene.request));
+    QCOMPARE(scene.response.statusCode, 206);
+    QCOMPARE(scene.response.contentLength, 5u);
+    QCOMPARE(scene.response.received, 0u);
     std::string line;
-    QCOMPARE(session.readLine(line, 5), 5);
+    QCOMPARE(scene.session.readLine(line, 5), 5);
     QCOMPARE(line, std::string("hello"));
-    session.closeSession();
-    QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), defaultHead("GET /p", server));
+    QCOMPARE(scene.received(), scene.defaultHead("GET /p"));
 }
 
-void HTTPClient_ExchangeTest::startGetOfARefusedAddressOpensNoSocket()
+void HTTPClient_ExchangeTest::getDataReadsTheBodyAndStopGetCloses()
 {
-    HTTPRequest request;
-    request.url = "https://127.0.0.1/";
-    HTTPResponse response;
-    HTTPSession session;
-    QVERIFY(!HTTPClient().startGet(session, response, request));
-    QCOMPARE(session.socketDescriptor, -1);
-}
-
-void HTTPClient_ExchangeTest::startGetOfARefusedConnectionLeavesTheSessionOpen()
-{
-    HTTPRequest request;
-    request.url = "http://127.0.0.1:" + std::to_string(refusingPort());
-    HTTPResponse response;
-    HTTPSession session;
-    QVERIFY(!HTTPClient().startGet(session, response, request));
-    const int descriptor = session.socketDescriptor;
+    TcpScene scene(answering(hello));
+    scene.body = "before ";
+    QVERIFY(HTTPClient().startGet(scene.session, scene.response, scene.request));
+    QVERIFY(HTTPClient().getData(scene.session, scene.response, scene.body));
+    QCOMPARE(scene.body, std::string("before hello"));
+    const int descriptor = scene.session.socketDescriptor;
     QVERIFY(isOpen(descriptor));
-    HTTPClient().stopGet(session);
+    HTTPClient().stopGet(scene.session);
+    QCOMPARE(scene.session.socketDescriptor, -1);
     QVERIFY(!isOpen(descriptor));
 }
 
 void HTTPClient_ExchangeTest::startGetOnAConnectedSessionFails()
 {
-    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"));
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    HTTPSession session;
-    QVERIFY(HTTPClient().startGet(session, response, request));
-    QVERIFY(!HTTPClient().startGet(session, response, request));
-    std::string body;
-    QVERIFY(HTTPClient().getData(session, response, body));
-    QCOMPARE(body, std::string("hello"));
-    HTTPClient().stopGet(session);
-    QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.connectionCount(), 1);
-}
-
-void HTTPClient_ExchangeTest::getDataReadsTheBodyAndStopGetCloses()
-{
-    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"));
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    HTTPSession session;
-    std::string body = "before ";
-    QVERIFY(HTTPClient().startGet(session, response, request));
-    QVERIFY(HTTPClient().getData(session, response, body));
-    QCOMPARE(body, std::string("before hello"));
-    const int descriptor = session.socketDescriptor;
-    QVERIFY(isOpen(descriptor));
-    HTTPClient().stopGet(session);
-    QCOMPARE(session.socketDescriptor, -1);
-    QVERIFY(!isOpen(descriptor));
-    QVERIFY(server.waitForScripts(1));
+    TcpScene scene(answering(hello));
+    QVERIFY(HTTPClient().startGet(scene.session, scene.response, scene.request));
+    QVERIFY(!HTTPClient().startGet(scene.session, scene.response, scene.request));
+    QVERIFY(HTTPClient().getData(scene.session, scene.response, scene.body));
+    QCOMPARE(scene.body, std::string("hello"));
+    QCOMPARE(scene.server.connectionCount(), 1);
 }
 
 void HTTPClient_ExchangeTest::getDataOfAClosedPeerReturnsFalse()
 {
-    ScriptedServer server([](Peer& peer) {
+    TcpScene scene([](Peer& peer) {
         peer.receiveUntil("\r\n\r\n");
-        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel");
+        peer.send(hello.chopped(2));
         peer.close();
     });
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    HTTPSession session;
-    std::string body;
-    QVERIFY(HTTPClient().startGet(session, response, request));
-    QVERIFY(!HTTPClient().getData(session, response, body));
-    QVERIFY(!HTTPClient().getData(session, response, body));
-    QCOMPARE(body, std::string("hel"));
-    HTTPClient().stopGet(session);
+    QVERIFY(HTTPClient().startGet(scene.session, scene.response, scene.request));
+    QVERIFY(!HTTPClient().getData(scene.session, scene.response, scene.body));
+    QVERIFY(!HTTPClient().getData(scene.session, scene.response, scene.body));
+    QCOMPARE(scene.body, std::string("hel"));
 }
 
 void HTTPClient_ExchangeTest::stopGetOfAnUnusedSessionDoesNothing()

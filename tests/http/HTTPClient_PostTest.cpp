@@ -1,64 +1,40 @@
-// POST exchanges over a connection: post, sendBody, startPost, postData, stopPost.
+// POST exchanges over a connection: post, sendBody, startPost, postData, stopPost. How they fail
+// before the data is sent is tested in HTTPClient_ExchangeTest.
 #include "http/HTTPClient.h"
 
+#include "tests/http/PairedSession.h"
 #include "tests/http/SendPlan.h"
 #include "tests/http/TcpPlay.h"
+#include "tests/http/TcpScene.h"
 #include "tests/kit/ConversationRows.h"
-#include "tests/kit/ScriptedServer.h"
-#include "tests/kit/SocketPair.h"
 #include "tests/kit/TestMain.h"
-
-#include <utility>
-
-#include <fcntl.h>
 
 #include <QByteArray>
 #include <QTest>
 
 using support::Conversation;
 using support::Peer;
-using support::ScriptedServer;
-using support::SocketPair;
 
 namespace {
 
-/// Returns a script that receives a request up to `endOfRequest`, sends the answer and waits for
-/// the client to close.
-ScriptedServer::Script answering(const QByteArray& endOfRequest, const QByteArray& answer)
-{
-    return [endOfRequest, answer](Peer& peer) {
-        peer.receiveUntil(endOfRequest);
-        peer.send(answer);
-        peer.waitUntilClosedByClient();
-    };
-}
-
-HTTPRequest requestTo(const ScriptedServer& server, const std::string& path)
-{
-    HTTPRequest request;
-    request.url = "http://127.0.0.1:" + std::to_string(server.port()) + path;
-    request.headers.clear();
-    return request;
-}
-
-/// Returns the head of a request that sets no headers.
-QByteArray bareHead(const QByteArray& path, const ScriptedServer& server)
-{
-    return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) +
-           "\r\n\r\n";
-}
-
-bool isOpen(int descriptor)
-{
-    return ::fcntl(descriptor, F_GETFD) != -1;
-}
-
-int refusingPort()
-{
-    return ScriptedServer([](Peer&) {}).port();
-}
-
+const QByteArray done = "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\ndone";
 const QByteArray okWithoutLength = "HTTP/1.1 200 OK\r\n\r\nunread";
+
+/// A scene whose request sets no headers.
+struct PostScene : TcpScene
+{
+    explicit PostScene(support::ScriptedServer::Script script, const std::string& path = "/")
+        : TcpScene(std::move(script), path)
+    {
+        request.headers.clear();
+    }
+
+    /// Returns the head of the request.
+    QByteArray bareHead(const QByteArray& path) const
+    {
+        return "POST " + path + " HTTP/1.1\r\n" + hostLine() + "\r\n";
+    }
+};
 
 } // namespace
 
@@ -77,14 +53,9 @@ private slots:
     void postSendsHeadAndBodyByteForByte();
     void postOfThreeMegabytesIsSentWhole();
     void postMayAppendToWhatItSends();
-    void postOfAnotherSchemeOpensNoSocket();
-    void postOfARefusedConnectionFails();
-    void postWhoseHeadCannotBeSentFails();
     void postWhoseBodyCannotBeSentFailsWithoutReadingTheAnswer();
 
     void startPostSendsTheHeadOnly();
-    void startPostOfARefusedAddressOpensNoSocket();
-    void startPostOfARefusedConnectionLeavesTheSessionOpen();
     void postDataIsSentPieceByPiece();
     void postDataToAClosedPeerReturnsFalse();
     void stopPostReadsTheAnswerAndCloses();
@@ -98,28 +69,24 @@ private slots:
 
 void HTTPClient_PostTest::bodyIsSentInAsManySendsAsItTakes()
 {
-    SocketPair pair;
-    HTTPSession session;
-    session.socketDescriptor = std::exchange(pair.product, -1);
+    PairedSession pair;
     const SendPlan plan({1, 0, 0, 3, 0, 2});
-    QVERIFY(HTTPClient().sendBody(session, "abcdefghij"));
+    QVERIFY(HTTPClient().sendBody(pair.session, "abcdefghij"));
     QVERIFY(plan.used());
     QCOMPARE(pair.arrived(), QByteArray("abcdefghij"));
 }
 
 void HTTPClient_PostTest::failedSendOfTheBodyReturnsFalse()
 {
-    SocketPair pair;
-    HTTPSession session;
-    session.socketDescriptor = std::exchange(pair.product, -1);
+    PairedSession pair;
     {
         const SendPlan plan({4, -1});
-        QVERIFY(!HTTPClient().sendBody(session, "abcdefghij"));
+        QVERIFY(!HTTPClient().sendBody(pair.session, "abcdefghij"));
         QVERIFY(plan.used());
     }
     QCOMPARE(pair.arrived(), QByteArray("abcd"));
     pair.closeTest();
-    QVERIFY(!HTTPClient().sendBody(session, "a"));
+    QVERIFY(!HTTPClient().sendBody(pair.session, "a"));
 }
 
 void HTTPClient_PostTest::emptyBodySendsNothing()
@@ -131,11 +98,9 @@ void HTTPClient_PostTest::emptyBodySendsNothing()
 
 void HTTPClient_PostTest::bodyIsLeftAsItWas()
 {
-    SocketPair pair;
-    HTTPSession session;
-    session.socketDescriptor = std::exchange(pair.product, -1);
+    PairedSession pair;
     const std::string data("a\0\xFF\r\n", 5);
-    QVERIFY(HTTPClient().sendBody(session, data));
+    QVERIFY(HTTPClient().sendBody(pair.session, data));
     QVERIFY(data == std::string("a\0\xFF\r\n", 5));
     QCOMPARE(pair.arrived(), QByteArray("a\0\xFF\r\n", 5));
 }
@@ -157,193 +122,109 @@ void HTTPClient_PostTest::postReadsTheAnswerAndCloses()
 
 void HTTPClient_PostTest::postSendsHeadAndBodyByteForByte()
 {
-    ScriptedServer server(answering("=2", "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\ndone"));
-    HTTPRequest request = requestTo(server, "/form?x");
-    request.headers = {{"Content-Type", "text/plain"}, {"Content-Length", "7"}};
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().post(request, response, "a=1&b=2", body));
-    QCOMPARE(response.statusCode, 200);
-    QCOMPARE(body, std::string("done"));
-    QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0),
-             "POST /form?x HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) +
-                 "\r\nContent-Length: 7\r\nContent-Type: text/plain\r\n\r\na=1&b=2");
+    TcpScene scene(answering(done, "=2"), "/form?x");
+    scene.request.headers = {{"Content-Type", "text/plain"}, {"Content-Length", "7"}};
+    QVERIFY(scene.post("a=1&b=2"));
+    QCOMPARE(scene.response.statusCode, 200);
+    QCOMPARE(scene.body, std::string("done"));
+    QCOMPARE(scene.received(), "POST /form?x HTTP/1.1\r\n" + scene.hostLine() +
+                                   "Content-Length: 7\r\nContent-Type: text/plain\r\n\r\na=1&b=2");
 }
 
 void HTTPClient_PostTest::postOfThreeMegabytesIsSentWhole()
 {
-    ScriptedServer server([](Peer& peer) {
+    PostScene scene([](Peer& peer) {
         peer.receiveUntil("\r\n\r\n");
         peer.receiveExactly(3000003);
         peer.send(okWithoutLength);
         peer.waitUntilClosedByClient();
     });
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().post(request, response, std::string(3000000, 'x') + "end", body));
-    QVERIFY(server.waitForScripts(1));
-    QVERIFY(server.received(0) == bareHead("/", server) + QByteArray(3000000, 'x') + "end");
+    QVERIFY(scene.post(std::string(3000000, 'x') + "end"));
+    QVERIFY(scene.received() == scene.bareHead("/") + QByteArray(3000000, 'x') + "end");
 }
 
 void HTTPClient_PostTest::postMayAppendToWhatItSends()
 {
-    ScriptedServer server(answering("data", "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\ndone"));
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string text = "data";
-    QVERIFY(HTTPClient().post(request, response, text, text));
-    QCOMPARE(text, std::string("datadone"));
-}
-
-void HTTPClient_PostTest::postOfAnotherSchemeOpensNoSocket()
-{
-    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
-    HTTPRequest request;
-    request.host = "127.0.0.1";
-    request.port = server.port();
-    request.url = "https://127.0.0.1/";
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(!HTTPClient().post(request, response, "data", body));
-    QCOMPARE(server.connectionCount(), 0);
-}
-
-void HTTPClient_PostTest::postOfARefusedConnectionFails()
-{
-    HTTPRequest request;
-    request.url = "http://127.0.0.1:" + std::to_string(refusingPort());
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(!HTTPClient().post(request, response, "data", body));
-}
-
-void HTTPClient_PostTest::postWhoseHeadCannotBeSentFails()
-{
-    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    const SendPlan plan({-1});
-    QVERIFY(!HTTPClient().post(request, response, "data", body));
-    QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), QByteArray());
+    TcpScene scene(answering(done, "data"));
+    scene.body = "data";
+    QVERIFY(scene.post(scene.body));
+    QCOMPARE(scene.body, std::string("datadone"));
 }
 
 void HTTPClient_PostTest::postWhoseBodyCannotBeSentFailsWithoutReadingTheAnswer()
 {
-    ScriptedServer server([](Peer& peer) {
-        peer.send("HTTP/1.1 200 OK\r\n\r\n");
-        peer.waitUntilClosedByClient();
-    });
-    HTTPRequest request = requestTo(server, "/p");
-    HTTPResponse response;
-    std::string body;
+    PostScene scene(
+        [](Peer& peer) {
+            peer.send("HTTP/1.1 200 OK\r\n\r\n");
+            peer.waitUntilClosedByClient();
+        },
+        "/p");
     const SendPlan plan({100000, 2, -1});
-    QVERIFY(!HTTPClient().post(request, response, "data", body));
+    QVERIFY(!scene.post("data"));
     QVERIFY(plan.used());
-    QCOMPARE(response.statusCode, 0);
-    QVERIFY(server.waitForScripts(1));
+    QCOMPARE(scene.response.statusCode, 0);
     // Closing with an unread answer resets the connection and may drop data in transit.
-    QVERIFY2((bareHead("/p", server) + "da").startsWith(server.received(0)), server.received(0));
+    const QByteArray received = scene.received();
+    QVERIFY2((scene.bareHead("/p") + "da").startsWith(received), received);
 }
 
 // --- in steps ----------------------------------------------------------------------------------
 
 void HTTPClient_PostTest::startPostSendsTheHeadOnly()
 {
-    ScriptedServer server([](Peer& peer) { peer.waitUntilClosedByClient(); });
-    HTTPRequest request = requestTo(server, "/upload");
-    {
-        HTTPSession session;
-        QVERIFY(HTTPClient().startPost(session, request));
-        QVERIFY(isOpen(session.socketDescriptor));
-    }
-    QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0), bareHead("/upload", server));
-}
-
-void HTTPClient_PostTest::startPostOfARefusedAddressOpensNoSocket()
-{
-    HTTPRequest request;
-    request.url = "https://127.0.0.1/";
-    HTTPSession session;
-    QVERIFY(!HTTPClient().startPost(session, request));
-    QCOMPARE(session.socketDescriptor, -1);
-}
-
-void HTTPClient_PostTest::startPostOfARefusedConnectionLeavesTheSessionOpen()
-{
-    HTTPRequest request;
-    request.url = "http://127.0.0.1:" + std::to_string(refusingPort());
-    HTTPSession session;
-    QVERIFY(!HTTPClient().startPost(session, request));
-    QVERIFY(isOpen(session.socketDescriptor));
+    PostScene scene(receiving(), "/upload");
+    QVERIFY(HTTPClient().startPost(scene.session, scene.request));
+    QVERIFY(isOpen(scene.session.socketDescriptor));
+    QCOMPARE(scene.received(), scene.bareHead("/upload"));
 }
 
 void HTTPClient_PostTest::postDataIsSentPieceByPiece()
 {
-    ScriptedServer server(answering("third", okWithoutLength));
-    HTTPRequest request = requestTo(server, "/upload");
-    HTTPResponse response;
-    std::string body;
-    HTTPSession session;
-    QVERIFY(HTTPClient().startPost(session, request));
-    QVERIFY(HTTPClient().postData(session, "first"));
-    QVERIFY(HTTPClient().postData(session, ""));
-    QVERIFY(HTTPClient().postData(session, std::string("\0\r\n", 3)));
-    QVERIFY(HTTPClient().postData(session, "third"));
-    HTTPClient().stopPost(session, response, body);
-    QCOMPARE(response.statusCode, 200);
-    QVERIFY(server.waitForScripts(1));
-    QCOMPARE(server.received(0),
-             bareHead("/upload", server) + "first" + QByteArray("\0\r\n", 3) + "third");
+    PostScene scene(answering(okWithoutLength, "third"), "/upload");
+    QVERIFY(HTTPClient().startPost(scene.session, scene.request));
+    for (const std::string& data :
+         {std::string("first"), std::string(), std::string("\0\r\n", 3), std::string("third")}) {
+        QVERIFY(HTTPClient().postData(scene.session, data));
+    }
+    HTTPClient().stopPost(scene.session, scene.response, scene.body);
+    QCOMPARE(scene.response.statusCode, 200);
+    QCOMPARE(scene.received(),
+             scene.bareHead("/upload") + "first" + QByteArray("\0\r\n", 3) + "third");
 }
 
 void HTTPClient_PostTest::postDataToAClosedPeerReturnsFalse()
 {
-    SocketPair pair;
-    HTTPSession session;
-    session.socketDescriptor = std::exchange(pair.product, -1);
+    PairedSession pair;
     pair.closeTest();
-    QVERIFY(!HTTPClient().postData(session, "data"));
-    QVERIFY(HTTPClient().postData(session, ""));
+    QVERIFY(!HTTPClient().postData(pair.session, "data"));
+    QVERIFY(HTTPClient().postData(pair.session, ""));
 }
 
 void HTTPClient_PostTest::stopPostReadsTheAnswerAndCloses()
 {
-    ScriptedServer server(answering("data", "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\ndone"));
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body = "before ";
-    HTTPSession session;
-    QVERIFY(HTTPClient().startPost(session, request));
-    QVERIFY(HTTPClient().postData(session, "data"));
-    const int descriptor = session.socketDescriptor;
-    HTTPClient().stopPost(session, response, body);
-    QCOMPARE(response.statusCode, 200);
-    QCOMPARE(body, std::string("before done"));
-    QCOMPARE(session.socketDescriptor, -1);
+    TcpScene scene(answering(done, "data"));
+    scene.body = "before ";
+    QVERIFY(HTTPClient().startPost(scene.session, scene.request));
+    QVERIFY(HTTPClient().postData(scene.session, "data"));
+    const int descriptor = scene.session.socketDescriptor;
+    HTTPClient().stopPost(scene.session, scene.response, scene.body);
+    QCOMPARE(scene.response.statusCode, 200);
+    QCOMPARE(scene.body, std::string("before done"));
+    QCOMPARE(scene.session.socketDescriptor, -1);
     QVERIFY(!isOpen(descriptor));
-    QVERIFY(server.waitForScripts(1));
 }
 
 void HTTPClient_PostTest::stopPostOfAClosedPeerCloses()
 {
-    ScriptedServer server([](Peer& peer) {
+    TcpScene scene([](Peer& peer) {
         peer.receiveUntil("\r\n\r\n");
-        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel");
+        peer.send(done.chopped(1));
         peer.close();
     });
-    HTTPRequest request = requestTo(server, "/");
-    HTTPResponse response;
-    std::string body;
-    HTTPSession session;
-    QVERIFY(HTTPClient().startPost(session, request));
-    HTTPClient().stopPost(session, response, body);
-    QCOMPARE(body, std::string("hel"));
-    QCOMPARE(session.socketDescriptor, -1);
+    QVERIFY(HTTPClient().startPost(scene.session, scene.request));
+    HTTPClient().stopPost(scene.session, scene.response, scene.body);
+    QCOMPARE(scene.body, std::string("don"));
+    QCOMPARE(scene.session.socketDescriptor, -1);
 }
 
 void HTTPClient_PostTest::stopPostOfAnUnusedSessionDoesNothing()
@@ -359,18 +240,14 @@ void HTTPClient_PostTest::stopPostOfAnUnusedSessionDoesNothing()
 
 void HTTPClient_PostTest::multipartBodyIsPosted()
 {
-    ScriptedServer server(answering("--b--\r\n", okWithoutLength));
-    HTTPRequest request = requestTo(server, "/");
-    request.headers = {{"Content-Type", "multipart/form-data; boundary=b"},
-                       {"Content-Length", "33"}};
+    TcpScene scene(answering(okWithoutLength, "--b--\r\n"));
+    scene.request.headers = {{"Content-Type", "multipart/form-data; boundary=b"},
+                             {"Content-Length", "33"}};
     HTTPMultipart multipart{"b", {{1, {{{"N", "V"}}, "1"}}, {2, {{}, "2"}}}};
     std::string data;
     HTTPClient().makeMultipartBody(multipart, data);
-    HTTPResponse response;
-    std::string body;
-    QVERIFY(HTTPClient().post(request, response, data, body));
-    QVERIFY(server.waitForScripts(1));
-    QVERIFY(server.received(0).endsWith(
+    QVERIFY(scene.post(data));
+    QVERIFY(scene.received().endsWith(
         "\r\nContent-Length: 33\r\nContent-Type: multipart/form-data; boundary=b\r\n\r\n"
         "--b\r\nN: V\r\n\r\n1\r\n--b\r\n\r\n2\r\n--b--\r\n"));
 }

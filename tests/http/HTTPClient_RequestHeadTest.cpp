@@ -1,6 +1,7 @@
 // makeHeader. Sending the head is tested in HTTPClient_ExchangeTest.
 #include "http/HTTPClient.h"
 
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 #include <QByteArray>
@@ -57,15 +58,14 @@ void HTTPClient_RequestHeadTest::newRequestGivesItsSevenLines()
 
 void HTTPClient_RequestHeadTest::requestLineBeginsWithTheMethod_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QByteArray>("head");
-    QTest::newRow("get") << 1 << QByteArray("GET / HTTP/1.1\r\nHost: host\r\n\r\n");
-    QTest::newRow("post") << 2 << QByteArray("POST / HTTP/1.1\r\nHost: host\r\n\r\n");
-    QTest::newRow("put") << 3 << QByteArray("PUT / HTTP/1.1\r\nHost: host\r\n\r\n");
-    QTest::newRow("delete") << 4 << QByteArray("DELETE / HTTP/1.1\r\nHost: host\r\n\r\n");
-    QTest::newRow("unknown: 0") << 0 << QByteArray(" / HTTP/1.1\r\nHost: host\r\n\r\n");
-    QTest::newRow("unknown: 5") << 5 << QByteArray(" / HTTP/1.1\r\nHost: host\r\n\r\n");
-    QTest::newRow("unknown: -1") << -1 << QByteArray(" / HTTP/1.1\r\nHost: host\r\n\r\n");
+    const support::Rows<int, QByteArray> row("type", "head");
+    row("get", 1, "GET / HTTP/1.1\r\nHost: host\r\n\r\n");
+    row("post", 2, "POST / HTTP/1.1\r\nHost: host\r\n\r\n");
+    row("put", 3, "PUT / HTTP/1.1\r\nHost: host\r\n\r\n");
+    row("delete", 4, "DELETE / HTTP/1.1\r\nHost: host\r\n\r\n");
+    row("unknown: 0", 0, " / HTTP/1.1\r\nHost: host\r\n\r\n");
+    row("unknown: 5", 5, " / HTTP/1.1\r\nHost: host\r\n\r\n");
+    row("unknown: -1", -1, " / HTTP/1.1\r\nHost: host\r\n\r\n");
 }
 
 void HTTPClient_RequestHeadTest::requestLineBeginsWithTheMethod()
@@ -77,15 +77,13 @@ void HTTPClient_RequestHeadTest::requestLineBeginsWithTheMethod()
 
 void HTTPClient_RequestHeadTest::hostLineNamesThePortUnlessItIs80_data()
 {
-    QTest::addColumn<int>("port");
-    QTest::addColumn<QByteArray>("head");
-    QTest::newRow("80") << 80 << QByteArray("GET / HTTP/1.1\r\nHost: host\r\n\r\n");
-    QTest::newRow("8080") << 8080 << QByteArray("GET / HTTP/1.1\r\nHost: host:8080\r\n\r\n");
-    QTest::newRow("443") << 443 << QByteArray("GET / HTTP/1.1\r\nHost: host:443\r\n\r\n");
-    QTest::newRow("0") << 0 << QByteArray("GET / HTTP/1.1\r\nHost: host:0\r\n\r\n");
-    QTest::newRow("-1") << -1 << QByteArray("GET / HTTP/1.1\r\nHost: host:-1\r\n\r\n");
-    QTest::newRow("65616, whose low 16 bits are 80")
-        << 65616 << QByteArray("GET / HTTP/1.1\r\nHost: host:65616\r\n\r\n");
+    const support::Rows<int, QByteArray> row("port", "head");
+    row("80", 80, "GET / HTTP/1.1\r\nHost: host\r\n\r\n");
+    row("8080", 8080, "GET / HTTP/1.1\r\nHost: host:8080\r\n\r\n");
+    row("443", 443, "GET / HTTP/1.1\r\nHost: host:443\r\n\r\n");
+    row("0", 0, "GET / HTTP/1.1\r\nHost: host:0\r\n\r\n");
+    row("-1", -1, "GET / HTTP/1.1\r\nHost: host:-1\r\n\r\n");
+    row("65616, whose low 16 bits are 80", 65616, "GET / HTTP/1.1\r\nHost: host:65616\r\n\r\n");
 }
 
 void HTTPClient_RequestHeadTest::hostLineNamesThePortUnlessItIs80()

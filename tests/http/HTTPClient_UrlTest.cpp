@@ -1,5 +1,6 @@
 #include "http/HTTPClient.h"
 
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 #include <QByteArray>
@@ -32,14 +33,7 @@ static HTTPRequest usedRequest(const QByteArray& url)
 
 void HTTPClient_UrlTest::addressIsSplit_data()
 {
-    QTest::addColumn<QByteArray>("url");
-    QTest::addColumn<QByteArray>("host");
-    QTest::addColumn<int>("port");
-    QTest::addColumn<QByteArray>("path");
-    const auto row = [](const char* name, const QByteArray& url, const QByteArray& host, int port,
-                        const QByteArray& path) {
-        QTest::newRow(name) << url << host << port << path;
-    };
+    const support::Rows<QByteArray, QByteArray, int, QByteArray> row("url", "host", "port", "path");
 
     // Without a port and a path the old values 1234 and "/before" are kept.
     row("eight characters are enough", "http://a", "a", 1234, "/before");
@@ -91,8 +85,7 @@ void HTTPClient_UrlTest::addressIsSplit()
 
 void HTTPClient_UrlTest::addressIsRefusedAndNothingIsWritten_data()
 {
-    QTest::addColumn<QByteArray>("url");
-    const auto row = [](const char* name, const QByteArray& url) { QTest::newRow(name) << url; };
+    const support::Rows<QByteArray> row("url");
 
     row("empty", "");
     row("prefix alone", "http://");

@@ -1,7 +1,7 @@
 // Runs the examples of docs/http-library.md, which the build extracts from the page, with a device
 // that expects the documented behaviour.
 #include "http/HTTPClient.h"
-#include "tests/kit/ScriptedServer.h"
+#include "tests/http/TcpScene.h"
 #include "tests/kit/TestMain.h"
 
 #include <arpa/inet.h>
@@ -15,7 +15,6 @@
 #include <QStringList>
 #include <QTest>
 
-using support::Peer;
 using support::ScriptedServer;
 
 namespace {
@@ -23,17 +22,6 @@ namespace {
 const QByteArray camera = "192.168.1.120";
 constexpr quint16 webPort = 80;
 constexpr quint16 otherPort = 8080;
-
-/// Returns a script that receives a request up to `endOfRequest`, sends the answer and waits for
-/// the client to close.
-ScriptedServer::Script answering(const QByteArray& endOfRequest, const QByteArray& answer)
-{
-    return [endOfRequest, answer](Peer& peer) {
-        peer.receiveUntil(endOfRequest);
-        peer.send(answer);
-        peer.waitUntilClosedByClient();
-    };
-}
 
 const QByteArray usualHeaders = "Accept: */*\r\nAccept-Language: zh-CN\r\n"
                                 "Connection: Keep-Alive\r\n"
@@ -77,10 +65,9 @@ void LibraryPageTest::everyExampleOfThePageIsRunHere()
 
 void LibraryPageTest::get()
 {
-    ScriptedServer server(
-        {answering("\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 7\r\n\r\nanswer;"),
-         answering("\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nlist")},
-        camera, webPort);
+    ScriptedServer server({answering("HTTP/1.1 200 OK\r\nContent-Length: 7\r\n\r\nanswer;"),
+                           answering("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nlist")},
+                          camera, webPort);
 #include "get.inc"
     QVERIFY(found);
     QCOMPARE(body, std::string("answer;"));
@@ -98,8 +85,8 @@ void LibraryPageTest::get()
 
 void LibraryPageTest::getSteps()
 {
-    ScriptedServer server(answering("\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nlist"),
-                          camera, webPort);
+    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nlist"), camera,
+                          webPort);
 #include "get-steps.inc"
     QCOMPARE(body, std::string("list"));
     QCOMPARE(session.socketDescriptor, -1);
@@ -108,7 +95,7 @@ void LibraryPageTest::getSteps()
 
 void LibraryPageTest::post()
 {
-    ScriptedServer server(answering("name=value", "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"),
+    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok", "name=value"),
                           camera, otherPort);
 #include "post.inc"
     QVERIFY(sent);
@@ -123,7 +110,7 @@ void LibraryPageTest::post()
 
 void LibraryPageTest::postSteps()
 {
-    ScriptedServer server(answering("last\n", "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"),
+    ScriptedServer server(answering("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok", "last\n"),
                           camera, otherPort);
 #include "post-steps.inc"
     QCOMPARE(response.statusCode, 200);
@@ -156,7 +143,7 @@ void LibraryPageTest::texts()
 
 void LibraryPageTest::put()
 {
-    ScriptedServer server(answering("hello", "HTTP/1.1 201 Created\r\nContent-Length: 2\r\n\r\nok"),
+    ScriptedServer server(answering("HTTP/1.1 201 Created\r\nContent-Length: 2\r\n\r\nok", "hello"),
                           camera, webPort);
 #include "put.inc"
     QVERIFY(stored);
@@ -168,7 +155,7 @@ void LibraryPageTest::put()
 
 void LibraryPageTest::session()
 {
-    ScriptedServer server(answering("hello\n", "good day\r\nABCDE"), camera, otherPort);
+    ScriptedServer server(answering("good day\r\nABCDE", "hello\n"), camera, otherPort);
 #include "session.inc"
     QVERIFY(connected);
     QCOMPARE(line, std::string("good day\r\n"));

@@ -1,6 +1,6 @@
 #include "tests/http/TcpPlay.h"
 
-#include "http/HTTPClient.h"
+#include "tests/http/TcpScene.h"
 #include "tests/http/WireOutcome.h"
 
 #include <sstream>
@@ -11,13 +11,6 @@ using support::Conversation;
 using support::Exchange;
 using support::Peer;
 using support::ScriptedServer;
-
-QByteArray defaultHead(const QByteArray& methodAndPath, const ScriptedServer& server)
-{
-    return methodAndPath + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(server.port()) +
-           "\r\nAccept: */*\r\nAccept-Language: zh-CN\r\nConnection: Keep-Alive\r\n"
-           "User-Agent: SDK C++ http client\r\n\r\n";
-}
 
 void sendWithPauses(Peer& peer, const Exchange& exchange)
 {
@@ -51,18 +44,15 @@ void playOverTcp(const Conversation& conversation, void (*send)(Peer&, const Exc
                 peer.waitUntilClosedByClient();
             }
         };
-        ScriptedServer server(std::vector{script}); // a second connection is an error
-        HTTPRequest request;
-        request.url = "http://127.0.0.1:" + std::to_string(server.port()) + path;
-        const bool result = method == "post"
-                                ? HTTPClient().post(request, record.response, data, record.body)
-                                : HTTPClient().get(request, record.response, record.body);
+        TcpScene scene(script, path);
+        const bool result =
+            method == "post" ? HTTPClient().post(scene.request, record.response, data, record.body)
+                             : HTTPClient().get(scene.request, record.response, record.body);
         QCOMPARE(QByteArray::fromStdString(describe(result, record)),
                  QByteArray::fromStdString(exchange.result));
-        QVERIFY(server.waitForScripts(1));
-        const QByteArray methodAndPath =
-            QByteArray::fromStdString(method).toUpper() + " " + QByteArray::fromStdString(path);
-        QCOMPARE(server.received(0),
-                 defaultHead(methodAndPath, server) + QByteArray::fromStdString(data));
+        QCOMPARE(scene.received(), scene.defaultHead(QByteArray::fromStdString(method).toUpper() +
+                                                     " " + QByteArray::fromStdString(path)) +
+                                       QByteArray::fromStdString(data));
+        QCOMPARE(scene.server.connectionCount(), 1);
     }
 }

@@ -4,11 +4,6 @@
 #include "tests/kit/ConversationFile.h"
 #include "tests/kit/ScriptedServer.h"
 
-#include <QByteArray>
-
-/// Returns the head of a request with the default headers; the method and the path are "GET /p".
-QByteArray defaultHead(const QByteArray& methodAndPath, const support::ScriptedServer& server);
-
 /// Send the answer of an exchange.
 void sendWithPauses(support::Peer& peer, const support::Exchange& exchange);
 void sendBytewise(support::Peer& peer, const support::Exchange& exchange);

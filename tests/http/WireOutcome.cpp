@@ -1,11 +1,13 @@
 #include "tests/http/WireOutcome.h"
 
 #include "http/HTTPClient.h"
+#include "tests/http/PairedSession.h"
 #include "tests/kit/ConversationFile.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <sstream>
 
 #include <sys/socket.h>
 #include <unistd.h>
@@ -30,6 +32,36 @@ std::string receivedByNow(int descriptor)
         }
         bytes.append(buffer.data(), static_cast<std::size_t>(count));
     }
+}
+
+/// Makes the call on the session and describes its result.
+std::string made(const std::string& operation, HTTPSession& session, Record& record)
+{
+    std::istringstream words(operation);
+    std::string name;
+    int count = 0;
+    words >> name >> count;
+    if (name == "readLine" || name == "readLimit") {
+        std::string text = "old";
+        const int result =
+            name == "readLine" ? session.readLine(text, count) : session.readLimit(text, count);
+        return std::to_string(result) + (text.empty() ? "" : " " + quoted(text));
+    }
+    HTTPClient client;
+    bool result = true;
+    if (name == "readHeader") {
+        result = client.readHeader(session, record.response);
+    } else if (name == "readBody") {
+        result = client.readBody(session, record.response, record.body);
+    } else if (name == "get") {
+        client.readHeader(session, record.response);
+        result = client.readBody(session, record.response, record.body);
+    } else if (name == "post") {
+        client.stopPost(session, record.response, record.body);
+    } else {
+        return "unknown call";
+    }
+    return describe(result, record);
 }
 
 } // namespace
@@ -88,36 +120,25 @@ std::string prepared(const std::string& call, Record& record)
 Outcome readFrom(const std::string& call, Record& record, const support::Delivery& delivery)
 {
     const std::string operation = prepared(call, record);
-    int ends[2];
-    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
-        return {"no socket pair", ""};
-    }
-    HTTPSession session;
-    session.socketDescriptor = ends[0];
-    support::PieceSender sender(ends[1], ends[0], delivery);
+    PairedSession pair;
+    // A second descriptor of the same socket, for receivedByNow(): stopPost closes the session's.
+    const int kept = ::dup(pair.session.socketDescriptor);
+    support::PieceSender sender(pair.test, pair.session.socketDescriptor, delivery);
 
-    const int kept = ::dup(ends[0]); // for receivedByNow(): stopPost closes ends[0]
-
-    HTTPClient client;
-    bool result = true;
-    std::string unknown;
-    if (operation == "readHeader") {
-        result = client.readHeader(session, record.response);
-    } else if (operation == "readBody") {
-        result = client.readBody(session, record.response, record.body);
-    } else if (operation.rfind("get /", 0) == 0) {
-        client.readHeader(session, record.response);
-        result = client.readBody(session, record.response, record.body);
-    } else if (operation.rfind("post /", 0) == 0) {
-        client.stopPost(session, record.response, record.body);
-    } else {
-        unknown = "unknown call, so ";
-    }
+    const std::string text = made(operation, pair.session, record);
 
     const std::string unsent = sender.finish();
     const std::string stopped = sender.readerHadToBeStopped() ? "NEVER RETURNED, then " : "";
     const std::string unread = receivedByNow(kept) + unsent;
     ::close(kept);
-    ::close(ends[1]);
-    return {unknown + stopped + describe(result, record), quoted(unread)};
+    return {stopped + text, quoted(unread)};
+}
+
+std::string readFromFailing(const std::string& call, Record& record, const std::string& bytes)
+{
+    const std::string operation = prepared(call, record);
+    PairedSession pair;
+    const bool sent = pair.send(QByteArray::fromStdString(bytes));
+    pair.failInsteadOfWaiting();
+    return (sent ? "" : "NOT SENT, then ") + made(operation, pair.session, record);
 }

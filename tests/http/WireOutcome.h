@@ -30,7 +30,12 @@ struct Outcome
     std::string unread; ///< In quotes; empty if everything was read.
 };
 
-/// Makes the call over a socket pair: readHeader, readBody, both of these for "get PATH", or
-/// stopPost for "post PATH DATA". If the client does not return within five seconds it is stopped,
-/// and the text says so.
+/// Makes the call over a socket pair: readHeader, readBody, both of these for "get PATH", stopPost
+/// for "post PATH DATA", or a session's "readLine LIMIT" and "readLimit COUNT", which get a text
+/// with old contents. If the client does not return within five seconds it is stopped, and the text
+/// says so.
 Outcome readFrom(const std::string& call, Record& record, const support::Delivery& delivery);
+
+/// Makes the call over a connection on which receiving fails after these bytes, and returns the
+/// text of the outcome.
+std::string readFromFailing(const std::string& call, Record& record, const std::string& bytes);

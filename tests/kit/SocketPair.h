@@ -9,15 +9,15 @@
 
 namespace support {
 
-/// The two ends of a local stream: the product uses one, the test the other. Both are closed with
-/// this object if they are still open. Closing an end with unread bytes resets the other end.
+/// The two ends of a local connection: the product uses one, the test the other. Both are closed
+/// with this object if they are still open. Closing an end with unread bytes resets the other end.
 class SocketPair
 {
 public:
-    SocketPair()
+    explicit SocketPair(int type = SOCK_STREAM)
     {
         int ends[2] = {-1, -1};
-        if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+        if (::socketpair(AF_UNIX, type | SOCK_CLOEXEC, 0, ends) != 0) {
             qFatal("no socket pair");
         }
         product = ends[0];

@@ -1,0 +1,28 @@
+// The columns and rows of a table.
+#pragma once
+
+#include <QTest>
+
+namespace support {
+
+/// Adds the columns of a `_data` function, and then its rows:
+///
+///     const support::Rows<QByteArray, int> row("text", "number");
+///     row("leading zeros", "007", 7);
+template <class... Columns>
+class Rows
+{
+public:
+    template <class... Names>
+    explicit Rows(Names... names)
+    {
+        (QTest::addColumn<Columns>(names), ...);
+    }
+
+    void operator()(const char* tag, const Columns&... values) const
+    {
+        (QTest::newRow(tag) << ... << values);
+    }
+};
+
+} // namespace support
