@@ -38,12 +38,12 @@ struct FaultCase
     QList<QByteArray> faultNames() const;
 };
 
-// The tables; each has its own test class.
-const QList<FaultCase>& linkFaultCases();
-const QList<FaultCase>& heartbeatKeptFaultCases();
-const QList<FaultCase>& heartbeatLostFaultCases();
-const QList<FaultCase>& rebootFaultCases();
-const QList<FaultCase>& listFaultCases();
-const QList<FaultCase>& answerFaultCases();
-const QList<FaultCase>& downloadFaultCases();
-const QList<FaultCase>& changeFaultCases();
+// The tables; each is a function of FaultsTest.
+extern const QList<FaultCase> linkFaults;
+extern const QList<FaultCase> heartbeatKeptFaults;
+extern const QList<FaultCase> heartbeatLostFaults;
+extern const QList<FaultCase> rebootFaults;
+extern const QList<FaultCase> listFaults;
+extern const QList<FaultCase> answerFaults;
+extern const QList<FaultCase> downloadFaults;
+extern const QList<FaultCase> changeFaults;

@@ -1,5 +1,7 @@
 #include "tests/system/FaultCase.h"
 
+using A = FaultAction;
+
 namespace {
 
 const QString linked = "Link Success! / v7 v3 v6 v1 v0.1";
@@ -9,87 +11,68 @@ const QString lostAndBack = "Link Success!, Link Fail!, Link Success! / v7 v3 v6
 
 } // namespace
 
-const QList<FaultCase>& linkFaultCases()
-{
-    using A = FaultAction;
-    static const QList<FaultCase> cases = {
-        {{"refuse=ground"}, A::Link, failed},
-        {{"refuse=control"}, A::Link, failed},
-        {{"refuse"}, A::Link, failed},
-        {{"down=ground"}, A::Link, failed},
-        {{"down=control"}, A::Link, failed},
-        {{"never-accept=control,ground"}, A::Link, unheard},
-        {{"silent=control,ground"}, A::Link, unheard},
-        {{"silent=control,ground", "clear silent"}, A::Link, linked},
-        {{"silent=ground"}, A::Link, linked},
-        {{"refuse=control", "drop control"},
-         A::Linked,
-         "Link Success!, Link Fail! / v7 v3 v6 v1 v0.1"},
-        {{"refuse=control", "drop control", "clear refuse"}, A::Linked, lostAndBack},
-        {{"drop control"}, A::Linked, lostAndBack},
-        {{"drop ground"}, A::Linked, linked},
-        {{"down=control,ground"}, A::Linked, linked},
-        {{"down=control", "clear down"}, A::Linked, lostAndBack},
-        {{"reboot=1"}, A::Linked, lostAndBack},
-        {{"flapping=300"},
-         A::Linked,
-         "Link Success!, Link Fail!, Link Success!, Link Fail! / v7 v3 v6 v1 v0.1..."},
+const QList<FaultCase> linkFaults = {
+    {{"refuse=ground"}, A::Link, failed},
+    {{"refuse=control"}, A::Link, failed},
+    {{"refuse"}, A::Link, failed},
+    {{"down=ground"}, A::Link, failed},
+    {{"down=control"}, A::Link, failed},
+    {{"never-accept=control,ground"}, A::Link, unheard},
+    {{"silent=control,ground"}, A::Link, unheard},
+    {{"silent=control,ground", "clear silent"}, A::Link, linked},
+    {{"silent=ground"}, A::Link, linked},
+    {{"refuse=control", "drop control"}, A::Linked, "Link Success!, Link Fail! / v7 v3 v6 v1 v0.1"},
+    {{"refuse=control", "drop control", "clear refuse"}, A::Linked, lostAndBack},
+    {{"drop control"}, A::Linked, lostAndBack},
+    {{"drop ground"}, A::Linked, linked},
+    {{"down=control,ground"}, A::Linked, linked},
+    {{"down=control", "clear down"}, A::Linked, lostAndBack},
+    {{"reboot=1"}, A::Linked, lostAndBack},
+    {{"flapping=300"},
+     A::Linked,
+     "Link Success!, Link Fail!, Link Success!, Link Fail! / v7 v3 v6 v1 v0.1..."},
 
-        {{"no-heartbeat"}, A::Link, linked},
-        {{"no-heartbeat=ground"}, A::Link, linked},
-        {{"heartbeat-interval=100"}, A::Link, linked},
-        {{"wrong-start=other"}, A::Link, unheard},
-        {{"wrong-start=5A"}, A::Link, unheard},
-        {{"unknown-type"}, A::Link, linked},
-        {{"early-version"}, A::Link, linked},
-        {{"no-version"}, A::Link, unheard},
-        // Half a frame counts as a frame if it has a start byte and a type.
-        {{"split-frames"}, A::Link, "Link Success! / v7 v3 v0 v0 v0"},
-        {{"split-version"}, A::Link, "Link Success! / v7 v3 v0 v0 v0"},
-        // Only the start of a segment is examined.
-        {{"two-frames=heartbeat"}, A::Link, unheard},
-        {{"two-frames=version"}, A::Link, linked},
-        {{"long-segment=106"}, A::Link, linked},
-        {{"long-segment=4000"}, A::Link, linked},
-        {{"high-bit-version"}, A::Link, "Link Success! / v-1 v1.44 v-327.68 v-2.57 v-1.28"},
-        {{"reset-mid-frame", "only=control"},
-         A::Link,
-         "Link Success!, Link Fail!, Link Success! / v7 v3 v6 v1 v0.1..."},
-        {{"half-close", "only=control"},
-         A::Link,
-         "Link Success!, Link Fail!, Link Success! / v7 v3 v6 v1 v0.1..."},
-        {{"half-close", "only=ground"}, A::Link, linked},
-    };
-    return cases;
-}
+    {{"no-heartbeat"}, A::Link, linked},
+    {{"no-heartbeat=ground"}, A::Link, linked},
+    {{"heartbeat-interval=100"}, A::Link, linked},
+    {{"wrong-start=other"}, A::Link, unheard},
+    {{"wrong-start=5A"}, A::Link, unheard},
+    {{"unknown-type"}, A::Link, linked},
+    {{"early-version"}, A::Link, linked},
+    {{"no-version"}, A::Link, unheard},
+    // Half a frame counts as a frame if it has a start byte and a type.
+    {{"split-frames"}, A::Link, "Link Success! / v7 v3 v0 v0 v0"},
+    {{"split-version"}, A::Link, "Link Success! / v7 v3 v0 v0 v0"},
+    // Only the start of a segment is examined.
+    {{"two-frames=heartbeat"}, A::Link, unheard},
+    {{"two-frames=version"}, A::Link, linked},
+    {{"long-segment=106"}, A::Link, linked},
+    {{"long-segment=4000"}, A::Link, linked},
+    {{"high-bit-version"}, A::Link, "Link Success! / v-1 v1.44 v-327.68 v-2.57 v-1.28"},
+    {{"reset-mid-frame", "only=control"},
+     A::Link,
+     "Link Success!, Link Fail!, Link Success! / v7 v3 v6 v1 v0.1..."},
+    {{"half-close", "only=control"},
+     A::Link,
+     "Link Success!, Link Fail!, Link Success! / v7 v3 v6 v1 v0.1..."},
+    {{"half-close", "only=ground"}, A::Link, linked},
+};
 
 // The cases below take several seconds each, because the heartbeat limit and the reboot run in real
 // time. Each list has its own test class, so that CTest can run the lists in parallel.
-const QList<FaultCase>& heartbeatKeptFaultCases()
-{
-    static const QList<FaultCase> cases = {
-        {{"heartbeat-pause=5", "unknown-type"}, FaultAction::Link, linked, 6500},
-        // The sixth second ends only when the heartbeat is about to arrive.
-        {{"heartbeat-pause=6", "unknown-type"}, FaultAction::Link, linked, 7500},
-        // The program checks the limit only after a receive, and nothing else arrives.
-        {{"heartbeat-stops=1"}, FaultAction::Link, linked, 7500},
-    };
-    return cases;
-}
+const QList<FaultCase> heartbeatKeptFaults = {
+    {{"heartbeat-pause=5", "unknown-type"}, A::Link, linked, 6500},
+    // The sixth second ends only when the heartbeat is about to arrive.
+    {{"heartbeat-pause=6", "unknown-type"}, A::Link, linked, 7500},
+    // The program checks the limit only after a receive, and nothing else arrives.
+    {{"heartbeat-stops=1"}, A::Link, linked, 7500},
+};
 
-const QList<FaultCase>& heartbeatLostFaultCases()
-{
-    static const QList<FaultCase> cases = {
-        {{"heartbeat-pause=7", "unknown-type"}, FaultAction::Link, lostAndBack + "..."},
-        {{"heartbeat-stops=1", "unknown-type"}, FaultAction::Link, lostAndBack + "..."},
-    };
-    return cases;
-}
+const QList<FaultCase> heartbeatLostFaults = {
+    {{"heartbeat-pause=7", "unknown-type"}, A::Link, lostAndBack + "..."},
+    {{"heartbeat-stops=1", "unknown-type"}, A::Link, lostAndBack + "..."},
+};
 
-const QList<FaultCase>& rebootFaultCases()
-{
-    static const QList<FaultCase> cases = {
-        {{"reboot=10"}, FaultAction::Linked, lostAndBack},
-    };
-    return cases;
-}
+const QList<FaultCase> rebootFaults = {
+    {{"reboot=10"}, A::Linked, lostAndBack},
+};

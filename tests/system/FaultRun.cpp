@@ -5,12 +5,8 @@
 #include "tests/kit/WindowTexts.h"
 
 #include <QByteArray>
-#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QFileDevice>
-#include <QIODevice>
 #include <QLineEdit>
 #include <QList>
 #include <QMessageBox>
@@ -24,18 +20,6 @@ namespace {
 constexpr qint64 closingLimit = 2000; // milliseconds
 constexpr int steadyTime = 450;       // milliseconds
 constexpr int reportInterval = 2000;  // milliseconds, much longer than a report takes
-constexpr int largeSize = 40'000;
-constexpr int smallSize = 500;
-
-bool writeRecording(const QString& path, int size, const char* changed)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(FaultRun::content(size)) == size &&
-           file.flush() &&
-           file.setFileTime(QDateTime::fromString(changed, Qt::ISODate),
-                            QFileDevice::FileModificationTime);
-}
-
 /// Returns the text with line endings escaped, and long runs of a character replaced by the
 /// character and their length.
 QString shown(const QString& text)
@@ -48,8 +32,7 @@ QString shown(const QString& text)
         }
         QString one(text.at(i));
         one.replace('\r', "\\r").replace('\n', "\\n");
-        result +=
-            end - i > 20 ? QStringLiteral("%1{%2}").arg(one).arg(end - i) : one.repeated(end - i);
+        result += end - i > 20 ? QString("%1{%2}").arg(one).arg(end - i) : one.repeated(end - i);
         i = end;
     }
     return result;
@@ -80,21 +63,16 @@ QList<QByteArray> FaultCase::faultNames() const
     return names;
 }
 
+const std::vector<CardFile> FaultRun::recordings = {
+    {"REC00001.MP4", 40'000},
+    {"REC00002.MP4", 500, "2021-12-31T23:59:59Z"},
+};
+
 FaultRun::FaultRun()
 {
     // The files of an earlier case must not be mistaken for those of this one.
     QDir(QDir::homePath()).removeRecursively();
     QDir().mkpath(QDir::homePath() + "/Desktop");
-}
-
-QByteArray FaultRun::content(int size)
-{
-    QByteArray content;
-    content.reserve(size);
-    for (int i = 0; i < size; ++i) {
-        content.append(static_cast<char>((i * 7 + i / 251) & 0xFF));
-    }
-    return content;
 }
 
 QString FaultRun::downloadPath(const QString& name)
@@ -104,8 +82,7 @@ QString FaultRun::downloadPath(const QString& name)
 
 void FaultRun::startSimulator(const QStringList& arguments)
 {
-    QVERIFY(writeRecording(m_folder.filePath("REC00001.MP4"), largeSize, "2020-01-31T12:45:02Z"));
-    QVERIFY(writeRecording(m_folder.filePath("REC00002.MP4"), smallSize, "2021-12-31T23:59:59Z"));
+    QVERIFY(writeCard(m_folder.path(), recordings));
     QVERIFY2(
         m_simulator.start(QStringList{"--card", m_folder.path(), "--heartbeat", "200"} + arguments),
         qPrintable(m_simulator.error()));
@@ -146,7 +123,7 @@ void FaultRun::download(int row)
     m_user->chooseRows({row});
     const support::StdoutCapture standardOutput;
     m_user->clickDownload();
-    QCOMPARE(m_user->downloadCount(), QStringLiteral("1/1"));
+    QCOMPARE(m_user->downloadCount(), QString("1/1"));
     QVERIFY(support::eventually([this] { return m_user->isIdle(); }));
     m_printed = standardOutput.text();
 }
@@ -167,31 +144,12 @@ QString FaultRun::seenTable() const
     QStringList lines;
     for (int row = 0; row < rows; ++row) {
         if (rows > shownRows && row == 1) {
-            lines += QStringLiteral("[%1 rows]").arg(rows);
+            lines += QString("[%1 rows]").arg(rows);
             row = rows - 1;
         }
         lines += shown(m_user->row(row).join('|'));
     }
-    return lines.isEmpty() ? QStringLiteral("no rows") : lines.join('\n');
-}
-
-QString FaultRun::seenFile(const QString& path, int size)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return QStringLiteral("no file");
-    }
-    const QByteArray bytes = file.readAll();
-    const QByteArray whole = content(size);
-    if (bytes == whole) {
-        return QStringLiteral("whole");
-    }
-    if (bytes.isEmpty()) {
-        return QStringLiteral("empty");
-    }
-    return (whole.startsWith(bytes) ? QStringLiteral("first %1 bytes")
-                                    : QStringLiteral("%1 other bytes"))
-        .arg(bytes.size());
+    return lines.isEmpty() ? QString("no rows") : lines.join('\n');
 }
 
 bool FaultRun::eventuallyReported(const std::function<bool()>& condition)
@@ -247,7 +205,7 @@ void FaultRun::playDownload(const FaultCase& faultCase, int row)
     const QString name = QString::fromLatin1(m_user->names().at(row).toLatin1());
     download(row);
     QString printed = QString::fromLatin1(m_printed).trimmed().replace('\n', "; ");
-    QCOMPARE(seenFile(downloadPath(name), row == 0 ? largeSize : smallSize) +
+    QCOMPARE(seenFile(downloadPath(name), recordings.at(row).content()) +
                  (printed.isEmpty() ? QString() : ", " + printed),
              faultCase.expected);
     // The home folder contains nothing else.
@@ -269,7 +227,7 @@ void FaultRun::playStalled(const FaultCase& faultCase)
     const support::StdoutCapture standardOutput;
     m_user->clickDownload();
     const auto seen = [this] {
-        return QStringLiteral("%1 %2, bar %3 of %4, button %5")
+        return QString("%1 %2, bar %3 of %4, button %5")
             .arg(m_user->downloadLabel(), m_user->downloadCount())
             .arg(m_user->progressBar().isVisible() ? QString::number(m_user->progressBar().value())
                                                    : "hidden")

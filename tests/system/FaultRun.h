@@ -4,9 +4,11 @@
 #include "tests/kit/SimulatorProcess.h"
 #include "tests/kit/UserWindow.h"
 #include "tests/system/FaultCase.h"
+#include "tests/system/SimulatedCard.h"
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 #include <QByteArray>
 #include <QString>
@@ -17,12 +19,14 @@ namespace support {
 class StdoutCapture;
 }
 
-/// The real window with the built simulator, whose card contains REC00001.MP4 (40,000 bytes) and
-/// REC00002.MP4 (500 bytes). Created for each case, with an empty home folder; a failed step fails
-/// the calling test function.
+/// The real window with the built simulator, whose card contains two recordings. Created for each
+/// case, with an empty home folder; a failed step fails the calling test function.
 class FaultRun
 {
 public:
+    /// The files of the card, in the order of the rows.
+    static const std::vector<CardFile> recordings;
+
     FaultRun();
 
     /// Performs the case, compares what is seen, then closes the window.
@@ -43,10 +47,6 @@ public:
     UserWindow& user() { return *m_user; }
     const QByteArray& printed() const { return m_printed; }
     QString seenTable() const;
-    /// Returns the state of a recording: "whole", "empty", "first 100 bytes", "41 other bytes", "no
-    /// file".
-    static QString seenFile(const QString& path, int size);
-    static QByteArray content(int size);
     static QString downloadPath(const QString& name);
 
 private:

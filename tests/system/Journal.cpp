@@ -23,7 +23,7 @@ QString value(const QJsonObject& line, const char* name)
 
 QString heartbeatOf(const QString& device)
 {
-    return device == "ground" ? QStringLiteral("bbaf0401005e") : QStringLiteral("aaaf0401005e");
+    return device == "ground" ? QString("bbaf0401005e") : QString("aaaf0401005e");
 }
 
 /// Returns the bytes as lines of text with special characters escaped. Each line begins with the
@@ -54,9 +54,8 @@ QStringList shownText(const QString& mark, const QByteArray& bytes)
 
 QString shownClose(const QJsonObject& line)
 {
-    return value(line, "by") == "peer"
-               ? QStringLiteral("closed by the client")
-               : QStringLiteral("closed by the device: ") + value(line, "reason");
+    return value(line, "by") == "peer" ? QString("closed by the client")
+                                       : QString("closed by the device: ") + value(line, "reason");
 }
 
 QString shownOpen(const QJsonObject& line)
@@ -80,11 +79,11 @@ QStringList cameraLines(const QList<QJsonObject>& connection)
         if (event == "open") {
             lines += shownOpen(line);
         } else if (event == "request") {
-            lines += QStringLiteral("request %1: %2")
+            lines += QString("request %1: %2")
                          .arg(line.value("exchange").toInt())
                          .arg(value(line, "kind"));
         } else if (event == "sent" && line.contains("crc32")) {
-            lines += QStringLiteral("< %1 bytes with CRC-32 %2")
+            lines += QString("< %1 bytes with CRC-32 %2")
                          .arg(line.value("count").toInt())
                          .arg(value(line, "crc32"));
         } else if (event == "sent") {
@@ -146,7 +145,7 @@ public:
         const int heartbeats = static_cast<int>(m_sent.count(m_heartbeat));
         const int answers = static_cast<int>(frames.count(heartbeatAnswer));
         if (answers > heartbeats || answers < heartbeats - 1) {
-            lines += QStringLiteral("%1 answers to %2 heartbeats").arg(answers).arg(heartbeats);
+            lines += QString("%1 answers to %2 heartbeats").arg(answers).arg(heartbeats);
         }
         return lines + QStringList(m_end);
     }
@@ -165,7 +164,7 @@ private:
     QStringList m_lines;
     QStringList m_sent;
     QString m_received;
-    QString m_end = QStringLiteral("open");
+    QString m_end = QString("open");
 };
 
 QStringList moduleLines(const QString& device, const QList<QJsonObject>& connection)
@@ -248,7 +247,7 @@ QString Journal::text() const
     for (const auto& [device, connections] : devices) {
         for (const auto& [number, connection] : connections) {
             lines += QString();
-            lines += QStringLiteral("[%1 %2]").arg(device).arg(number);
+            lines += QString("[%1 %2]").arg(device).arg(number);
             lines += device == "camera" ? cameraLines(connection) : moduleLines(device, connection);
         }
     }

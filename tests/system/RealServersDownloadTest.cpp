@@ -1,7 +1,7 @@
 // Downloads from third-party web servers at the camera's address.
-#include "RealServer.h"
-#include "TestBodies.h"
+#include "RealServers.h"
 #include "download/DownloadFileThread.h"
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 #include <memory>
@@ -84,7 +84,12 @@ QByteArray RealServersDownloadTest::recording(const QString& name)
 
 void RealServersDownloadTest::aRecordingArrivesWhole_data()
 {
-    addServersAndSizes({RealServer::Nginx, RealServer::Lighttpd});
+    const support::Rows<RealServer::Kind, int> row("kind", "size");
+    for (const auto kind : {RealServer::Nginx, RealServer::Lighttpd}) {
+        for (const int size : sizes) {
+            row(qPrintable(QString("%1, %2 B").arg(serverName(kind)).arg(size)), kind, size);
+        }
+    }
 }
 
 void RealServersDownloadTest::aRecordingArrivesWhole()
@@ -131,9 +136,9 @@ void RealServersDownloadTest::errorPageOfAMissingRecordingIsSavedAsItsContent()
 
 void RealServersDownloadTest::aRecordingWithoutALengthStaysEmpty_data()
 {
-    QTest::addColumn<QString>("prefix");
-    QTest::newRow("chunked") << RealServer::chunkedPath({});
-    QTest::newRow("ended by closing") << RealServer::closingPath({});
+    const support::Rows<QString> row("prefix");
+    row("chunked", RealServer::chunkedPath({}));
+    row("ended by closing", RealServer::closingPath({}));
 }
 
 void RealServersDownloadTest::aRecordingWithoutALengthStaysEmpty()

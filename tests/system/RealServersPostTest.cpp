@@ -1,12 +1,7 @@
 // POST exchanges of the HTTP client, checked by CGI programs of third-party web servers.
-#include "BoundedExchange.h"
-#include "RealServer.h"
-#include "TestBodies.h"
-#include "http/HTTPClient.h"
+#include "RealServers.h"
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
-
-#include <map>
-#include <memory>
 
 #include <QCryptographicHash>
 
@@ -43,7 +38,7 @@ for part in message.iter_parts():
 sys.stdout.write("Content-Type: text/plain\r\nContent-Length: %d\r\n\r\n" % len(text) + text)
 )";
 
-QByteArray digest(const QByteArray& bytes)
+QString digest(const QByteArray& bytes)
 {
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
 }
@@ -67,24 +62,20 @@ private slots:
     void aPostToAFileIsRefused();
 
 private:
-    RealServer& server(RealServer::Kind kind) { return *m_servers[kind]; }
     static Outcome post(RealServer& server, const QString& path, const QByteArray& data,
                         const std::string& type);
 
-    std::map<RealServer::Kind, std::unique_ptr<RealServer>> m_servers;
+    RealServers m_servers;
 };
 
 void RealServersPostTest::initTestCase()
 {
-    int port = 8081;
-    for (const auto kind : {RealServer::Nginx, RealServer::Lighttpd, RealServer::Busybox}) {
-        auto& server = m_servers[kind];
-        server = std::make_unique<RealServer>(kind, "127.0.0.1", port++);
-        QVERIFY(server->publish(fileName(5), body(5)));
-        QVERIFY(server->publishProgram("cgi-bin/receive.cgi", receivingProgram));
-        QVERIFY(server->publishProgram("cgi-bin/take-apart.cgi", takingApartProgram));
-        QVERIFY2(server->start(), qPrintable(server->error()));
-    }
+    const QString error = m_servers.start([](RealServer& server) {
+        return server.publish(fileName(5), body(5)) &&
+               server.publishProgram("cgi-bin/receive.cgi", receivingProgram) &&
+               server.publishProgram("cgi-bin/take-apart.cgi", takingApartProgram);
+    });
+    QVERIFY2(error.isEmpty(), qPrintable(error));
 }
 
 Outcome RealServersPostTest::post(RealServer& server, const QString& path, const QByteArray& data,
@@ -118,16 +109,16 @@ void RealServersPostTest::aPostedBodyIsReadBackByAnotherProgram()
     QFETCH(RealServer::Kind, kind);
     QFETCH(int, size);
     const Outcome outcome =
-        post(server(kind), "cgi-bin/receive.cgi?", body(size), "application/x-dive");
+        post(m_servers[kind], "cgi-bin/receive.cgi?", body(size), "application/x-dive");
     QVERIFY(outcome.result);
     QCOMPARE(outcome.response.statusCode, 200);
-    QCOMPARE(outcome.bytes(), "POST application/x-dive " + QByteArray::number(size) + " " +
-                                  digest(body(size)) + "\n");
+    QCOMPARE(QString(outcome.bytes()),
+             QString("POST application/x-dive %1 %2\n").arg(size).arg(digest(body(size))));
 }
 
 void RealServersPostTest::aBodyPostedInStepsIsReadBackByAnotherProgram()
 {
-    RealServer& lighttpd = server(RealServer::Lighttpd);
+    RealServer& lighttpd = m_servers[RealServer::Lighttpd];
     const std::string data = body(25000).toStdString();
     const Outcome outcome = bounded(lighttpd, [&] {
         Outcome steps;
@@ -145,7 +136,7 @@ void RealServersPostTest::aBodyPostedInStepsIsReadBackByAnotherProgram()
         return steps;
     });
     QVERIFY(outcome.result);
-    QCOMPARE(outcome.bytes(), "POST text/plain 25000 " + digest(body(25000)) + "\n");
+    QCOMPARE(QString(outcome.bytes()), "POST text/plain 25000 " + digest(body(25000)) + "\n");
 }
 
 void RealServersPostTest::aMultipartBodyIsReadByAnotherParser_data()
@@ -169,31 +160,23 @@ void RealServersPostTest::aMultipartBodyIsReadByAnotherParser()
     HTTPClient().makeMultipartBody(multipart, data);
 
     const Outcome outcome =
-        post(server(kind), "cgi-bin/take-apart.cgi", QByteArray::fromStdString(data),
+        post(m_servers[kind], "cgi-bin/take-apart.cgi", QByteArray::fromStdString(data),
              "multipart/form-data; boundary=dive-boundary");
     QVERIFY(outcome.result);
     QCOMPARE(QString::fromUtf8(outcome.bytes()),
-             QString::fromUtf8("multipart/form-data defects=0\n"
-                               "depth | None | text/plain | 6 " +
-                               digest("12.5\r\n") +
-                               "\n"
-                               "recording | BELUN_0001.mp4 | video/mp4 | 25000 " +
-                               digest(body(25000)) +
-                               "\n"
-                               "nothing | None | text/plain | 0 " +
-                               digest({}) + "\n"));
+             QString("multipart/form-data defects=0\n"
+                     "depth | None | text/plain | 6 %1\n"
+                     "recording | BELUN_0001.mp4 | video/mp4 | 25000 %2\n"
+                     "nothing | None | text/plain | 0 %3\n")
+                 .arg(digest("12.5\r\n"), digest(body(25000)), digest({})));
 }
 
 void RealServersPostTest::aPostsAnswerWithoutALengthStaysUnread_data()
 {
-    QTest::addColumn<RealServer::Kind>("kind");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<bool>("chunked");
-    QTest::newRow("busybox, ended by closing")
-        << RealServer::Busybox << "cgi-bin/receive.cgi?no-length" << false;
-    QTest::newRow("lighttpd, chunked")
-        << RealServer::Lighttpd << RealServer::streamedPath("cgi-bin/receive.cgi?no-length")
-        << true;
+    const support::Rows<RealServer::Kind, QString, bool> row("kind", "path", "chunked");
+    const QString path = "cgi-bin/receive.cgi?no-length";
+    row("busybox, ended by closing", RealServer::Busybox, path, false);
+    row("lighttpd, chunked", RealServer::Lighttpd, RealServer::streamedPath(path), true);
 }
 
 void RealServersPostTest::aPostsAnswerWithoutALengthStaysUnread()
@@ -201,7 +184,7 @@ void RealServersPostTest::aPostsAnswerWithoutALengthStaysUnread()
     QFETCH(RealServer::Kind, kind);
     QFETCH(QString, path);
     QFETCH(bool, chunked);
-    const Outcome outcome = post(server(kind), path, body(25000), "text/plain");
+    const Outcome outcome = post(m_servers[kind], path, body(25000), "text/plain");
     QVERIFY(outcome.result);
     QCOMPARE(outcome.response.statusCode, 200);
     QCOMPARE(outcome.response.chunked, chunked);
@@ -210,7 +193,8 @@ void RealServersPostTest::aPostsAnswerWithoutALengthStaysUnread()
 
 void RealServersPostTest::aPostToAFileIsRefused()
 {
-    const Outcome outcome = post(server(RealServer::Nginx), fileName(5), body(25000), "text/plain");
+    const Outcome outcome =
+        post(m_servers[RealServer::Nginx], fileName(5), body(25000), "text/plain");
     QVERIFY(outcome.result);
     QCOMPARE(outcome.response.statusCode, 405);
     QVERIFY2(outcome.body.find("405 Not Allowed") != std::string::npos, outcome.body.c_str());

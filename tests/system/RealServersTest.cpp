@@ -1,12 +1,8 @@
 // GET exchanges of the HTTP client with third-party web servers.
-#include "BoundedExchange.h"
-#include "RealServer.h"
-#include "TestBodies.h"
-#include "http/HTTPClient.h"
-#include "tests/kit/TestMain.h"
+#include "RealServers.h"
 
-#include <map>
-#include <memory>
+#include "tests/kit/Rows.h"
+#include "tests/kit/TestMain.h"
 
 #include <sys/ioctl.h>
 
@@ -39,14 +35,8 @@ class RealServersTest : public QObject
 private slots:
     void initTestCase();
 
-    void aBodyOfAnnouncedLengthArrivesWhole_data();
-    void aBodyOfAnnouncedLengthArrivesWhole();
-    void aChunkedBodyArrivesWhole_data();
-    void aChunkedBodyArrivesWhole();
-    void aCgiAnswerWithALengthArrivesWhole_data();
-    void aCgiAnswerWithALengthArrivesWhole();
-    void aBufferedCgiAnswerGetsItsLengthFromTheServer();
-    void aStreamedCgiAnswerIsChunkedAndArrivesWhole();
+    void aBodyArrivesWhole_data();
+    void aBodyArrivesWhole();
     void aBodyWithoutALengthEndsWithTheFirstReceive_data();
     void aBodyWithoutALengthEndsWithTheFirstReceive();
     void anEmptyBodyWaitsUntilTheServerCloses_data();
@@ -59,28 +49,22 @@ private slots:
     void aGetInStepsIsOneConnection();
 
 private:
-    RealServer& server(RealServer::Kind kind) { return *m_servers[kind]; }
     static Outcome get(RealServer& server, const QString& path);
     static Outcome getOn(RealServer& server, const QString& path, HTTPResponse response);
     static Outcome getWhenThereAre(int bytes, RealServer& server, const QString& path,
                                    HTTPResponse response = {});
 
-    std::map<RealServer::Kind, std::unique_ptr<RealServer>> m_servers;
+    RealServers m_servers;
 };
 
 void RealServersTest::initTestCase()
 {
-    int port = 8081;
-    for (const auto kind : {RealServer::Nginx, RealServer::Lighttpd, RealServer::Busybox}) {
-        auto& server = m_servers[kind];
-        server = std::make_unique<RealServer>(kind, "127.0.0.1", port++);
-        QVERIFY(publishBodies(*server, {}));
-        QVERIFY(publishBodies(*server, "cgi-bin/"));
-        QVERIFY(server->publish("empty.bin", {}));
-        QVERIFY(server->publish("folder/file", "file"));
-        QVERIFY(server->publishProgram("cgi-bin/send.cgi", sendingProgram));
-        QVERIFY2(server->start(), qPrintable(server->error()));
-    }
+    const QString error = m_servers.start([](RealServer& server) {
+        return publishBodies(server, {}) && publishBodies(server, "cgi-bin/") &&
+               server.publish("empty.bin", {}) && server.publish("folder/file", "file") &&
+               server.publishProgram("cgi-bin/send.cgi", sendingProgram);
+    });
+    QVERIFY2(error.isEmpty(), qPrintable(error));
 }
 
 Outcome RealServersTest::getOn(RealServer& server, const QString& path, HTTPResponse response)
@@ -127,91 +111,58 @@ Outcome RealServersTest::getWhenThereAre(int bytes, RealServer& server, const QS
     });
 }
 
-void RealServersTest::aBodyOfAnnouncedLengthArrivesWhole_data()
+void RealServersTest::aBodyArrivesWhole_data()
 {
-    addServersAndSizes({RealServer::Nginx, RealServer::Lighttpd, RealServer::Busybox});
+    using Kind = RealServer::Kind;
+    const support::Rows<Kind, QString, int, bool> row("kind", "path", "size", "chunked");
+    const auto rows = [&row](Kind kind, const char* how, const QString& folder, int size,
+                             bool chunked) {
+        row(qPrintable(QString("%1, %2, %3 B").arg(serverName(kind), how).arg(size)), kind,
+            folder + fileName(size), size, chunked);
+    };
+    for (const int size : sizes) {
+        rows(Kind::Nginx, "file", "", size, false);
+        rows(Kind::Lighttpd, "file", "", size, false);
+        rows(Kind::Busybox, "file", "", size, false);
+        rows(Kind::Nginx, "chunked", RealServer::chunkedPath({}), size, true);
+    }
+    const QString sender = "cgi-bin/send.cgi?";
+    for (const int size : {5, 25000, megabyte}) {
+        rows(Kind::Lighttpd, "CGI", sender + "with-length&", size, false);
+        rows(Kind::Busybox, "CGI", sender + "with-length&", size, false);
+    }
+    // The server adds the length to a CGI answer that it buffers.
+    rows(Kind::Lighttpd, "buffered CGI", sender + "without-length&", 25000, false);
+    rows(Kind::Lighttpd, "streamed CGI", RealServer::streamedPath(sender + "without-length&"),
+         megabyte, true);
 }
 
-void RealServersTest::aBodyOfAnnouncedLengthArrivesWhole()
+void RealServersTest::aBodyArrivesWhole()
 {
     QFETCH(RealServer::Kind, kind);
+    QFETCH(QString, path);
     QFETCH(int, size);
-    const Outcome outcome = get(server(kind), fileName(size));
+    QFETCH(bool, chunked);
+    const Outcome outcome = get(m_servers[kind], path);
     QVERIFY(outcome.result);
     QCOMPARE(outcome.response.statusCode, 200);
-    QVERIFY(!outcome.response.chunked);
-    QCOMPARE(outcome.response.contentLength, static_cast<std::uint32_t>(size));
+    QCOMPARE(outcome.response.chunked, chunked);
+    QCOMPARE(outcome.response.lastChunkSeen, chunked);
+    QCOMPARE(outcome.response.contentLength, static_cast<std::uint32_t>(chunked ? 0 : size));
     QCOMPARE(outcome.response.received, static_cast<std::uint32_t>(size));
     COMPARE_BODIES(outcome.bytes(), body(size));
-}
-
-void RealServersTest::aChunkedBodyArrivesWhole_data()
-{
-    addServersAndSizes({RealServer::Nginx});
-}
-
-void RealServersTest::aChunkedBodyArrivesWhole()
-{
-    QFETCH(RealServer::Kind, kind);
-    QFETCH(int, size);
-    const Outcome outcome = get(server(kind), RealServer::chunkedPath(fileName(size)));
-    QVERIFY(outcome.result);
-    QVERIFY(outcome.response.chunked);
-    QVERIFY(outcome.response.lastChunkSeen);
-    QCOMPARE(outcome.response.contentLength, 0U);
-    QCOMPARE(outcome.response.received, static_cast<std::uint32_t>(size));
-    COMPARE_BODIES(outcome.bytes(), body(size));
-}
-
-void RealServersTest::aCgiAnswerWithALengthArrivesWhole_data()
-{
-    addServers({RealServer::Lighttpd, RealServer::Busybox});
-}
-
-void RealServersTest::aCgiAnswerWithALengthArrivesWhole()
-{
-    QFETCH(RealServer::Kind, kind);
-    for (const int size : {5, 25000, megabyte}) {
-        const Outcome outcome = get(server(kind), "cgi-bin/send.cgi?with-length&" + fileName(size));
-        QVERIFY(outcome.result);
-        QCOMPARE(outcome.response.statusCode, 200);
-        QCOMPARE(outcome.response.contentLength, static_cast<std::uint32_t>(size));
-        COMPARE_BODIES(outcome.bytes(), body(size));
-    }
-}
-
-void RealServersTest::aBufferedCgiAnswerGetsItsLengthFromTheServer()
-{
-    const Outcome outcome =
-        get(server(RealServer::Lighttpd), "cgi-bin/send.cgi?without-length&" + fileName(25000));
-    QVERIFY(outcome.result);
-    QCOMPARE(outcome.response.contentLength, 25000U);
-    COMPARE_BODIES(outcome.bytes(), body(25000));
-}
-
-void RealServersTest::aStreamedCgiAnswerIsChunkedAndArrivesWhole()
-{
-    const Outcome outcome =
-        get(server(RealServer::Lighttpd),
-            RealServer::streamedPath("cgi-bin/send.cgi?without-length&" + fileName(megabyte)));
-    QVERIFY(outcome.result);
-    QVERIFY(outcome.response.chunked);
-    COMPARE_BODIES(outcome.bytes(), body(megabyte));
 }
 
 void RealServersTest::aBodyWithoutALengthEndsWithTheFirstReceive_data()
 {
-    QTest::addColumn<RealServer::Kind>("kind");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<int>("size");
-    QTest::addColumn<int>("taken");
-    const auto addRows = [](RealServer::Kind kind, const QString& before) {
-        QTest::addRow("%s, 5 B", serverName(kind)) << kind << before + fileName(5) << 5 << 5;
-        QTest::addRow("%s, 25,000 B", serverName(kind))
-            << kind << before + fileName(25000) << 25000 << 10240;
-    };
-    addRows(RealServer::Nginx, RealServer::closingPath({}));
-    addRows(RealServer::Busybox, "cgi-bin/send.cgi?without-length&");
+    using Kind = RealServer::Kind;
+    const support::Rows<Kind, QString, int, int> row("kind", "path", "size", "taken");
+    const QString closing = RealServer::closingPath({});
+    const QString sender = "cgi-bin/send.cgi?without-length&";
+    row("nginx, 5 B", Kind::Nginx, closing + fileName(5), 5, 5);
+    row("nginx, 25,000 B", Kind::Nginx, closing + fileName(25000), 25000, 10240);
+    row("busybox, 5 B", Kind::Busybox, sender + fileName(5), 5, 5);
+    row("busybox, 25,000 B", Kind::Busybox, sender + fileName(25000), 25000, 10240);
 }
 
 void RealServersTest::aBodyWithoutALengthEndsWithTheFirstReceive()
@@ -220,7 +171,7 @@ void RealServersTest::aBodyWithoutALengthEndsWithTheFirstReceive()
     QFETCH(QString, path);
     QFETCH(int, size);
     QFETCH(int, taken);
-    Outcome outcome = getWhenThereAre(size, server(kind), path);
+    Outcome outcome = getWhenThereAre(size, m_servers[kind], path);
     QVERIFY(outcome.result);
     QVERIFY(!outcome.response.chunked);
     QCOMPARE(outcome.response.contentLength, 0U);
@@ -228,7 +179,7 @@ void RealServersTest::aBodyWithoutALengthEndsWithTheFirstReceive()
 
     // Without an announced length, a GET returns the bytes of exactly one receive, however many
     // those are.
-    outcome = get(server(kind), path);
+    outcome = get(m_servers[kind], path);
     QVERIFY(outcome.result);
     QVERIFY2(!outcome.body.empty() && outcome.body.size() <= 10240,
              QByteArray::number(outcome.bytes().size()));
@@ -237,18 +188,17 @@ void RealServersTest::aBodyWithoutALengthEndsWithTheFirstReceive()
 
 void RealServersTest::anEmptyBodyWaitsUntilTheServerCloses_data()
 {
-    QTest::addColumn<RealServer::Kind>("kind");
-    QTest::addColumn<bool>("keepsOpen");
-    QTest::newRow("nginx keeps the connection open") << RealServer::Nginx << true;
-    QTest::newRow("lighttpd keeps the connection open") << RealServer::Lighttpd << true;
-    QTest::newRow("busybox closes at once") << RealServer::Busybox << false;
+    const support::Rows<RealServer::Kind, bool> row("kind", "keepsOpen");
+    row("nginx keeps the connection open", RealServer::Nginx, true);
+    row("lighttpd keeps the connection open", RealServer::Lighttpd, true);
+    row("busybox closes at once", RealServer::Busybox, false);
 }
 
 void RealServersTest::anEmptyBodyWaitsUntilTheServerCloses()
 {
     QFETCH(RealServer::Kind, kind);
     QFETCH(bool, keepsOpen);
-    const Outcome outcome = get(server(kind), "empty.bin");
+    const Outcome outcome = get(m_servers[kind], "empty.bin");
     QVERIFY(!outcome.result);
     QCOMPARE(outcome.response.statusCode, 200);
     QCOMPARE(outcome.response.headers.at("Content-Length"), std::string("0"));
@@ -268,7 +218,7 @@ void RealServersTest::aMissingFileIsAnAnswerWithItsStatusAndPage_data()
 void RealServersTest::aMissingFileIsAnAnswerWithItsStatusAndPage()
 {
     QFETCH(RealServer::Kind, kind);
-    const Outcome outcome = get(server(kind), "no/such/file");
+    const Outcome outcome = get(m_servers[kind], "no/such/file");
     QVERIFY(outcome.result);
     QCOMPARE(outcome.response.statusCode, 404);
     if (kind != RealServer::Busybox) { // its error pages have no length
@@ -280,7 +230,7 @@ void RealServersTest::aMissingFileIsAnAnswerWithItsStatusAndPage()
 
 void RealServersTest::aRedirectionIsNotFollowed()
 {
-    const Outcome outcome = get(server(RealServer::Nginx), "folder");
+    const Outcome outcome = get(m_servers[RealServer::Nginx], "folder");
     QVERIFY(outcome.result);
     QCOMPARE(outcome.response.statusCode, 301);
     QCOMPARE(outcome.response.headers.at("Location"), std::string("http://127.0.0.1:8081/folder/"));
@@ -289,7 +239,7 @@ void RealServersTest::aRedirectionIsNotFollowed()
 
 void RealServersTest::aSecondBodyOnTheSameResponseEndsWithItsFirstReceive()
 {
-    RealServer& nginx = server(RealServer::Nginx);
+    RealServer& nginx = m_servers[RealServer::Nginx];
     const Outcome first = get(nginx, fileName(10241));
     COMPARE_BODIES(first.bytes(), body(10241));
     const Outcome second = getWhenThereAre(10241, nginx, fileName(10241), first.response);
@@ -300,7 +250,7 @@ void RealServersTest::aSecondBodyOnTheSameResponseEndsWithItsFirstReceive()
 
 void RealServersTest::aPlainBodyAfterAChunkedOneOnTheSameResponseIsLost()
 {
-    RealServer& nginx = server(RealServer::Nginx);
+    RealServer& nginx = m_servers[RealServer::Nginx];
     const Outcome first = get(nginx, RealServer::chunkedPath(fileName(25000)));
     COMPARE_BODIES(first.bytes(), body(25000));
     const Outcome second = getOn(nginx, fileName(25000), first.response);
@@ -312,7 +262,7 @@ void RealServersTest::aPlainBodyAfterAChunkedOneOnTheSameResponseIsLost()
 
 void RealServersTest::aGetInStepsIsOneConnection()
 {
-    RealServer& lighttpd = server(RealServer::Lighttpd);
+    RealServer& lighttpd = m_servers[RealServer::Lighttpd];
     const Outcome outcome = bounded(lighttpd, [&] {
         Outcome steps;
         HTTPRequest request;

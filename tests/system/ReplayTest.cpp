@@ -54,12 +54,9 @@ void ReplayTest::use(const QStringList& arguments, QStringList& seen)
 void ReplayTest::windowSeesTheSameFromAFullJournal()
 {
     const QString card = m_folder.filePath("card");
-    QVERIFY(QDir().mkdir(card));
-    for (const auto& [name, size] : {std::pair("A.MP4", 40'000), std::pair("B.MP4", 500)}) {
-        QFile file(card + '/' + name);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(FaultRun::content(size)), qint64(size));
-    }
+    const CardFile large{"A.MP4", 40'000};
+    const CardFile small{"B.MP4", 500};
+    QVERIFY(writeCard(card, {large, small}));
     const QString journal = m_folder.filePath("journal");
     QStringList recorded;
     // The last row is downloaded first: request 5 is for B.MP4, request 6 for A.MP4.
@@ -70,8 +67,8 @@ void ReplayTest::windowSeesTheSameFromAFullJournal()
         return;
     }
     QVERIFY(recorded.at(0).startsWith("A.MP4|"));
-    QCOMPARE(recorded.at(2), QString::fromLatin1(FaultRun::content(40'000).left(10'000).toHex()));
-    QCOMPARE(recorded.at(3), QString::fromLatin1(FaultRun::content(500).toHex()));
+    QCOMPARE(recorded.at(2), QString::fromLatin1(large.content().left(10'000).toHex()));
+    QCOMPARE(recorded.at(3), QString::fromLatin1(small.content().toHex()));
     QStringList replayed;
     use({"--replay", journal}, replayed);
     QCOMPARE(replayed, recorded);

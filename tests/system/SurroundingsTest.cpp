@@ -3,10 +3,11 @@
 // standard streams.
 #include "tests/kit/DrivenProcess.h"
 #include "tests/kit/FakeVehicle.h"
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 #include <array>
-#include <memory>
+#include <optional>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -39,10 +40,28 @@ QByteArray read(const QString& path)
 QByteArray openOn(qint64 process, int descriptor)
 {
     std::array<char, 256> target{};
-    const QByteArray link = QStringLiteral("/proc/%1/fd/%2").arg(process).arg(descriptor).toUtf8();
+    const QByteArray link = QString("/proc/%1/fd/%2").arg(process).arg(descriptor).toUtf8();
     const ssize_t size = ::readlink(link.constData(), target.data(), target.size());
     return size < 0 ? QByteArray("closed") : QByteArray(target.data(), static_cast<int>(size));
 }
+
+/// The devices, a proxy that must not be used, and the program.
+struct Scene
+{
+    QTemporaryDir folder;
+    fake::Module ground{fake::groundAddress};
+    fake::Module control{fake::controlAddress};
+    fake::Camera camera;
+    support::ScriptedServer proxy{support::ScriptedServer::Script([](support::Peer& peer) {
+                                      peer.receiveUntil("\r\n\r\n");
+                                      peer.send("HTTP/1.1 200 Connection established\r\n\r\n");
+                                      peer.serve();
+                                  }),
+                                  "127.0.0.1", 3128};
+    DrivenProcess program;
+
+    QString path(const QString& name) const { return folder.filePath(name); }
+};
 
 } // namespace
 
@@ -52,7 +71,7 @@ class SurroundingsTest : public QObject
 
 private slots:
     void init();
-    void cleanup();
+    void cleanup() { scene.reset(); }
 
     void everythingWorks_data();
     void everythingWorks();
@@ -68,57 +87,29 @@ private:
     void useProgram();
     void start(const QString& preparation, const QString& redirections = QString());
 
-    std::unique_ptr<QTemporaryDir> folder;
+    std::optional<Scene> scene;
     QString desktop;
-    std::unique_ptr<fake::Module> ground;
-    std::unique_ptr<fake::Module> control;
-    std::unique_ptr<fake::Camera> camera;
-    std::unique_ptr<support::ScriptedServer> proxy;
-    std::unique_ptr<DrivenProcess> program;
 };
 
 void SurroundingsTest::init()
 {
-    folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(folder->isValid());
-    QVERIFY(QDir(folder->path()).mkpath(QStringLiteral("home")));
-    QVERIFY(QDir(folder->path()).mkpath(QStringLiteral("config")));
-    desktop = QStringLiteral("Desktop");
-    ground = std::make_unique<fake::Module>(fake::groundAddress);
-    control = std::make_unique<fake::Module>(fake::controlAddress);
-    camera = std::make_unique<fake::Camera>();
-    camera->holdFiles(names);
+    scene.emplace();
+    QVERIFY(QDir(scene->folder.path()).mkpath("home"));
+    QVERIFY(QDir(scene->folder.path()).mkpath("config"));
+    desktop = "Desktop";
+    scene->camera.holdFiles(names);
     for (const QByteArray& name : names) {
-        camera->answer(fake::downloadTarget + name, recording(name[0]));
+        scene->camera.answer(fake::downloadTarget + name, recording(name[0]));
     }
-    proxy = std::make_unique<support::ScriptedServer>(
-        support::ScriptedServer::Script([](support::Peer& peer) {
-            peer.receiveUntil("\r\n\r\n");
-            peer.send("HTTP/1.1 200 Connection established\r\n\r\n");
-            peer.serve();
-        }),
-        "127.0.0.1", 3128);
-    program = std::make_unique<DrivenProcess>();
-}
-
-void SurroundingsTest::cleanup()
-{
-    program.reset();
-    proxy.reset();
-    camera.reset();
-    control.reset();
-    ground.reset();
-    folder.reset();
 }
 
 void SurroundingsTest::everythingWorks_data()
 {
-    QTest::addColumn<QString>("preparation");
-    QTest::addColumn<QString>("redirections");
-    QTest::addColumn<QString>("desktopName");
-    const auto row = [](const char* name, const char* preparation, const char* redirections = "",
-                        const char* desktopName = "Desktop") {
-        QTest::newRow(name) << preparation << redirections << QString::fromUtf8(desktopName);
+    const support::Rows<QString, QString, QString> rows("preparation", "redirections",
+                                                        "desktopName");
+    const auto row = [&rows](const char* name, const char* preparation,
+                             const char* redirections = "", const char* desktopName = "Desktop") {
+        rows(name, preparation, redirections, desktopName);
     };
     const char closedReader[] = "mkfifo reader; exec 3<>reader 4>reader 3<&-";
 
@@ -139,8 +130,6 @@ void SurroundingsTest::everythingWorks_data()
     row("Chinese desktop folder", "", "", "桌面");
     row("Chinese desktop folder, LANG=C", "unset LC_ALL; export LANG=C", "", "桌面");
     row("LC_ALL=C", "export LC_ALL=C");
-    row("umask 077", "umask 077");
-    row("umask 0", "umask 0");
     row("few descriptors", "ulimit -n 32");
     row("no home", "unset HOME");
     row("no runtime folder", "unset XDG_RUNTIME_DIR");
@@ -159,58 +148,55 @@ void SurroundingsTest::everythingWorks()
 
 void SurroundingsTest::closedStreamsAreOnTheNullDevice()
 {
-    start(QString(), QStringLiteral("<&- >&- 2>&-"));
+    start(QString(), "<&- >&- 2>&-");
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        QCOMPARE(openOn(program->id(), descriptor), QByteArray("/dev/null"));
+        QCOMPARE(openOn(scene->program.id(), descriptor), QByteArray("/dev/null"));
         const QByteArray info =
-            read(QStringLiteral("/proc/%1/fdinfo/%2").arg(program->id()).arg(descriptor));
+            read(QString("/proc/%1/fdinfo/%2").arg(scene->program.id()).arg(descriptor));
         const int mode = info.mid(info.indexOf("flags:") + 6, 9).trimmed().toInt(nullptr, 8);
         QCOMPARE(mode & O_ACCMODE, descriptor == STDIN_FILENO ? O_RDONLY : O_WRONLY);
     }
-    program->close();
+    scene->program.close();
 }
 
 /// Compiles the locale for the test, so that it need not be installed on the system.
 void SurroundingsTest::compileCommaLocale()
 {
-    QFile source(folder->filePath(QStringLiteral("source")));
+    QFile source(scene->path("source"));
     QVERIFY(source.open(QIODevice::WriteOnly));
     source.write("comment_char %\nescape_char /\nLC_NUMERIC\ndecimal_point \",\"\n"
                  "thousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n");
     source.close();
     // The locale is incomplete on purpose; localedef warns about that.
-    QProcess::execute(QStringLiteral("/bin/sh"),
-                      {QStringLiteral("-c"),
-                       QStringLiteral("cd \"$0\" && exec localedef -c -i source "
-                                      "-f ANSI_X3.4-1968 ./de_DE >localedef.log 2>&1"),
-                       folder->path()});
-    QVERIFY2(QFile::exists(folder->filePath(QStringLiteral("de_DE/LC_NUMERIC"))),
-             read(folder->filePath(QStringLiteral("localedef.log"))));
+    QProcess::execute("/bin/sh", {"-c",
+                                  "cd \"$0\" && exec localedef -c -i source "
+                                  "-f ANSI_X3.4-1968 ./de_DE >localedef.log 2>&1",
+                                  scene->folder.path()});
+    QVERIFY2(QFile::exists(scene->path("de_DE/LC_NUMERIC")), read(scene->path("localedef.log")));
 }
 
 void SurroundingsTest::commaInTheLocaleIsInNoText()
 {
     compileCommaLocale();
-    start(QStringLiteral("export LOCPATH=\"$PWD\"; unset LC_ALL; export LC_NUMERIC=de_DE"));
-    QCOMPARE(program->tell("point"), QByteArray(",\ndone\n"));
+    start("export LOCPATH=\"$PWD\"; unset LC_ALL; export LC_NUMERIC=de_DE");
+    QCOMPARE(scene->program.tell("point"), QByteArray(",\ndone\n"));
     useProgram();
 }
 
 void SurroundingsTest::maskDecidesAboutTheModeOfARecording_data()
 {
-    QTest::addColumn<QString>("mask");
-    QTest::addColumn<int>("mode");
-    QTest::newRow("umask 077") << "077" << 0700;
-    QTest::newRow("umask 0") << "0" << 0777;
+    const support::Rows<QString, int> row("mask", "mode");
+    row("umask 077", "077", 0700);
+    row("umask 0", "0", 0777);
 }
 
 void SurroundingsTest::maskDecidesAboutTheModeOfARecording()
 {
     QFETCH(QString, mask);
     QFETCH(int, mode);
-    start(QStringLiteral("umask ") + mask);
+    start("umask " + mask);
     useProgram();
-    const QString path = folder->filePath(QStringLiteral("home/Desktop/DCIM/a.mp4"));
+    const QString path = scene->path("home/Desktop/DCIM/a.mp4");
     struct stat status
     {
     };
@@ -220,20 +206,19 @@ void SurroundingsTest::maskDecidesAboutTheModeOfARecording()
 
 void SurroundingsTest::start(const QString& preparation, const QString& redirections)
 {
-    const QString home = folder->filePath(QStringLiteral("home"));
-    QVERIFY(QDir(home).mkpath(desktop + QStringLiteral("/DCIM/b.mp4")));
-    QFile folders(folder->filePath(QStringLiteral("config/user-dirs.dirs")));
+    const QString home = scene->path("home");
+    QVERIFY(QDir(home).mkpath(desktop + "/DCIM/b.mp4"));
+    QFile folders(scene->path("config/user-dirs.dirs"));
     QVERIFY(folders.open(QIODevice::WriteOnly));
     folders.write("XDG_DESKTOP_DIR=\"" + home.toUtf8() + '/' + desktop.toUtf8() + "\"\n");
     folders.close();
 
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("HOME"), home);
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
-                       folder->filePath(QStringLiteral("config")));
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), folder->path());
-    program->start(folder->path(), environment,
-                   preparation + QStringLiteral("\nexec \"$0\" ") + redirections);
+    environment.insert("HOME", home);
+    environment.insert("XDG_CONFIG_HOME", scene->path("config"));
+    environment.insert("XDG_RUNTIME_DIR", scene->folder.path());
+    scene->program.start(scene->folder.path(), environment,
+                         preparation + "\nexec \"$0\" " + redirections);
 }
 
 void SurroundingsTest::useProgram()
@@ -242,43 +227,42 @@ void SurroundingsTest::useProgram()
         return; // not started
     }
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        const QByteArray target = openOn(program->id(), descriptor);
+        const QByteArray target = openOn(scene->program.id(), descriptor);
         QVERIFY2(target.startsWith("pipe:") || target.startsWith('/'), target);
     }
     const QByteArray done("done\n");
-    QCOMPARE(program->tell("click pushButtonLinkBELUN"), done);
-    QCOMPARE(program->tell("text lineEditLinkBELUN"), "Link Success!\n" + done);
-    QTRY_COMPARE(control->links(), QList<int>{1});
-    QTRY_COMPARE(ground->links(), QList<int>{1});
-    control->link().send(QByteArray::fromHex("aaaf000909000100020003000400"));
-    QTRY_COMPARE(program->tell("text lineEditBootVer"), "v0.04\n" + done);
-    control->link().send(QByteArray::fromHex("aaaf04010000"));
-    QTRY_COMPARE(control->link().received(), QByteArray::fromHex("aaaf0401015f"));
+    QCOMPARE(scene->program.tell("click pushButtonLinkBELUN"), done);
+    QCOMPARE(scene->program.tell("text lineEditLinkBELUN"), "Link Success!\n" + done);
+    QTRY_COMPARE(scene->control.links(), QList<int>{1});
+    QTRY_COMPARE(scene->ground.links(), QList<int>{1});
+    scene->control.link().send(QByteArray::fromHex("aaaf000909000100020003000400"));
+    QTRY_COMPARE(scene->program.tell("text lineEditBootVer"), "v0.04\n" + done);
+    scene->control.link().send(QByteArray::fromHex("aaaf04010000"));
+    QTRY_COMPARE(scene->control.link().received(), QByteArray::fromHex("aaaf0401015f"));
 
-    QCOMPARE(program->tell("click pushButtonEnterTFcard"), done);
-    QCOMPARE(program->tell("click checkBoxSelectAllFiles"), done);
-    QCOMPARE(program->tell("click pushButtonDownloadFile"), done);
-    const QString folderOfRecordings =
-        folder->filePath(QStringLiteral("home/")) + desktop + QStringLiteral("/DCIM/");
-    QTRY_COMPARE_WITH_TIMEOUT(read(folderOfRecordings + QStringLiteral("a.mp4")), recording('a'),
+    QCOMPARE(scene->program.tell("click pushButtonEnterTFcard"), done);
+    QCOMPARE(scene->program.tell("click checkBoxSelectAllFiles"), done);
+    QCOMPARE(scene->program.tell("click pushButtonDownloadFile"), done);
+    const QString folderOfRecordings = scene->path("home/") + desktop + "/DCIM/";
+    QTRY_COMPARE_WITH_TIMEOUT(read(folderOfRecordings + "a.mp4"), recording('a'),
                               DrivenProcess::limit());
-    QCOMPARE(read(folderOfRecordings + QStringLiteral("c.mp4")), recording('c'));
-    QTRY_COMPARE(program->tell("text lineEditDownloadProgress"), '\n' + done);
+    QCOMPARE(read(folderOfRecordings + "c.mp4"), recording('c'));
+    QTRY_COMPARE(scene->program.tell("text lineEditDownloadProgress"), '\n' + done);
 
     // None of the program's output was sent to a module.
-    QCOMPARE(control->link().received(), QByteArray::fromHex("aaaf0401015f"));
-    QCOMPARE(ground->link().received(), QByteArray());
-    program->close();
-    QCOMPARE(read(folderOfRecordings + QStringLiteral("a.mp4")), recording('a'));
-    QCOMPARE(read(folderOfRecordings + QStringLiteral("c.mp4")), recording('c'));
+    QCOMPARE(scene->control.link().received(), QByteArray::fromHex("aaaf0401015f"));
+    QCOMPARE(scene->ground.link().received(), QByteArray());
+    scene->program.close();
+    QCOMPARE(read(folderOfRecordings + "a.mp4"), recording('a'));
+    QCOMPARE(read(folderOfRecordings + "c.mp4"), recording('c'));
     const QByteArray info = fake::infoTarget;
     const QByteArray download = fake::downloadTarget;
-    QCOMPARE(camera->targets(),
+    QCOMPARE(scene->camera.targets(),
              (Texts{fake::countTarget, fake::listTarget + QByteArray("3"), info + "a.mp4",
                     info + "b.mp4", info + "c.mp4", download + "c.mp4", download + "b.mp4",
                     download + "a.mp4"}));
-    QCOMPARE(camera->errors(), Texts());
-    QCOMPARE(proxy->connectionCount(), 0);
+    QCOMPARE(scene->camera.errors(), Texts());
+    QCOMPARE(scene->proxy.connectionCount(), 0);
 }
 
 BELUN_NETWORK_TEST(SurroundingsTest)

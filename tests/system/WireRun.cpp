@@ -1,13 +1,12 @@
 #include "tests/system/WireRun.h"
 
 #include "tests/kit/MessageBoxWatcher.h"
+#include "tests/kit/RecordedText.h"
+#include "tests/system/SimulatedCard.h"
 
 #include <QByteArray>
-#include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QFileDevice>
-#include <QIODevice>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QObject>
@@ -17,16 +16,9 @@
 
 namespace {
 
-struct CardFile
-{
-    const char* name;
-    int size;
-    const char* changed;
-};
-
 // In list order. The files that are downloaded fit the system's connection buffer, so that each is
 // sent completely whether or not it is read.
-constexpr CardFile cardFiles[] = {
+const std::vector<CardFile> cardFiles = {
     {"REC 3 & 4.MP4", 12'345, "2020-02-29T23:59:58Z"},
     {"REC00001.MP4", 500, "2020-01-31T12:45:02Z"},
     {"REC00002.MP4", 5'000, "2021-12-31T23:59:59Z"},
@@ -34,33 +26,6 @@ constexpr CardFile cardFiles[] = {
     {"REC00006.MP4", 1'572'864, "2023-06-05T04:03:02Z"},
     {"REC00007.MP4", 2'047, "2024-07-08T09:10:11Z"},
 };
-
-QByteArray contentOf(const CardFile& file)
-{
-    QByteArray content;
-    content.reserve(file.size);
-    for (int i = 0; i < file.size; ++i) {
-        content.append(static_cast<char>((i * 7 + i / 251) & 0xFF));
-    }
-    return content;
-}
-
-bool writeCard(const QString& folder)
-{
-    if (!QDir().mkpath(folder)) {
-        return false;
-    }
-    for (const CardFile& entry : cardFiles) {
-        QFile file(folder + '/' + entry.name);
-        if (!file.open(QIODevice::WriteOnly) || file.write(contentOf(entry)) != entry.size ||
-            !file.flush() ||
-            !file.setFileTime(QDateTime::fromString(entry.changed, Qt::ISODate),
-                              QFileDevice::FileModificationTime)) {
-            return false;
-        }
-    }
-    return true;
-}
 
 QDir downloadFolder()
 {
@@ -72,13 +37,12 @@ QStringList downloadedFiles()
     QStringList lines;
     for (const CardFile& entry : cardFiles) {
         QFile file(downloadFolder().filePath(entry.name));
-        if (file.open(QIODevice::ReadOnly)) {
-            const QByteArray content = file.readAll();
-            lines +=
-                QStringLiteral("file %1: %2 bytes, %3")
-                    .arg(entry.name)
-                    .arg(content.size())
-                    .arg(content == contentOf(entry) ? "as on the card" : "other than the card's");
+        if (file.exists()) {
+            const QString seen = seenFile(file.fileName(), entry.content());
+            lines += QString("file %1: %2 bytes, %3")
+                         .arg(entry.name)
+                         .arg(file.size())
+                         .arg(seen == "whole" ? "as on the card" : "other than the card's");
         }
     }
     return lines;
@@ -113,7 +77,7 @@ void WireRun::startSimulator()
 {
     downloadFolder().removeRecursively();
     const QString card = m_folder.filePath("card");
-    QVERIFY(writeCard(card));
+    QVERIFY(writeCard(card, cardFiles));
     QStringList arguments{"--card", card, "--journal", m_folder.filePath("journal")};
     if (!m_fault.isEmpty()) {
         arguments += {"--fault", m_fault};
@@ -191,7 +155,7 @@ void WireRun::emptyCard(void (UserWindow::*click)() const)
     }
     (*m_user.*click)();
     for (const support::SeenBox& box : watcher.boxes()) {
-        m_seen += QStringLiteral("message %1: %2").arg(box.title, box.text);
+        m_seen += QString("message %1: %2").arg(box.title, box.text);
     }
 }
 
@@ -245,7 +209,7 @@ void WireRun::control(const QByteArray& line)
 void WireRun::noteTable()
 {
     const int rows = m_user->table().rowCount();
-    m_seen += QStringLiteral("table: %1 rows").arg(rows);
+    m_seen += QString("table: %1 rows").arg(rows);
     for (int number = 0; number < rows; ++number) {
         m_seen += "  " + m_user->row(number).join(" | ");
     }

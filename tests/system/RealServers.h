@@ -1,9 +1,14 @@
-// The files served by the real servers, and the rows of the tests that fetch them.
+// The third-party servers of a test, the files that they serve, and exchanges with them.
 #pragma once
 
 #include "RealServer.h"
+#include "http/HTTPClient.h"
 
+#include <functional>
 #include <initializer_list>
+#include <map>
+#include <memory>
+#include <string>
 
 #include <QByteArray>
 #include <QString>
@@ -11,21 +16,38 @@
 
 Q_DECLARE_METATYPE(RealServer::Kind)
 
-constexpr int megabyte = 1048576;
-
-/// A size and its name.
-struct NamedSize
+/// One server of each kind, at 127.0.0.1 and the ports from 8081 on.
+class RealServers
 {
-    const char* name;
-    int size;
+public:
+    /// Publishes the files of each server and starts it. Returns an empty text, or why that failed.
+    QString start(const std::function<bool(RealServer&)>& publish);
+    RealServer& operator[](RealServer::Kind kind) { return *m_servers[kind]; }
+
+private:
+    std::map<RealServer::Kind, std::unique_ptr<RealServer>> m_servers;
 };
+
+/// The result of an exchange.
+struct Outcome
+{
+    bool result = false;
+    HTTPResponse response;
+    std::string body;
+    qint64 milliseconds = 0;
+
+    QByteArray bytes() const { return QByteArray::fromStdString(body); }
+};
+
+/// Runs an exchange in a separate thread. The client has no timeout: an exchange that takes ten
+/// seconds is ended by stopping its server and fails the test.
+Outcome bounded(RealServer& server, const std::function<Outcome()>& exchange);
+
+constexpr int megabyte = 1048576;
 
 /// One byte, a few bytes, the lengths around the client's receive size, up to the size of a short
 /// recording.
-constexpr NamedSize sizes[] = {
-    {"1 B", 1},          {"5 B", 5},         {"10,240 B", 10240},      {"10,241 B", 10241},
-    {"25,000 B", 25000}, {"1 MB", megabyte}, {"20 MB", 20 * megabyte},
-};
+constexpr int sizes[] = {1, 5, 10240, 10241, 25000, megabyte, 20 * megabyte};
 
 /// Returns a body of that many pseudo-random bytes, the same in each run and different for each
 /// size.
@@ -52,6 +74,3 @@ const char* serverName(RealServer::Kind kind);
 
 /// Adds a column "kind" and one row per server.
 void addServers(std::initializer_list<RealServer::Kind> kinds);
-
-/// Adds columns "kind" and "size" and one row per server and size.
-void addServersAndSizes(std::initializer_list<RealServer::Kind> kinds);

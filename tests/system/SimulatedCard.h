@@ -1,0 +1,24 @@
+// A card for the simulator: a folder of recordings.
+#pragma once
+
+#include <vector>
+
+#include <QByteArray>
+#include <QString>
+
+struct CardFile
+{
+    QString name;
+    int size;
+    const char* changed = "2020-01-31T12:45:02Z";
+
+    /// Returns the content, which depends on the size alone.
+    QByteArray content() const;
+};
+
+/// Writes the files to the folder, which is created if it does not exist.
+bool writeCard(const QString& folder, const std::vector<CardFile>& files);
+
+/// Returns what a file contains: "whole" for this content, "empty", "first 100 bytes" of it, "41
+/// other bytes", "no file".
+QString seenFile(const QString& path, const QByteArray& content);
