@@ -5,42 +5,32 @@ import os
 import re
 import socket
 import struct
-import subprocess
 import time
 import zlib
 
 import harness
-from harness import (CAMERA, COUNT, DELETE, DELETE_ALL, FORMAT, INFO, LIST, NOT_FOUND, RECORDING,
-                     SimulatorTest, ok)
-
-ALPHA = b"alpha" * 100
-BRAVO = b"bravo" * 1000
+from harness import (ALPHA, BOTH, BRAVO, CAMERA, COUNT, DELETE, DELETE_ALL, FORMAT, INFO, LIST, NONE,
+                     NOT_FOUND, RECORDING, SUCCESS, TWO, SimulatorTest, ok)
 
 
 class CameraTest(SimulatorTest):
-    def start_two(self, *arguments):
-        self.card = self.make_card(A=ALPHA, B=BRAVO)
-        self.start("--card", self.card, *arguments)
-
-    def test_count(self):
-        self.start_two()
-        self.assertEqual(ok(b'var count="2";\r\n'), self.ask(COUNT))
-
-    def test_list_gives_as_many_entries_as_asked_for(self):
+    def test_card_of_two(self):
         self.start_two()
         both = ok(b"sd/DCIM/100ZEPNA/A.MP4;sd/DCIM/100ZEPNA/B.MP4;\r\n")
-        for end, answer in ((b"2", both), (b"3", both), (b"20200131124502", both),
-                            (b"9" * 40, both), (b"0" * 14, both),
-                            (b"1", ok(b"sd/DCIM/100ZEPNA/A.MP4;\r\n")),
-                            (b"0", ok(b"\r\n")), (b"", ok(b"\r\n")), (b"-3", ok(b"\r\n"))):
-            with self.subTest(end=end):
-                self.assertEqual(answer, self.ask(LIST + end))
-
-    def test_details_come_from_the_file(self):
-        self.start_two()
-        self.assertEqual(
-            ok(b'var create="20200131124502";\r\nvar size="500";\r\nvar time="1";\r\n'),
-            self.ask(INFO + b"A.MP4"))
+        self.play(
+            (COUNT, ok(b'var count="2";\r\n')),
+            # The list has as many entries as asked for.
+            *[(LIST + end, both) for end in (b"2", b"3", b"20200131124502", b"9" * 40, b"0" * 14)],
+            (LIST + b"1", ok(b"sd/DCIM/100ZEPNA/A.MP4;\r\n")),
+            *[(LIST + end, ok(b"\r\n")) for end in (b"0", b"", b"-3")],
+            (INFO + b"A.MP4",
+             ok(b'var create="20200131124502";\r\nvar size="500";\r\nvar time="1";\r\n')),
+            (RECORDING + b"B.MP4", ok(BRAVO, b"video/mp4")),
+            (b"http://192.168.1.120" + RECORDING + b"A.MP4", ok(ALPHA, b"video/mp4")),
+            *[(target, NOT_FOUND) for target in (
+                b"/", b"/cgi-bin/hi3510/getfilecount.cgi", COUNT + b"x",
+                b"/cgi-bin/hi3510/sdcommand.cgi?&-format&-partition=1", INFO + b"C.MP4",
+                DELETE + b"C.MP4", RECORDING + b"C.MP4", RECORDING)])
 
     def test_duration_comes_from_the_movie_header(self):
         card = self.make_card(A=b"\0\0\0\x10ftypisom\0\0\2\0\0\0\0\x24moov\0\0\0\x1cmvhd"
@@ -52,34 +42,16 @@ class CameraTest(SimulatorTest):
         self.assertIn(b'time="109"', self.ask(INFO + b"A.MP4"))
         self.assertIn(b'time="409"', self.ask(INFO + b"B.MP4"))
 
-    def test_recording_is_sent_whole(self):
-        self.start_two()
-        self.assertEqual(ok(BRAVO, b"video/mp4"), self.ask(RECORDING + b"B.MP4"))
-
-    def test_absolute_target_is_accepted(self):
-        self.start_two()
-        self.assertEqual(ok(ALPHA, b"video/mp4"),
-                         self.ask(b"http://192.168.1.120/sd/DCIM/100ZEPNA/A.MP4"))
-
     def test_name_is_taken_as_sent(self):
         name = "A HTTP/1.1 &%41 \u6d77.MP4"
         card = self.make_card()
         os.makedirs(os.path.join(card, "A HTTP"))
         self.write_file(os.path.join(card, "C &%41 \u6d77.MP4"), ALPHA)
         self.start("--card", card)
-        self.assertEqual(ok(ALPHA, b"video/mp4"),
-                         self.ask(RECORDING + "C &%41 \u6d77.MP4".encode()))
-        self.assertEqual(NOT_FOUND, self.ask(RECORDING + name.encode()))
+        self.play((RECORDING + "C &%41 \u6d77.MP4".encode(), ok(ALPHA, b"video/mp4")),
+                  (RECORDING + name.encode(), NOT_FOUND))
         self.assertEqual("/sd/DCIM/100ZEPNA/" + name,
                          self.journal(event="request")[-1]["target"].encode("latin-1").decode())
-
-    def test_what_is_not_there_is_not_found(self):
-        self.start_two()
-        for target in (b"/", b"/cgi-bin/hi3510/getfilecount.cgi", COUNT + b"x",
-                       b"/cgi-bin/hi3510/sdcommand.cgi?&-format&-partition=1",
-                       INFO + b"C.MP4", DELETE + b"C.MP4", RECORDING + b"C.MP4", RECORDING):
-            with self.subTest(target=target):
-                self.assertEqual(NOT_FOUND, self.ask(target))
 
     def test_malformed_requests_are_refused(self):
         self.start_two()
@@ -97,32 +69,22 @@ class CameraTest(SimulatorTest):
         peer = self.peer(CAMERA)
         for byte in b"GET " + COUNT + b" HTTP/1.1\r\n\r\n":
             peer.send(bytes([byte]))
-        self.assertEqual(ok(b'var count="2";\r\n'), peer.rest()[0])
+        self.assertEqual((TWO, "closed"), peer.rest())
 
     def test_answer_survives_what_comes_behind_the_request(self):
         self.start_two()
         peer = self.peer(CAMERA)
         peer.send(b"GET " + COUNT + b" HTTP/1.1\r\n\r\n" + b"x" * 100000)
-        self.assertEqual((ok(b'var count="2";\r\n'), "closed"), peer.rest())
+        self.assertEqual((TWO, "closed"), peer.rest())
 
-    def test_delete_changes_the_card_only(self):
+    def test_deleting_and_formatting_change_the_card_only(self):
         self.start_two()
-        self.assertEqual(ok(b"Success\r\n"), self.ask(DELETE + b"A.MP4"))
-        self.assertEqual(ok(b'var count="1";\r\n'), self.ask(COUNT))
-        self.assertEqual(ok(b"sd/DCIM/100ZEPNA/B.MP4;\r\n"), self.ask(LIST + b"2"))
-        self.assertEqual(NOT_FOUND, self.ask(RECORDING + b"A.MP4"))
-        self.assertEqual(["A.MP4", "B.MP4"], sorted(os.listdir(self.card)))
-        self.switch("reload")
-        self.assertEqual(ok(b'var count="2";\r\n'), self.ask(COUNT))
-
-    def test_delete_all_and_format_empty_the_card_only(self):
-        self.start_two()
+        self.play((DELETE + b"A.MP4", SUCCESS), (COUNT, ok(b'var count="1";\r\n')),
+                  (LIST + b"2", ok(b"sd/DCIM/100ZEPNA/B.MP4;\r\n")),
+                  (RECORDING + b"A.MP4", NOT_FOUND), "reload", (COUNT, TWO))
         for target in (DELETE_ALL, FORMAT):
-            with self.subTest(target=target):
-                self.switch("reload")
-                self.assertEqual(ok(b"Success\r\n"), self.ask(target))
-                self.assertEqual(ok(b'var count="0";\r\n'), self.ask(COUNT))
-                self.assertEqual(ok(b"\r\n"), self.ask(LIST + b"0"))
+            self.play("reload", (target, SUCCESS), (COUNT, ok(b'var count="0";\r\n')),
+                      (LIST + b"0", NONE))
         self.assertEqual(["A.MP4", "B.MP4"], sorted(os.listdir(self.card)))
 
     def test_card_leaves_out_folders_and_hidden_files(self):
@@ -131,7 +93,7 @@ class CameraTest(SimulatorTest):
         os.mkfifo(os.path.join(card, "pipe"))
         self.write_file(os.path.join(card, ".hidden"), ALPHA)
         self.start("--card", card)
-        self.assertEqual(ok(b"sd/DCIM/100ZEPNA/A.MP4;\r\n"), self.ask(LIST + b"9"))
+        self.play((LIST + b"9", ok(b"sd/DCIM/100ZEPNA/A.MP4;\r\n")))
 
     def test_card_file_that_shrinks_ends_the_answer(self):
         self.start_two()
@@ -166,7 +128,7 @@ class CameraTest(SimulatorTest):
             with open(os.path.join(sample, name), "rb") as file:
                 content = file.read()
             contents.add(content[-300:])
-            self.assertEqual(ok(content, b"video/mp4"), self.ask(RECORDING + name.encode()))
+            self.play((RECORDING + name.encode(), ok(content, b"video/mp4")))
         self.assertEqual(len(names), len(contents), "recordings of the same content")
         sizes = [os.path.getsize(os.path.join(sample, n)) for n in names]
         self.assertEqual((500, 67108864), (min(sizes), max(sizes)))
@@ -189,10 +151,7 @@ class CameraTest(SimulatorTest):
         self.assertLess(ends[-1] - ends[0], datetime.timedelta(days=2))
 
     def test_sample_cards_are_named(self):
-        result = subprocess.run([harness.program, "--sample=reef"], check=False,
-                                stderr=subprocess.PIPE, text=True)
-        self.assertEqual(2, result.returncode)
-        self.assertIn('--sample does not take "reef"', result.stderr)
+        self.assertIn('--sample does not take "reef"', self.refused(2, "--sample=reef"))
         self.start("--sample=boundary")
         self.assertIn(b'count="11"', self.ask(COUNT))
 
@@ -207,14 +166,11 @@ class CameraTest(SimulatorTest):
 
     def test_sample_is_never_written_over_another_file(self):
         sample = os.path.join(self.folder, "sample")
-        self.assertEqual(0, subprocess.run([harness.program, "--sample-to", sample],
-                                           check=False).returncode)
+        self.assertEqual(0, harness.run("--sample-to", sample).returncode)
         name = os.path.join(sample, "REC_20200131_124611_0002.MP4")
         self.write_file(name, b"mine")
-        again = subprocess.run([harness.program, "--sample-to", sample], check=False,
-                               stderr=subprocess.PIPE)
-        self.assertEqual(1, again.returncode)
-        self.assertIn(b"0002.MP4: exists and is another file", again.stderr)
+        self.assertIn("0002.MP4: exists and is another file",
+                      self.refused(1, "--sample-to", sample))
         with open(name, "rb") as file:
             self.assertEqual(b"mine", file.read())
 
@@ -237,7 +193,7 @@ class CameraTest(SimulatorTest):
             {"device": "camera", "connection": 1, "event": "request", "exchange": 1,
              "kind": "count", "target": COUNT.decode()},
             {"device": "camera", "connection": 1, "event": "sent",
-             "bytes": ok(b'var count="2";\r\n').hex()},
+             "bytes": TWO.hex()},
             {"device": "camera", "connection": 1, "event": "close", "by": "device",
              "reason": "end"}], lines)
         body = self.journal(device="camera", connection=2, event="sent")[1]
@@ -246,7 +202,7 @@ class CameraTest(SimulatorTest):
     def test_reset_of_a_closed_connection_is_no_second_close(self):
         self.start_two()
         peer = self.request(COUNT)
-        self.assertEqual((ok(b'var count="2";\r\n'), "closed"), peer.rest())
+        self.assertEqual((TWO, "closed"), peer.rest())
         peer.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
         peer.close()
         self.eventually(lambda: self.control("connections").endswith(" camera=0"),

@@ -14,15 +14,10 @@ ADVICE = ("\n    belun-private-network belun-simulator ...\n"
 
 
 class CommandLineTest(SimulatorTest):
-    def run_(self, *arguments, wrapper=(), **options):
-        return subprocess.run([*wrapper, harness.program, *arguments], check=False,
-                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
-                              timeout=harness.LIMIT, **options)
-
     def test_help_and_version(self):
-        self.assertIn("--exit-with-stdin", self.run_("--help").stdout)
-        self.assertEqual(self.run_("--help").stdout, self.run_("-h").stdout)
-        self.assertRegex(self.run_("--version").stdout, r"^belun-simulator \d+\.\d+\.\d+\n$")
+        self.assertIn("--exit-with-stdin", harness.run("--help").stdout)
+        self.assertEqual(harness.run("--help").stdout, harness.run("-h").stdout)
+        self.assertRegex(harness.run("--version").stdout, r"^belun-simulator \d+\.\d+\.\d+\n$")
 
     def test_wrong_arguments_end_with_status_2(self):
         for arguments, text in (
@@ -43,26 +38,22 @@ class CommandLineTest(SimulatorTest):
                 (["--fault", "status=99"], "takes a number from 100 to 999, not \"99\""),
                 (["--fault", "refuse=tether"], "takes control|ground|camera, not \"tether\"")):
             with self.subTest(arguments=arguments):
-                result = self.run_(*arguments)
-                self.assertEqual(2, result.returncode)
-                self.assertIn(text, result.stderr)
-                self.assertEqual("", result.stdout)
+                self.assertIn(text, self.refused(2, *arguments))
 
     def test_missing_card_ends_with_status_1(self):
-        result = self.run_("--card", os.path.join(self.folder, "none"))
-        self.assertEqual(1, result.returncode)
-        self.assertIn("none: No such file or directory", result.stderr)
+        self.assertIn("none: No such file or directory",
+                      self.refused(1, "--card", os.path.join(self.folder, "none")))
 
     def test_taken_address_ends_with_status_1(self):
         self.start()
-        result = self.run_(stdin=subprocess.DEVNULL)
-        self.assertEqual(1, result.returncode)
-        self.assertIn("192.168.1.149:5000: Address already in use", result.stderr)
+        self.assertIn("192.168.1.149:5000: Address already in use", self.refused(1))
 
     def run_in_network(self, setUp):
         """Runs the simulator in a new network after these commands; status 99 if they failed."""
-        result = self.run_(wrapper=["unshare", "--user", "--map-root-user", "--net", "sh", "-c",
-                                    "(" + setUp + ') 2>/dev/null || exit 99; exec "$@"', "sh"])
+        result = subprocess.run(
+            ["unshare", "--user", "--map-root-user", "--net", "sh", "-c",
+             "(" + setUp + ') 2>/dev/null || exit 99; exec "$@"', "sh", harness.program],
+            check=False, capture_output=True, text=True, timeout=harness.LIMIT)
         if result.returncode == 1 and "unshare" in result.stderr:
             self.skipTest("this system allows no network within this one")
         return result
@@ -93,8 +84,8 @@ class CommandLineTest(SimulatorTest):
 
     def test_control_lines_are_answered_in_turn(self):
         self.start()
-        self.assertEqual("ok fault no-length", self.control("fault no-length"))
-        self.assertEqual("ok clear all", self.control("clear all"))
+        self.switch("fault no-length")
+        self.switch("clear all")
         for line, answer in (
                 ("bogus", 'error no control line begins with "bogus" (--help shows all)'),
                 ("fault", 'error no fault is called "" (--list-faults shows all)'),
@@ -153,7 +144,7 @@ class CommandLineTest(SimulatorTest):
                 self.assertEqual(0, process.wait(harness.LIMIT))
 
     def faults(self):
-        return json.loads(self.run_("--list-faults=json").stdout)
+        return json.loads(harness.run("--list-faults=json").stdout)
 
     def test_every_fault_is_listed_once_and_tested(self):
         names = [fault["name"] for fault in self.faults()]
@@ -167,7 +158,7 @@ class CommandLineTest(SimulatorTest):
         self.assertEqual([], untested)
 
     def test_fault_list_is_grouped_and_fits_the_page(self):
-        text = self.run_("--list-faults").stdout
+        text = harness.run("--list-faults").stdout
         self.assertLessEqual(max(map(len, text.splitlines())), 100)
         groups = [line for line in text.splitlines() if line.endswith(":") and line[0] != " "]
         self.assertEqual(len({fault["group"] for fault in self.faults()}), len(groups))
@@ -184,21 +175,21 @@ class CommandLineTest(SimulatorTest):
                                  "ends by itself"}, self.faults())
 
     def test_page_of_faults_is_up_to_date(self):
-        page = self.run_("--list-faults=markdown").stdout
+        page = harness.run("--list-faults=markdown").stdout
         with open(os.path.join(ROOT, "docs", "faults.md"), encoding="utf-8") as file:
             self.assertEqual(file.read(), page,
                              "write it again: belun-simulator --list-faults=markdown")
 
     def test_manual_holds_every_option_fault_and_control_line(self):
-        options = self.run_("--help=man").stdout
-        text = self.run_("--help").stdout
+        options = harness.run("--help=man").stdout
+        text = harness.run("--help").stdout
         for option in re.findall(r"(?m)^  (--[a-z-]+)", text):
             self.assertIn(".B " + option.replace("-", "\\-"), options)
-        lines = self.run_("--help=man-lines").stdout
+        lines = harness.run("--help=man-lines").stdout
         for line, effect in re.findall(r"(?m)^  ([a-z]+(?: \S+)*)  +(\S.*)$", text):
             self.assertIn(f".TP\n.B {line}\n{effect}\n", lines)
         self.assertEqual(13, lines.count(".TP"))
-        faults = self.run_("--list-faults=man").stdout
+        faults = harness.run("--list-faults=man").stdout
         for fault in self.faults():
             self.assertIn(".B " + fault["name"].replace("-", "\\-"), faults)
 

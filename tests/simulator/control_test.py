@@ -20,17 +20,7 @@ class ControlTest(SimulatorTest):
         self.path = os.path.join(self.folder, "vehicle")
 
     def send(self, *lines, path=None):
-        return subprocess.run([harness.program, "--send", path or self.path, *lines], check=False,
-                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
-                              timeout=harness.LIMIT)
-
-    def refused(self, path):
-        """Starts a simulator that cannot use this socket; returns status and message."""
-        result = subprocess.run([harness.program, "--control", path], check=False,
-                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                stderr=subprocess.PIPE, text=True, timeout=harness.LIMIT)
-        self.assertEqual("", result.stdout)
-        return result.returncode, result.stderr
+        return harness.run("--send", path or self.path, *lines)
 
     def test_lines_are_answered_and_in_force(self):
         self.start("--control", self.path)
@@ -71,8 +61,8 @@ class ControlTest(SimulatorTest):
         with socket.socket(socket.AF_UNIX) as live:
             live.bind(self.path)
             live.listen()
-            self.assertEqual((1, f"belun-simulator: {self.path} is the socket of a program that "
-                                 "runs\n"), self.refused(self.path))
+            self.assertEqual(f"belun-simulator: {self.path} is the socket of a program that runs\n",
+                             self.refused(1, "--control", self.path))
             self.assertTrue(os.path.lexists(self.path))
 
     def test_any_other_file_is_refused_and_left_alone(self):
@@ -81,8 +71,8 @@ class ControlTest(SimulatorTest):
                      lambda: os.symlink("nowhere", self.path)):
             make()
             before = os.lstat(self.path)
-            self.assertEqual((1, f"belun-simulator: {self.path} is a file, not a socket; it was "
-                                 "not changed\n"), self.refused(self.path))
+            self.assertEqual(f"belun-simulator: {self.path} is a file, not a socket; it was not "
+                             "changed\n", self.refused(1, "--control", self.path))
             self.assertEqual(before.st_ino, os.lstat(self.path).st_ino)
             (os.rmdir if stat.S_ISDIR(before.st_mode) else os.unlink)(self.path)
 
@@ -91,19 +81,16 @@ class ControlTest(SimulatorTest):
         self.assertEqual(107, len(longest))
         self.start("--control", longest)
         self.assertEqual(0, self.send("status", path=longest).returncode)
-        status, message = self.refused(longest + "x")
-        self.assertEqual(2, status)
-        self.assertIn("a socket's path may have 107 bytes, not 108", message)
-        self.assertEqual(2, self.send("status", path=longest + "x").returncode)
+        for arguments in (("--control", longest + "x"), ("--send", longest + "x", "status")):
+            self.assertIn("a socket's path may have 107 bytes, not 108",
+                          self.refused(2, *arguments))
 
     def test_send_says_what_is_wrong(self):
-        result = self.send("status")
-        self.assertEqual((1, f"belun-simulator: {self.path}: No such file or directory\n"),
-                         (result.returncode, result.stderr))
+        self.assertEqual(f"belun-simulator: {self.path}: No such file or directory\n",
+                         self.refused(1, "--send", self.path, "status"))
         for lines in ((), ("",), ("status", " "), ("status\nquit",)):
-            result = self.send(*lines)
-            self.assertEqual(2, result.returncode)
-            self.assertIn("--send needs control lines, each an argument of its own", result.stderr)
+            self.assertIn("--send needs control lines, each an argument of its own",
+                          self.refused(2, "--send", self.path, *lines))
 
     def test_send_notices_that_the_simulator_ended(self):
         with socket.socket(socket.AF_UNIX) as server:
@@ -140,9 +127,8 @@ class ControlTest(SimulatorTest):
     def test_misspelt_lines_are_understood_as_what_they_resemble(self):
         self.start()
         for line, meant in (("falt stall", "fault"), ("conections", "connections"),
-                            ("stall=50", "fault stall=50"), ("cler all", "clear")):
-            self.assertIn(f'; did you mean "{meant}"?', self.control(line))
-        for line, meant in (("fault bare-fl", "bare-lf"), ("clear flaping", "flapping")):
+                            ("stall=50", "fault stall=50"), ("cler all", "clear"),
+                            ("fault bare-fl", "bare-lf"), ("clear flaping", "flapping")):
             self.assertIn(f'; did you mean "{meant}"?', self.control(line))
 
     def details(self, line):
@@ -157,16 +143,15 @@ class ControlTest(SimulatorTest):
 
     def test_faults_shows_those_that_are_on(self):
         self.start("--fault", "stall=50", "--fault", "name-custom=\\x20a b\\r")
-        self.assertEqual(["  stall=50", "  name-custom=\\x20a b\\x0d"], self.details("faults"))
-        self.control("fault name-custom=\\x20a b\\x0d")
-        self.assertEqual(["  stall=50", "  name-custom=\\x20a b\\x0d"], self.details("faults"))
+        for _ in range(2):
+            self.assertEqual(["  stall=50", "  name-custom=\\x20a b\\x0d"], self.details("faults"))
+            self.control("fault name-custom=\\x20a b\\x0d")
         self.control("clear all")
         self.assertEqual([], self.details("faults"))
 
     def test_old_names_of_faults_are_understood_everywhere(self):
-        old = {fault["oldName"]: fault["name"] for fault in json.loads(subprocess.run(
-            [harness.program, "--list-faults=json"], check=True, stdout=subprocess.PIPE).stdout)
-            if "oldName" in fault}
+        old = {fault["oldName"]: fault["name"] for fault in json.loads(
+            harness.run("--list-faults=json").stdout) if "oldName" in fault}
         self.assertEqual({"long-chunk", "wrong-length", "length", "endless-list", "unending-list",
                           "name-dotdot", "name-dots"}, set(old))
         self.start(*(argument for name in old for argument in ("--fault", name)))
@@ -201,8 +186,7 @@ class ControlTest(SimulatorTest):
     def test_help_shows_every_line(self):
         self.start()
         lines = self.details("help")
-        text = subprocess.run([harness.program, "--help"], check=True, stdout=subprocess.PIPE,
-                              text=True).stdout
+        text = harness.run("--help").stdout
         with open(os.path.join(ROOT, "simulator", "README.md"), encoding="utf-8") as file:
             page = file.read()
         self.assertEqual(13, len(lines))

@@ -34,7 +34,18 @@ RECORDING = b"/sd/DCIM/100ZEPNA/"
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 
+# The card of start_two() and its answers.
+ALPHA = b"alpha" * 100
+BRAVO = b"bravo" * 1000
+
 program = ""
+
+
+def run(*arguments, **options):
+    """Runs the simulator until it exits by itself."""
+    options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE, "stderr": subprocess.PIPE,
+               "text": True, "timeout": LIMIT, **options}
+    return subprocess.run([program, *arguments], check=False, **options)
 
 
 def ok_head(length, kind=b"text/plain"):
@@ -46,8 +57,21 @@ def ok(body, kind=b"text/plain"):
     return ok_head(len(body), kind) + body
 
 
+def chunked(body, kind=b"text/plain"):
+    """Returns an answer whose body, of whole chunks, follows this head."""
+    return (b"HTTP/1.1 200 OK\r\nContent-Type: " + kind + b"\r\nTransfer-Encoding: chunked\r\n"
+            b"Connection: close\r\n\r\n" + body)
+
+
 NOT_FOUND = (b"HTTP/1.1 404 Not Found\r\nContent-Type: text/html\r\nContent-Length: 41\r\n"
              b"Connection: close\r\n\r\n<html><body>404 Not Found</body></html>\r\n")
+
+
+TWO = ok(b'var count="2";\r\n')
+BOTH = ok(b"sd/DCIM/100ZEPNA/A.MP4;sd/DCIM/100ZEPNA/B.MP4;\r\n")
+NONE = ok(b"\r\n")
+SUCCESS = ok(b"Success\r\n")
+ERROR = ok(b"Error\r\n")
 
 
 class Peer:
@@ -124,6 +148,11 @@ class SimulatorTest(unittest.TestCase):
             file.write(content)
         os.utime(path, (1580474702, 1580474702))  # 2020-01-31 12:45:02 UTC
 
+    def start_two(self, *arguments):
+        """Starts with a card of two recordings."""
+        self.card = self.make_card(A=ALPHA, B=BRAVO)
+        self.start("--card", self.card, *arguments)
+
     def start(self, *arguments, descriptors=1024):
         self.journal_path = os.path.join(self.folder, "journal")
         self.journal_number = None
@@ -186,6 +215,21 @@ class SimulatorTest(unittest.TestCase):
         data, end = self.request(target).rest()
         self.assertEqual("closed", end)
         return data
+
+    def play(self, *steps):
+        """Follows a conversation with the camera. A text is a control line, which must succeed; a
+        pair is the target of a request and the complete answer."""
+        for step in steps:
+            if isinstance(step, str):
+                self.switch(step)
+            else:
+                self.assertEqual(step[1], self.ask(step[0]), step[0])
+
+    def refused(self, status, *arguments):
+        """Returns the messages of a simulator that exits with this status before it is ready."""
+        result = run(*arguments)
+        self.assertEqual((status, ""), (result.returncode, result.stdout), result.stderr)
+        return result.stderr
 
     def journal(self, **wanted):
         """Returns the lines of the journal with these values."""

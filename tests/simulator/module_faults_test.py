@@ -10,6 +10,26 @@ BEAT = 300  # milliseconds, to keep the tests short
 QUIET = 1.0
 ATTEMPTS = 20
 
+# faults, module, the first segments of a connection
+SEGMENTS = [
+    ("wrong-start", CONTROL, [b"\xbb" + HEARTBEAT[1:], b"\xbb" + VERSION[1:]]),
+    ("wrong-start", GROUND, [HEARTBEAT]),
+    ("wrong-start=5c", CONTROL, [b"\x5c" + HEARTBEAT[1:], b"\x5c" + VERSION[1:]]),
+    ("no-version", CONTROL, [HEARTBEAT] * 3),
+    ("split-frames", CONTROL, [HEARTBEAT[:3], HEARTBEAT[3:], VERSION[:7], VERSION[7:]]),
+    ("split-frames", GROUND, [GROUND_HEARTBEAT[:3], GROUND_HEARTBEAT[3:]]),
+    ("split-version", CONTROL, [HEARTBEAT, VERSION[:7], VERSION[7:], HEARTBEAT]),
+    ("two-frames", CONTROL, [HEARTBEAT + VERSION] * 2),
+    ("two-frames=version", CONTROL, [VERSION + HEARTBEAT] * 2),
+    ("long-segment no-version", CONTROL, [HEARTBEAT + b"\x55" * 94 + HEARTBEAT] * 2),
+    ("long-segment=12 no-version", CONTROL, [HEARTBEAT * 2]),
+    ("high-bit-version", CONTROL, [HEARTBEAT, bytes.fromhex("aaaf0009ff01908000ffff0080e8")]),
+    ("reset-mid-frame", CONTROL, [HEARTBEAT, VERSION, HEARTBEAT, HEARTBEAT[:3], "reset"]),
+    ("split-frames only=ground", CONTROL, [HEARTBEAT]),
+    ("split-frames only=ground", GROUND, [GROUND_HEARTBEAT[:3]]),
+    ("split-frames only=list", CONTROL, [HEARTBEAT[:3]]),
+]
+
 
 class ModuleFaultsTest(SimulatorTest):
     def start_with(self, *faults):
@@ -31,6 +51,15 @@ class ModuleFaultsTest(SimulatorTest):
             received = b"".join(piece for piece in pieces if piece != "reset")
             self.assertEqual(wanted[:len(received)], received[:len(wanted)])
         self.assertEqual(expected, pieces)
+
+    def test_segments_of_each_fault(self):
+        self.start_with()
+        for faults, address, segments in SEGMENTS:
+            with self.subTest(faults=faults, address=address):
+                for fault in faults.split():
+                    self.switch("fault " + fault)
+                self.assert_segments(segments, address)
+                self.switch("clear all")
 
     def test_no_heartbeat(self):
         self.start_with("no-heartbeat")
@@ -66,13 +95,6 @@ class ModuleFaultsTest(SimulatorTest):
         self.assertLess(time.monotonic() - peer.opened, 2.0)
         self.assertGreater(time.monotonic() - peer.opened, 1.0)
 
-    def test_wrong_start(self):
-        self.start_with("wrong-start")
-        self.assert_segments([b"\xbb" + HEARTBEAT[1:], b"\xbb" + VERSION[1:]], CONTROL)
-        self.assert_segments([HEARTBEAT], GROUND)
-        self.switch("fault wrong-start=5c")
-        self.assert_segments([b"\x5c" + HEARTBEAT[1:], b"\x5c" + VERSION[1:]], CONTROL)
-
     def test_unknown_type(self):
         self.start_with("unknown-type", "no-heartbeat", "no-version")
         control, ground = self.peer(CONTROL), self.peer(GROUND)
@@ -87,40 +109,6 @@ class ModuleFaultsTest(SimulatorTest):
         self.assertTrue(peer.quiet_for(0.15))
         self.assertEqual(HEARTBEAT, peer.segment())
 
-    def test_no_version(self):
-        self.start_with("no-version")
-        self.assert_segments([HEARTBEAT] * 3, CONTROL)
-
-    def test_split_frames(self):
-        self.start_with("split-frames")
-        self.assert_segments([HEARTBEAT[:3], HEARTBEAT[3:], VERSION[:7], VERSION[7:]], CONTROL)
-        self.assert_segments([GROUND_HEARTBEAT[:3], GROUND_HEARTBEAT[3:]], GROUND)
-
-    def test_split_version(self):
-        self.start_with("split-version")
-        self.assert_segments([HEARTBEAT, VERSION[:7], VERSION[7:], HEARTBEAT], CONTROL)
-
-    def test_two_frames(self):
-        self.start_with("two-frames")
-        self.assert_segments([HEARTBEAT + VERSION] * 2, CONTROL)
-        self.switch("fault two-frames=version")
-        self.assert_segments([VERSION + HEARTBEAT] * 2, CONTROL)
-
-    def test_long_chunk(self):
-        self.start_with("long-segment", "no-version")
-        chunk = HEARTBEAT + b"\x55" * 94 + HEARTBEAT
-        self.assert_segments([chunk, chunk], CONTROL)
-        self.switch("fault long-segment=12")
-        self.assert_segments([HEARTBEAT * 2], CONTROL)
-
-    def test_high_bit_version(self):
-        self.start_with("high-bit-version")
-        self.assert_segments([HEARTBEAT, bytes.fromhex("aaaf0009ff01908000ffff0080e8")], CONTROL)
-
-    def test_reset_mid_frame(self):
-        self.start_with("reset-mid-frame")
-        self.assert_segments([HEARTBEAT, VERSION, HEARTBEAT, HEARTBEAT[:3], "reset"], CONTROL)
-
     def test_half_close(self):
         self.start_with("half-close")
         peer = self.peer(GROUND)
@@ -128,13 +116,6 @@ class ModuleFaultsTest(SimulatorTest):
         peer.send(b"\x00")
         self.eventually(lambda: self.journal(device="ground", event="received"),
                         "a half-closed module that still listens")
-
-    def test_only_limits_a_fault_to_one_module(self):
-        self.start_with("split-frames", "only=ground")
-        self.assert_segments([HEARTBEAT], CONTROL)
-        self.assert_segments([GROUND_HEARTBEAT[:3]], GROUND)
-        self.switch("fault only=list")
-        self.assert_segments([HEARTBEAT[:3]], CONTROL)
 
     def test_refuse(self):
         self.start_with()

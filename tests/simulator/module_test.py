@@ -48,27 +48,20 @@ class ModuleTest(SimulatorTest):
             ground.send(ANSWER)
         self.assertTrue(self.complaints.empty(), list(self.complaints.queue))
 
-    def test_missing_answer_is_reported(self):
+    def test_complaints(self):
         self.start("--heartbeat", "60000")
+        for sent, complaint in (("", "heartbeat not answered (connection 1)"),
+                                ("aaaf0401025f", "wrong answer (connection 2) aaaf0401025f"),
+                                (ANSWER.hex() * 2, "answer without a heartbeat (connection 3) "
+                                                   + ANSWER.hex())):
+            peer = self.peer(CONTROL)
+            peer.exactly(6)
+            peer.send(bytes.fromhex(sent))
+            self.assertEqual("control: " + complaint, self.complaints.get(timeout=harness.LIMIT))
+            peer.close()
+        self.assertEqual("heartbeat not answered", self.journal(event="complaint")[0]["text"])
         self.peer(GROUND)
         self.assertEqual("ground: heartbeat not answered (connection 1)",
-                         self.complaints.get(timeout=harness.LIMIT))
-        self.assertEqual("heartbeat not answered", self.journal(event="complaint")[0]["text"])
-
-    def test_wrong_answer_is_reported_with_its_bytes(self):
-        self.start("--heartbeat", "60000")
-        peer = self.peer(CONTROL)
-        peer.exactly(6)
-        peer.send(bytes.fromhex("aaaf0401025f"))
-        self.assertEqual("control: wrong answer (connection 1) aaaf0401025f",
-                         self.complaints.get(timeout=harness.LIMIT))
-
-    def test_answer_without_heartbeat_is_reported(self):
-        self.start("--heartbeat", "60000")
-        peer = self.peer(CONTROL)
-        peer.exactly(6)
-        peer.send(ANSWER + ANSWER)
-        self.assertEqual("control: answer without a heartbeat (connection 1) aaaf0401015f",
                          self.complaints.get(timeout=harness.LIMIT))
 
     def test_versions_are_as_asked_for(self):

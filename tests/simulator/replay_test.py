@@ -31,6 +31,15 @@ class RecordingTest(SimulatorTest):
         self.finish()
         return seen
 
+    def path(self, name="capture"):
+        return os.path.join(self.folder, name)
+
+    def messages_of_replay(self, path):
+        """Returns the messages of a replay without a client."""
+        result = harness.run("--replay", path, "--exit-with-stdin")
+        self.assertEqual(0, result.returncode)
+        return result.stderr
+
     def replay(self, path):
         self.start("--replay", path)
         seen = self.visit()
@@ -40,7 +49,7 @@ class RecordingTest(SimulatorTest):
     def finish(self):
         self.end()
         # The next start overwrites the journal, so the first one is kept.
-        kept = os.path.join(self.folder, "recorded")
+        kept = self.path("recorded")
         if not os.path.exists(kept):
             os.rename(self.journal_path, kept)
 
@@ -58,13 +67,21 @@ class RecordingTest(SimulatorTest):
 
 
 class JournalTest(RecordingTest):
-    def last_words(self, process):
-        """Returns the output and the messages of a simulator that exits by itself."""
-        try:
-            return process.communicate(timeout=harness.LIMIT)
-        except subprocess.TimeoutExpired:
-            process.kill()
-            raise AssertionError("the run goes on") from None
+    def message_that_ends(self, talk):
+        """Returns the message of a replay that has to end with status 1 because of a talk."""
+        with subprocess.Popen([harness.program, "--replay", self.path("recorded")], text=True,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            self.addCleanup(process.kill)
+            self.assertEqual("belun-simulator ready\n", process.stdout.readline())
+            talk()
+            try:
+                _, message = process.communicate(timeout=harness.LIMIT)
+            except subprocess.TimeoutExpired:
+                process.kill()
+                raise AssertionError("the run goes on") from None
+        self.assertEqual(1, process.returncode)
+        return message
 
     def test_full_journal_gives_the_same_bytes(self):
         seen = self.record("--journal-full")
@@ -72,12 +89,12 @@ class JournalTest(RecordingTest):
         self.assertEqual([GROUND_HEARTBEAT] * 2, seen[0][1])
         self.assertEqual(["closed"] * 7 + ["reset"], [end for _, end in seen[1]])
         self.assertEqual(BIG[:150000], seen[1][4][0][-150000:])
-        self.assertEqual(seen, self.replay(os.path.join(self.folder, "recorded")))
+        self.assertEqual(seen, self.replay(self.path("recorded")))
 
     def test_replay_of_a_replay_gives_the_same_bytes(self):
         seen = self.record("--journal-full")
-        first = os.path.join(self.folder, "recorded")
-        again = os.path.join(self.folder, "again")
+        first = self.path("recorded")
+        again = self.path("again")
         self.start("--replay", first, "--journal-full")
         self.assertEqual(seen, self.visit())
         self.end()
@@ -86,12 +103,9 @@ class JournalTest(RecordingTest):
 
     def test_ordinary_journal_is_filled_in_and_that_is_said(self):
         seen = self.record()
-        journal = os.path.join(self.folder, "recorded")
-        result = subprocess.run([harness.program, "--replay", journal, "--exit-with-stdin"],
-                                stdin=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True,
-                                stdout=subprocess.PIPE, check=True, timeout=harness.LIMIT)
+        journal = self.path("recorded")
         self.assertEqual(f"belun-simulator: {journal}: 150005 bytes in 2 runs are not in the file, "
-                         "and are replaced by zeros\n", result.stderr)
+                         "and are replaced by zeros\n", self.messages_of_replay(journal))
         modules, answers = self.replay(journal)
         self.assertEqual(seen[0], modules)
         for (recorded, end), (played, played_end) in zip(seen[1], answers):
@@ -99,46 +113,25 @@ class JournalTest(RecordingTest):
         self.assertEqual(seen[1][:3], answers[:3])
         self.assertEqual(b"\0" * 150000, answers[4][0][-150000:])
 
-    def test_request_that_is_not_in_the_file_ends_the_run(self):
+    def test_talk_that_is_not_in_the_file_ends_the_run(self):
         self.record("--journal-full")
-        journal = os.path.join(self.folder, "recorded")
         for asked, times in ((INFO + b"B.MP4", ""), (LIST + b"2", " more than 1 times")):
-            with self.subTest(asked=asked), subprocess.Popen(
-                    [harness.program, "--replay", journal], stdin=subprocess.DEVNULL,
-                    stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
-                self.addCleanup(process.kill)
-                self.assertEqual(b"belun-simulator ready\n", process.stdout.readline())
-                self.ask(LIST + b"2")
-                self.request(asked)
-                _, message = self.last_words(process)
-                self.assertEqual(1, process.returncode)
-                self.assertEqual(f'belun-simulator: {journal}: "GET {asked.decode()} HTTP/1.1" is '
-                                 f"not in the recorded run{times}\n", message.decode())
-
-    def test_connection_that_is_not_in_the_file_ends_the_run(self):
-        self.record("--journal-full")
-        journal = os.path.join(self.folder, "recorded")
-        with subprocess.Popen([harness.program, "--replay", journal], stdin=subprocess.DEVNULL,
-                              stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
-            self.addCleanup(process.kill)
-            process.stdout.readline()
-            self.peer(GROUND)
-            self.peer(GROUND)
-            _, message = self.last_words(process)
-        self.assertEqual(1, process.returncode)
-        self.assertIn(b"the recorded run has no connection 2 to the ground module\n", message)
+            message = self.message_that_ends(
+                lambda asked=asked: (self.ask(LIST + b"2"), self.request(asked)))
+            self.assertEqual(f'belun-simulator: {self.path("recorded")}: "GET {asked.decode()} '
+                             f'HTTP/1.1" is not in the recorded run{times}\n', message)
+        self.assertIn("the recorded run has no connection 2 to the ground module\n",
+                      self.message_that_ends(lambda: (self.peer(GROUND), self.peer(GROUND))))
 
     def test_what_is_no_recording_is_an_error(self):
         def file(name, data):
-            path = os.path.join(self.folder, name)
-            with open(path, "wb") as opened:
-                opened.write(data)
-            return path
+            self.write_file(self.path(name), data)
+            return self.path(name)
 
         line = (b'{"time":"2026-11-21T00:41:07.532442Z","device":"control","connection":1,'
                 b'"event":"open"}\n')
         for path, reason in (
-                (os.path.join(self.folder, "none"), ": No such file or directory"),
+                (self.path("none"), ": No such file or directory"),
                 (file("text", b"hello\n"), ": neither a journal nor a packet capture"),
                 (file("empty", b""), ": neither a journal nor a packet capture"),
                 (file("other", line + b'{"time":"yesterday"}\n' + line),
@@ -148,12 +141,9 @@ class JournalTest(RecordingTest):
                 (file("void", line.replace(b'"open"', b'"x"') + b'{"ti'),
                  ": there is no connection to a device of the vehicle in it")):
             with self.subTest(path=path):
-                result = subprocess.run([harness.program, "--replay", path], check=False, text=True,
-                                        stdin=subprocess.DEVNULL, stderr=subprocess.PIPE,
-                                        timeout=harness.LIMIT)
-                self.assertEqual(1, result.returncode)
-                if "this build reads no packet captures" not in result.stderr:
-                    self.assertIn(f"belun-simulator: {path}{reason}", result.stderr)
+                message = self.refused(1, "--replay", path)
+                if "this build reads no packet captures" not in message:
+                    self.assertIn(f"belun-simulator: {path}{reason}", message)
 
     def test_options_that_exclude_each_other(self):
         for arguments, reason in (
@@ -162,14 +152,11 @@ class JournalTest(RecordingTest):
                 (["--replay", "x", "--fault", "stall"],
                  "--replay excludes --card, --sample, --fault and --scenario"),
                 (["--journal-full"], "--journal-full needs --journal")):
-            result = subprocess.run([harness.program, *arguments], check=False, text=True,
-                                    stderr=subprocess.PIPE, timeout=harness.LIMIT)
-            self.assertEqual(2, result.returncode)
-            self.assertIn(reason, result.stderr)
+            self.assertIn(reason, self.refused(2, *arguments))
 
     def test_control_lines_of_modules_do_no_harm_in_a_replay(self):
         self.record("--journal-full")
-        self.start("--replay", os.path.join(self.folder, "recorded"))
+        self.start("--replay", self.path("recorded"))
         peer = self.peer(CONTROL)
         peer.exactly(20)
         self.switch("versions 1,2,3,4,5")
@@ -184,9 +171,7 @@ class CaptureTest(RecordingTest):
     def capture(self):
         """Records a run; returns what a client received, and the packets."""
         packets.write(self.path("none"), [])
-        if "reads no packet captures" in subprocess.run(
-                [harness.program, "--replay", self.path("none")], check=False, text=True,
-                stderr=subprocess.PIPE).stderr:
+        if "reads no packet captures" in self.refused(1, "--replay", self.path("none")):
             self.skipTest("this build reads no packet captures")
         try:
             capture = packets.Capture()
@@ -195,17 +180,12 @@ class CaptureTest(RecordingTest):
         seen = self.record("--journal-full")
         return seen, capture.stop()
 
-    def path(self, name="capture"):
-        return os.path.join(self.folder, name)
-
     def test_capture_of_the_same_run_gives_the_same_bytes(self):
         seen, captured = self.capture()
         packets.write(self.path(), captured)
         self.assertEqual(seen, self.replay(self.path()))
         # The capture is complete: the simulator must not warn about bytes replaced with zeros.
-        result = subprocess.run([harness.program, "--replay", self.path(), "--exit-with-stdin"],
-                                stdin=subprocess.DEVNULL, capture_output=True, check=True)
-        self.assertEqual(b"", result.stderr)
+        self.assertEqual("", self.messages_of_replay(self.path()))
 
     def test_repeated_and_swapped_packets_do_no_harm(self):
         seen, captured = self.capture()
@@ -221,21 +201,16 @@ class CaptureTest(RecordingTest):
         del captured[max(range(len(captured)), key=lambda i: len(captured[i][1]))]
         packets.write(self.path("lost"), captured)
         for name in ("cut", "lost"):
-            result = subprocess.run([harness.program, "--replay", self.path(name),
-                                     "--exit-with-stdin"], stdin=subprocess.DEVNULL, check=False,
-                                    stderr=subprocess.PIPE, text=True, stdout=subprocess.PIPE)
-            self.assertRegex(result.stderr, r"\d+ bytes in \d+ runs are not in the file, and are replaced")
+            self.assertRegex(self.messages_of_replay(self.path(name)),
+                             r"\d+ bytes in \d+ runs are not in the file, and are replaced")
             _, answers = self.replay(self.path(name))
             self.assertEqual([len(data) for data, _ in seen[1]], [len(data) for data, _ in answers])
             self.assertNotEqual(zlib.crc32(seen[1][4][0]), zlib.crc32(answers[4][0]))
 
     def test_capture_of_another_kind_is_an_error(self):
         packets.write(self.path(), [], kind=105)
-        result = subprocess.run([harness.program, "--replay", self.path()], check=False, text=True,
-                                stderr=subprocess.PIPE)
-        self.assertEqual(1, result.returncode)
-        self.assertRegex(result.stderr, "captures of the kind IEEE802_11 are not understood|this "
-                                        "build reads no packet captures")
+        self.assertRegex(self.refused(1, "--replay", self.path()), "captures of the kind IEEE802_11 are not "
+                         "understood|this build reads no packet captures")
 
 
 def network_with_packets():
