@@ -1,5 +1,6 @@
 #include "verify/AnswerReader.h"
 
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 using verify::AnswerReader;
@@ -64,13 +65,10 @@ private slots:
 
 void AnswerReaderTest::answersAreReadInEveryCut_data()
 {
-    QTest::addColumn<QByteArray>("answer");
-    QTest::addColumn<State>("state");
-    QTest::addColumn<QByteArray>("body");
-    const auto row = [](const char* tag, const QByteArray& answer, State state,
-                        const QByteArray& body = {}) {
-        QTest::newRow(tag) << answer << state << body;
-    };
+    const support::Rows<QByteArray, State, QByteArray> rows("answer", "state", "body");
+    const auto row = [&rows](const char* tag, const QByteArray& answer, State state,
+                             const QByteArray& body = {}) { rows(tag, answer, state, body); };
+    const QByteArray chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
 
     row("length", ok + "Content-Length: 5\r\n\r\nhello", State::Complete, "hello");
     row("length zero", ok + "Content-Length: 0\r\n\r\n", State::Complete);
@@ -80,8 +78,7 @@ void AnswerReaderTest::answersAreReadInEveryCut_data()
     row("more than announced", ok + "Content-Length: 3\r\n\r\nhello", State::Complete, "hel");
     row("up to the end", ok + "\r\nhello", State::Complete, "hello");
     row("nothing up to the end", ok + "\r\n", State::Complete);
-    row("chunks", ok + "Transfer-Encoding: chunked\r\n\r\n3\r\nhel\r\n2;x=y\r\nlo\r\n0\r\n\r\n",
-        State::Complete, "hello");
+    row("chunks", chunked + "3\r\nhel\r\n2;x=y\r\nlo\r\n0\r\n\r\n", State::Complete, "hello");
     row("chunks in capitals",
         ok + "transfer-encoding: Chunked\r\n\r\nA\r\n0123456789\r\n0\r\nX: 1\r\n\r\n",
         State::Complete, "0123456789");
@@ -102,10 +99,9 @@ void AnswerReaderTest::answersAreReadInEveryCut_data()
     row("cut in the head", ok + "Content-Le", State::Cut);
     row("cut before the body", ok + "Content-Length: 5\r\n\r\n", State::Cut);
     row("cut in the body", ok + "Content-Length: 5\r\n\r\nhell", State::Cut, "hell");
-    row("cut in a chunk", ok + "Transfer-Encoding: chunked\r\n\r\n3\r\nhe", State::Cut, "he");
-    row("cut before the last chunk", ok + "Transfer-Encoding: chunked\r\n\r\n3\r\nhel\r\n",
-        State::Cut, "hel");
-    row("cut before the trailer's end", ok + "Transfer-Encoding: chunked\r\n\r\n0\r\n", State::Cut);
+    row("cut in a chunk", chunked + "3\r\nhe", State::Cut, "he");
+    row("cut before the last chunk", chunked + "3\r\nhel\r\n", State::Cut, "hel");
+    row("cut before the trailer's end", chunked + "0\r\n", State::Cut);
     row("nothing", "", State::Cut);
     row("line feeds alone", "HTTP/1.1 200 OK\nContent-Length: 2\n\nok", State::Cut);
 
@@ -127,18 +123,14 @@ void AnswerReaderTest::answersAreReadInEveryCut_data()
     row("length beyond the limit", ok + "Content-Length: 1001\r\n\r\n", State::BodyTooLong);
     row("length of the limit", ok + "Content-Length: 1000\r\n\r\n" + QByteArray(1000, 'x'),
         State::Complete, QByteArray(1000, 'x'));
-    row("chunk beyond the limit", ok + "Transfer-Encoding: chunked\r\n\r\n3e9\r\n",
-        State::BodyTooLong);
-    row("chunks beyond the limit", ok + "Transfer-Encoding: chunked\r\n\r\n1\r\nx\r\n3e8\r\n",
-        State::BodyTooLong, "x");
-    row("largest chunk", ok + "Transfer-Encoding: chunked\r\n\r\nffffffffffffffff\r\n",
-        State::BodyTooLong);
+    row("chunk beyond the limit", chunked + "3e9\r\n", State::BodyTooLong);
+    row("chunks beyond the limit", chunked + "1\r\nx\r\n3e8\r\n", State::BodyTooLong, "x");
+    row("largest chunk", chunked + "ffffffffffffffff\r\n", State::BodyTooLong);
 
-    row("chunk size of letters", ok + "Transfer-Encoding: chunked\r\n\r\nzz\r\n", State::BadBody);
-    row("no chunk size", ok + "Transfer-Encoding: chunked\r\n\r\n\r\n", State::BadBody);
-    row("negative chunk size", ok + "Transfer-Encoding: chunked\r\n\r\n-1\r\n", State::BadBody);
-    row("no line end after a chunk", ok + "Transfer-Encoding: chunked\r\n\r\n1\r\nxy\r\n",
-        State::BadBody, "x");
+    row("chunk size of letters", chunked + "zz\r\n", State::BadBody);
+    row("no chunk size", chunked + "\r\n", State::BadBody);
+    row("negative chunk size", chunked + "-1\r\n", State::BadBody);
+    row("no line end after a chunk", chunked + "1\r\nxy\r\n", State::BadBody, "x");
 }
 
 void AnswerReaderTest::answersAreReadInEveryCut()

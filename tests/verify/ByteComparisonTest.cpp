@@ -1,5 +1,6 @@
 #include "verify/ByteComparison.h"
 
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 #include <QFile>
@@ -21,23 +22,19 @@ private slots:
 
 void ByteComparisonTest::bytesAreComparedInAnyPieces_data()
 {
-    QTest::addColumn<QByteArray>("local");
-    QTest::addColumn<QByteArray>("card");
-    QTest::addColumn<bool>("same");
-    QTest::addColumn<int>("compared");
+    const support::Rows<QByteArray, QByteArray, bool, int> row("local", "card", "same", "compared");
     const QByteArray bytes = "0123456789";
-    QTest::newRow("same") << bytes << bytes << true << 10;
-    QTest::newRow("nothing") << bytes << QByteArray() << true << 0;
-    QTest::newRow("beginning") << bytes << bytes.left(7) << true << 7;
-    QTest::newRow("first byte") << bytes << QByteArray("x123456789") << false << 0;
-    QTest::newRow("last byte") << bytes << QByteArray("012345678x") << false << 9;
-    QTest::newRow("in the middle") << bytes << QByteArray("01234x6789") << false << 5;
-    QTest::newRow("two places") << bytes << QByteArray("0x2345678x") << false << 1;
-    QTest::newRow("file too short") << bytes.left(4) << bytes << false << 4;
-    QTest::newRow("empty file") << QByteArray() << bytes << false << 0;
-    QTest::newRow("zero bytes") << QByteArray(3, '\0') << QByteArray(3, '\0') << true << 3;
-    QTest::newRow("after a zero byte")
-        << QByteArray("a\0b", 3) << QByteArray("a\0c", 3) << false << 2;
+    row("same", bytes, bytes, true, 10);
+    row("nothing", bytes, QByteArray(), true, 0);
+    row("beginning", bytes, bytes.left(7), true, 7);
+    row("first byte", bytes, "x123456789", false, 0);
+    row("last byte", bytes, "012345678x", false, 9);
+    row("in the middle", bytes, "01234x6789", false, 5);
+    row("two places", bytes, "0x2345678x", false, 1);
+    row("file too short", bytes.left(4), bytes, false, 4);
+    row("empty file", QByteArray(), bytes, false, 0);
+    row("zero bytes", QByteArray(3, '\0'), QByteArray(3, '\0'), true, 3);
+    row("after a zero byte", QByteArray("a\0b", 3), QByteArray("a\0c", 3), false, 2);
 }
 
 void ByteComparisonTest::bytesAreComparedInAnyPieces()

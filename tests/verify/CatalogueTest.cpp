@@ -1,4 +1,5 @@
 // The Chinese texts, and when they are shown.
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 #include "verify/Language.h"
 #include "verify/Texts.h"
@@ -46,14 +47,14 @@ QStringList placesOf(const QString& text)
     return places;
 }
 
-/// Sets the locale variables for a test function. LC_MESSAGES is always empty.
-void setLocale(const char* all, const char* type, const char* lang, const char* languages = "")
+/// Sets the locale variables for a test function. LC_MESSAGES and LANGUAGE are always empty.
+void setLocale(const char* all, const char* type, const char* lang)
 {
     qputenv("LC_ALL", all);
     qputenv("LC_CTYPE", type);
     qputenv("LC_MESSAGES", "");
     qputenv("LANG", lang);
-    qputenv("LANGUAGE", languages);
+    qputenv("LANGUAGE", "");
 }
 
 } // namespace
@@ -93,28 +94,19 @@ void CatalogueTest::punctuationIsFullWidth()
 
 void CatalogueTest::languageFollowsTheLocale_data()
 {
-    QTest::addColumn<QByteArray>("all");
-    QTest::addColumn<QByteArray>("type");
-    QTest::addColumn<QByteArray>("lang");
-    QTest::addColumn<QByteArray>("languages");
-    QTest::addColumn<bool>("utf8");
-    QTest::addColumn<bool>("chinese");
-    const auto row = [](const char* tag, const char* all, const char* type, const char* lang,
-                        const char* languages, bool utf8, bool chinese) {
-        QTest::newRow(tag) << QByteArray(all) << QByteArray(type) << QByteArray(lang)
-                           << QByteArray(languages) << utf8 << chinese;
-    };
-    row("Chinese", "", "", "zh_CN.UTF-8", "", true, true);
-    row("Chinese, spelt otherwise", "", "", "zh_CN.utf8", "", true, true);
-    row("Chinese of Taiwan", "", "", "zh_TW.UTF-8", "", true, true);
-    row("English", "", "", "en_US.UTF-8", "", true, false);
-    row("German", "", "", "de_DE.UTF-8", "", true, false);
-    row("Chinese over English", "zh_CN.UTF-8", "", "en_US.UTF-8", "", true, true);
-    row("English over Chinese", "en_US.UTF-8", "", "zh_CN.UTF-8", "", true, false);
-    row("no UTF-8", "", "", "zh_CN.GB18030", "", false, false);
-    row("nothing", "", "", "", "", false, false);
-    row("plain", "C", "", "", "", false, false);
-    row("plain letters", "", "C", "zh_CN.UTF-8", "", false, false);
+    const support::Rows<QByteArray, QByteArray, QByteArray, bool, bool> row("all", "type", "lang",
+                                                                            "utf8", "chinese");
+    row("Chinese", "", "", "zh_CN.UTF-8", true, true);
+    row("Chinese, spelt otherwise", "", "", "zh_CN.utf8", true, true);
+    row("Chinese of Taiwan", "", "", "zh_TW.UTF-8", true, true);
+    row("English", "", "", "en_US.UTF-8", true, false);
+    row("German", "", "", "de_DE.UTF-8", true, false);
+    row("Chinese over English", "zh_CN.UTF-8", "", "en_US.UTF-8", true, true);
+    row("English over Chinese", "en_US.UTF-8", "", "zh_CN.UTF-8", true, false);
+    row("no UTF-8", "", "", "zh_CN.GB18030", false, false);
+    row("nothing", "", "", "", false, false);
+    row("plain", "C", "", "", false, false);
+    row("plain letters", "", "C", "zh_CN.UTF-8", false, false);
 }
 
 void CatalogueTest::languageFollowsTheLocale()
@@ -122,8 +114,7 @@ void CatalogueTest::languageFollowsTheLocale()
     QFETCH(QByteArray, all);
     QFETCH(QByteArray, type);
     QFETCH(QByteArray, lang);
-    QFETCH(QByteArray, languages);
-    setLocale(all, type, lang, languages);
+    setLocale(all, type, lang);
     const Letters letters = verify::terminalLetters();
     QTEST(letters == Letters::Utf8, "utf8");
     QTranslator translator;

@@ -1,6 +1,7 @@
 // The lines of --json, letter for letter: other programs read them.
 #include "verify/Json.h"
 
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 #include <QJsonDocument>
@@ -75,12 +76,12 @@ void JsonTest::everyResultAndReasonHasAWordOfItsOwn()
 
 void JsonTest::namesReadBackAsTheyAre_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::newRow("quotes") << "a\"b\\c";
-    QTest::newRow("controls") << QString::fromUtf8("a\x1b\x01\x7f\r\n\t");
-    QTest::newRow("C1 and bidi") << QString::fromUtf8("\xc2\x9b\xe2\x80\xae");
-    QTest::newRow("Chinese") << QString::fromUtf8("\xe6\xb5\xb7");
-    QTest::newRow("beyond 16 bits") << QString::fromUtf8("\xf0\x9f\x90\x9f\xf3\xa0\x81\x81");
+    const support::Rows<QString> row("name");
+    row("quotes", "a\"b\\c");
+    row("controls", QString::fromUtf8("a\x1b\x01\x7f\r\n\t"));
+    row("C1 and bidi", QString::fromUtf8("\xc2\x9b\xe2\x80\xae"));
+    row("Chinese", QString::fromUtf8("\xe6\xb5\xb7"));
+    row("beyond 16 bits", QString::fromUtf8("\xf0\x9f\x90\x9f\xf3\xa0\x81\x81"));
 }
 
 void JsonTest::namesReadBackAsTheyAre()

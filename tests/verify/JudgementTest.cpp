@@ -1,5 +1,6 @@
 #include "verify/Judgement.h"
 
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 using verify::Reason;
@@ -10,6 +11,7 @@ using verify::Verdict;
 
 Q_DECLARE_METATYPE(Reason)
 Q_DECLARE_METATYPE(Summary)
+Q_DECLARE_METATYPE(Verdict)
 
 namespace {
 
@@ -47,24 +49,23 @@ private slots:
 
 void JudgementTest::namesThatTheWindowAsksForAreComparable_data()
 {
-    QTest::addColumn<QByteArray>("name");
-    QTest::addColumn<Reason>("reason");
-    QTest::newRow("ordinary") << QByteArray("REC_1.MP4") << Reason::None;
-    QTest::newRow("spaces and marks") << QByteArray("a b&c#d%41:e.MP4") << Reason::None;
-    QTest::newRow("30 bytes") << QByteArray(30, 'x') << Reason::None;
-    QTest::newRow("hidden") << QByteArray(".x") << Reason::None;
-    QTest::newRow("three dots") << QByteArray("...") << Reason::None;
-    QTest::newRow("tab") << QByteArray("a\tb") << Reason::None;
-    QTest::newRow("empty") << QByteArray("") << Reason::NoName;
-    QTest::newRow("slash") << QByteArray("a/b") << Reason::NotDownloadable;
-    QTest::newRow("two up") << QByteArray("../../a") << Reason::NotDownloadable;
-    QTest::newRow("dot") << QByteArray(".") << Reason::NotDownloadable;
-    QTest::newRow("dots") << QByteArray("..") << Reason::NotDownloadable;
-    QTest::newRow("UTF-8 within Latin-1") << QByteArray("\xc3\xa9") << Reason::NotDownloadable;
-    QTest::newRow("Chinese") << QByteArray("\xe6\xb5\xb7") << Reason::NotDownloadable;
-    QTest::newRow("Latin-1") << QByteArray("\xe9") << Reason::NotDownloadable;
-    QTest::newRow("carriage return") << QByteArray("a\rb") << Reason::NotDownloadable;
-    QTest::newRow("line feed") << QByteArray("a\nb") << Reason::NotDownloadable;
+    const support::Rows<QByteArray, Reason> row("name", "reason");
+    row("ordinary", "REC_1.MP4", Reason::None);
+    row("spaces and marks", "a b&c#d%41:e.MP4", Reason::None);
+    row("30 bytes", QByteArray(30, 'x'), Reason::None);
+    row("hidden", ".x", Reason::None);
+    row("three dots", "...", Reason::None);
+    row("tab", "a\tb", Reason::None);
+    row("empty", "", Reason::NoName);
+    row("slash", "a/b", Reason::NotDownloadable);
+    row("two up", "../../a", Reason::NotDownloadable);
+    row("dot", ".", Reason::NotDownloadable);
+    row("dots", "..", Reason::NotDownloadable);
+    row("UTF-8 within Latin-1", "\xc3\xa9", Reason::NotDownloadable);
+    row("Chinese", "\xe6\xb5\xb7", Reason::NotDownloadable);
+    row("Latin-1", "\xe9", Reason::NotDownloadable);
+    row("carriage return", "a\rb", Reason::NotDownloadable);
+    row("line feed", "a\nb", Reason::NotDownloadable);
 }
 
 void JudgementTest::namesThatTheWindowAsksForAreComparable()
@@ -75,12 +76,7 @@ void JudgementTest::namesThatTheWindowAsksForAreComparable()
 
 void JudgementTest::doubtCountsMoreThanWhatIsKnown_data()
 {
-    QTest::addColumn<Summary>("summary");
-    QTest::addColumn<int>("verdict");
-    QTest::addColumn<int>("status");
-    const auto row = [](const char* tag, const Summary& summary, Verdict verdict, int status) {
-        QTest::newRow(tag) << summary << int(verdict) << status;
-    };
+    const support::Rows<Summary, Verdict, int> row("summary", "verdict", "status");
     Summary empty = completed();
     empty.counted = 0;
     empty.listed = 0;
@@ -112,7 +108,7 @@ void JudgementTest::doubtCountsMoreThanWhatIsKnown()
 {
     QFETCH(Summary, summary);
     const Verdict verdict = verify::verdictOf(summary);
-    QTEST(int(verdict), "verdict");
+    QTEST(verdict, "verdict");
     QTEST(verify::statusOf(verdict), "status");
 }
 

@@ -1,6 +1,7 @@
 // Reading the folder for recordings: its files, and entries that are never opened.
 #include "verify/LocalFolder.h"
 
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 #include <cerrno>
@@ -16,6 +17,8 @@
 
 using verify::LocalFile;
 using verify::LocalFolder;
+
+Q_DECLARE_METATYPE(LocalFile::State)
 
 class LocalFolderTest : public QObject
 {
@@ -96,14 +99,13 @@ void LocalFolderTest::bytesFromTheDiskAreTheSame()
 
 void LocalFolderTest::nothingButAFileIsOpened_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("state");
-    QTest::newRow("link to a file") << "link" << int(LocalFile::State::Link);
-    QTest::newRow("link to nothing") << "dead" << int(LocalFile::State::Link);
-    QTest::newRow("folder") << "folder" << int(LocalFile::State::Folder);
-    QTest::newRow("pipe without a writer") << "pipe" << int(LocalFile::State::NoFile);
-    QTest::newRow("socket") << "socket" << int(LocalFile::State::NoFile);
-    QTest::newRow("name of 256 letters") << QString(256, 'x') << int(LocalFile::State::NotThere);
+    const support::Rows<QString, LocalFile::State> row("name", "state");
+    row("link to a file", "link", LocalFile::State::Link);
+    row("link to nothing", "dead", LocalFile::State::Link);
+    row("folder", "folder", LocalFile::State::Folder);
+    row("pipe without a writer", "pipe", LocalFile::State::NoFile);
+    row("socket", "socket", LocalFile::State::NoFile);
+    row("name of 256 letters", QString(256, 'x'), LocalFile::State::NotThere);
 }
 
 void LocalFolderTest::nothingButAFileIsOpened()
@@ -120,7 +122,7 @@ void LocalFolderTest::nothingButAFileIsOpened()
     ::close(socket);
 
     QFETCH(QString, name);
-    QTEST(int(LocalFolder(path()).open(name.toStdString()).state()), "state");
+    QTEST(LocalFolder(path()).open(name.toStdString()).state(), "state");
 }
 
 void LocalFolderTest::changesAreSeen()

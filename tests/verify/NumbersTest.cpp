@@ -1,5 +1,6 @@
 #include "verify/Numbers.h"
 
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 class NumbersTest : public QObject
@@ -15,22 +16,19 @@ private slots:
 
 void NumbersTest::wholeTextIsTheNumber_data()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<bool>("valid");
-    QTest::addColumn<quint64>("number");
-
-    QTest::newRow("zero") << QByteArray("0") << true << quint64(0);
-    QTest::newRow("leading zeros") << QByteArray("007") << true << quint64(7);
-    QTest::newRow("beyond 32 bits") << QByteArray("4294967296") << true << quint64(4294967296);
-    QTest::newRow("largest") << QByteArray("18446744073709551615") << true << ~quint64(0);
-    QTest::newRow("one more") << QByteArray("18446744073709551616") << false << quint64(0);
-    QTest::newRow("forty digits") << QByteArray(40, '1') << false << quint64(0);
-    QTest::newRow("empty") << QByteArray("") << false << quint64(0);
-    QTest::newRow("sign") << QByteArray("-1") << false << quint64(0);
-    QTest::newRow("plus sign") << QByteArray("+1") << false << quint64(0);
-    QTest::newRow("space before") << QByteArray(" 1") << false << quint64(0);
-    QTest::newRow("letter after") << QByteArray("1k") << false << quint64(0);
-    QTest::newRow("zero byte after") << QByteArray("1\0", 2) << false << quint64(0);
+    const support::Rows<QByteArray, bool, quint64> row("text", "valid", "number");
+    row("zero", "0", true, 0);
+    row("leading zeros", "007", true, 7);
+    row("beyond 32 bits", "4294967296", true, 4294967296);
+    row("largest", "18446744073709551615", true, ~quint64(0));
+    row("one more", "18446744073709551616", false, 0);
+    row("forty digits", QByteArray(40, '1'), false, 0);
+    row("empty", "", false, 0);
+    row("sign", "-1", false, 0);
+    row("plus sign", "+1", false, 0);
+    row("space before", " 1", false, 0);
+    row("letter after", "1k", false, 0);
+    row("zero byte after", QByteArray("1\0", 2), false, 0);
 }
 
 void NumbersTest::wholeTextIsTheNumber()

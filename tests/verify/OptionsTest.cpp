@@ -1,5 +1,6 @@
 #include "verify/Options.h"
 
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 using verify::Options;
@@ -64,13 +65,7 @@ void OptionsTest::namesAreTakenAsTheyAre()
 
 void OptionsTest::wrongOnesAreRefused_data()
 {
-    QTest::addColumn<std::vector<std::string>>("arguments");
-    QTest::addColumn<Kind>("kind");
-    QTest::addColumn<QString>("option");
-    const auto row = [](const char* tag, std::vector<std::string> arguments, Kind kind,
-                        const char* option) {
-        QTest::newRow(tag) << std::move(arguments) << kind << QString::fromLatin1(option);
-    };
+    const support::Rows<std::vector<std::string>, Kind, QString> row("arguments", "kind", "option");
     row("unknown", {"--contents"}, Kind::Unknown, "--contents");
     row("unknown with a value", {"--x=1"}, Kind::Unknown, "--x=1");
     row("one dash", {"-c"}, Kind::Unknown, "-c");
@@ -101,11 +96,10 @@ void OptionsTest::wrongOnesAreRefused()
 
 void OptionsTest::timeoutsWithinTheLimits_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("seconds");
-    QTest::newRow("shortest") << "1" << 1;
-    QTest::newRow("longest") << "3600" << 3600;
-    QTest::newRow("leading zeros") << "0009" << 9;
+    const support::Rows<QString, int> row("text", "seconds");
+    row("shortest", "1", 1);
+    row("longest", "3600", 3600);
+    row("leading zeros", "0009", 9);
 }
 
 void OptionsTest::timeoutsWithinTheLimits()

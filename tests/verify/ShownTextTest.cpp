@@ -1,5 +1,6 @@
 #include "verify/ShownText.h"
 
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 using verify::Letters;
@@ -19,12 +20,10 @@ private slots:
 
 void ShownTextTest::nothingReachesTheTerminalThatItWouldObey_data()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QByteArray>("utf8");
-    QTest::addColumn<QByteArray>("ascii");
-    const auto row = [](const char* tag, const QByteArray& text, const QByteArray& utf8,
-                        const QByteArray& ascii = {}) {
-        QTest::newRow(tag) << text << utf8 << (ascii.isEmpty() ? utf8 : ascii);
+    const support::Rows<QByteArray, QByteArray, QByteArray> rows("text", "utf8", "ascii");
+    const auto row = [&rows](const char* tag, const QByteArray& text, const QByteArray& utf8,
+                             const QByteArray& ascii = {}) {
+        rows(tag, text, utf8, ascii.isEmpty() ? utf8 : ascii);
     };
     row("ordinary", "REC one & two.MP4", "REC one & two.MP4");
     row("escape sequence", "\x1b[31mred", "\\u{1B}[31mred");
@@ -89,18 +88,18 @@ void ShownTextTest::noTwoTextsLookTheSame()
 
 void ShownTextTest::invalidUtf8HasNoLength_data()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("continuation first") << QByteArray("\x80");
-    QTest::newRow("overlong slash") << QByteArray("\xc0\xaf");
-    QTest::newRow("overlong in three") << QByteArray("\xe0\x80\xaf");
-    QTest::newRow("overlong in four") << QByteArray("\xf0\x80\x80\xaf");
-    QTest::newRow("surrogate") << QByteArray("\xed\xa0\x80");
-    QTest::newRow("beyond the last") << QByteArray("\xf4\x90\x80\x80");
-    QTest::newRow("five bytes") << QByteArray("\xf8\x88\x80\x80\x80");
-    QTest::newRow("cut") << QByteArray("\xf0\x9f\x90");
-    QTest::newRow("letter inside") << QByteArray("\xe6"
-                                                 "A\x80");
+    const support::Rows<QByteArray> row("text");
+    row("empty", QByteArray());
+    row("continuation first", "\x80");
+    row("overlong slash", "\xc0\xaf");
+    row("overlong in three", "\xe0\x80\xaf");
+    row("overlong in four", "\xf0\x80\x80\xaf");
+    row("surrogate", "\xed\xa0\x80");
+    row("beyond the last", "\xf4\x90\x80\x80");
+    row("five bytes", "\xf8\x88\x80\x80\x80");
+    row("cut", "\xf0\x9f\x90");
+    row("letter inside", QByteArray("\xe6"
+                                    "A\x80"));
 }
 
 void ShownTextTest::invalidUtf8HasNoLength()

@@ -1,6 +1,7 @@
 // The English texts for the user.
 #include "verify/Texts.h"
 
+#include "tests/kit/Rows.h"
 #include "tests/kit/TestMain.h"
 
 using verify::Advance;
@@ -86,10 +87,9 @@ private slots:
 
 void TextsTest::lineSaysWhatIsKnownOfARecording_data()
 {
-    QTest::addColumn<Recording>("recording");
-    QTest::addColumn<QString>("line");
-    const auto row = [](const Recording& recording, const char* line) {
-        QTest::newRow(line) << recording << QString::fromLatin1(line);
+    const support::Rows<Recording, QString> rows("recording", "line");
+    const auto row = [&rows](const Recording& recording, const char* line) {
+        rows(line, recording, line);
     };
     Recording different = judged(Result::Different, 9, 9);
     different.difference = 4;
@@ -106,33 +106,28 @@ void TextsTest::lineSaysWhatIsKnownOfARecording_data()
     row(judged(Result::NotHere, 4), "A.MP4: not on this computer (4 bytes)");
     row(judged(Result::NotOnCard), "A.MP4: not on the card");
     row(judged(Result::Nowhere), "A.MP4: neither on the card nor on this computer");
-    row(unknown(Reason::NoDetails, {Trouble::Status, 404}),
-        "A.MP4: cannot be compared: no details: the camera answered with status 404");
-    row(unknown(Reason::NoContent, {Trouble::Closed}),
-        "A.MP4: cannot be compared: no content: the camera closed the connection before its answer "
-        "was complete");
-    row(unknown(Reason::NoContent, {Trouble::Surplus}),
-        "A.MP4: cannot be compared: no content: the camera sent more than it announced");
-    row(unknown(Reason::LengthsDiffer),
-        "A.MP4: cannot be compared: the camera sends 5 bytes, and its details say 4 bytes");
-    row(unknown(Reason::TwoEntries),
-        "A.MP4: cannot be compared: the card's list has this name more than once");
     row(nameless, "entry 7 of the list: cannot be compared: it has no name");
-    row(unknown(Reason::NotDownloadable),
-        "A.MP4: cannot be compared: the window cannot download a recording of this name");
-    row(unknown(Reason::TooLarge), "A.MP4: cannot be compared: it has 2 GiB or more, which the "
-                                   "window cannot download (4 bytes)");
-    row(unknown(Reason::Link), "A.MP4: cannot be compared: a link has this name on this computer");
-    row(unknown(Reason::Folder),
-        "A.MP4: cannot be compared: a folder has this name on this computer");
-    row(unknown(Reason::NoFile),
-        "A.MP4: cannot be compared: what has this name on this computer is not a file");
-    row(unknown(Reason::NameTooLong),
-        "A.MP4: cannot be compared: no file on this computer can have this name");
-    row(unknown(Reason::FileError), "A.MP4: cannot be compared: the file on this computer cannot "
-                                    "be read: Permission denied");
-    row(unknown(Reason::FileChanged),
-        "A.MP4: cannot be compared: the file on this computer was changed meanwhile");
+
+    const auto doubt = [&rows](Reason reason, const QString& text, const CameraError& error = {}) {
+        rows(qPrintable(text), unknown(reason, error), "A.MP4: cannot be compared: " + text);
+    };
+    doubt(Reason::NoDetails, "no details: the camera answered with status 404",
+          {Trouble::Status, 404});
+    doubt(Reason::NoContent,
+          "no content: the camera closed the connection before its answer was complete",
+          {Trouble::Closed});
+    doubt(Reason::NoContent, "no content: the camera sent more than it announced",
+          {Trouble::Surplus});
+    doubt(Reason::LengthsDiffer, "the camera sends 5 bytes, and its details say 4 bytes");
+    doubt(Reason::TwoEntries, "the card's list has this name more than once");
+    doubt(Reason::NotDownloadable, "the window cannot download a recording of this name");
+    doubt(Reason::TooLarge, "it has 2 GiB or more, which the window cannot download (4 bytes)");
+    doubt(Reason::Link, "a link has this name on this computer");
+    doubt(Reason::Folder, "a folder has this name on this computer");
+    doubt(Reason::NoFile, "what has this name on this computer is not a file");
+    doubt(Reason::NameTooLong, "no file on this computer can have this name");
+    doubt(Reason::FileError, "the file on this computer cannot be read: Permission denied");
+    doubt(Reason::FileChanged, "the file on this computer was changed meanwhile");
 }
 
 void TextsTest::lineSaysWhatIsKnownOfARecording()
@@ -143,11 +138,7 @@ void TextsTest::lineSaysWhatIsKnownOfARecording()
 
 void TextsTest::summaryIsForATiredPilot_data()
 {
-    QTest::addColumn<Summary>("summary");
-    QTest::addColumn<QString>("text");
-    const auto row = [](const char* tag, const Summary& summary, const char* text) {
-        QTest::newRow(tag) << summary << QString::fromLatin1(text);
-    };
+    const support::Rows<Summary, QString> row("summary", "text");
     Summary empty = safe(0);
     empty.verdict = Verdict::Empty;
     Summary room = notSafe(1, {"B.MP4", "C.MP4"});
@@ -167,49 +158,40 @@ void TextsTest::summaryIsForATiredPilot_data()
     Summary long129 = notSafe(128, {"B.MP4"});
     Summary long128 = notSafe(127, {"B.MP4"});
 
-    row("sizes", safe(37),
-        "All 37 recordings of the card are on this computer with the same size. Sizes only; "
-        "--content compares every byte.");
-    row("one size", safe(1),
-        "The only recording of the card is on this computer with the same size. Sizes only; "
-        "--content compares every byte.");
+    const QString sizes = " with the same size. Sizes only; --content compares every byte.";
+    const QString contents = ", the same, byte for byte.";
+    row("sizes", safe(37), "All 37 recordings of the card are on this computer" + sizes);
+    row("one size", safe(1), "The only recording of the card is on this computer" + sizes);
     row("contents", safe(1234, true),
-        "All 1,234 recordings of the card are on this computer, the same, byte for byte.");
+        "All 1,234 recordings of the card are on this computer" + contents);
     row("one content", safe(1, true),
-        "The only recording of the card is on this computer, the same, byte for byte.");
-    row("named sizes", safe(2, false, true),
-        "All 2 named recordings are on this computer with the same size. Sizes only; --content "
-        "compares every byte.");
-    row("one named size", safe(1, false, true),
-        "The named recording is on this computer with the same size. Sizes only; --content "
-        "compares every byte.");
+        "The only recording of the card is on this computer" + contents);
+    row("named sizes", safe(2, false, true), "All 2 named recordings are on this computer" + sizes);
+    row("one named size", safe(1, false, true), "The named recording is on this computer" + sizes);
     row("named contents", safe(2, true, true),
-        "All 2 named recordings are on this computer, the same, byte for byte.");
+        "All 2 named recordings are on this computer" + contents);
     row("one named content", safe(1, true, true),
-        "The named recording is on this computer, the same, byte for byte.");
+        "The named recording is on this computer" + contents);
     row("empty card", empty, "The card holds no recordings.");
-    row("not safe", notSafe(35, {"B.MP4", "C.MP4"}),
-        "Do not delete yet: not known to be safe (2 of 37): B.MP4, C.MP4.");
-    row("room enough", room,
-        "Do not delete yet: not known to be safe (2 of 3): B.MP4, C.MP4. Missing here: 1,000 "
-        "bytes; free in /d/DCIM/: 20,000 bytes.");
-    row("too little room", noRoom,
-        "Do not delete yet: not known to be safe (2 of 3): B.MP4, C.MP4. Missing here: 1,000 "
-        "bytes; free in /d/DCIM/: only 999 bytes. Make room first.");
-    row("room not known", unknownRoom,
-        "Do not delete yet: not known to be safe (2 of 3): B.MP4, C.MP4. Missing here: 1,000 "
-        "bytes.");
-    row("disagreeing", disagreeing,
-        "Do not delete yet: the camera's count (12) and its list (2) disagree; not known to be "
-        "safe (1 "
-        "of 2): B.MP4.");
-    row("changed", changed, "Do not delete yet: the card changed meanwhile, so compare again.");
-    row("failed", failed, "Do not delete yet: the comparison could not be completed.");
-    row("more than the window lists", long129,
-        "Do not delete yet: not known to be safe (1 of 129): B.MP4. The window lists only the "
-        "first 128 recordings of a card.");
-    row("as many as the window lists", long128,
-        "Do not delete yet: not known to be safe (1 of 128): B.MP4.");
+
+    const auto doubt = [&row](const char* tag, const Summary& summary, const QString& text) {
+        row(tag, summary, "Do not delete yet: " + text);
+    };
+    const QString two = "not known to be safe (2 of 3): B.MP4, C.MP4. Missing here: 1,000 bytes";
+    doubt("not safe", notSafe(35, {"B.MP4", "C.MP4"}),
+          "not known to be safe (2 of 37): B.MP4, C.MP4.");
+    doubt("room enough", room, two + "; free in /d/DCIM/: 20,000 bytes.");
+    doubt("too little room", noRoom, two + "; free in /d/DCIM/: only 999 bytes. Make room first.");
+    doubt("room not known", unknownRoom, two + ".");
+    doubt("disagreeing", disagreeing,
+          "the camera's count (12) and its list (2) disagree; not known to be safe (1 of 2): "
+          "B.MP4.");
+    doubt("changed", changed, "the card changed meanwhile, so compare again.");
+    doubt("failed", failed, "the comparison could not be completed.");
+    doubt("more than the window lists", long129,
+          "not known to be safe (1 of 129): B.MP4. The window lists only the first 128 recordings "
+          "of a card.");
+    doubt("as many as the window lists", long128, "not known to be safe (1 of 128): B.MP4.");
 }
 
 void TextsTest::summaryIsForATiredPilot()
@@ -220,14 +202,13 @@ void TextsTest::summaryIsForATiredPilot()
 
 void TextsTest::failureSaysWhatCouldNotBeDone_data()
 {
-    QTest::addColumn<Summary>("summary");
-    QTest::addColumn<QString>("text");
-    const auto row = [](Step step, const CameraError& error, const char* text) {
+    const support::Rows<Summary, QString> rows("summary", "text");
+    const auto row = [&rows](Step step, const CameraError& error, const char* text) {
         Summary summary;
         summary.failedStep = step;
         summary.failedName = "A\x1b.MP4";
         summary.error = error;
-        QTest::newRow(text) << summary << QString::fromLatin1(text);
+        rows(text, summary, text);
     };
     row(Step::Count, {Trouble::NoRoute, 0, "Network unreachable"},
         "The recordings cannot be counted: there is no route to the camera at 192.168.1.120 "
@@ -250,7 +231,7 @@ void TextsTest::failureSaysWhatCouldNotBeDone_data()
     Summary folder;
     folder.folder = "/d/DCIM/";
     folder.systemError = EACCES;
-    QTest::newRow("folder") << folder << "The folder /d/DCIM/ cannot be read: Permission denied.";
+    rows("folder", folder, "The folder /d/DCIM/ cannot be read: Permission denied.");
 }
 
 void TextsTest::failureSaysWhatCouldNotBeDone()

@@ -109,8 +109,9 @@ class ScriptedCamera:
             pass  # the client has closed
 
     def stop(self):
-        self.listener.shutdown(socket.SHUT_RDWR)
-        self.listener.close()
+        if self.listener.fileno() != -1:
+            self.listener.shutdown(socket.SHUT_RDWR)
+            self.listener.close()
         self.thread.join(LIMIT)
 
 
