@@ -8,14 +8,17 @@
 #include "tests/calls/FailingCall.h"
 #include "tests/kit/NetworkGuard.h"
 #include "tests/kit/OpenDescriptors.h"
+#include "tests/kit/SimulatedCard.h"
 #include "tests/kit/SimulatorProcess.h"
 #include "tests/kit/TestMain.h"
 #include "tests/kit/TimeFactor.h"
 #include "tests/kit/UserWindow.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <vector>
 
 #include <unistd.h>
 
@@ -34,8 +37,7 @@ constexpr int stepLimit = 10'000;     // milliseconds, like the next two
 constexpr int versionsLimit = 1'000;
 constexpr int closingLimit = 2'000;
 constexpr int attempts = 3;
-constexpr int fileSize = 5'000;
-const QStringList fileNames = {"A.MP4", "B.MP4"};
+const std::vector<CardFile> files = {{"A.MP4", 5'000}, {"B.MP4", 5'001}};
 
 bool isRight = true;
 
@@ -43,15 +45,6 @@ void complain(const QString& what)
 {
     isRight = false;
     std::printf("wrong: %s\n", qPrintable(what));
-}
-
-QByteArray contentOf(const QString& name)
-{
-    QByteArray content(fileSize, '\0');
-    for (int i = 0; i < fileSize; ++i) {
-        content[i] = static_cast<char>(name.front().unicode() + i / 7);
-    }
-    return content;
 }
 
 /// An event filter that closes every message box that opens, and counts them. The session's boxes
@@ -130,10 +123,8 @@ private:
 
     bool isListed() const
     {
-        if (m_user.names() != fileNames) {
-            return false;
-        }
-        return !m_user.row(0).contains(QString()) && !m_user.row(1).contains(QString());
+        return m_user.names() == QStringList{files[0].name, files[1].name} &&
+               !m_user.row(0).contains(QString()) && !m_user.row(1).contains(QString());
     }
 
     void download()
@@ -147,13 +138,9 @@ private:
 
     static bool isDownloaded()
     {
-        for (const QString& name : fileNames) {
-            QFile file(desktop() + "/DCIM/" + name);
-            if (!file.open(QIODevice::ReadOnly) || file.readAll() != contentOf(name)) {
-                return false;
-            }
-        }
-        return true;
+        return std::all_of(files.begin(), files.end(), [](const CardFile& file) {
+            return seenFile(desktop() + "/DCIM/" + file.name, file.content()) == "whole";
+        });
     }
 
     void deleteFirst()
@@ -177,8 +164,8 @@ void checkFolders()
                       QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                       QDirIterator::Subdirectories);
     QStringList expected = {desktop(), folder};
-    for (const QString& name : fileNames) {
-        expected += folder + '/' + name;
+    for (const CardFile& file : files) {
+        expected += folder + '/' + file.name;
     }
     while (walk.hasNext()) {
         if (!expected.contains(walk.next())) {
@@ -191,17 +178,6 @@ void checkFolders()
             complain("opened: " + given);
         }
     }
-}
-
-bool writeCard(const QString& folder)
-{
-    for (const QString& name : fileNames) {
-        QFile file(folder + '/' + name);
-        if (!file.open(QIODevice::WriteOnly) || file.write(contentOf(name)) != fileSize) {
-            return false;
-        }
-    }
-    return true;
 }
 
 void runAndClose(SimulatorProcess& simulator)
@@ -249,7 +225,7 @@ int main(int argc, char** argv)
     }
     const QTemporaryDir card;
     SimulatorProcess simulator;
-    if (!writeCard(card.path()) ||
+    if (!writeCard(card.path(), files) ||
         !simulator.start({"--card", card.path(), "--heartbeat", "100"})) {
         std::fprintf(stderr, "failing_call_run: %s\n", qPrintable(simulator.error()));
         return 2;

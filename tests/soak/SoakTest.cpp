@@ -2,12 +2,14 @@
 // what is designed to grow may grow, and the window must always respond.
 #include "link/ControlClientThread.h"
 #include "tests/kit/OpenDescriptors.h"
+#include "tests/kit/SimulatedCard.h"
 #include "tests/kit/SimulatorProcess.h"
 #include "tests/kit/TestMain.h"
 #include "tests/kit/UserWindow.h"
 #include "tests/soak/StallWatch.h"
 
 #include <cstdio>
+#include <vector>
 
 #include <unistd.h>
 
@@ -58,19 +60,13 @@ qint64 residentBytes()
                : -1;
 }
 
-bool writeCard(const QString& folder, int count, int size)
+std::vector<CardFile> recordings(int count, int size)
 {
-    if (!QDir().mkpath(folder)) {
-        return false;
-    }
+    std::vector<CardFile> files;
     for (int i = 0; i < count; ++i) {
-        QFile file(QStringLiteral("%1/REC%2.MP4").arg(folder).arg(i, 5, 10, QLatin1Char('0')));
-        const QByteArray content(size, static_cast<char>('a' + i % 26));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != size) {
-            return false;
-        }
+        files.push_back({QString("REC%1.MP4").arg(i, 5, 10, QLatin1Char('0')), size});
     }
-    return true;
+    return files;
 }
 
 } // namespace
@@ -221,7 +217,7 @@ void SoakTest::downloads()
     constexpr int filesOnCard = 20;
     constexpr int fileSize = 300'000;
     const QString card = m_folder->filePath("card");
-    QVERIFY(writeCard(card, filesOnCard, fileSize));
+    QVERIFY(writeCard(card, recordings(filesOnCard, fileSize)));
     start({"--card", card});
     link();
     m_user->clickBrowse();
@@ -259,7 +255,7 @@ void SoakTest::browses()
 {
     constexpr int filesOnCard = 128;
     const QString card = m_folder->filePath("card");
-    QVERIFY(writeCard(card, filesOnCard, 2048));
+    QVERIFY(writeCard(card, recordings(filesOnCard, 2048)));
     start({"--card", card});
     m_user->clickBrowse();
     const int descriptors = support::openDescriptors();

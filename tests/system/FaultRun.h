@@ -1,10 +1,10 @@
 // Runs one fault case as a user would.
 #pragma once
 
+#include "tests/kit/SimulatedCard.h"
 #include "tests/kit/SimulatorProcess.h"
 #include "tests/kit/UserWindow.h"
 #include "tests/system/FaultCase.h"
-#include "tests/system/SimulatedCard.h"
 
 #include <functional>
 #include <optional>

@@ -19,6 +19,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QScopeGuard>
 
 namespace {
 
@@ -71,76 +72,6 @@ QString seenHome()
     seen.sort();
     return seen.join(", ");
 }
-
-/// An ordinary user as which root runs while this object exists, so that file permissions apply.
-/// Any other user stays the same.
-class OrdinaryUser
-{
-public:
-    OrdinaryUser() : m_id(::geteuid()) { m_changed = m_id != 0 || ::seteuid(nobody) == 0; }
-    ~OrdinaryUser()
-    {
-        if (::seteuid(m_id) != 0) {
-            qFatal("cannot be the former user again");
-        }
-    }
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-
-    bool isOrdinary() const { return m_changed; }
-
-private:
-    uid_t m_id;
-    bool m_changed;
-};
-
-/// A limit on the size of the files that this process writes, while this object exists. Writing
-/// beyond it is an error, not a signal.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t size)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &m_former);
-        rlimit limit = m_former;
-        limit.rlim_cur = size;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &m_former); }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit m_former{};
-};
-
-/// A disk of that size mounted over the folder, for this thread and the threads that it starts.
-class SmallDisk
-{
-public:
-    SmallDisk(const QString& folder, const QByteArray& size) : m_folder(native(folder))
-    {
-        m_mounted = ::unshare(CLONE_NEWNS) == 0 &&
-                    ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                    ::mount("tmpfs", m_folder.constData(), "tmpfs", 0,
-                            QByteArray("size=" + size).constData()) == 0;
-    }
-    ~SmallDisk()
-    {
-        if (m_mounted) {
-            ::umount2(m_folder.constData(), MNT_DETACH);
-        }
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-    bool isMounted() const { return m_mounted; }
-
-private:
-    QByteArray m_folder;
-    bool m_mounted;
-};
 
 } // namespace
 
@@ -255,8 +186,14 @@ void FaultsDiskTest::permissionsAreObeyed()
     QFETCH(QString, script);
     QFETCH(QByteArray, printed);
     prepare(script);
-    const OrdinaryUser user;
-    QVERIFY(user.isOrdinary());
+    // Permissions do not apply to root, which becomes another user until the end of this function.
+    const uid_t user = ::geteuid();
+    QVERIFY(user != 0 || ::seteuid(nobody) == 0);
+    const auto back = qScopeGuard([user] {
+        if (::seteuid(user) != 0) {
+            qFatal("cannot be the former user again");
+        }
+    });
     download(1, printed);
     QTEST(seenHome(), "home");
 }
@@ -264,12 +201,16 @@ void FaultsDiskTest::permissionsAreObeyed()
 void FaultsDiskTest::fullDiskKeepsWhatFits()
 {
     prepare("mkdir Desktop/DCIM");
-    const SmallDisk disk(FaultRun::downloadPath({}), "16k");
-    if (!disk.isMounted()) {
+    // Mounted only for this thread and the threads that it starts.
+    const QByteArray folder = native(FaultRun::downloadPath({}));
+    if (::unshare(CLONE_NEWNS) != 0 ||
+        ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        ::mount("tmpfs", folder.constData(), "tmpfs", 0, "size=16k") != 0) {
         QTest::qSkip("a disk of 16 KiB needs rights that this user has not; see the next function",
                      __FILE__, __LINE__);
         return;
     }
+    const auto unmount = qScopeGuard([&folder] { ::umount2(folder.constData(), MNT_DETACH); });
     download(0, "");
     download(1, ""); // there is no space left for it
     QCOMPARE(seenHome(), QString("Desktop/DCIM/REC00001.MP4: first 16384 bytes, "
@@ -278,10 +219,13 @@ void FaultsDiskTest::fullDiskKeepsWhatFits()
 
 void FaultsDiskTest::fileOfTheGreatestSizeKeepsWhatFits()
 {
-    {
-        const FileSizeLimit limit(10'000);
-        download(0, "");
-    }
+    std::signal(SIGXFSZ, SIG_IGN); // writing beyond the limit is then an error
+    rlimit former{};
+    ::getrlimit(RLIMIT_FSIZE, &former);
+    const rlimit limit{10'000, former.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    const auto lift = qScopeGuard([&former] { ::setrlimit(RLIMIT_FSIZE, &former); });
+    download(0, "");
     download(1, "");
     QCOMPARE(seenHome(), QString("Desktop/DCIM/REC00001.MP4: first 10000 bytes, "
                                  "Desktop/DCIM/REC00002.MP4: whole"));

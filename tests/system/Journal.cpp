@@ -1,7 +1,10 @@
 #include "tests/system/Journal.h"
 
+#include "tests/kit/Cuts.h"
+
 #include <algorithm>
 #include <map>
+#include <string>
 
 #include <QByteArray>
 #include <QFile>
@@ -31,23 +34,19 @@ QString heartbeatOf(const QString& device)
 QStringList shownText(const QString& mark, const QByteArray& bytes)
 {
     QStringList lines;
-    QString line;
-    for (const char character : bytes) {
-        if (character == '\r') {
-            line += "\\r";
-        } else if (character == '\n') {
-            lines.append(mark + line + "\\n");
-            line.clear();
-        } else if (character == '\\') {
-            line += "\\\\";
-        } else if (character < ' ' || character > '~') {
-            line += "\\x" + QString::fromLatin1(QByteArray(1, character).toHex());
-        } else {
-            line += QLatin1Char(character);
+    std::string line;
+    const auto endLine = [&] {
+        lines += mark + QString::fromStdString(support::printable(line));
+        line.clear();
+    };
+    for (const char byte : bytes) {
+        line += byte;
+        if (byte == '\n') {
+            endLine();
         }
     }
-    if (!line.isEmpty()) {
-        lines.append(mark + line);
+    if (!line.empty()) {
+        endLine();
     }
     return lines;
 }

@@ -2,7 +2,7 @@
 
 #include "tests/kit/MessageBoxWatcher.h"
 #include "tests/kit/RecordedText.h"
-#include "tests/system/SimulatedCard.h"
+#include "tests/kit/SimulatedCard.h"
 
 #include <QByteArray>
 #include <QDir>

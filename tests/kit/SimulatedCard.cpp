@@ -1,4 +1,4 @@
-#include "tests/system/SimulatedCard.h"
+#include "tests/kit/SimulatedCard.h"
 
 #include <algorithm>
 
