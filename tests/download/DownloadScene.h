@@ -59,7 +59,7 @@ struct Download
     /// Returns whether the thread has finished and has reported its end once, after all progress.
     bool waitUntilFinished()
     {
-        const bool ended = thread.wait(5000);
+        const bool ended = thread.wait(5000UL * static_cast<unsigned long>(support::timeFactor()));
         QCoreApplication::processEvents(); // the signals are queued
         return ended && recorder.finished == 1 && recorder.progressAfterFinished == 0;
     }
