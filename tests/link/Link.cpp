@@ -45,8 +45,8 @@ void SignalRecorder::record(const QString& text)
     m_texts.append(text);
 }
 
-Link::Link(const Module& ofModule)
-    : module(ofModule), thread(ofModule.newThread(nullptr)), watch(*thread)
+Link::Link(const Module& linkedModule)
+    : module(linkedModule), thread(linkedModule.newThread(nullptr)), watch(*thread)
 {
     recorder.listenTo(*thread);
     thread->findChild<QTimer*>()->stop();
