@@ -1,5 +1,6 @@
 #include "tests/link/LinkConversations.h"
 
+#include <optional>
 #include <regex>
 
 using support::Conversation;
@@ -11,8 +12,8 @@ namespace {
 
 const std::regex callForm("(?:(control|ground|receiver)(?: after ([0-9]+) ticks?)?)?");
 
-/// Returns the bytes of "AA 78*94". Sets `error` if the text has another form.
-std::string decoded(const std::string& text, std::string& error)
+/// Returns the bytes of "AA 78*94", or nothing if the text has another form.
+std::optional<std::string> decoded(const std::string& text)
 {
     static const std::regex byte(R"(([0-9A-F]{2})(?:\*([0-9]{1,3}))?(?: |$))");
     std::string bytes;
@@ -20,8 +21,7 @@ std::string decoded(const std::string& text, std::string& error)
     for (auto at = text.begin(); at != text.end(); at = part[0].second) {
         if (!std::regex_search(at, text.end(), part, byte,
                                std::regex_constants::match_continuous)) {
-            error += "not hexadecimal: " + text + "\n";
-            break;
+            return std::nullopt;
         }
         bytes.append(part[2].matched ? std::stoul(part[2]) : 1,
                      static_cast<char>(std::stoi(part[1], nullptr, 16)));
@@ -39,7 +39,11 @@ void addConversations(const std::string& path, const std::string& client, Conver
                 to.error += conversation.name + ": unknown call: " + exchange.call + "\n";
             }
             for (Piece& piece : exchange.pieces) {
-                piece.bytes = decoded(piece.bytes, to.error);
+                const std::optional<std::string> bytes = decoded(piece.bytes);
+                if (!bytes) {
+                    to.error += conversation.name + ": not hexadecimal: " + piece.bytes + "\n";
+                }
+                piece.bytes = bytes.value_or("");
             }
         }
         if (conversation.exchanges.front().call.rfind(client, 0) == 0) {

@@ -270,7 +270,7 @@ void LinkThreadTest::destructionEndsASendThatWaits()
         sender->start();
         QVERIFY(watch.waitUntilAsleep());
     }
-    QVERIFY(sender->wait(stopLimit));
+    QVERIFY(sender->wait(static_cast<unsigned long>(stopLimit)));
 }
 
 void LinkThreadTest::newTcpSocketClientAndGethostIP()
