@@ -44,3 +44,9 @@ const Module& groundModule()
         newThread<GroundClientThread>};
     return module;
 }
+
+const Module& moduleOf(const support::Conversation& conversation)
+{
+    const bool isControl = conversation.exchanges.front().call.rfind("control", 0) == 0;
+    return isControl ? controlModule() : groundModule();
+}

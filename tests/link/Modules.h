@@ -2,6 +2,7 @@
 #pragma once
 
 #include "link/ModuleClientThread.h"
+#include "tests/kit/ConversationFile.h"
 
 #include <memory>
 #include <string>
@@ -24,3 +25,6 @@ struct Module
 
 const Module& controlModule();
 const Module& groundModule();
+
+/// Returns the module in a conversation with a link thread.
+const Module& moduleOf(const support::Conversation& conversation);

@@ -1,37 +1,45 @@
 #include "link/VehicleFrame.h"
 
 #include "tests/kit/TestMain.h"
+#include "tests/link/LinkConversations.h"
+#include "tests/link/Modules.h"
 
 #include <algorithm>
+#include <string>
 
 #include <QByteArray>
 #include <QString>
-#include <QStringList>
+
+using support::Conversation;
+using support::Exchange;
 
 namespace {
 
-/// Describes what the bytes of one receive are: "heartbeat of control", "heartbeat of ground",
-/// "report 7 300 600 100 10" or nothing.
-QString meaningOf(const QByteArray& bytes)
+/// Returns the bytes of one receive, followed by zeros.
+vehicle::Received receivedFrom(const std::string& bytes)
 {
     vehicle::Received received{};
     std::copy(bytes.begin(), bytes.end(), received.begin());
-    QStringList all;
-    if (vehicle::isHeartbeat(received, 0xAA)) {
-        all.append("heartbeat of control");
+    return received;
+}
+
+/// Returns what the link of a module makes of one receive, in the words of the conversations.
+QString meaningTo(const Module& module, const vehicle::Received& received)
+{
+    const bool isControl = module.name == "control";
+    if (vehicle::isHeartbeat(received, static_cast<std::uint8_t>(module.startByte))) {
+        return isControl ? "sends AA AF 04 01 01 5F, linked" : "sends AA AF 04 01 01 5F";
     }
-    if (vehicle::isHeartbeat(received, 0xBB)) {
-        all.append("heartbeat of ground");
+    const auto report = vehicle::decodeVersionReport(received);
+    if (!report || !isControl) {
+        return "nothing";
     }
-    if (const auto report = vehicle::decodeVersionReport(received)) {
-        all.append(QStringLiteral("report %1 %2 %3 %4 %5")
-                       .arg(int{report->hardType})
-                       .arg(report->hardVer)
-                       .arg(report->softVer)
-                       .arg(report->protocolVer)
-                       .arg(report->bootVer));
-    }
-    return all.join(", ");
+    return QStringLiteral("version %1 %2 %3 %4 %5")
+        .arg(int{report->hardType})
+        .arg(report->hardVer)
+        .arg(report->softVer)
+        .arg(report->protocolVer)
+        .arg(report->bootVer);
 }
 
 } // namespace
@@ -41,44 +49,25 @@ class VehicleFrameTest : public QObject
     Q_OBJECT
 
 private slots:
-    void receiveMeans_data();
-    void receiveMeans();
+    void receiveThatEndsAnywhereMeansWhatIsWritten_data() { addConversations("", true); }
+    void receiveThatEndsAnywhereMeansWhatIsWritten();
     void bothBytesOfAVersionAreSigned_data();
     void bothBytesOfAVersionAreSigned();
     void outgoingFrameIsExact_data();
     void outgoingFrameIsExact();
 };
 
-void VehicleFrameTest::receiveMeans_data()
+void VehicleFrameTest::receiveThatEndsAnywhereMeansWhatIsWritten()
 {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("meaning");
-    const auto row = [](const char* name, const char* bytes, const char* meaning) {
-        QTest::newRow(name) << QByteArray::fromHex(bytes) << QString(meaning);
-    };
-    row("version report", "aaaf000907012c02580064000a", "report 7 300 600 100 10");
-    row("hardware type ff", "aaaf0009ff", "report -1 0 0 0 0");
-    row("hardware type 80", "aaaf000980", "report -128 0 0 0 0");
-    row("other second byte and length", "aa1200ee050001000200030004", "report 5 1 2 3 4");
-    row("missing bytes are zero", "aa", "report 0 0 0 0 0");
-    row("report of the ground module", "bbaf000907012c02580064000a", "");
-    row("report after another byte", "00aaaf000907012c", "");
-    row("nothing but zeros", "000000", "");
-    row("unknown type", "aaaf0109", "");
-    row("heartbeat of the control module", "aaaf0401005f", "heartbeat of control");
-    row("control heartbeat of odd bytes", "aa0004ffee", "heartbeat of control");
-    row("control heartbeat of three bytes", "aa0004", "heartbeat of control");
-    row("heartbeat of the ground module", "bbaf0401005f", "heartbeat of ground");
-    row("ground heartbeat of three odd bytes", "bb7704", "heartbeat of ground");
-    row("two bytes", "bbaf", "");
-    row("other start byte", "abaf04", "");
-    row("second frame", "ccaf0401015faaaf04", "");
-}
-
-void VehicleFrameTest::receiveMeans()
-{
-    QFETCH(QByteArray, bytes);
-    QTEST(meaningOf(bytes), "meaning");
+    QFETCH(Conversation, conversation);
+    const Exchange& exchange = conversation.exchanges.front();
+    const std::string bytes = allBytes(exchange.pieces);
+    for (std::size_t count = 0; count <= std::min(bytes.size(), vehicle::receiveLimit); ++count) {
+        const std::string received = bytes.substr(0, count);
+        QCOMPARE(meaningTo(moduleOf(conversation), receivedFrom(received)),
+                 QString::fromStdString(
+                     support::closedBehind(exchange.pieces, exchange.closedAtStart, count)));
+    }
 }
 
 void VehicleFrameTest::bothBytesOfAVersionAreSigned_data()
@@ -100,8 +89,9 @@ void VehicleFrameTest::bothBytesOfAVersionAreSigned()
 {
     QFETCH(QByteArray, pair);
     QFETCH(int, value);
-    QCOMPARE(meaningOf(QByteArray::fromHex("aaaf000900" + pair.repeated(4))),
-             QStringLiteral("report 0 %1 %1 %1 %1").arg(value));
+    const QByteArray bytes = QByteArray::fromHex("aaaf000900" + pair.repeated(4));
+    QCOMPARE(meaningTo(controlModule(), receivedFrom(bytes.toStdString())),
+             QStringLiteral("version 0 %1 %1 %1 %1").arg(value));
 }
 
 void VehicleFrameTest::outgoingFrameIsExact_data()

@@ -22,11 +22,6 @@ Exchange receiving(const std::string& bytes, const std::string& result, bool clo
     return {"", {}, {{bytes, {}}}, {}, closes, false, result, {}};
 }
 
-const Module& moduleOf(const Conversation& conversation)
-{
-    return conversation.exchanges.front().call == "control" ? controlModule() : groundModule();
-}
-
 /// Returns what happens if the connection closes after those bytes.
 std::string closedAfter(const std::string& result, const Module& module)
 {
