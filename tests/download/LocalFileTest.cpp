@@ -297,9 +297,15 @@ void LocalFileTest::recordingIsSavedUnderABareNameOnly_data()
         {"+Desktop/DCIM/\xE9.mp4: new content"});
     row("other letter", QString::fromUtf8("桌.mp4"), {"Desktop/DCIM/"},
         {"+Desktop/DCIM/?.mp4: new content"});
-    for (const char* name : {"-rf", "..a", "..\\a", "%s%n%2e%2e%2f", "a\r\nb", "$(id);`id`|*?"}) {
-        row(name, name, {"Desktop/DCIM/"}, {"+Desktop/DCIM/" + QByteArray(name) + ": new content"});
-    }
+    const auto odd = [&row](const char* title, const QByteArray& name) {
+        row(title, name, {"Desktop/DCIM/"}, {"+Desktop/DCIM/" + name + ": new content"});
+    };
+    odd("leading dash", "-rf");
+    odd("leading dots", "..a");
+    odd("backslash", "..\\a");
+    odd("percent", "%s%n%2e%2e%2f");
+    odd("line end", "a\r\nb");
+    odd("shell", "$(id);`id`|*?");
 
     row("folder is a dangling link", "a.mp4", {"Desktop/DCIM -> ../nowhere"}, {});
     row("folder is a file", "a.mp4", {"Desktop/DCIM: a file"}, {});
