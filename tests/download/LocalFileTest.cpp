@@ -285,13 +285,15 @@ void LocalFileTest::recordingIsSavedUnderABareNameOnly_data()
         {"-Desktop/DCIM/a.mp4: old", saved});
 
     // The desktop has the name that the user's settings state.
-    for (const char* desktop : {"Schreibtisch", "Área de Trabalho", "桌面"}) {
-        const QByteArray folder = desktop;
-        row(desktop, "a.mp4",
+    const auto desktop = [&row](const char* title, const QByteArray& folder) {
+        row(title, "a.mp4",
             {".config/", ".config/user-dirs.dirs: XDG_DESKTOP_DIR=\"$HOME/" + folder + "\"\n",
              folder + '/'},
             {'+' + folder + "/DCIM/", '+' + folder + "/DCIM/a.mp4: new content"});
-    }
+    };
+    desktop("desktop with a plain name", "Schreibtisch");
+    desktop("desktop with an accent", "Área de Trabalho");
+    desktop("desktop in Chinese", "桌面");
 
     row("Latin-1 letter", QString::fromUtf8("é.mp4"), {"Desktop/DCIM/"},
         {"+Desktop/DCIM/\xE9.mp4: new content"});
