@@ -18,7 +18,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <vector>
 
 #include <unistd.h>
 
@@ -37,7 +36,7 @@ constexpr int stepLimit = 10'000;     // milliseconds, like the next two
 constexpr int versionsLimit = 1'000;
 constexpr int closingLimit = 2'000;
 constexpr int attempts = 3;
-const std::vector<CardFile> files = {{"A.MP4", 5'000}, {"B.MP4", 5'001}};
+const QList<CardFile> files = {{"A.MP4", 5'000}, {"B.MP4", 5'001}};
 
 bool isRight = true;
 

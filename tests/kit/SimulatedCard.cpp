@@ -17,7 +17,7 @@ QByteArray CardFile::content() const
     return content;
 }
 
-bool writeCard(const QString& folder, const std::vector<CardFile>& files)
+bool writeCard(const QString& folder, const QList<CardFile>& files)
 {
     return QDir().mkpath(folder) &&
            std::all_of(files.begin(), files.end(), [&folder](const CardFile& entry) {

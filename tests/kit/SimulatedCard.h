@@ -1,9 +1,8 @@
 // A card for the simulator: a folder of recordings.
 #pragma once
 
-#include <vector>
-
 #include <QByteArray>
+#include <QList>
 #include <QString>
 
 struct CardFile
@@ -17,7 +16,7 @@ struct CardFile
 };
 
 /// Writes the files to the folder, which is created if it does not exist.
-bool writeCard(const QString& folder, const std::vector<CardFile>& files);
+bool writeCard(const QString& folder, const QList<CardFile>& files);
 
 /// Returns what a file contains: "whole" for this content, "empty", "first 100 bytes" of it, "41
 /// other bytes", "no file".

@@ -154,7 +154,7 @@ class CameraFaultsTest(SimulatorTest):
             for target, answers in table.items():
                 for fault, answer in answers.items():
                     with self.subTest(fault=fault, target=target):
-                        self.switch("fault " + fault)
+                        self.play("clear all", "reload", "fault " + fault)
                         self.assertEqual((answer, end), self.request(target).rest())
                         self.play("clear " + fault.partition("=")[0], "reload", (COUNT, TWO))
 
@@ -162,11 +162,11 @@ class CameraFaultsTest(SimulatorTest):
         self.start_two()
         for fault, name in NAMES:
             with self.subTest(fault=fault):
-                self.play("fault " + fault,
+                self.play("clear all", "fault " + fault,
                           (LIST + b"2", ok(b"sd/DCIM/100ZEPNA/" + name + b";" + LIST_BODY[23:])),
                           (INFO + name, ok(CREATE + SIZE + TIME)),
                           (RECORDING + name, ok(ALPHA, b"video/mp4")),
-                          (INFO + b"A.MP4", NOT_FOUND), "clear all")
+                          (INFO + b"A.MP4", NOT_FOUND))
 
     def test_name_with_line_end_breaks_the_request(self):
         self.start_two("--fault", "name-line-end")

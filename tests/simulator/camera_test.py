@@ -9,7 +9,7 @@ import time
 import zlib
 
 import harness
-from harness import (ALPHA, BOTH, BRAVO, CAMERA, COUNT, DELETE, DELETE_ALL, FORMAT, INFO, LIST, NONE,
+from harness import (ALPHA, BRAVO, CAMERA, COUNT, DELETE, DELETE_ALL, FORMAT, INFO, LIST, NONE,
                      NOT_FOUND, RECORDING, SUCCESS, TWO, SimulatorTest, ok)
 
 

@@ -56,10 +56,10 @@ class ModuleFaultsTest(SimulatorTest):
         self.start_with()
         for faults, address, segments in SEGMENTS:
             with self.subTest(faults=faults, address=address):
+                self.switch("clear all")
                 for fault in faults.split():
                     self.switch("fault " + fault)
                 self.assert_segments(segments, address)
-                self.switch("clear all")
 
     def test_no_heartbeat(self):
         self.start_with("no-heartbeat")

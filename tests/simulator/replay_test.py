@@ -209,8 +209,9 @@ class CaptureTest(RecordingTest):
 
     def test_capture_of_another_kind_is_an_error(self):
         packets.write(self.path(), [], kind=105)
-        self.assertRegex(self.refused(1, "--replay", self.path()), "captures of the kind IEEE802_11 are not "
-                         "understood|this build reads no packet captures")
+        self.assertRegex(self.refused(1, "--replay", self.path()),
+                         "captures of the kind IEEE802_11 are not understood|"
+                         "this build reads no packet captures")
 
 
 def network_with_packets():

@@ -90,7 +90,7 @@ class ScenarioTest(SimulatorTest):
 
     def test_steps_by_time_come_when_it_is_over(self):
         self.follow("# the first\n\n after 3 min: fault no-reason\nafter 240 s: quit\n",
-                       "--speed", "200")
+                    "--speed", "200")
         self.assertEqual("scenario: ok fault no-reason", self.step())
         self.assertEqual(BROKEN, self.ask(COUNT))
         self.assertEqual("scenario: ok quit", self.step())

@@ -9,7 +9,6 @@
 #include "tests/soak/StallWatch.h"
 
 #include <cstdio>
-#include <vector>
 
 #include <unistd.h>
 
@@ -60,9 +59,9 @@ qint64 residentBytes()
                : -1;
 }
 
-std::vector<CardFile> recordings(int count, int size)
+QList<CardFile> recordings(int count, int size)
 {
-    std::vector<CardFile> files;
+    QList<CardFile> files;
     for (int i = 0; i < count; ++i) {
         files.push_back({QString("REC%1.MP4").arg(i, 5, 10, QLatin1Char('0')), size});
     }

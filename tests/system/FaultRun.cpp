@@ -63,7 +63,7 @@ QList<QByteArray> FaultCase::faultNames() const
     return names;
 }
 
-const std::vector<CardFile> FaultRun::recordings = {
+const QList<CardFile> FaultRun::recordings = {
     {"REC00001.MP4", 40'000},
     {"REC00002.MP4", 500, "2021-12-31T23:59:59Z"},
 };

@@ -8,7 +8,6 @@
 
 #include <functional>
 #include <optional>
-#include <vector>
 
 #include <QByteArray>
 #include <QString>
@@ -25,7 +24,7 @@ class FaultRun
 {
 public:
     /// The files of the card, in the order of the rows.
-    static const std::vector<CardFile> recordings;
+    static const QList<CardFile> recordings;
 
     FaultRun();
 

@@ -18,7 +18,7 @@ namespace {
 
 // In list order. The files that are downloaded fit the system's connection buffer, so that each is
 // sent completely whether or not it is read.
-const std::vector<CardFile> cardFiles = {
+const QList<CardFile> cardFiles = {
     {"REC 3 & 4.MP4", 12'345, "2020-02-29T23:59:58Z"},
     {"REC00001.MP4", 500, "2020-01-31T12:45:02Z"},
     {"REC00002.MP4", 5'000, "2021-12-31T23:59:59Z"},

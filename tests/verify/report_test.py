@@ -279,8 +279,9 @@ class ChangingCard(VerifyTest):
         for what, (counts, lists, report) in self.DOUBTS.items():
             with self.subTest(what):
                 camera = self.camera(list(counts), list(lists))
-                self.check(self.verify(), 2, *report[:-1], "Do not delete yet: " + report[-1])
+                result = self.verify()
                 camera.stop()
+                self.check(result, 2, *report[:-1], "Do not delete yet: " + report[-1])
 
     def test_a_card_that_stays_is_safe(self):
         self.camera([b'="1";'], [b"ZEPNA/A;\r"])
