@@ -14,7 +14,8 @@ namespace support {
 class SocketPair
 {
 public:
-    explicit SocketPair(int type = SOCK_STREAM)
+    SocketPair() : SocketPair(SOCK_STREAM) {}
+    explicit SocketPair(int type)
     {
         int ends[2] = {-1, -1};
         if (::socketpair(AF_UNIX, type | SOCK_CLOEXEC, 0, ends) != 0) {
