@@ -53,19 +53,19 @@ void checkEveryCut(const Answers& answers, const char* cutTarget, const QByteArr
                    const QVector<Step>& closedAfter)
 {
     const std::string bytes = fake::withLength(body).toStdString();
-    const auto compare = [&](const Pieces& pieces, const QString& expected, const char* how) {
+    const auto compare = [&](const Pieces& pieces, const QString& expected, const QString& how) {
         const QString shown = browsed(answers, cutTarget, pieces);
         QVERIFY2(shown == expected,
-                 qPrintable(QStringLiteral("%1 \"%2\": %3 instead of %4")
-                                .arg(how, QString::fromStdString(support::printable(pieces[0])),
-                                     shown, expected)));
+                 qPrintable(QStringLiteral("%1: %2 instead of %3").arg(how, shown, expected)));
     };
-    compare(support::singleBytes(bytes), byteByByte, "byte by byte from");
+    compare(support::singleBytes(bytes), byteByByte, "byte by byte");
     for (std::size_t at = 1; at < bytes.size() && !QTest::currentTestFailed(); ++at) {
-        compare(support::cut(bytes, {at}), support::outcomeAt(splitAfter, at), "split after");
+        compare(support::cut(bytes, {at}), support::outcomeAt(splitAfter, at),
+                QStringLiteral("split after %1").arg(at));
     }
     for (std::size_t at = 0; at <= bytes.size() && !QTest::currentTestFailed(); ++at) {
-        compare({bytes.substr(0, at)}, support::outcomeAt(closedAfter, at), "closed after");
+        compare({bytes.substr(0, at)}, support::outcomeAt(closedAfter, at),
+                QStringLiteral("closed after %1").arg(at));
     }
 }
 
