@@ -18,18 +18,22 @@ void SignalRecorder::listenTo(const ModuleClientThread& thread)
     }
     QObject::connect(
         control, &ControlClientThread::VersionInfo, control,
-        [this](char hardType, int hardVer, int softVer, int protocolVer, int bootVer) {
+        [this, control](char hardType, int hardVer, int softVer, int protocolVer, int bootVer) {
             record(QStringLiteral("version %1 %2 %3 %4 %5")
                        .arg(int{static_cast<signed char>(hardType)})
                        .arg(hardVer)
                        .arg(softVer)
                        .arg(protocolVer)
-                       .arg(bootVer));
+                       .arg(bootVer),
+                   control->linkedFlag);
         },
         Qt::DirectConnection);
     QObject::connect(
         control, &ControlClientThread::updateLinkedFlag, control,
-        [this](bool flag) { record(flag ? QStringLiteral("linked") : QStringLiteral("lost")); },
+        [this, control](bool flag) {
+            m_isLinked = flag;
+            record(flag ? QStringLiteral("linked") : QStringLiteral("lost"), control->linkedFlag);
+        },
         Qt::DirectConnection);
 }
 
@@ -39,10 +43,10 @@ QStringList SignalRecorder::signalTexts() const
     return m_texts;
 }
 
-void SignalRecorder::record(const QString& text)
+void SignalRecorder::record(const QString& text, bool linkedFlag)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_texts.append(text);
+    m_texts.append(linkedFlag == m_isLinked ? text : text + " with the wrong linkedFlag");
 }
 
 Link::Link(const Module& linkedModule)

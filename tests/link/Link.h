@@ -19,7 +19,7 @@ const int stopLimit = 500 * support::timeFactor(); // milliseconds
 [[gnu::noinline]] int heartBeatsOf(const ModuleClientThread& thread);
 
 /// Records the signals of a link thread, in that thread, as texts: "linked", "lost",
-/// "version 7 300 600 100 10".
+/// "version 7 300 600 100 10". Also records if linkedFlag is not what was reported last.
 class SignalRecorder
 {
 public:
@@ -27,9 +27,10 @@ public:
     QStringList signalTexts() const;
 
 private:
-    void record(const QString& text);
+    void record(const QString& text, bool linkedFlag);
 
-    mutable std::mutex m_mutex;
+    bool m_isLinked = false;
+    mutable std::mutex m_mutex; // for m_texts, which the test's thread reads
     QStringList m_texts;
 };
 

@@ -24,8 +24,6 @@ public:
     /// Stops the thread. Returns what happened after the last exchange.
     QString happensAfterwards();
 
-    const ModuleClientThread& thread() const { return *m_link.thread; }
-
 private:
     struct Observed
     {
