@@ -17,6 +17,14 @@ client readHeader
 < A: b\r\n
 < \r\n = true
 
+# line
+client readLine 9
+< A: c\n = 5 "A: c\n"
+
+# limit
+client readLimit 1
+< d = 1 "d"
+
 # chunks: two
 client readBody given chunked
 < 0\r\n\r\n = true chunked last
@@ -59,9 +67,13 @@ client list
 
 SEEDS = {
     "AnswerHead/x-head": b"A: b\r\n\r\n",
+    "AnswerHead/x-line": b"A: c\n",
+    "AnswerHead/x-limit": b"d",
     "AnswerHead/x-both": b"\r\n1",
     "AnswerHead/x-both-next": b"\r\n2",
     "VerifyAnswer/x-head": b"\xFFA: b\r\n\r\n",
+    "VerifyAnswer/x-line": b"\xFFA: c\n",
+    "VerifyAnswer/x-limit": b"\xFFd",
     "VerifyAnswer/x-both": b"\xFF\r\n1",
     "VerifyAnswer/x-both-next": b"\xFF\r\n2",
     "ChunkedBody/x-chunks-two": b"0\r\n\r\n",

@@ -2,7 +2,7 @@
 
 #include "http/HTTPClient.h"
 #include "tests/http/PairedSession.h"
-#include "tests/kit/ConversationFile.h"
+#include "tests/kit/Cuts.h"
 
 #include <algorithm>
 #include <array>

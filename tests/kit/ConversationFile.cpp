@@ -177,18 +177,4 @@ Conversations readConversations(const std::string& path)
     return conversations;
 }
 
-std::string shortened(const std::string& bytes)
-{
-    const std::string text = printable(bytes);
-    std::string result;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find_first_not_of(text[at], at), text.size());
-        const std::string run = text.substr(at, end - at);
-        result +=
-            run.size() < 100 ? run : "\\(" + std::to_string(run.size()) + " " + text[at] + ")";
-        at = end;
-    }
-    return result;
-}
-
 } // namespace support

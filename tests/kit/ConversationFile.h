@@ -16,9 +16,9 @@
 // `|` states the result if the connection ends there: in the `client` line before the first byte,
 // in a `<` line after any of its bytes. It is in every line above the last `<` line or in none.
 //
-// A `<` line may state an action after its bytes. `! close`: the peer closes. `! reset`: it resets
-// the connection. `! pause`: it waits until the client has received everything; the conversation is
-// then played only with these pauses.
+// A `<` line may state an action after its bytes. `! close`: the peer closes. `! reset`: the peer
+// resets the connection. `! pause`: the peer waits until the client has received everything; the
+// conversation is then played only with these pauses.
 //
 // `then as in: NAME` continues with the lines of an earlier conversation in the same file that
 // follow its first `<` line.
@@ -74,9 +74,5 @@ struct Conversations
 /// Parses every file of a folder, or one file, up to the first error. Of a page, whose name
 /// ends with ".md", only the blocks that are fenced with "```conversation" and "```" are parsed.
 Conversations readConversations(const std::string& path);
-
-/// Returns bytes as results state them: see printable(); in addition, a run of a hundred characters
-/// or more is written as "\(100 x)".
-std::string shortened(const std::string& bytes);
 
 } // namespace support

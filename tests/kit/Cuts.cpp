@@ -1,5 +1,6 @@
 #include "tests/kit/Cuts.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace support {
@@ -76,6 +77,20 @@ std::string printable(const std::string& bytes)
         }
     }
     return text;
+}
+
+std::string shortened(const std::string& bytes)
+{
+    const std::string text = printable(bytes);
+    std::string result;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find_first_not_of(text[at], at), text.size());
+        const std::string run = text.substr(at, end - at);
+        result +=
+            run.size() < 100 ? run : "\\(" + std::to_string(run.size()) + " " + text[at] + ")";
+        at = end;
+    }
+    return result;
 }
 
 } // namespace support

@@ -42,4 +42,7 @@ QString outcomeAt(const QVector<Step>& steps, std::size_t position);
 /// Returns the bytes with control characters and non-ASCII bytes escaped.
 std::string printable(const std::string& bytes);
 
+/// Like printable(); in addition, a run of a hundred characters or more is written as "\(100 x)".
+std::string shortened(const std::string& bytes);
+
 } // namespace support
