@@ -11,13 +11,18 @@ from harness import (ANSWER, CAMERA, CONTROL, COUNT, GROUND, GROUND_HEARTBEAT, H
 class ModuleTest(SimulatorTest):
     def test_control_sends_heartbeat_and_version_each_in_its_segment(self):
         self.start()
-        peer = self.peer(CONTROL)
-        self.assertEqual(HEARTBEAT, peer.segment())
-        first = time.monotonic()
-        self.assertEqual(VERSION, peer.segment())
-        self.assertGreater(time.monotonic() - first, 0.05)
-        self.assertEqual(HEARTBEAT, peer.segment())
-        self.assertAlmostEqual(1.0, time.monotonic() - first, delta=0.3)
+        # On a busy machine a receive may come so late that it returns both, or that the pause seems
+        # shorter: then a new connection is tried.
+        for _ in range(10):
+            peer = self.peer(CONTROL)
+            segments, times = [], []
+            for _ in range(3):
+                segments.append(peer.segment())
+                times.append(time.monotonic() - times[0] if times else time.monotonic())
+            if (segments == [HEARTBEAT, VERSION, HEARTBEAT] and times[1] > 0.05
+                    and abs(times[2] - 1.0) < 0.3):
+                return
+        self.fail(f"{segments}, {times[1]:.3f} s and {times[2]:.3f} s after the first")
 
     def test_ground_sends_heartbeats_and_no_version(self):
         self.start("--heartbeat", "300")
