@@ -103,16 +103,10 @@ QString played(Scene& scene, const QString& action, const Exchange& exchange)
 
 void addConversations(const char* file)
 {
-    QTest::addColumn<Conversation>("conversation");
-    const support::Conversations conversations =
-        support::readConversations(TEST_DATA "/conversations/window");
-    QVERIFY2(conversations.error.empty(), conversations.error.c_str());
     const std::string start = std::string(file) + ": ";
-    for (const Conversation& conversation : conversations.all) {
-        if (conversation.name.rfind(start, 0) == 0) {
-            QTest::newRow(conversation.name.substr(start.size()).c_str()) << conversation;
-        }
-    }
+    support::addConversations("window", [&](const Conversation& conversation) {
+        return conversation.name.rfind(start, 0) == 0;
+    });
 }
 
 void playInWindow(const Conversation& conversation)

@@ -9,13 +9,10 @@
 // one opens, and after a colon the table: each row in brackets, its cells separated by bars.
 #pragma once
 
-#include "tests/kit/ConversationFile.h"
+#include "tests/kit/ConversationRows.h"
 #include "tests/kit/UserWindow.h"
 
-#include <QMetaType>
 #include <QString>
-
-Q_DECLARE_METATYPE(support::Conversation)
 
 /// Adds a column "conversation" and a row for each conversation of that file in the folder.
 void addConversations(const char* file);

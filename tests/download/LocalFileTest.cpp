@@ -2,7 +2,7 @@
 #include "download/LocalFile.h"
 
 #include "tests/download/DownloadScene.h"
-#include "tests/kit/Lease.h"
+#include "tests/download/Lease.h"
 #include "tests/kit/SleepWatch.h"
 #include "tests/kit/TestMain.h"
 

@@ -1,4 +1,4 @@
-#include "tests/kit/Lease.h"
+#include "tests/download/Lease.h"
 
 #include <csignal>
 
