@@ -18,7 +18,8 @@ QString hardwareTypeText(char hardType)
 
 QString versionText(int hundredths)
 {
-    // Computed in single precision; the rounding error does not show in six significant digits.
+    // Computed in single precision. The six significant digits hide the rounding error of every
+    // version that a report can contain.
     return withPrefix(static_cast<double>(static_cast<float>(hundredths) / 100.0F));
 }
 
