@@ -16,7 +16,7 @@ using support::shortened;
 
 namespace {
 
-std::string quoted(const std::string& bytes)
+std::string inQuotes(const std::string& bytes)
 {
     return bytes.empty() ? "" : "\"" + shortened(bytes) + "\"";
 }
@@ -45,7 +45,7 @@ std::string made(const std::string& operation, HTTPSession& session, Record& rec
         std::string text = "old";
         const int result =
             name == "readLine" ? session.readLine(text, count) : session.readLimit(text, count);
-        return std::to_string(result) + (text.empty() ? "" : " " + quoted(text));
+        return std::to_string(result) + (text.empty() ? "" : " " + inQuotes(text));
     }
     HTTPClient client;
     bool result = true;
@@ -90,7 +90,7 @@ std::string describe(bool result, const Record& record)
         }
         text += "}";
     }
-    return record.body.empty() ? text : text + " " + quoted(record.body);
+    return record.body.empty() ? text : text + " " + inQuotes(record.body);
 }
 
 std::string prepared(const std::string& call, Record& record)
@@ -131,7 +131,7 @@ Outcome readFrom(const std::string& call, Record& record, const support::Deliver
     const std::string stopped = sender.readerHadToBeStopped() ? "NEVER RETURNED, then " : "";
     const std::string unread = receivedByNow(kept) + unsent;
     ::close(kept);
-    return {stopped + text, quoted(unread)};
+    return {stopped + text, inQuotes(unread)};
 }
 
 std::string readFromFailing(const std::string& call, Record& record, const std::string& bytes)
