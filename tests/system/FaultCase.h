@@ -1,12 +1,12 @@
-// Faults of the simulator and what a user sees of them: the tables of the system.Faults tests.
+// Faults of the simulator and what a user sees of them: the tables of FaultsTest.
 #pragma once
 
 #include <QByteArray>
 #include <QList>
 #include <QString>
 
-/// What the user does. For a download, the faults of names are switched on before the card is
-/// listed.
+/// What the user does. For a download, faults whose names begin with "name-" are switched on before
+/// the card is listed.
 enum class FaultAction {
     Link,          ///< switches the faults on, then clicks the link button
     Linked,        ///< links, then switches the faults on
@@ -28,8 +28,8 @@ struct FaultCase
     FaultAction action;
     /// What the user then sees; see the tables.
     QString expected;
-    /// How long the link must then stay in that state, in milliseconds. The default covers two
-    /// heartbeats and the version report.
+    /// How long the link must then stay in that state, in milliseconds; for the actions Link and
+    /// Linked only. The default covers two heartbeats.
     int watched = 450;
 
     /// Returns the row's tag.
@@ -38,7 +38,7 @@ struct FaultCase
     QList<QByteArray> faultNames() const;
 };
 
-// The tables; each is a function of FaultsTest.
+// The tables. FaultsTest has one test function for each.
 extern const QList<FaultCase> linkFaults;
 extern const QList<FaultCase> heartbeatKeptFaults;
 extern const QList<FaultCase> heartbeatLostFaults;

@@ -61,7 +61,7 @@ const QList<FaultCase> downloadFaults = {
     {{"name-slash"}, A::Download, "no file, Create file failed"},
     {{"name-outside"}, A::Download, "no file, Create file failed"},
     {{"name-parent"}, A::Download, "no file, Create file failed"},
-    // The camera receives a different name, so it answers with an error page.
+    // The camera receives a name that is not on the card, so it answers with an error page.
     {{"name-line-end"}, A::Download, "43 other bytes"},
     {{"name-utf8"}, A::Download, "41 other bytes"},
 
@@ -71,6 +71,6 @@ const QList<FaultCase> downloadFaults = {
     {{"never-accept=camera"}, A::Stalled, "Download Progress: 1/1, bar 0 of 100, button disabled"},
     {{"down=camera"}, A::Stalled, "Download Progress: 1/1, bar 0 of 100, button disabled"},
     {{"byte-by-byte=1000"}, A::Stalled, "Download Progress: 1/1, bar 0 of 100, button disabled"},
-    // The download continues where it stopped.
+    // A fault that has been cleared does not affect the download.
     {{"stall=95", "clear stall"}, A::Download, "whole"},
 };

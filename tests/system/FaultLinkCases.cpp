@@ -59,10 +59,11 @@ const QList<FaultCase> linkFaults = {
 };
 
 // The cases below take several seconds each, because the heartbeat limit and the reboot run in real
-// time. Each list has its own test class, so that CTest can run the lists in parallel.
+// time. FaultsTest has one function for each list, so that CTest can run the lists in parallel.
 const QList<FaultCase> heartbeatKeptFaults = {
     {{"heartbeat-pause=5", "unknown-type"}, A::Link, linked, 6500},
-    // The sixth second ends only when the heartbeat is about to arrive.
+    // The sixth tick comes at 6.0 seconds. The heartbeat at 6.2 seconds resets the count before the
+    // next frame of unknown type, at 6.5 seconds, makes the program check the limit.
     {{"heartbeat-pause=6", "unknown-type"}, A::Link, linked, 7500},
     // The program checks the limit only after a receive, and nothing else arrives.
     {{"heartbeat-stops=1"}, A::Link, linked, 7500},

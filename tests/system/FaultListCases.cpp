@@ -9,8 +9,8 @@ const QString second = "REC00002.MP4|2021-12-31  23:59:59|KB|1s";
 const QString healthy = first + '\n' + second;
 const QString none = "no rows";
 const QString noDetails = "|--  ::|KB|s";
-// The rows if no answer contains details. After a chunked list that is so because each
-// later answer ends after its first line.
+// The rows if the program gets no details. After a chunked list, for example, it reads and drops
+// only the first line of each later body.
 const QString namesOnly = "REC00001.MP4" + noDetails + "\nREC00002.MP4" + noDetails;
 const QString disabled = "\ndelete all is disabled";
 
@@ -25,7 +25,7 @@ QString unknown(const QString& name)
     return name + noDetails + '\n' + second;
 }
 
-/// Returns the rows for the generated card, whose last recording has this number.
+/// Returns the rows for the generated card if the last row shows the recording with this number.
 QString uniform(const QString& last)
 {
     const QString details = "|2020-01-31  12:45:02|3KB|4s";
@@ -86,7 +86,7 @@ const QList<FaultCase> listFaults = {
 
     {{"info-reordered"}, A::Browse, healthy},
     {{"info-missing=create"}, A::Browse, "REC00001.MP4|--  ::|39KB|1s\nREC00002.MP4|--  ::|KB|1s"},
-    // The sizes are the creation times as 32-bit numbers: 899,931,414 bytes, and a negative
+    // The sizes are the low 32 bits of the creation times: 899,931,414 bytes, and a negative
     // number, for which the text of the creation time is shown.
     {{"info-missing=size"},
      A::Browse,
@@ -111,8 +111,8 @@ const QList<FaultCase> listFaults = {
      detailed("2020-01-31  12:45:02|1KB|-1s")},
     {{"info-long=31"}, A::Browse, detailed("1111-11-11  11:11:11|KB|1{31}s")},
     {{"info-long=32"}, A::Browse, detailed("1111-11-11  11:11:11|KB|1{32}s")},
-    // The bytes of the earlier answers are still counted and already reach the announced
-    // length, so the second answer ends with its first receive, of at most 10,240 bytes.
+    // The count of received bytes is never reset. It already exceeds the announced length of the
+    // second details, which therefore end with their first receive, of at most 10,240 bytes.
     {{"info-long=4000"},
      A::Browse,
      "REC00001.MP4|1111-11-11  11:11:11|KB|1{4000}s\n"
@@ -169,8 +169,8 @@ const QList<FaultCase> answerFaults = {
     {{"reset-mid-body=8"}, A::Browse, none},
     {{"split-head"}, A::Browse, healthy},
     {{"byte-by-byte=1", "only=count"}, A::Browse, healthy},
-    // The received count is not reset: a list in single bytes ends 16 bytes early, and details
-    // in single bytes end after their first receive. Without the pauses of 20 and 10
+    // The count of received bytes is never reset: a list in single bytes ends 16 bytes early, and
+    // details in single bytes end after their first receive. Without the pauses of 20 and 10
     // milliseconds, bytes could arrive together on a busy machine.
     {{"byte-by-byte=20", "only=list"}, A::Browse, first + '\n' + noDetails},
     {{"byte-by-byte=10", "only=info"}, A::Browse, namesOnly},

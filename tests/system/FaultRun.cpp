@@ -20,8 +20,8 @@ namespace {
 constexpr qint64 closingLimit = 2000; // milliseconds
 constexpr int steadyTime = 450;       // milliseconds
 constexpr int reportInterval = 2000;  // milliseconds, much longer than a report takes
-/// Returns the text with line endings escaped, and long runs of a character replaced by the
-/// character and their length.
+/// Returns the text with line endings escaped, and each run of more than 20 equal characters
+/// replaced by the character and the length of the run.
 QString shown(const QString& text)
 {
     QString result;
@@ -208,7 +208,7 @@ void FaultRun::playDownload(const FaultCase& faultCase, int row)
     QCOMPARE(seenFile(downloadPath(name), recordings.at(row).content()) +
                  (printed.isEmpty() ? QString() : ", " + printed),
              faultCase.expected);
-    // The home folder contains nothing else.
+    // Nothing else has been saved.
     const auto all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
     QCOMPARE(QDir(QDir::homePath()).entryList(all), QStringList{"Desktop"});
     QCOMPARE(QDir(QDir::homePath() + "/Desktop").entryList(all), QStringList{"DCIM"});

@@ -19,7 +19,8 @@ class StdoutCapture;
 }
 
 /// The real window with the built simulator, whose card contains two recordings. Created for each
-/// case, with an empty home folder; a failed step fails the calling test function.
+/// case, with a home folder that contains only an empty Desktop folder. A failed step fails the
+/// calling test function.
 class FaultRun
 {
 public:
@@ -28,13 +29,13 @@ public:
 
     FaultRun();
 
-    /// Performs the case, compares what is seen, then closes the window.
+    /// Performs the case and compares what is seen. The window stays open.
     void play(const FaultCase& faultCase);
 
     void startSimulator(const QStringList& arguments = {});
     void link();
     void browse();
-    /// Switches faults on (see FaultCase).
+    /// Switches faults on, and sends the control lines among them (see FaultCase::faults).
     void set(const QList<QByteArray>& faults);
     void control(const QByteArray& line);
     /// Selects the row and downloads it. Returns when the window is idle again; printed() then
@@ -49,11 +50,13 @@ public:
     static QString downloadPath(const QString& name);
 
 private:
-    /// Waits for the expected text of a link case. The text must then stay for a while, unless it
-    /// ends with "...", which means that more text may follow.
+    /// Waits until the statuses and versions of a link case have been shown. They must then stay
+    /// for a while, unless the expected text ends with "...", which means that further statuses may
+    /// follow.
     void compareLink(const FaultCase& faultCase);
-    /// Waits for something that needs a version report. The program only recognises a report in its
-    /// own segment, and a busy machine joins segments, so the report is sent repeatedly.
+    /// Waits for a condition that may need a version report. The program recognises a report only
+    /// at the start of a receive, and a busy machine may receive two segments at once, so the
+    /// report is sent repeatedly. Returns whether the condition holds.
     bool eventuallyReported(const std::function<bool()>& condition);
     QString seenLink() const;
     void playDownload(const FaultCase& faultCase, int row);
@@ -67,6 +70,7 @@ private:
     QByteArray m_printed;
 };
 
-/// Adds the rows of a test class, and plays the current row.
+/// Adds a row for each case to the current test function.
 void addFaultRows(const QList<FaultCase>& cases);
+/// Plays the case of the current row and closes the window.
 void playFaultRow(const QList<FaultCase>& cases);

@@ -36,7 +36,8 @@ QString recordingPath(int row)
     return FaultRun::downloadPath(FaultRun::recordings[row].name);
 }
 
-/// Returns what a recording contains of its content, and any other file's text.
+/// Returns how much of its content a recording contains (see seenFile()), or the text of any other
+/// file.
 QString seenContent(const QFileInfo& entry)
 {
     for (const CardFile& recording : FaultRun::recordings) {
@@ -48,8 +49,8 @@ QString seenContent(const QFileInfo& entry)
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : "cannot be read";
 }
 
-/// Returns what is below the home folder, except for its settings: files with their content, links
-/// with their target, empty folders.
+/// Returns what is below the home folder, except for the settings, whose paths begin with a dot:
+/// files with their content, links with their target, empty folders, and whatever is none of these.
 QString seenHome()
 {
     const QDir home(QDir::homePath());
@@ -95,7 +96,8 @@ private slots:
 private:
     /// Runs the shell script in the home folder.
     void prepare(const QString& script);
-    /// Downloads the row, expects that output, and checks that the window is idle and responsive.
+    /// Downloads the row. Checks the printed output, and that the window then still shows both rows
+    /// and the link.
     void download(int row, const QByteArray& printed);
 
     std::optional<FaultRun> run;
@@ -206,7 +208,7 @@ void FaultsDiskTest::fullDiskKeepsWhatFits()
     if (::unshare(CLONE_NEWNS) != 0 ||
         ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
         ::mount("tmpfs", folder.constData(), "tmpfs", 0, "size=16k") != 0) {
-        QTest::qSkip("a disk of 16 KiB needs rights that this user has not; see the next function",
+        QTest::qSkip("this user may not mount a disk of 16 KiB; see the next test function",
                      __FILE__, __LINE__);
         return;
     }
@@ -219,7 +221,7 @@ void FaultsDiskTest::fullDiskKeepsWhatFits()
 
 void FaultsDiskTest::fileOfTheGreatestSizeKeepsWhatFits()
 {
-    std::signal(SIGXFSZ, SIG_IGN); // writing beyond the limit is then an error
+    std::signal(SIGXFSZ, SIG_IGN); // write() then fails beyond the limit
     rlimit former{};
     ::getrlimit(RLIMIT_FSIZE, &former);
     const rlimit limit{10'000, former.rlim_max};

@@ -113,7 +113,7 @@ public:
             m_received += value(line, "bytes");
         } else if (event == "close") {
             m_end = shownClose(line);
-        } else if (event != "complaint") { // follows from the bytes or reports slowness
+        } else if (event != "complaint") { // a complaint results from the bytes or reports slowness
             m_sent.append(event);
         }
     }

@@ -5,7 +5,7 @@
 #include <QList>
 #include <QString>
 
-/// The complete lines of a simulator's journal.
+/// The complete lines of a simulator's journal, except for a second "close" of a connection.
 class Journal
 {
 public:
@@ -17,12 +17,13 @@ public:
     bool isVersionReported(int connection) const;
     bool isEveryConnectionClosed() const;
 
-    /// Returns all bytes of every connection in order, by device and connection, in readable form.
-    /// Timing-dependent details are left out: times, ports, the number of heartbeats and answers
-    /// (but not whether every heartbeat was answered), how the two directions of a module's
-    /// connection interleave, and what a module sends on a connection that its client drops without
-    /// sending anything. Also left out is whether a client closed its connection normally or,
-    /// because of unread bytes, with a reset.
+    /// Returns the simulator's control lines, then the bytes of every connection in order, by
+    /// device and connection, in readable form; long parts of the camera's answers only as their
+    /// length and CRC-32. Timing-dependent details are left out: times, ports, complaints, the
+    /// number of heartbeats and answers (but not whether every heartbeat was answered), how the two
+    /// directions of a module's connection interleave, and what a module sends on a connection that
+    /// its client drops without sending anything. Also left out is whether a client closed its
+    /// connection normally or, because of unread bytes, with a reset.
     QString text() const;
 
 private:

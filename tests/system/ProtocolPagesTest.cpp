@@ -1,5 +1,5 @@
-// Plays the blocks of the protocol pages in docs/ to the program, so that a wrong page fails. The
-// conversations of the link page are played by the tests of the link threads.
+// Checks the blocks of the protocol pages in docs/ against the program. The tests of the link
+// threads play the conversations of the link page.
 #include "app/MainWindow.h"
 #include "card/CardAnswers.h"
 #include "card/CardCommands.h"
@@ -139,8 +139,9 @@ QStringList tableText(const QTableWidget& table)
     return rows.isEmpty() ? QStringList("no rows") : rows;
 }
 
-/// Makes the steps of a user in the window: "press TEXT" presses the button with that text, "select
-/// row N" selects a row, and "message TEXT" states the message box that the step before it shows.
+/// Performs a user's steps in the window: "press TEXT" presses the button with that text, "select
+/// row N" selects a row, and "message TEXT" checks the text of the message box that the preceding
+/// step must show.
 void act(const MainWindow& window, const QStringList& steps, support::MessageBoxWatcher& boxes)
 {
     for (int i = 0; i < steps.size(); ++i) {
@@ -157,7 +158,7 @@ void act(const MainWindow& window, const QStringList& steps, support::MessageBox
                 boxes.answerNext(QMessageBox::Ok);
             }
             QTest::mouseClick(*button, Qt::LeftButton);
-            QTRY_VERIFY((*button)->isEnabled()); // until a download has ended
+            QTRY_VERIFY((*button)->isEnabled()); // disabled during a download
             QCOMPARE(boxes.boxes().size(), boxesBefore + (showsBox ? 1 : 0));
         } else if (steps[i].startsWith("message ")) {
             QCOMPARE(boxes.boxes().last().text, words);
@@ -241,7 +242,7 @@ void ProtocolPagesTest::linkPageReceivesAreInterpretedAsStated()
 // --- the camera page
 // --------------------------------------------------------------------------------
 
-/// The conversation, which the program must send as written, contains each command of the table.
+/// The page's conversation contains each command of the page's table.
 void ProtocolPagesTest::cameraConversationContainsEveryCommand()
 {
     const QRegularExpression row("^\\| [a-z ]+\\| `(/cgi-bin[^`]*)` *\\|([^|]*)\\|",

@@ -17,15 +17,16 @@ constexpr int startLimit = 5000; // milliseconds
 constexpr int endLimit = 3000;
 constexpr int probeInterval = 5;
 
-/// Returns the path of a server program, even outside the search path of an ordinary user.
+/// Returns the path of a server program, which may be outside the search path of an ordinary user,
+/// or an empty text if the program is not installed.
 QString programPath(const QString& name)
 {
     const QString found = QStandardPaths::findExecutable(name);
     return found.isEmpty() ? QStandardPaths::findExecutable(name, {"/usr/sbin", "/sbin"}) : found;
 }
 
-/// Returns the option for lighttpd's module folder. If the package was unpacked instead of
-/// installed, the modules are near the program and not in the default folder.
+/// Returns the option that names lighttpd's module folder if that folder is near the program. This
+/// is needed for a package that was unpacked instead of installed.
 QStringList moduleFolderOption(const QString& program)
 {
     const QDir folder(QFileInfo(program).absolutePath() + "/../lib/lighttpd");

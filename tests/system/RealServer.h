@@ -8,13 +8,14 @@
 
 /// A process of nginx, lighttpd or busybox httpd in the foreground, with the test's privileges and
 /// all files in a temporary folder; the system's own service and its files are not touched. The
-/// destructor ends the server by its own process id. Use from one thread only.
+/// destructor ends the server by its own process id. start() and stop() must be called in the
+/// thread that created the object.
 class RealServer
 {
 public:
     enum Kind { Nginx, Lighttpd, Busybox };
 
-    /// How long the servers keep an idle connection open, in milliseconds.
+    /// How long nginx and lighttpd keep an idle connection open, in milliseconds.
     static constexpr int keepAliveTime = 1000;
 
     RealServer(Kind kind, const QString& address, int port);
@@ -22,8 +23,8 @@ public:
     RealServer(const RealServer&) = delete;
     RealServer& operator=(const RealServer&) = delete;
 
-    /// Starts the server and returns when it accepts connections. Returns false, with the reason in
-    /// error(), if it does not within five seconds.
+    /// Starts the server. Returns true as soon as the server accepts connections, or false, with
+    /// the reason in error(), if it ends or does not accept any within five seconds.
     bool start();
     void stop();
     QString error() const { return m_error; }
@@ -31,16 +32,17 @@ public:
     /// Creates a file below the document root; "path" has no leading slash.
     bool publish(const QString& path, const QByteArray& content);
 
-    /// Creates a CGI program below the document root. nginx runs none.
+    /// Creates a CGI program below the document root. nginx does not run CGI programs.
     bool publishProgram(const QString& path, const QByteArray& script);
 
     /// Returns the address of a path, including scheme and port.
     std::string url(const QString& path) const;
 
-    // Prefixed paths. nginx only: the file, sent without an announced length.
+    // Other paths of a published file. nginx only: sends the file without an announced length,
+    // either chunked or ended by closing the connection.
     static QString chunkedPath(const QString& path) { return "chunked/" + path; }
     static QString closingPath(const QString& path) { return "closing/" + path; }
-    // lighttpd only: the CGI program, with its answer streamed.
+    // lighttpd only: streams the answer of the CGI program instead of buffering it.
     static QString streamedPath(const QString& path) { return "streamed/" + path; }
 
 private:

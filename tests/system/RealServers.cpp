@@ -80,7 +80,7 @@ QByteArray difference(const QByteArray& actual, const QByteArray& expected)
         return {};
     }
     const auto at = std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
-    return QString("%1 bytes in place of %2, different from byte %3 on; they begin with \"%4\"")
+    return QString("%1 bytes instead of %2; the first difference is at byte %3; beginning: \"%4\"")
         .arg(actual.size())
         .arg(expected.size())
         .arg(at.first - actual.begin())

@@ -20,7 +20,8 @@ Q_DECLARE_METATYPE(RealServer::Kind)
 class RealServers
 {
 public:
-    /// Publishes the files of each server and starts it. Returns an empty text, or why that failed.
+    /// Publishes each server's files and starts the server. Returns the reason for a failure, or an
+    /// empty text.
     QString start(const std::function<bool(RealServer&)>& publish);
     RealServer& operator[](RealServer::Kind kind) { return *m_servers[kind]; }
 
@@ -56,11 +57,11 @@ const QByteArray& body(int size);
 /// Returns the name of the file on the server.
 QString fileName(int size);
 
-/// Publishes the bodies of all sizes in a folder; its path ends in a slash unless it is empty.
+/// Publishes the bodies of all sizes in a folder. `folder` must end in a slash or be empty.
 bool publishBodies(RealServer& server, const QString& folder);
 
-/// Returns how two long bodies differ, quoting only the beginning, or an empty text if they are
-/// equal.
+/// Returns how two long bodies differ, quoting only the beginning of `actual`, or an empty text if
+/// they are equal.
 QByteArray difference(const QByteArray& actual, const QByteArray& expected);
 
 /// QCOMPARE for two bodies.

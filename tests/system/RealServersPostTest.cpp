@@ -7,9 +7,9 @@
 
 namespace {
 
-/// A CGI program that reports what it received: method, type, length, digest. If requested without
-/// a length it adds a megabyte, so that a server cannot buffer the whole answer before sending the
-/// head.
+/// A CGI program that reports what it received: method, type, length, digest. For the query
+/// "no-length" it announces no length and adds a megabyte, so that a server cannot buffer the whole
+/// answer before sending the head.
 constexpr char receivingProgram[] = R"(#!/usr/bin/python3
 import hashlib, os, sys
 body = sys.stdin.buffer.read(int(os.environ.get("CONTENT_LENGTH") or 0))

@@ -1,6 +1,6 @@
-// Runs the built program in unusual environments: closed or full standard streams, a proxy, odd
-// folders, limits and locales. In each it works completely, and its output goes only to its
-// standard streams.
+// Runs the built program in unusual environments: closed or full standard streams, a proxy, unusual
+// folders, limits and locales. In each environment the program must work completely and write
+// output only to its standard streams.
 #include "tests/kit/DrivenProcess.h"
 #include "tests/kit/FakeVehicle.h"
 #include "tests/kit/Rows.h"
@@ -82,8 +82,8 @@ private slots:
 
 private:
     void compileCommaLocale();
-    /// Links, browses and downloads everything. b.mp4 cannot be saved, because a folder has this
-    /// name.
+    /// Links, browses, downloads everything and closes the program. b.mp4 cannot be saved, because
+    /// a folder has this name.
     void useProgram();
     void start(const QString& preparation, const QString& redirections = QString());
 
@@ -159,7 +159,7 @@ void SurroundingsTest::closedStreamsAreOnTheNullDevice()
     scene->program.close();
 }
 
-/// Compiles the locale for the test, so that it need not be installed on the system.
+/// Compiles a locale with a decimal comma, so that none needs to be installed.
 void SurroundingsTest::compileCommaLocale()
 {
     QFile source(scene->path("source"));

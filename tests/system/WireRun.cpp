@@ -171,8 +171,8 @@ void WireRun::loseLink()
     noteLink();
 }
 
-// The existing link reconnects by itself. Without heartbeats the window does not learn of that, and
-// a click creates a second link to each module.
+// The existing link reconnects by itself. Without heartbeats the window still shows "Link Fail!",
+// so that a click creates a second link to each module.
 void WireRun::linkAgain()
 {
     control("fault no-heartbeat=control");

@@ -1,4 +1,4 @@
-// Compares every byte between the window and the vehicle in one user session with a recording.
+// Compares the bytes between the window and the vehicle in a user session with recorded ones.
 //
 // With chunked answers: the program never resets its HTTPResponse. After the first chunked answer,
 // it reads only the first line of each later chunked body, so the window gets no data from them.
