@@ -11,7 +11,7 @@ constexpr std::string_view hostPrefix = "http://192.168.1.120";
 
 enum class Argument { None, Appended };
 
-/// One row of the table.
+/// One row of CameraRequests.inc, without the answer.
 struct Row
 {
     RequestKind kind;

@@ -7,7 +7,7 @@
 
 namespace simulator {
 
-/// What a request asks for, in the order of the table.
+/// What a request asks for, in the order of CameraRequests.inc.
 enum class RequestKind {
 #define REQUEST(enumerator, name, target, argument, answer) enumerator,
 #include "simulator/CameraRequests.inc"
@@ -24,7 +24,8 @@ std::optional<std::string> requestTarget(std::string_view requestLine);
 RequestKind requestKind(std::string_view target);
 
 /// Returns the text after the fixed part of a target of this kind, such as a name or the number of
-/// entries. It is empty for a kind that takes no argument.
+/// entries. The text is empty for a kind that takes no argument, and the whole target for Other,
+/// which has no fixed part.
 std::string_view requestArgument(RequestKind kind, std::string_view target);
 
 } // namespace simulator

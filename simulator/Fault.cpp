@@ -14,7 +14,8 @@ const std::string modules = "control|ground";
 const std::string bothModules = "control,ground";
 const std::string devices = "control|ground|camera";
 const std::string allDevices = "control,ground,camera";
-// What the fault "only" names: modules, all commands of the camera, each of its requests.
+// The words of the fault "only": the modules, "cgi" for every request to the camera except those
+// for recordings, and each kind of request.
 const std::string scopes = modules + "|cgi"
 #define REQUEST(enumerator, name, target, argument, answer) "|" name
 #include "simulator/CameraRequests.inc"

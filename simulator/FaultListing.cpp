@@ -16,8 +16,8 @@ constexpr std::size_t resultColumn = 30;
 /// Maximum length of a default shown in full; of a longer one, the beginning and the length are
 /// shown.
 constexpr std::size_t longestPreset = 40;
-/// Maximum length of a list of words on the Markdown page, which refers to the other forms for a
-/// longer one.
+/// Maximum length of a list of words on the Markdown page. In place of a longer one, the page
+/// refers to --list-faults.
 constexpr std::size_t longestWords = 40;
 
 /// A heading of the list. The headings below are in the order of FaultGroup.

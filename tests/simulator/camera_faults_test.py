@@ -117,7 +117,7 @@ ANSWERS = {
     },
 }
 
-# The same, if the connection is then reset.
+# As above, for answers after which the connection is reset.
 RESETS = {
     COUNT: {
         "reset-before-head": b"",

@@ -19,7 +19,7 @@ class CameraTest(SimulatorTest):
         both = ok(b"sd/DCIM/100ZEPNA/A.MP4;sd/DCIM/100ZEPNA/B.MP4;\r\n")
         self.play(
             (COUNT, ok(b'var count="2";\r\n')),
-            # The list has as many entries as asked for.
+            # At most as many entries as requested are listed; 14 or more digits request all.
             *[(LIST + end, both) for end in (b"2", b"3", b"20200131124502", b"9" * 40, b"0" * 14)],
             (LIST + b"1", ok(b"sd/DCIM/100ZEPNA/A.MP4;\r\n")),
             *[(LIST + end, ok(b"\r\n")) for end in (b"0", b"", b"-3")],
@@ -106,7 +106,7 @@ class CameraTest(SimulatorTest):
         peer = self.request(RECORDING + b"B.MP4")
         head = peer.exactly(len(ok(BRAVO, b"video/mp4")) - 5000)
         first = peer.exactly(1000)
-        self.assertLess(time.monotonic() - start, 0.4, "the first part comes without waiting")
+        self.assertLess(time.monotonic() - start, 0.4, "the first part must come without waiting")
         data, _ = peer.rest()
         self.assertEqual(ok(BRAVO, b"video/mp4"), head + first + data)
         self.assertGreater(time.monotonic() - start, 0.45)
@@ -129,7 +129,7 @@ class CameraTest(SimulatorTest):
                 content = file.read()
             contents.add(content[-300:])
             self.play((RECORDING + name.encode(), ok(content, b"video/mp4")))
-        self.assertEqual(len(names), len(contents), "recordings of the same content")
+        self.assertEqual(len(names), len(contents), "recordings with the same content")
         sizes = [os.path.getsize(os.path.join(sample, n)) for n in names]
         self.assertEqual((500, 67108864), (min(sizes), max(sizes)))
         first = self.ask(INFO + names[0].encode())

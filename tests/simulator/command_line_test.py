@@ -49,7 +49,7 @@ class CommandLineTest(SimulatorTest):
         self.assertIn("192.168.1.149:5000: Address already in use", self.refused(1))
 
     def run_in_network(self, setUp):
-        """Runs the simulator in a new network after these commands; status 99 if they failed."""
+        """Runs the commands, then the simulator, in a new network; status 99: a command failed."""
         result = subprocess.run(
             ["unshare", "--user", "--map-root-user", "--net", "sh", "-c",
              "(" + setUp + ') 2>/dev/null || exit 99; exec "$@"', "sh", harness.program],
@@ -77,7 +77,7 @@ class CommandLineTest(SimulatorTest):
             " ip link add other type bridge || ip tuntap add other mode tun; }"
             " && ip link set other up")
         if result.returncode == 99:
-            self.skipTest("this system has no second interface to offer")
+            self.skipTest("this system cannot create a second interface")
         self.assertEqual(3, result.returncode, result.stderr)
         self.assertIn("interface other is up", result.stderr)
         self.assertIn(ADVICE, result.stderr)
@@ -178,7 +178,7 @@ class CommandLineTest(SimulatorTest):
         page = harness.run("--list-faults=markdown").stdout
         with open(os.path.join(ROOT, "docs", "faults.md"), encoding="utf-8") as file:
             self.assertEqual(file.read(), page,
-                             "write it again: belun-simulator --list-faults=markdown")
+                             "write the page again with belun-simulator --list-faults=markdown")
 
     def test_manual_holds_every_option_fault_and_control_line(self):
         options = harness.run("--help=man").stdout

@@ -114,7 +114,7 @@ class ControlTest(SimulatorTest):
                 for _ in range(2000):
                     lazy.sendall(b"help\n" * 100)
             except OSError:
-                pass  # disconnected because it did not read
+                pass  # the simulator has disconnected this client, which does not read
             self.assertEqual(0, self.send("status").returncode)
 
     def test_spaces_around_a_line_do_not_count(self):
@@ -204,11 +204,11 @@ class ControlTest(SimulatorTest):
         self.assertEqual('error nothing may follow, not "now"', self.control("quit now"))
 
     def follow(self, started, sent, typed=None):
-        """Follows a page: runs the command line `started`, which starts the simulator and the
-        window, then each of `sent`, which send control lines. Returns the output of each. `typed`
-        is the input of the shell that the page opens and must end that shell, whose output is then
-        the last answer. The commands are found both where the source tree has them and by their
-        installed names."""
+        """Runs the commands of a page: `started`, which starts the simulator and the window, then
+        each command of `sent`, which sends control lines. Returns the output of each of the latter.
+        If `typed` is given, it is entered into the shell that `started` opens and must end that
+        shell; the remaining output of `started` is then added to the result. The commands are found
+        both where the source tree has them and by their installed names."""
         binaries = os.path.dirname(harness.program)
         commands = os.path.join(self.folder, "commands")
         for path, target in (("build/bin", binaries), ("tools", os.path.join(ROOT, "tools")),
@@ -217,7 +217,8 @@ class ControlTest(SimulatorTest):
                              ("commands/belun-verify", os.path.join(binaries, "belun-verify"))):
             os.makedirs(os.path.dirname(os.path.join(self.folder, path)), exist_ok=True)
             os.symlink(target, os.path.join(self.folder, path))
-        # A network of its own, as users have: everything that runs in it ends with the command.
+        # With --own the command creates a new network, as it does for users, and ends everything in
+        # that network when it exits.
         with open(os.path.join(commands, "belun-private-network"), "w", encoding="utf-8") as file:
             os.fchmod(file.fileno(), 0o755)
             file.write(f'#!/bin/sh\nexec "{NETWORK}" --own "$@"\n')
@@ -225,7 +226,7 @@ class ControlTest(SimulatorTest):
                                                "PATH": f"{commands}:{os.environ['PATH']}"}}
         window = subprocess.Popen(["sh", "-c", started], start_new_session=True,
                                   stdin=subprocess.PIPE, stdout=subprocess.PIPE, **options)
-        self.addCleanup(window.stdin.close)  # until then it keeps the page's shell running
+        self.addCleanup(window.stdin.close)  # while open, it keeps the page's shell running
         self.addCleanup(window.stdout.close)
         self.addCleanup(window.wait, harness.LIMIT)
         self.addCleanup(lambda: window.poll() is None and os.killpg(window.pid, signal.SIGKILL))

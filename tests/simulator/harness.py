@@ -34,7 +34,7 @@ RECORDING = b"/sd/DCIM/100ZEPNA/"
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 
-# The card of start_two() and its answers.
+# The contents of the two recordings of start_two().
 ALPHA = b"alpha" * 100
 BRAVO = b"bravo" * 1000
 
@@ -58,7 +58,7 @@ def ok(body, kind=b"text/plain"):
 
 
 def chunked(body, kind=b"text/plain"):
-    """Returns an answer whose body, of whole chunks, follows this head."""
+    """Returns a chunked answer. The body must already be encoded as chunks."""
     return (b"HTTP/1.1 200 OK\r\nContent-Type: " + kind + b"\r\nTransfer-Encoding: chunked\r\n"
             b"Connection: close\r\n\r\n" + body)
 
@@ -167,7 +167,7 @@ class SimulatorTest(unittest.TestCase):
         self.assertEqual("belun-simulator ready", self.answers.get(timeout=LIMIT))
 
     def end(self):
-        """Stops the simulator, so that another can be started; its journal is kept."""
+        """Stops the simulator and keeps its journal until the next start overwrites it."""
         self.assertEqual("ok quit", self.control("quit"))
         self.process.wait(LIMIT)
         self.stop()

@@ -11,8 +11,8 @@ from harness import (ANSWER, CAMERA, CONTROL, COUNT, GROUND, GROUND_HEARTBEAT, H
 class ModuleTest(SimulatorTest):
     def test_control_sends_heartbeat_and_version_each_in_its_segment(self):
         self.start()
-        # On a busy machine a receive may come so late that it returns both, or that the pause seems
-        # shorter: then a new connection is tried.
+        # On a busy machine a late receive may return heartbeat and version together, or shorten the
+        # measured pause. The test then tries a new connection.
         for _ in range(10):
             peer = self.peer(CONTROL)
             segments, times = [], []

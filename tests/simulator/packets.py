@@ -17,7 +17,7 @@ class Capture:
     OUTGOING = 4
 
     def __init__(self):
-        """Raises PermissionError if the caller may not capture packets."""
+        """Starts the capture. Raises PermissionError if the caller may not capture packets."""
         self.packets = []
         self.socket = socket.socket(socket.AF_PACKET, socket.SOCK_RAW, socket.htons(self.ALL))
         self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 64 * 1024 * 1024)

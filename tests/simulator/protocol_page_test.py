@@ -1,4 +1,4 @@
-"""Plays the conversation of docs/camera-protocol.md with the simulator: the same bytes."""
+"""Tests that the simulator answers the requests of docs/camera-protocol.md as that page states."""
 
 import json
 import os
@@ -36,7 +36,7 @@ class ProtocolPageTest(SimulatorTest):
     def test_simulator_answers_as_the_page_states(self):
         self.start_with_the_page_s_card()
         for request, answer in exchanges():
-            # The page leaves out this line, which the program does not read.
+            # The page omits the line "Connection: close", which the program ignores.
             head, _, body = answer.partition(b"\r\n\r\n")
             whole = head + b"\r\nConnection: close\r\n\r\n" + body
             with self.subTest(request=request.partition(b"\r\n")[0]):

@@ -20,7 +20,7 @@ REQUESTS = (COUNT, LIST + b"2", INFO + b"A.MP4", RECORDING + b"B.MP4", RECORDING
 
 
 class RecordingTest(SimulatorTest):
-    """Records and replays; has no tests itself."""
+    """The base class of the tests below: records and replays runs."""
 
     def record(self, *arguments):
         """Records a run, keeps its journal as "recorded" in self.folder, and returns what a client
@@ -48,7 +48,7 @@ class RecordingTest(SimulatorTest):
 
     def finish(self):
         self.end()
-        # The next start overwrites the journal, so the first one is kept.
+        # The next start overwrites the journal, so the first journal is renamed.
         kept = self.path("recorded")
         if not os.path.exists(kept):
             os.rename(self.journal_path, kept)
@@ -68,7 +68,7 @@ class RecordingTest(SimulatorTest):
 
 class JournalTest(RecordingTest):
     def message_that_ends(self, talk):
-        """Returns the message of a replay that has to end with status 1 because of a talk."""
+        """Calls `talk`, which must end a replay with status 1. Returns the replay's message."""
         with subprocess.Popen([harness.program, "--replay", self.path("recorded")], text=True,
                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE) as process:
@@ -79,7 +79,7 @@ class JournalTest(RecordingTest):
                 _, message = process.communicate(timeout=harness.LIMIT)
             except subprocess.TimeoutExpired:
                 process.kill()
-                raise AssertionError("the run goes on") from None
+                raise AssertionError("the replay did not end") from None
         self.assertEqual(1, process.returncode)
         return message
 
@@ -166,7 +166,7 @@ class JournalTest(RecordingTest):
 
 
 class CaptureTest(RecordingTest):
-    """Needs the permission to capture packets, which a private network grants."""
+    """Tests with captured packets, skipped without the permission to capture."""
 
     def capture(self):
         """Records a run; returns what a client received, and the packets."""
@@ -176,7 +176,7 @@ class CaptureTest(RecordingTest):
         try:
             capture = packets.Capture()
         except PermissionError:
-            self.skipTest("this system lets the test look at no packets")
+            self.skipTest("this system does not allow the test to capture packets")
         seen = self.record("--journal-full")
         return seen, capture.stop()
 

@@ -1,4 +1,6 @@
-"""Follows a scenario: queries the vehicle in the same way after each step and prints the results.
+"""Follows a scenario: prints each step, queries the vehicle after it and prints the results.
+
+After several steps of the same moment, the vehicle is queried once.
 
 scenario_client.py SIMULATOR OPTION...
 """
@@ -21,7 +23,8 @@ TARGETS = (harness.COUNT, harness.LIST + b"2", harness.INFO + b"A.MP4",
 
 
 def talk(address, request):
-    """Returns how many bytes were received, their CRC-32 and how the connection ended."""
+    """Returns the number of bytes received, their CRC-32 and the end of the connection; after a
+    reset, only "reset"."""
     data = b""
     try:
         with socket.create_connection(address, PATIENCE) as peer:
