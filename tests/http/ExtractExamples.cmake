@@ -1,5 +1,5 @@
-# Writes each example of a page to a file of its own: PAGE, FOLDER and NAMES are set with -D. An
-# example is between "<!-- example: NAME -->", "```cpp" and "```", each on its own line.
+# Writes each example of a page to a file of its own. PAGE, FOLDER and NAMES are set with -D. An
+# example stands between the two lines "<!-- example: NAME -->" and "```cpp" and the line "```".
 file(READ "${PAGE}" page)
 foreach(name ${NAMES})
   set(opening "<!-- example: ${name} -->\n```cpp\n")

@@ -1,4 +1,5 @@
-// Plays every conversation over a socket pair, split, closed and failing at every byte.
+// Plays the HTTP conversations over a socket pair: whole, byte by byte, with pauses, and split,
+// closed or failing at every byte.
 #include "tests/http/WireOutcome.h"
 #include "tests/kit/ConversationRows.h"
 #include "tests/kit/TestMain.h"
@@ -112,13 +113,13 @@ void HTTPClient_EveryCutTest::closedAtEveryPosition()
     }
 }
 
-// A receive that fails ends a call as one that reports the end of the connection does.
+// A failed receive ends a call in the same way as the end of the connection.
 void HTTPClient_EveryCutTest::failedAtEveryPosition()
 {
     QFETCH(Conversation, conversation);
     const Exchange& exchange = conversation.exchanges.front();
     const std::string bytes = allBytes(exchange.pieces);
-    // The exception, a line without a byte, is tested in HTTPSessionTest.
+    // The exception, readLine() before any byte has arrived, is tested in HTTPSessionTest.
     const bool readsLine = exchange.call.rfind("readLine", 0) == 0;
     for (std::size_t count = readsLine ? 1 : 0; count <= bytes.size(); ++count) {
         Record record;

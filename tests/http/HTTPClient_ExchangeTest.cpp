@@ -24,14 +24,14 @@ bool isOfGet(const Conversation& conversation)
     return conversation.exchanges.front().call.rfind("get ", 0) == 0;
 }
 
-/// Sends the head of the scene's request, which may stop at a failure.
+/// Parses the URL of the scene's request and sends the head. Returns false if either fails.
 bool sendHead(TcpScene& scene, HTTP_REQ_TYPE type)
 {
     HTTPClient client;
     return client.parseUrl(scene.request) && client.sendHeader(type, scene.session, scene.request);
 }
 
-/// The calls that begin an exchange.
+/// A call that begins an exchange.
 struct Call
 {
     const char* name;
@@ -131,8 +131,8 @@ void HTTPClient_ExchangeTest::hostWithoutAddressIsStillConnectedTo()
 
 void HTTPClient_ExchangeTest::invalidDottedHostIsStillConnectedTo()
 {
-    // inet_addr() returns INADDR_NONE for this host, which is the broadcast address: connecting to
-    // it fails.
+    // inet_addr() returns INADDR_NONE for this host. That is the broadcast address, and a
+    // connection to it fails.
     TcpScene scene(receiving());
     scene.request.url = "http://1.2.3.4.5";
     QVERIFY(!sendHead(scene, HTTP_REQ_GET));

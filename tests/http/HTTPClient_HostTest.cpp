@@ -35,7 +35,7 @@ static QByteArray bytesOf(unsigned int address)
 void HTTPClient_HostTest::hostBecomesAnAddress_data()
 {
     const support::Rows<QByteArray, QByteArray> row("host", "address");
-    // A host without a letter is read as a dotted address.
+    // A host without a byte from "A" to "z" is parsed by inet_addr().
     row("dotted address", "10.0.0.1", "0a 00 00 01");
     row("the camera", "192.168.1.120", "c0 a8 01 78");
     row("two numbers", "10.1", "0a 00 00 01");
@@ -50,8 +50,8 @@ void HTTPClient_HostTest::hostBecomesAnAddress_data()
     row("minus", "10.0.0.1-", "ff ff ff ff");
     row("bytes outside ASCII", "\x80\xC1\xDA\xFF", "ff ff ff ff");
 
-    // Each contains a letter or one of the six characters between "Z" and "a", so it must be
-    // resolved as a name (0); inet_addr() would return INADDR_NONE (all ones).
+    // Each of these hosts contains a letter or one of the six characters between "Z" and "a", so
+    // the client must look it up as a name, which fails (0). inet_addr() would return INADDR_NONE.
     row("underscore", "my_host", "00 00 00 00");
     row("first of the letters", "A!", "00 00 00 00");
     row("last of the letters", "z!", "00 00 00 00");

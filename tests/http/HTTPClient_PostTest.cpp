@@ -1,5 +1,5 @@
-// POST exchanges over a connection: post, sendBody, startPost, postData, stopPost. How they fail
-// before the data is sent is tested in HTTPClient_ExchangeTest.
+// POST exchanges over a connection: post, sendBody, startPost, postData, stopPost. Failures before
+// the data is sent are tested in HTTPClient_ExchangeTest.
 #include "http/HTTPClient.h"
 
 #include "tests/http/PairedSession.h"

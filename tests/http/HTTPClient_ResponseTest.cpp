@@ -22,9 +22,8 @@
 
 namespace {
 
-/// Limits the memory of this process to `more` bytes beyond its present size. The C library
-/// reserves addresses in advance, which are part of the first limit; only the second one limits
-/// their use.
+/// Limits the memory of this process to `more` bytes beyond its present size. RLIMIT_AS also counts
+/// addresses that the C library has reserved in advance; only RLIMIT_DATA limits their use.
 void limitMemory(std::size_t more)
 {
     std::size_t all = 0;
@@ -270,7 +269,7 @@ void HTTPClient_ResponseTest::bodyBeyondTheMemoryIsAFailure()
     QVERIFY2(blocks < 500, "the whole body fitted into the memory");
 }
 
-// Each line has at most eight bytes and becomes an entry of a map, which takes more memory.
+// Each line has at most eight bytes and becomes a map entry, which takes more memory than the line.
 void HTTPClient_ResponseTest::headBeyondTheMemoryEndsThere()
 {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

@@ -35,7 +35,7 @@ void HTTPClient_UrlTest::addressIsSplit_data()
 {
     const support::Rows<QByteArray, QByteArray, int, QByteArray> row("url", "host", "port", "path");
 
-    // Without a port and a path the old values 1234 and "/before" are kept.
+    // Without a port, the old value 1234 is kept; without a path, the old value "/before".
     row("eight characters are enough", "http://a", "a", 1234, "/before");
     row("host alone", "http://camera", "camera", 1234, "/before");
     row("prefix repeated", "http://http", "http", 1234, "/before");

@@ -1,5 +1,5 @@
-// Runs the examples of docs/http-library.md, which the build extracts from the page, with a device
-// that expects the documented behaviour.
+// Runs the examples of docs/http-library.md, which the build extracts from the page, and checks the
+// behaviour that the page documents.
 #include "http/HTTPClient.h"
 #include "tests/http/TcpScene.h"
 #include "tests/kit/TestMain.h"

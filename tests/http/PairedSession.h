@@ -17,7 +17,7 @@ public:
         session.socketDescriptor = std::exchange(product, -1);
     }
 
-    /// Makes every receive that would block fail.
+    /// Makes every receive or send of the session that would block fail.
     void failInsteadOfWaiting() { ::fcntl(session.socketDescriptor, F_SETFL, O_NONBLOCK); }
 
     HTTPSession session;

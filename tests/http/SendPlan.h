@@ -15,5 +15,5 @@ public:
     SendPlan(const SendPlan&) = delete;
     SendPlan& operator=(const SendPlan&) = delete;
 
-    bool used() const; ///< Whether every result was used.
+    bool used() const; ///< Returns whether every result was used.
 };

@@ -4,11 +4,12 @@
 #include "tests/kit/ConversationFile.h"
 #include "tests/kit/ScriptedServer.h"
 
-/// Send the answer of an exchange.
+/// Sends the answer of an exchange, with pauses where the conversation has them.
 void sendWithPauses(support::Peer& peer, const support::Exchange& exchange);
+/// Sends the answer of an exchange byte by byte.
 void sendBytewise(support::Peer& peer, const support::Exchange& exchange);
 
-/// Makes the calls of a conversation, each over a connection that the client must close, and
-/// compares the results and the requests.
+/// Makes the calls of a conversation, each over a new connection, and compares the results and the
+/// requests. The client must close each connection.
 void playOverTcp(const support::Conversation& conversation,
                  void (*send)(support::Peer&, const support::Exchange&) = sendWithPauses);

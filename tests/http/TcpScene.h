@@ -34,8 +34,8 @@ struct TcpScene
     QByteArray received();
     /// Returns the line "Host: 127.0.0.1:PORT" with its line ending.
     QByteArray hostLine() const;
-    /// Returns the head of a request with the default headers; the method and the path are "GET
-    /// /p".
+    /// Returns the head of a request with the default headers. An example of `methodAndPath` is
+    /// "GET /p".
     QByteArray defaultHead(const QByteArray& methodAndPath) const;
 
     support::ScriptedServer server;

@@ -13,9 +13,9 @@ struct Record
     std::string body;
 };
 
-/// Describes a result: every field of the response that differs from a new response's, the header
-/// map in braces, the body in quotes. Line endings and non-ASCII bytes are escaped, long runs of
-/// one character are shortened.
+/// Describes a result: "true" or "false", every field of the response that differs from a new
+/// response's, the header map in braces, the body in quotes. Control characters and non-ASCII bytes
+/// are escaped, long runs of one character are shortened.
 std::string describe(bool result, const Record& record);
 
 /// Splits a call such as "readBody given length=5 received=3" at "given": returns the part before

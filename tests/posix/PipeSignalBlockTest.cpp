@@ -91,8 +91,8 @@ void PipeSignalBlockTest::signalIsBlockedOnlyWhileTheObjectLives()
     QVERIFY(!isBlocked());
 }
 
-// The block is created in memory full of ones, so that a signal set that it failed to empty would
-// contain every signal.
+// The block is created in memory filled with 0xFF, so that a signal set that the constructor does
+// not empty would contain every signal.
 void PipeSignalBlockTest::noOtherSignalIsBlocked()
 {
     QList<int> expected = blockedSignals();

@@ -158,7 +158,7 @@ void StoppableCallsTest::stopWaitsForACallThatIsNotBlocked()
         while (!calls.stopRequested()) {
             std::this_thread::yield();
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // gives the stop time to wait
+        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // lets stopAndWait() wait
         leaving = true;
     });
     while (!entered) {

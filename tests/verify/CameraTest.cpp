@@ -1,4 +1,4 @@
-// One exchange: how each kind of end is recognised, and the time limit.
+// Tests one exchange with the camera: every way in which it can end, and the time limits.
 #include "verify/Camera.h"
 
 #include "tests/kit/Rows.h"
@@ -24,7 +24,7 @@ constexpr auto shortTimeout = std::chrono::seconds(1);
 const QByteArray request = "GET / HTTP/1.1\r\n\r\n";
 const QByteArray hello = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello";
 
-/// Returns a script that receives the request and sends the bytes, and then does more.
+/// Returns a script that receives the request, sends the bytes and then runs `andThen`.
 ScriptedServer::Script answering(const QByteArray& bytes,
                                  const ScriptedServer::Script& andThen = &Peer::close)
 {
@@ -40,8 +40,8 @@ ScriptedServer::Script holding(const QByteArray& bytes)
     return answering(bytes, &Peer::holdOpen);
 }
 
-/// Returns a script that sends `start`, then `limit` single bytes with a pause before each, and
-/// closes.
+/// Returns a script that receives the request, sends `start`, then `limit` single bytes with a
+/// pause before each, and closes the connection.
 ScriptedServer::Script trickling(const QByteArray& start, int limit)
 {
     return answering(start, [limit](Peer& peer) {
@@ -122,7 +122,7 @@ void CameraTest::everyEndHasItsTrouble_data()
     row("silent", holding({}), Trouble::Silent);
     row("silent in the body", holding(hello.chopped(2)), Trouble::Silent, "hel");
 
-    // A recording ends where its head says.
+    // A recording ends after the announced length. Further bytes are an error.
     row("recording", answering(hello), Trouble::None, "hello", Kind::Recording);
     row("recording, left open", holding(hello), Trouble::None, "hello", Kind::Recording);
     row("more at once", answering(hello + "x"), Trouble::Surplus, "hello", Kind::Recording);
@@ -145,7 +145,7 @@ void CameraTest::everyEndHasItsTrouble()
     const ScriptedServer server(script);
     const Exchange exchange(server, kind);
     QTEST(exchange.error.trouble, "trouble");
-    // How much of a body that is too long is passed on depends on the receives.
+    // If the body is too long, the part that is passed on depends on the sizes of the receives.
     if (exchange.error.trouble != Trouble::TooLong) {
         QTEST(QByteArray::fromStdString(exchange.body), "body");
     }

@@ -66,7 +66,8 @@ private slots:
 
 void CardReaderTest::countIsThatOfTheFirstMarkers_data()
 {
-    const support::Rows<QByteArray, QByteArray> row("answer", "text"); // no text: no count
+    const support::Rows<QByteArray, QByteArray> row("answer",
+                                                    "text"); // an empty text: no count is found
     row("ordinary", "var count=\"12\";\r\n", "12");
     row("zero", "var count=\"0\";", "0");
     row("leading zeros", "=\"007\";", "007");
@@ -94,7 +95,7 @@ void CardReaderTest::countIsThatOfTheFirstMarkers()
 
 void CardReaderTest::namesAreThoseOfTheirOwnEntries_data()
 {
-    // The names are separated by bars; "none" for no list.
+    // The names are separated by bars; "none" if the list is rejected.
     const support::Rows<QByteArray, QByteArray> row("list", "names");
     row("three", "sd/100ZEPNA/A;sd/100ZEPNA/B;sd/100ZEPNA/C;\r\n", "A|B|C");
     row("empty card", "\r\n", "");

@@ -69,8 +69,8 @@ void ShownTextTest::everyControlCharacterIsEscaped()
                             character.category() == QChar::Other_Format ||
                             character.category() == QChar::Separator_Line ||
                             character.category() == QChar::Separator_Paragraph;
-        // The Arabic number signs and the Syriac mark are visible, although Unicode calls them
-        // format characters.
+        // These Arabic signs and the Syriac abbreviation mark are visible, although Unicode
+        // classifies them as format characters.
         const bool seen = (letter >= 0x600 && letter <= 0x605) || letter == 0x6DD ||
                           letter == 0x70F || letter == 0x890 || letter == 0x891 || letter == 0x8E2;
         if (obeyed && !seen) {

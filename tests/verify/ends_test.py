@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Tests how belun-verify ends: interrupted, without a reader or camera; and on a terminal."""
+"""Tests how belun-verify ends: interrupted, without a reader or a camera, and on a terminal."""
 
 import fcntl
 import os
@@ -22,7 +22,7 @@ SIZE = 40_000_000
 
 class Ends(VerifyTest):
     def start_large(self, *arguments):
-        """Creates a card with one recording of forty megabytes that is also on this computer."""
+        """Starts the simulator with one recording of 40 MB, which is also on this computer."""
         content = bytes(range(250)) * (SIZE // 250)
         self.write("A.MP4", content)
         self.start("--card", self.make_card(A=content), *arguments)
@@ -50,7 +50,7 @@ class Ends(VerifyTest):
         started = time.monotonic()
         process.send_signal(signal.SIGINT)
         result = self.end(process)
-        self.assertLess(time.monotonic() - started, LIMIT / 4, "the end takes its time")
+        self.assertLess(time.monotonic() - started, LIMIT / 4, "the program took too long to exit")
         return result
 
     def test_an_interruption_ends_the_wait_for_a_silent_camera(self):
@@ -211,7 +211,7 @@ class Ends(VerifyTest):
         def trickle():
             for _ in range(1000):
                 yield b"x"
-                time.sleep(0.2)  # the camera's pace; no synchronisation
+                time.sleep(0.2)  # paces the camera; synchronises nothing
         ScriptedCamera(self, lambda target, number: trickle())
         status, _, err = self.end(self.run_("--timeout", "1"))
         self.assertEqual((2, "belun-verify: The recordings cannot be counted: the camera's answer "

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Tests the output of belun-verify for each fault of the camera. A fault without a row fails."""
+"""Tests the output of belun-verify for each fault of the camera. Each fault must have a row."""
 
 import re
 import subprocess
@@ -49,7 +49,7 @@ def unusable(name, why="the window cannot download a recording of this name"):
                 f"Do not delete yet: not known to be safe (1 of 2): {name}."], "")
 
 
-# faults, what is printed: status, report, standard error
+# faults; what is printed: status, report, standard error; None if the output may vary
 CASES = [
     # Reaching the camera
     ("refuse=camera", no_count("the camera at 192.168.1.120 refuses the connection")),
@@ -197,7 +197,7 @@ class Faults(VerifyTest):
         self.assertEqual(before, self.snapshot())
         for text in (result.out, result.err):
             self.assertTrue(all(letter.isprintable() or letter == "\n" for letter in text), text)
-        if expected is None:  # which requests have even numbers depends on their order
+        if expected is None:  # the output depends on which requests the other camera answers
             self.assertIn(result.status, (1, 2))
             self.assertTrue(result.summary.startswith("Do not delete yet: "))
             return

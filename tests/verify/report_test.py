@@ -17,7 +17,7 @@ def same(name, size):
 
 
 class TwoHundred(VerifyTest):
-    """200 recordings: one truncated, one with an old tail, one changed, one missing, one new."""
+    """200 recordings: one cut short, one with an old tail, one changed, one missing, one renamed."""
 
     def setUp(self):
         super().setUp()
@@ -250,7 +250,7 @@ class ChangingCard(VerifyTest):
             return ok(b'size="' + size + b'";' if b"fileinfo" in target else content)
         return ScriptedCamera(self, answer)
 
-    # what changes or disagrees: counts, lists, the report, which begins with "Do not delete yet: "
+    # what changes or disagrees: counts, lists, report; "Do not delete yet: " precedes its last line
     DOUBTS = {
         "a new recording meanwhile": (
             [b'="1";', b'="2";'], [b"ZEPNA/A;\r", b"ZEPNA/A;\r", b"ZEPNA/A;ZEPNA/B;\r"],

@@ -71,8 +71,8 @@ class VerifyTest(SimulatorTest):
 
 
 class ScriptedCamera:
-    """Answers each request with what answer(target, number) returns: bytes, or pieces to send one
-    after the other; b"" closes at once."""
+    """A camera that answers each request with what answer(target, number) returns: bytes, or pieces
+    to send one after the other. b"" closes the connection without an answer."""
 
     def __init__(self, test, answer):
         self.answer = answer
