@@ -12,7 +12,7 @@ ARGUMENTS = re.compile(r"\(([\w.]+), ([\w.]+)\)")
 STATEMENT = re.compile(r"^\s+(?!return\b|break;|continue;|delete\b|throw\b|using\b)"
                        r"(emit |[\w.:>-]+(\(| [-+*|&^]?= )).*;$")
 OTHER = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "=="}
-CONTEXT = 4  # lines, at most, before a line that occurs more than once
+CONTEXT = 4  # maximum number of preceding lines that make a repeated text unique
 
 
 def replace(line, match, text):
@@ -25,7 +25,7 @@ def changed_byte(match):
 
 
 def changes_of_line(line, following):
-    """Yields the rule and the text that replaces the line, or the line and the one that follows.
+    """Yields rules, each with the text that replaces the line, or both lines if they are swapped.
 
     Both lines must be given without their trailing comments.
     """
@@ -48,7 +48,7 @@ def changes_of_line(line, following):
 
 
 def mutants_of(file, text):
-    """Returns all mutants of a file. The text to replace occurs once in it."""
+    """Returns the mutants of a file. The text to replace must occur in the file only once."""
     lines = text.split("\n")
     mutants = []
     for number, line in enumerate(lines[:-1]):
@@ -58,7 +58,7 @@ def mutants_of(file, text):
         following = COMMENT.sub("", lines[number + 1])
         for rule, new in changes_of_line(code, following):
             if file.endswith(".h") and "statement" in rule:
-                continue  # a declaration
+                continue  # in a header it may be a declaration
             # trailing comments are left out, so that the mutant stays usable when they are reworded
             place = [line, following] if rule == "swapped statements" else [code]
             for first in range(number, max(-1, number - CONTEXT - 1), -1):

@@ -1,9 +1,9 @@
 // Runs one user session of the window with a simulated vehicle and one injected failure:
 //   failing_call_run [CALL NUMBER ERROR]
-// Each failed step is retried, as a user would: one failed call may fail one attempt, never the
-// next. Prints how often each call was made and what went wrong. The exit status is 0 if nothing
-// went wrong, 1 if something did, and 2 if the session could not start. A run that hangs is ended
-// by SIGALRM.
+// Each step after linking is attempted up to three times, as a user would retry it: the injected
+// failure may make an attempt fail. Prints how often each call was made and what went wrong. The
+// exit status is 0 if nothing went wrong, 1 if something did, and 2 if the session could not start.
+// A run that hangs is ended by SIGALRM.
 #include "app/ProcessSetup.h"
 #include "tests/calls/FailingCall.h"
 #include "tests/kit/NetworkGuard.h"

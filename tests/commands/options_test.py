@@ -1,4 +1,4 @@
-"""Tests what the options of all commands have in common.
+"""Tests what the options of the commands have in common.
 
 --help prints the usage and returns 0. An unknown option or a missing value prints one line and the
 usage to standard error and returns 2.

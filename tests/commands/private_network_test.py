@@ -1,4 +1,4 @@
-"""Tests tools/private-network: what a command finds inside, and what is left when it ends."""
+"""Tests tools/private-network: what a command finds inside, and what outlives the command."""
 
 import os
 import pathlib
@@ -48,8 +48,8 @@ class PrivateNetworkTest(unittest.TestCase):
              "trap 'echo interrupted; exit 6' INT;"
              "echo up; while :; do sleep 0.05; done"],
             stdout=subprocess.PIPE, text=True,
-            # A test runner that a script starts in the background ignores SIGINT, and so do its
-            # children.
+            # Restores SIGINT: a test runner that a script started in the background ignores this
+            # signal, and so do its children.
             preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
         self.addCleanup(process.wait, 10)
         self.addCleanup(process.kill)
@@ -157,7 +157,7 @@ class PrivateNetworkTest(unittest.TestCase):
 
 
 class NameTest(unittest.TestCase):
-    """Help and errors name the command as it was called."""
+    """Tests that help and errors name the command as it was called."""
 
     def said(self, command, *arguments, **options):
         result = subprocess.run([command, *arguments], capture_output=True, text=True, timeout=30,

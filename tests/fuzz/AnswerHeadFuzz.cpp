@@ -1,6 +1,7 @@
 // Fuzzes HTTPClient::readHeader().
 //
-// Input: the bytes from the camera. The connection ends once by closing and once by failing.
+// Input: the bytes from the camera. They are parsed twice: on a connection that then closes, and on
+// one that then fails.
 #include "http/HTTPClient.h"
 #include "tests/fuzz/Decimal.h"
 #include "tests/fuzz/MemoryPeer.h"
@@ -65,7 +66,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 
     const auto length = response.headers.find("Content-Length");
     if (length == response.headers.end()) {
-        fuzz::require(response.contentLength == 0, "without a length there is none");
+        fuzz::require(response.contentLength == 0, "without a length header the length is 0");
     } else if (const auto value = fuzz::shortDecimal(length->second)) {
         fuzz::require(response.contentLength == static_cast<std::uint32_t>(*value),
                       "the length is the number in its header");
@@ -80,6 +81,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     HTTPResponse again = response;
     fuzz::require(readHead(text, fuzz::End::Failed, again) == taken &&
                       fields(again) == fields(response),
-                  "reading the same head again changes nothing, nor does how the connection ends");
+                  "reading the same head again changes nothing, however the connection ends");
     return 0;
 }

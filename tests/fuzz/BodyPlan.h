@@ -16,7 +16,7 @@ struct BodyPlan
 };
 
 /// Parses a line with `count` decimal numbers and one that sets the size of the pieces, then the
-/// body. Missing numbers are 0; an input without a line is a body in one piece.
+/// body. Missing numbers are 0; an input without a line feed is a body in one piece.
 inline BodyPlan bodyPlanOf(const std::string& input, std::size_t count)
 {
     BodyPlan plan{std::vector<long long>(count), longestInput, input};

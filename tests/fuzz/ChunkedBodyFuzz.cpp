@@ -1,8 +1,8 @@
 // Fuzzes reading a chunked body.
 //
-// Input: the bytes after the head. They are delivered whole and byte by byte, each on a connection
-// that then closes, and in pieces of seven on one that then fails. The result must always be the
-// same.
+// Input: the bytes after the head. They are delivered three times: whole and byte by byte on a
+// connection that then closes, and in pieces of seven bytes on one that then fails. The result must
+// be the same each time.
 #include "http/HTTPClient.h"
 #include "tests/fuzz/MemoryPeer.h"
 
@@ -26,7 +26,7 @@ struct Outcome
     }
 };
 
-/// Returns the expected outcome, from parsing the complete text independently of the product.
+/// Returns the expected outcome, by parsing the complete text independently of the product.
 Outcome expectedOutcome(const std::string& text)
 {
     Outcome outcome;

@@ -1,7 +1,7 @@
 // Fuzzes copying a recording from the connection to the file.
 //
-// Input: a line with two decimal numbers (the announced length and the size of the pieces), then
-// the recording.
+// Input: a line with two decimal numbers (the announced length, and one that sets the size of the
+// pieces), then the recording.
 #include "download/RecordingDownload.h"
 #include "tests/fuzz/BodyPlan.h"
 
@@ -12,8 +12,8 @@ namespace {
 void judge(const fuzz::BodyPlan& plan, fuzz::End end)
 {
     const qint64 length = plan.numbers[0];
-    // The length is checked only after each receive, so whole pieces are written until it is
-    // reached.
+    // The product compares the length only between receives, so it writes whole pieces until the
+    // length is reached.
     std::size_t expected = 0;
     std::size_t pieces = 0;
     while (expected < plan.body.size() && static_cast<qint64>(expected) < length) {

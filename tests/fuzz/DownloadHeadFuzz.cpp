@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view spaces = " \t\n\v\f\r";
 
 /// Returns the end of the head: after the fourth carriage return or line feed in a row, ignoring
-/// zero bytes, or the end of the text if there is none.
+/// zero bytes, or the end of the text if there are never four in a row.
 std::size_t endOfHead(std::string_view text)
 {
     int run = 0;

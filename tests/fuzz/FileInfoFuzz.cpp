@@ -55,7 +55,8 @@ void judgeExactSize(const char* answer, std::string_view text)
         fuzz::require(exact.reading == Reading::Known && exact.bytes == std::stoll(value),
                       "up to eighteen digits are an exact size");
     }
-    fuzz::require(exact.bytes == 0 || exact.reading == Reading::Known, "no other has bytes");
+    fuzz::require(exact.bytes == 0 || exact.reading == Reading::Known,
+                  "only an exact size has bytes");
 }
 
 } // namespace

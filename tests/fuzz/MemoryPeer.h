@@ -1,6 +1,6 @@
-// A simulated peer in memory. A target is linked with --wrap for `recv`, `read` or `write`, so that
-// the product's calls on descriptor -1, which it uses while no socket is open, end up here. Calls
-// on other descriptors go to the system.
+// A simulated peer in memory. A target is linked with --wrap for `recv`, `read` or `write`. The
+// product uses descriptor -1 while no socket is open: while a peer exists, these calls on
+// descriptor -1 go to the peer. All others go to the system.
 #pragma once
 
 #include "tests/fuzz/Require.h"
@@ -12,7 +12,8 @@
 
 namespace fuzz {
 
-/// A peer that answers receives on descriptor -1 while this object exists; only one at a time.
+/// A peer that answers receives on descriptor -1 while this object exists. Only one may exist at a
+/// time.
 class MemoryPeer
 {
 public:
@@ -30,8 +31,8 @@ public:
 
 enum class End { Closed, Failed };
 
-/// A peer that delivers a text in pieces of one size. Every further receive reports the end of the
-/// connection; a parser that keeps receiving then is a finding.
+/// A peer that delivers a text in pieces of one size. After the text, every receive reports the end
+/// of the connection; a parser that still keeps receiving is a finding.
 class TextPeer : public MemoryPeer
 {
 public:

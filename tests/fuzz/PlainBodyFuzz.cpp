@@ -1,7 +1,7 @@
 // Fuzzes reading a plain body.
 //
-// Input: a line with three decimal numbers (the announced length, the bytes received before, the
-// size of the pieces), then the body.
+// Input: a line with three decimal numbers (the announced length, the bytes received before, and
+// one that sets the size of the pieces), then the body.
 #include "http/HTTPClient.h"
 #include "tests/fuzz/BodyPlan.h"
 

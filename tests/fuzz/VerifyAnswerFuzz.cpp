@@ -66,13 +66,13 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const Outcome whole = outcomeOf(answer, answer.size() + 1);
     const Outcome cut = outcomeOf(answer, piece);
     fuzz::require(whole.state == State::BodyTooLong || whole == cut,
-                  "the cut of an answer changes nothing");
-    fuzz::require(cut.state == whole.state, "the cut of an answer does not change its end");
+                  "splitting an answer changes nothing");
+    fuzz::require(cut.state == whole.state, "splitting an answer does not change its state");
 
     const bool complete = whole.state == State::Complete;
     fuzz::require(!complete || whole.status == 200, "only a success is complete");
     fuzz::require(!complete || !whole.announced || whole.body.size() == *whole.announced,
                   "a complete body has its announced length");
-    fuzz::require(!whole.more || complete, "only an end has something after it");
+    fuzz::require(!whole.more || complete, "only a complete answer can be followed by bytes");
     return 0;
 }

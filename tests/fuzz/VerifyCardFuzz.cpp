@@ -51,7 +51,7 @@ void judgeSize(const std::string& answer)
     const auto size = verify::readSize(answer);
     if (size) {
         fuzz::require(*size <= std::uint64_t(std::numeric_limits<std::int64_t>::max()),
-                      "a size fits into a file's");
+                      "a size fits into 64 signed bits");
         fuzz::require(answer.find("size=\"") != std::string::npos, "a size has its key");
     }
 }

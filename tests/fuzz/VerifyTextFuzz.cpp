@@ -70,6 +70,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     }
     verify::Recording recording;
     recording.name = name;
-    fuzz::require(isPlain(verify::jsonLine(recording)), "nor is it written as JSON");
+    fuzz::require(isPlain(verify::jsonLine(recording)),
+                  "nothing that a terminal obeys is written as JSON");
     return 0;
 }

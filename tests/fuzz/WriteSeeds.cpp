@@ -14,10 +14,11 @@ namespace {
 
 using support::Exchange;
 
-/// The content of seeds by their targets.
+/// The contents of seeds by fuzz target.
 using Contents = std::map<std::string, std::string>;
 
-/// A target's line of numbers is followed by the size of the pieces minus one.
+/// The end of a line of numbers: the target adds 1 to the last number to get the size of the
+/// pieces.
 constexpr char inOnePiece[] = " 511\n";
 
 /// Returns the number after "NAME=", or 0.
@@ -28,7 +29,7 @@ std::string numberIn(const std::string& text, const std::string& name)
     return at == std::string::npos ? "0" : text.substr(begin, text.find(' ', begin) - begin);
 }
 
-/// Returns what follows the head, if there is one.
+/// Returns what follows the head, or an empty text if the head has no end.
 std::string bodyIn(const std::string& answer)
 {
     const std::size_t headEnd = answer.find("\r\n\r\n");
@@ -121,7 +122,7 @@ int main(int argc, char* argv[])
         return 2;
     }
     try {
-        std::filesystem::remove_all(argv[1]); // no seed of a conversation that is gone
+        std::filesystem::remove_all(argv[1]); // removes seeds of deleted conversations
         for (int folder = 2; folder < argc; ++folder) {
             writeSeeds(argv[1], argv[folder]);
         }

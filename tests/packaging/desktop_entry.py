@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Starts a program from its desktop entry, as a desktop does, and closes its window again.
 
-Runs on a display: tools/private-display tests/packaging/desktop_entry.py ENTRY...
+Runs on a display: tools/private-display tests/packaging/desktop_entry.py ENTRY
 """
 
 import argparse

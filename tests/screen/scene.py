@@ -14,8 +14,8 @@ from window import Program, readable, wrongly_drawn
 
 LIMIT = 20  # seconds; long enough for a busy machine
 
-# The card: name and bytes, and the table row in any language. Sizes are truncated to whole units; a
-# size below one unit shows only the unit.
+# The card: name and size of each recording, and its table row, which is the same in both languages.
+# Sizes are truncated to whole units; a size below one unit shows only the unit.
 CARD = (("VID_0001", 500), ("VID_0002", 2048), ("VID_0003", 1572864), ("VID_0004", 4000000),
         ("VID_0005", 1000000))
 DATE = "2020-01-31  12:45:02"
@@ -191,7 +191,7 @@ class ScreenTest(harness.SimulatorTest):
         self.wait_until("the box to close", lambda: not self.window.box())
         screen.find_window("BELUN-DownLoad", LIMIT)
 
-    # What the vehicle sees.
+    # What the vehicle received, and what the program saved.
 
     def requests(self, kind=None):
         wanted = {"kind": kind} if kind else {}

@@ -32,7 +32,8 @@ def main():
     parser.add_argument("--program", required=True, help="the built belun-download")
     parser.add_argument("--simulator", required=True, help="the built belun-simulator")
     parser.add_argument("--folder", required=True, help="where the screenshots go")
-    parser.add_argument("tests", nargs="*", help="English.test_keyboardAlone, say (default: all)")
+    parser.add_argument("tests", nargs="*",
+                        help="such as English.test_keyboard_alone (default: all)")
     scene.options = options = parser.parse_args()
     harness.program = options.simulator
     unittest.main(module="__main__", verbosity=2, argv=[sys.argv[0], *options.tests])

@@ -1,6 +1,6 @@
 """The window's widgets and texts in each language, as tests/data/form.txt and texts.tsv list them.
 
-Both are written by hand: nothing comes from the program or its catalogues.
+Both files are written by hand: nothing comes from the program or its catalogues.
 """
 
 import csv
@@ -45,19 +45,19 @@ class Texts:
     shown_by: dict  # the texts by the names of the widgets that show them
 
     def buttons_that_need_a_link(self):
-        """Returns their texts, from left to right."""
+        """Returns the texts of the buttons that need a link, from left to right."""
         texts = [self.shown_by[button] for button in BUTTONS]
         return [text for text in texts if text not in (self.link, self.browse)]
 
     def keys(self, start, end):
-        """Returns the keys that move the focus between the buttons with these texts."""
+        """Returns the keys that move the focus from the button with the text `start` to `end`."""
         order = [self.shown_by.get(widget) for widget in TAB_ORDER]
         steps = order.index(end) - order.index(start)
         return ("Tab" if steps > 0 else "shift+Tab",) * abs(steps)
 
 
 def read(column, chosen):
-    """Returns the texts of one column of the table. Language names stay English."""
+    """Returns the texts in one column of the table. `chosen` is the entry of the combo box."""
     with open(TABLE, encoding="utf-8", newline="") as file:
         rows = list(csv.DictReader(file, delimiter="\t"))
     shown = {row["name"]: row[column] for row in rows}

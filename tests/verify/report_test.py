@@ -17,7 +17,8 @@ def same(name, size):
 
 
 class TwoHundred(VerifyTest):
-    """200 recordings: one cut short, one with an old tail, one changed, one missing, one renamed."""
+    """200 recordings: one truncated, one with an old tail, one changed, one missing, one renamed.
+    """
 
     def setUp(self):
         super().setUp()
