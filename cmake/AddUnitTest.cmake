@@ -40,7 +40,7 @@ function(belun_precompile_headers target)
   endif()
 endfunction()
 
-# add_test_program(link LIBRARIES link [SOURCES LinkRecorder.h])
+# add_test_program(link LIBRARIES link [SOURCES Link.cpp Link.h])
 # Adds a folder's test program, such as test_link; add_unit_test adds its classes.
 function(add_test_program folder)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")

@@ -12,8 +12,8 @@ namespace {
 void judge(const fuzz::BodyPlan& plan, fuzz::End end)
 {
     const qint64 length = plan.numbers[0];
-    // The product compares the length only between receives, so it writes whole pieces until the
-    // length is reached.
+    // The product checks only between receives whether the length is reached, so it writes whole
+    // pieces.
     std::size_t expected = 0;
     std::size_t pieces = 0;
     while (expected < plan.body.size() && static_cast<qint64>(expected) < length) {

@@ -55,7 +55,7 @@ class CommandLineTest(SimulatorTest):
              "(" + setUp + ') 2>/dev/null || exit 99; exec "$@"', "sh", harness.program],
             check=False, capture_output=True, text=True, timeout=harness.LIMIT)
         if result.returncode == 1 and "unshare" in result.stderr:
-            self.skipTest("this system allows no network within this one")
+            self.skipTest("this system cannot create a network inside this one")
         return result
 
     def test_network_without_the_addresses_is_refused(self):

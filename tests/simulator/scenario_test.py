@@ -136,7 +136,7 @@ class ScenarioTest(SimulatorTest):
              seed], stdout=subprocess.PIPE, text=True) for seed in ("1", "1", "2")]
         seen = [day.communicate(timeout=600 // speed + harness.LIMIT)[0] for day in days]
         if any(day.returncode == 77 for day in days):
-            self.skipTest("this system allows no network within this one")
+            self.skipTest("this system cannot create a network inside this one")
         self.assertEqual([0, 0, 0], [day.returncode for day in days])
         self.assertEqual(seen[0], seen[1])
         self.assertNotEqual(seen[0], seen[2])

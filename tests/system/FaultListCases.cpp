@@ -9,8 +9,8 @@ const QString second = "REC00002.MP4|2021-12-31  23:59:59|KB|1s";
 const QString healthy = first + '\n' + second;
 const QString none = "no rows";
 const QString noDetails = "|--  ::|KB|s";
-// The rows if the program gets no details. After a chunked list, for example, it reads and drops
-// only the first line of each later body.
+// The rows if the program gets no details. After a chunked list, for example, it reads only the
+// first line of each later body and drops that line.
 const QString namesOnly = "REC00001.MP4" + noDetails + "\nREC00002.MP4" + noDetails;
 const QString disabled = "\ndelete all is disabled";
 

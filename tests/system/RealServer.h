@@ -23,8 +23,8 @@ public:
     RealServer(const RealServer&) = delete;
     RealServer& operator=(const RealServer&) = delete;
 
-    /// Starts the server. Returns true as soon as the server accepts connections, or false, with
-    /// the reason in error(), if it ends or does not accept any within five seconds.
+    /// Starts the server. Returns true as soon as the server accepts connections, or false if it
+    /// does not within five seconds or cannot run; error() then returns the reason.
     bool start();
     void stop();
     QString error() const { return m_error; }
