@@ -154,8 +154,8 @@ private:
     BoxCloser m_boxes;
 };
 
-/// Reports every file and folder that exists or was opened, other than the two expected recordings
-/// and their folders.
+/// Reports every file and folder that exists in the home folder or was opened, except for the two
+/// expected recordings and their folders.
 void checkFolders()
 {
     const QString folder = desktop() + "/DCIM";

@@ -1,4 +1,4 @@
-// Compares the bytes between the window and the vehicle in a user session with recorded ones.
+// Compares the bytes that the window and the vehicle exchange in a user session with a recording.
 //
 // With chunked answers: the program never resets its HTTPResponse. After the first chunked answer,
 // it reads only the first line of each later chunked body, so the window gets no data from them.

@@ -66,8 +66,8 @@ private slots:
 
 void CardReaderTest::countIsThatOfTheFirstMarkers_data()
 {
-    const support::Rows<QByteArray, QByteArray> row("answer",
-                                                    "text"); // an empty text: no count is found
+    // An empty text means that no count is found.
+    const support::Rows<QByteArray, QByteArray> row("answer", "text");
     row("ordinary", "var count=\"12\";\r\n", "12");
     row("zero", "var count=\"0\";", "0");
     row("leading zeros", "=\"007\";", "007");
