@@ -9,16 +9,17 @@
 //
 // `#` is a comment; the one right above `client` names the conversation. `client` states the call
 // and `<` what the peer sends. `=`, in the last `<` line or below it, states the result and, after
-// `unread`, the bytes that the client leaves unread. A further call of the same conversation
-// follows without an empty line; if it is a `<` line, the call above goes on. The player defines
-// the words of calls and results.
+// `unread`, the bytes that the client leaves unread. Without an empty line between, a further
+// `client` line begins the next call of the conversation, and a further `<` line continues the call
+// above. The player defines the words of calls and results.
 //
 // `|` states the result if the connection ends there: in the `client` line before the first byte,
-// in a `<` line after any of its bytes. It is in every line above the last `<` line or in none.
+// in a `<` line after any of its bytes. Either every line above the last `<` line has a `|`, or no
+// line has one.
 //
 // A `<` line may state an action after its bytes. `! close`: the peer closes. `! reset`: the peer
-// resets the connection. `! pause`: the peer waits until the client has received everything; the
-// conversation is then played only with these pauses.
+// resets the connection. `! pause`: the peer waits until the client has received everything; a
+// conversation with pauses is split nowhere else.
 //
 // `then as in: NAME` continues with the lines of an earlier conversation in the same file that
 // follow its first `<` line.

@@ -26,7 +26,7 @@ void addConversations(const char* folder, const Fits& fits)
     }
 }
 
-/// Those that are played with every cut, and those that state their cuts.
+/// Adds the conversations that are played with every cut, and those that state their own cuts.
 inline void addConversationsWithoutPauses(const char* folder)
 {
     addConversations(folder, [](const Conversation& one) { return !one.hasPauses(); });
@@ -36,7 +36,7 @@ inline void addConversationsWithPauses(const char* folder)
     addConversations(folder, [](const Conversation& one) { return one.hasPauses(); });
 }
 
-/// Those that may end after any byte.
+/// Adds the conversations that state a result for a close after any byte.
 inline void addConversationsThatMayEnd(const char* folder)
 {
     addConversations(folder, [](const Conversation& one) { return one.mayEndAnywhere(); });

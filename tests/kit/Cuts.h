@@ -25,7 +25,7 @@ std::string allBytes(const std::vector<Piece>& pieces);
 std::string closedBehind(const std::vector<Piece>& pieces, const std::string& closedAtStart,
                          std::size_t count);
 
-/// Splits the bytes before the given positions, which are in ascending order.
+/// Splits the bytes at the given positions, which are in ascending order.
 std::vector<std::string> cut(const std::string& bytes, const std::vector<std::size_t>& positions);
 std::vector<std::string> singleBytes(const std::string& bytes);
 

@@ -9,7 +9,7 @@
 #include <QString>
 
 /// The program as a process, whose window is operated from inside (tests/kit/DrivenProgram.cpp)
-/// through a socket, so that the program's standard streams are not needed for it. A failed step
+/// through a socket, so that the commands do not use the program's standard streams. A failed step
 /// fails the calling test function.
 class DrivenProcess
 {
@@ -24,7 +24,7 @@ public:
     void start(const QString& folder, const QProcessEnvironment& environment,
                const QString& script);
 
-    /// Sends a command and returns the answer after the program has executed it.
+    /// Sends a command, waits until the program has executed it, and returns the answer.
     QByteArray tell(const QByteArray& command);
 
     /// Returns what the program has printed so far.

@@ -74,7 +74,7 @@ public:
     explicit Module(const char* address);
 
     int connectionCount() const { return m_server.connectionCount(); }
-    /// Returns the numbers of the open connections: the links, since probes have been closed again.
+    /// Returns the numbers of the open connections, which are links: the window closes its probes.
     QList<int> links() const { return m_server.openConnections(); }
     Link operator[](int index) const { return Link(m_server.peer(index)); }
     /// Returns the newest link. Ends the test program if there is none.
@@ -100,7 +100,7 @@ public:
     /// Closes the connection without an answer.
     void fail(const QByteArray& targetStart);
     void on(const QByteArray& targetStart, Answer answer);
-    /// Answers count, list and details as a card with these files; all have the same details.
+    /// Answers count, list and details like a card with these files, which have the same details.
     void holdFiles(const QList<QByteArray>& names);
 
     int connectionCount() const { return m_server->connectionCount(); }

@@ -19,7 +19,7 @@ struct SeenBox
 
 /// An event filter that answers each message box that opens while this object exists, with the
 /// requested answers in order. A message box without a requested answer is closed with the Escape
-/// key and fails the test; so does an answer without a message box.
+/// key. Both such a box and a requested answer without a box fail the test.
 class MessageBoxWatcher : public QObject
 {
     Q_OBJECT

@@ -11,7 +11,7 @@ namespace support {
 
 class LogCapture;
 
-/// A message handler in front of Qt Test's. Used by TestMain and LogCapture.
+/// A message handler that runs before Qt Test's. Used by TestMain and LogCapture.
 class MessageLog
 {
 public:

@@ -10,8 +10,8 @@
 
 namespace support {
 
-/// The reader's end of a connection, in this process: the only one to the port that neither side
-/// has closed.
+/// The reader's end of a connection, in this process. The connection must be the only one to the
+/// port that neither side has closed.
 class ReadingEnd
 {
 public:
@@ -19,9 +19,9 @@ public:
 
     /// Returns whether the reader has not closed its end.
     bool isOpen() const;
-    /// Returns whether the reader has received that many bytes and everything that has arrived.
-    /// Unlike Peer::isAllRead(), this does not depend on the acknowledgement, which the system
-    /// delays by forty milliseconds if the reader also sends.
+    /// Returns whether at least that many bytes have arrived and the reader has received all of
+    /// them. Unlike Peer::isAllRead(), this does not depend on the acknowledgement, which the
+    /// system delays by forty milliseconds if the reader also sends.
     bool hasTaken(std::size_t bytes) const;
 
 private:

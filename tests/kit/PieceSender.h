@@ -11,14 +11,14 @@ namespace support {
 /// How the remote end delivers the bytes.
 struct Delivery
 {
-    std::vector<std::string> pieces; ///< Each is sent after the previous one was received.
+    std::vector<std::string> pieces; ///< Each is sent after the reader has received the one before.
     bool closeAtTheEnd = false;
 };
 
 /// A separate thread that sends each piece only after the reader has emptied its socket and waits
 /// for more, so that no receive spans a split and none waits longer than necessary. An empty socket
-/// alone is not enough, because the receive that emptied it checks once more before it returns. A
-/// reader that does not return within five seconds is stopped.
+/// alone is not enough, because the recv() that emptied it checks for more bytes before it returns.
+/// A reader that does not return within five seconds is stopped.
 class PieceSender
 {
 public:

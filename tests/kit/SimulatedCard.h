@@ -18,6 +18,6 @@ struct CardFile
 /// Writes the files to the folder, which is created if it does not exist.
 bool writeCard(const QString& folder, const QList<CardFile>& files);
 
-/// Returns what a file contains: "whole" for this content, "empty", "first 100 bytes" of it, "41
-/// other bytes", "no file".
+/// Compares a file with the expected content. Returns "whole" if they are equal, otherwise "empty",
+/// "first 100 bytes", "41 other bytes" or "no file".
 QString seenFile(const QString& path, const QByteArray& content);

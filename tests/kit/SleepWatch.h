@@ -11,8 +11,8 @@ namespace support {
 /// called from any thread.
 bool threadIsAsleep(int id);
 
-/// An observer of a thread, created before the thread starts, that tells a test when the thread
-/// blocks in a call.
+/// An observer that detects whether a thread blocks in a call. Must be created before the thread
+/// starts.
 class SleepWatch
 {
 public:

@@ -7,9 +7,9 @@
 
 namespace support {
 
-/// A capture of everything written to descriptor 1 while this object exists, except what the C
-/// library still buffers. The debug log is excluded. On destruction everything collected is written
-/// to the real standard output, so that no failure message is lost.
+/// A capture of everything written to descriptor 1 while this object exists, without bytes that the
+/// C library still buffers and without the debug log. On destruction everything collected is
+/// written to the real standard output, so that no failure message is lost.
 class StdoutCapture
 {
 public:

@@ -1,11 +1,12 @@
-// How much slower this build is than an ordinary one.
+// The factor by which slow builds and busy machines extend time limits.
 #pragma once
 
 #include <QtGlobal>
 
 namespace support {
 
-/// Returns 1, or the factor set by an instrumented build. Tests multiply every time limit by it.
+/// Returns the factor in BELUN_TIME_FACTOR, or 1 if that variable is not set. Instrumented builds
+/// set it, and ./check on a busy machine. Tests multiply the limits for the program's speed by it.
 inline int timeFactor()
 {
     bool given = false;

@@ -15,7 +15,7 @@ struct WindowText
     QString english;
     QString chinese;
     QStringList shownBy;          ///< Object names; "column0" to "column3" are the table's headers.
-    QStringList accessibleNameOf; ///< Further objects whose accessible name it is.
+    QStringList accessibleNameOf; ///< Further objects whose accessible name is this text.
 };
 
 /// Returns all texts, in the table's order.

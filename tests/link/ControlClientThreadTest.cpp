@@ -17,7 +17,7 @@ private slots:
     void newThreadIsNotLinked();
 };
 
-// SignalRecorder checks the flag with each signal.
+// After each signal, SignalRecorder checks the flag.
 void ControlClientThreadTest::newThreadIsNotLinked()
 {
     const support::LogCapture log;

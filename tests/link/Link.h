@@ -14,12 +14,12 @@
 constexpr quint16 modulePort = 5000;
 const int stopLimit = 500 * support::timeFactor(); // milliseconds
 
-/// Returns the ticks since the last heartbeat. Races with the link thread, as the window's timer
-/// does; the thread sanitizer's suppression matches this function's name.
+/// Returns the thread's heartbeat count. This read is not synchronised with the link thread, just
+/// like the timer's access; the thread sanitizer's suppression matches this function's name.
 [[gnu::noinline]] int heartBeatsOf(const ModuleClientThread& thread);
 
 /// Records the signals of a link thread, in that thread, as texts: "linked", "lost",
-/// "version 7 300 600 100 10". Also records if linkedFlag is not what was reported last.
+/// "version 7 300 600 100 10". The text also says if linkedFlag is not the flag reported last.
 class SignalRecorder
 {
 public:
@@ -34,17 +34,18 @@ private:
     QStringList m_texts;
 };
 
-/// The thread, with its timer stopped, so that the test controls the ticks.
+/// A link thread whose timer is stopped, so that the test controls the ticks.
 struct Link
 {
     explicit Link(const Module& module);
 
     void start() const { thread->start(QThread::InheritPriority); }
-    /// Ticks the heartbeat timer, as if that many seconds had passed.
+    /// Calls the timer's slot that many times, as if that many seconds had passed.
     void tick(int times) const;
     /// Waits until the thread has connected that many times. Returns false after five seconds.
     bool waitUntilConnected(int times = 1) const;
-    /// Waits until the thread has begun to connect that many times. Returns false likewise.
+    /// Waits until the thread has begun to connect that many times. Returns false after five
+    /// seconds.
     bool waitUntilConnecting(int times = 1) const;
 
     const Module& module;

@@ -8,16 +8,17 @@
 //   < AA AF 77 01 00 00 = lost, logs "heartBeat is 6,break", connects
 //   < AA AF 04 01 00 5E = sends AA AF 04 01 01 5F, linked
 //
-// `client control` and `client ground` name the link thread that is connected to the module. Its
-// heartbeat timer ticks before it gets the bytes; the ticks of the first call come before the
-// connection. The result is, in this order, what the thread sends, which signals it emits, what it
-// logs, and whether it connects again. If it does, the next `<` line is sent on the new connection.
+// `client control` and `client ground` name the link thread that is connected to the module.
+// `after` states how often the thread's heartbeat timer ticks before the bytes are sent; in the
+// first call, the ticks come before the connection. The result is, in this order, what the thread
+// sends, which signals it emits, what it logs, and whether it connects again; after `connects`, the
+// next `<` line is sent on the new connection.
 //
-// `client receiver` names the receive loop of one connection. The result is what its handler gets,
-// why the loop ends, and how many ticks are left.
+// `client receiver` names the receive loop of one connection. The result is what the loop passes to
+// its handler, why the loop ends, and how many ticks are left in the count.
 //
-// With `|`, all `<` lines together are one receive, and `|` states the result if that receive ends
-// there.
+// In a conversation with `|`, all `<` lines together are one receive, and `|` states the result if
+// that receive ends there.
 #pragma once
 
 #include "tests/kit/ConversationFile.h"
@@ -29,7 +30,7 @@
 
 Q_DECLARE_METATYPE(support::Conversation)
 
-/// Returns the conversations whose calls begin with the word, with their bytes decoded, or an
+/// Returns the conversations whose first call begins with the word, with their bytes decoded, or an
 /// error.
 support::Conversations linkConversations(const std::string& client);
 

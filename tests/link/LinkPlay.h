@@ -18,8 +18,8 @@ class LinkPlay
 public:
     explicit LinkPlay(const Module& module);
 
-    /// Starts the thread at the first call. Plays the exchange, and returns what happened in it
-    /// once that is the result of the exchange, or after five seconds.
+    /// Plays the exchange; the first call also starts the thread. Returns what happened, as soon as
+    /// that equals the result of the exchange or five seconds have passed.
     QString happensIn(const support::Exchange& exchange);
     /// Stops the thread. Returns what happened after the last exchange.
     QString happensAfterwards();
@@ -32,23 +32,25 @@ private:
         QStringList lines;
     };
 
-    /// Sends the bytes and waits until the thread has received them and waits for more.
+    /// Sends the bytes and waits until the thread has received them and blocks again.
     void send(const std::string& bytes);
     support::Peer& peer() const { return m_server.peer(m_connection); }
     /// Returns what was observed since the last exchange.
     Observed observed() const;
-    /// Returns the log lines of a new connection.
+    /// Returns the log lines that the next connection adds; for the first one, also the line of the
+    /// thread's construction.
     QStringList connecting() const;
-    /// Describes it as the result of an exchange.
+    /// Returns the observations as a result states them.
     QString text(const Observed& observed) const;
-    /// Waits until this is observed. Returns what was observed, which ends the exchange.
+    /// Waits until the expected result is observed or five seconds have passed. Returns what was
+    /// observed and ends the exchange.
     QString waitFor(const QString& expected);
 
-    std::atomic<int> m_scripts{0}; // that have begun, one for each connection
+    std::atomic<int> m_scripts{0}; // scripts that have begun, one for each connection
     support::ScriptedServer m_server;
     int m_connection = -1;
-    std::optional<support::ReadingEnd> m_threadsEnd; // if the thread has connected
+    std::optional<support::ReadingEnd> m_threadsEnd; // set once the thread has connected
     std::size_t m_sentToThread = 0;
-    Observed m_before; // in earlier exchanges: sent on this connection, emitted and logged on any
+    Observed m_before; // earlier exchanges: bytes of this connection, signals and lines of all
     Link m_link;
 };

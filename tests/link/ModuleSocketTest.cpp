@@ -53,7 +53,7 @@ int unconnectedSocket()
     return -1;
 }
 
-/// Returns the number of refused connections in this test's own network.
+/// Returns how many connection attempts were refused so far in this test's private network.
 int refusedConnections()
 {
     QFile counters(QStringLiteral("/proc/thread-self/net/snmp"));

@@ -1,4 +1,4 @@
-// The modules and their link threads, as the tests that both threads share see them.
+// What the tests shared by both link threads use of each module and its thread.
 #pragma once
 
 #include "link/ModuleClientThread.h"
@@ -18,8 +18,8 @@ struct Module
     char startByte;
     QString threadName;
     QStringList methods;    ///< Signals and slots of the thread.
-    QStringList connecting; ///< Log lines from the start of run(), or a reconnection, on.
-    QString afterClose;     ///< What happens when the module closes a connection.
+    QStringList connecting; ///< Log lines of each connection, from "run begin" on.
+    QString afterClose;     ///< Result of a close by the module.
     std::unique_ptr<ModuleClientThread> (*newThread)(QObject* parent);
 };
 

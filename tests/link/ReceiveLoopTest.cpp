@@ -38,8 +38,8 @@ QString bytesText(const vehicle::Received& received)
     return runs.join(' ');
 }
 
-/// Plays the module, which sends each piece after the previous one was handled. Returns what
-/// happened.
+/// Plays the module, which sends each piece after the loop has handled the previous one. Returns
+/// what happened.
 QString happensIn(const Exchange& exchange)
 {
     SocketPair pair;

@@ -23,7 +23,7 @@ vehicle::Received receivedFrom(const std::string& bytes)
     return received;
 }
 
-/// Returns what the link of a module makes of one receive, in the words of the conversations.
+/// Returns what one receive means to the link of a module, in the words of the conversations.
 QString meaningTo(const Module& module, const vehicle::Received& received)
 {
     const bool isControl = module.name == "control";

@@ -16,13 +16,13 @@ using support::Exchange;
 
 namespace {
 
-/// Returns an exchange of one receive.
+/// Returns an exchange with one receive.
 Exchange receiving(const std::string& bytes, const std::string& result, bool closes = false)
 {
     return {"", {}, {{bytes, {}}}, {}, closes, false, result, {}};
 }
 
-/// Returns what happens if the connection closes after those bytes.
+/// Returns the result of a receive followed by what happens when the module closes.
 std::string closedAfter(const std::string& result, const Module& module)
 {
     const std::string afterClose = module.afterClose.toStdString();
@@ -46,8 +46,8 @@ public:
         }
     }
 
-    /// Returns the result that a conversation states for a receive that ends after those bytes.
-    /// Bytes that do not begin with the start byte mean nothing.
+    /// Returns the result that a conversation states for a receive of exactly these bytes. If none
+    /// does, returns "nothing" for bytes that do not begin with the start byte, otherwise an error.
     std::string of(const std::string& bytes) const
     {
         const auto stated = m_stated.find(bytes);
