@@ -24,8 +24,8 @@ QAccessibleInterface& interfaceOf(QObject& object)
     return *found;
 }
 
-/// Returns the names of a cell's column headers. Each call makes Qt create new interfaces for the
-/// headers; the caller owns them and can delete them only through the registry.
+/// Returns the names of a cell's column headers. columnHeaderCells() creates new interfaces for the
+/// headers, which belong to the caller and can be deleted only through the registry.
 QStringList columnHeadersOf(QAccessibleInterface& cell)
 {
     QStringList names;

@@ -1,6 +1,6 @@
-// What the window shows after a browse whose answers arrive in two pieces, split anywhere, or end
-// anywhere. One response record serves all exchanges of a window and its received count is not
-// reset, so a split near the end of a later answer ends that answer.
+// What the window shows after a browse in which one answer arrives byte by byte, is split anywhere
+// or ends anywhere. One response record serves all exchanges of a window and its received count is
+// not reset, so a split near the end of a later answer ends that answer.
 #include "tests/app/Scene.h"
 #include "tests/app/WindowPlay.h"
 #include "tests/kit/Cuts.h"

@@ -51,7 +51,7 @@ void DeleteTest::commandsAreSentWithTheirLiteralHeads()
                     commandHead("/cgi-bin/hi3510/sdcommand.cgi?-format&-partition=1")}));
 }
 
-/// After a loss of the link: see InterplayTest.
+/// InterplayTest tests the buttons after a loss of the link.
 void DeleteTest::withoutALinkNoButtonSendsAnything()
 {
     Scene scene;

@@ -60,7 +60,7 @@ private slots:
     void countsBeyondAnIntAreHarmless();
 };
 
-/// After a loss of the link: see InterplayTest.
+/// InterplayTest tests the button after a loss of the link.
 void DownloadTest::withoutALinkNothingHappens()
 {
     Scene scene;

@@ -123,7 +123,7 @@ void FileTableTest::styleSheetsColourSelectionAndHeader()
     QVERIFY(!header().highlightSections());
 }
 
-/// How the delegate paints is covered by its own test.
+/// NoFocusDelegateTest tests how the delegate paints.
 void FileTableTest::cellsArePaintedByTheDelegateWithoutFocusFrame()
 {
     const QMetaObject& delegate = *table().itemDelegate()->metaObject();

@@ -64,7 +64,7 @@ private:
 
 void FocusTest::init()
 {
-    scene.reset(); // still there if this function failed before
+    scene.reset(); // not yet destroyed if init() failed for the previous test function
     scene = std::make_unique<Scene>(Texts{"a.mp4", "b.mp4", "c.mp4"});
     scene->user.window().activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&scene->user.window()));

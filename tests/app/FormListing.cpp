@@ -39,7 +39,8 @@
 
 namespace {
 
-/// Properties that are not listed, such as the current geometry and those that repeat another one.
+/// Properties that are not listed, for example the current geometry and properties that repeat
+/// another property.
 const QStringList leftOut =
     QString("objectName geometry frameGeometry normalGeometry x y pos frameSize size width height "
             "rect childrenRect childrenRegion sizeHint minimumSizeHint visible windowFlags "

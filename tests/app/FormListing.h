@@ -1,5 +1,5 @@
-// The form as text, and what tests/data/form.txt lists. Its order of the widgets is the order of
-// the Tab key, too.
+// The form as text, and the contents of tests/data/form.txt. The order of the widgets in that file
+// is also the tab order.
 #pragma once
 
 #include <QList>
@@ -8,9 +8,9 @@
 #include <QStringList>
 
 /// Returns one line for each named object of the window, indented below the object that contains
-/// it: name, class, place unless it is obvious, and the properties that differ from those of a new
-/// object of the class. A layout item has stretch 0 and no alignment unless its line says
-/// otherwise. All other named objects follow at the end.
+/// it: name, class, the place in the window or layout unless it is the default, and the properties
+/// that differ from those of a new object of the class. A layout item has stretch 0 and no
+/// alignment unless its line says otherwise. All other named objects follow at the end.
 QString formListing(QMainWindow& window);
 
 /// Returns the signals and slots of a window's class, in order, as the listing states them.

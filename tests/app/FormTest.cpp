@@ -108,7 +108,7 @@ private slots:
     void widthsHoldWhenTheWindowIsResized();
 };
 
-/// Sets the style above, because margins and spacings must come from the form, not from the style.
+/// Sets RoomyStyle, because margins and spacings must come from the form, not from the style.
 void FormTest::init()
 {
     QApplication::setStyle(new RoomyStyle);
@@ -173,7 +173,7 @@ void FormTest::windowIconIsThePlainFileAppicon()
     QCOMPARE(icon.pixelColor(8, 8), QColor(12, 200, 99));
 }
 
-/// The kit fails every test function in which Qt warns.
+/// The test kit fails every test function during which Qt prints a warning.
 void FormTest::constructionWarnsOfNothing()
 {
     const MainWindow window;
@@ -202,7 +202,7 @@ void FormTest::userActionIsConnectedOnceByName_data()
     const auto row = [](const QString& name, const QByteArray& signal, const QByteArray& slot) {
         QTest::newRow(qPrintable(name)) << signal << slot;
     };
-    // The slots are spelled as SIGNAL() and SLOT() do.
+    // SLOT() puts a 1 before the signature of a slot.
     for (const QString& button : listedNames({"QPushButton"})) {
         row(button, SIGNAL(clicked()), "1on_" + button.toLatin1() + "_clicked()");
     }

@@ -27,7 +27,7 @@ private slots:
     void ctrlTabLeavesTheTableAndKeepsTheSelection();
 
 private:
-    /// Fills the table as a browse does.
+    /// Adds five rows as a browse does, moves the focus to the table, and goes to its first cell.
     void enterTableOfFive() const;
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
     {

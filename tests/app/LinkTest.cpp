@@ -174,8 +174,8 @@ void LinkTest::failureAndSuccessLookExactlyAsDesigned()
     if (QTest::currentTestFailed()) {
         return;
     }
-    // Sets the opposite state first, then the tested state, both through the slot that the link
-    // thread calls.
+    // Sets the opposite state first, then the tested state, both through the slot that receives the
+    // link thread's signal.
     scene.user.probe().call("updateLinkedFlag", Q_ARG(bool, !reachable));
     QVERIFY(field.styleSheet() != styleSheet);
     field.setFont(QFont());
@@ -239,7 +239,7 @@ void LinkTest::lostGroundLinkIsShownNowhere()
     scene.link();
     scene.ground->link().close();
     QTRY_COMPARE(scene.ground->links(), QList<int>{2});
-    // Once its answer is sent, every earlier signal is queued for the window.
+    // After this exchange, a signal about the loss would be in the window's event queue.
     scene.exchangeHeartbeat();
     QCoreApplication::processEvents();
     QCOMPARE(scene.user.status(), linked.english);
@@ -264,7 +264,7 @@ void LinkTest::sixTicksWithoutHeartbeatLoseTheLinkWithTheNextBytes()
 void LinkTest::clickAfterALossStartsASecondPairBesideTheFirst()
 {
     Scene scene;
-    // The connections of the first pair stay; those of the second follow one more probe each.
+    // linkTwice() checks that the first pair stays connected and that each module is probed again.
     scene.linkTwice();
     QCOMPARE(threads(scene.user), (QList<int>{2, 2}));
 }

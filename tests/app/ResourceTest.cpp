@@ -17,10 +17,11 @@
 
 namespace {
 
-/// Returns the size of a compiled catalogue with the texts of the table. It begins with 16 bytes; a
-/// section adds 5 bytes to its contents. The sections are the hashes, of 8 bytes each, the texts,
-/// and, for English, the plural rules of 2 bytes. Each of the translation, which is in UTF-16, the
-/// source text, the empty comment and the class name "MainWindow" adds 5 bytes; a text ends with 1.
+/// Returns the size of a compiled catalogue with the texts of the table. The file begins with 16
+/// bytes. Each section has a header of 5 bytes; the sections are the hashes with 8 bytes per text,
+/// the texts, and, in the English file, the plural rules with 2 bytes. A text consists of four
+/// strings, each with a header of 5 bytes, and a final byte. The strings are the translation in
+/// UTF-16, the source text, the empty comment and the class name "MainWindow".
 qint64 compiledSize(bool isChinese)
 {
     qint64 size = 16 + 5 + 5 + (isChinese ? 0 : 5 + 2);

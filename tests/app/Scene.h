@@ -23,7 +23,7 @@ inline const QByteArray versionReport = QByteArray::fromHex("aaaf000907012c02580
 
 inline const Texts fiveFiles{"a.mp4", "b.mp4", "c.mp4", "d.mp4", "e.mp4"};
 
-/// Return the targets of the requests that concern one file.
+/// Return the target of the request that downloads or deletes a file.
 QByteArray downloadOf(const QByteArray& name);
 QByteArray deleteOf(const QByteArray& name);
 
@@ -35,8 +35,8 @@ QString recordingsFolder();
 /// Returns the downloaded recording of that name, or "no file".
 QByteArray recording(const QString& name);
 
-/// The vehicle of one test function. At its end, a request that the camera could not answer fails
-/// the test, and the recordings are removed.
+/// The vehicle of one test function. The destructor fails the test if the camera could not answer a
+/// request, and removes the recordings.
 struct Devices
 {
     Devices();
@@ -47,7 +47,8 @@ struct Devices
     /// Sends a heartbeat on the newest control link and waits for its answer.
     void exchangeHeartbeat() const;
 
-    /// Makes the camera send a recording in these parts, and wait after each but the last.
+    /// Makes the camera send a recording in these parts, and wait at a gate after each but the
+    /// last.
     void sendInParts(const QByteArray& name, const Texts& parts);
     /// Makes the camera send "from NAME" as that recording, and wait after the first five bytes.
     void stall(const QByteArray& name);
@@ -55,17 +56,17 @@ struct Devices
     fake::Gate& gate(const QByteArray& name, std::size_t part = 0) const;
 
 private:
-    // Outlive the camera that waits at them.
+    // Declared before the camera, because the camera's threads wait at the gates.
     std::map<QByteArray, std::vector<std::unique_ptr<fake::Gate>>> m_gates;
 
 public:
-    // Each may be removed to simulate a device that is switched off.
+    // A test may reset each of these to simulate a device that is switched off.
     std::optional<fake::Module> ground;
     std::optional<fake::Module> control;
     std::optional<fake::Camera> camera;
 };
 
-/// The vehicle, and the window on screen, which ends first.
+/// The vehicle and the window on screen. The window is destroyed first.
 struct Scene : Devices
 {
     Scene() = default;
@@ -74,10 +75,12 @@ struct Scene : Devices
 
     /// Links, and waits until both link threads are connected.
     void link() const;
-    /// Closes the control link, and waits until the window shows it and the thread has reconnected.
+    /// Closes the control link, and waits until the window shows the loss and the link thread has
+    /// reconnected.
     void loseLink() const;
-    /// Links, loses the control link, links again, and waits until all four threads are connected:
-    /// links 2 and 4 of the control module, 1 and 3 of the ground module.
+    /// Links, loses the control link, links again, and waits until all four threads are connected.
+    /// Their connections have the numbers 2 and 4 at the control module, 1 and 3 at the ground
+    /// module.
     void linkTwice() const;
     /// Downloads these rows, and waits until that recording stalls after five bytes.
     void downloadUntilStalled(const QList<int>& rows, const QByteArray& name);

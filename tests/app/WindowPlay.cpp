@@ -16,7 +16,7 @@ using support::Peer;
 
 namespace {
 
-/// Returns the short name of a request in the files, followed by the argument.
+/// Returns the short name of a request and its argument, or the target if it is another one.
 QString shortName(const QByteArray& target)
 {
     for (const auto& [name, start] :
@@ -32,7 +32,8 @@ QString shortName(const QByteArray& target)
     return QString::fromUtf8(target);
 }
 
-/// Makes the camera give these answers in order, and then none. Returns how many it was asked for.
+/// Makes the camera send these answers in order, and then close without an answer. Returns a
+/// counter of the requests.
 std::shared_ptr<std::atomic<int>> giveAnswers(fake::Camera& camera, const Texts& answers)
 {
     auto asked = std::make_shared<std::atomic<int>>(0);
@@ -69,7 +70,7 @@ void act(const UserWindow& user, const QString& action)
     user.deleteRows(rows);
 }
 
-/// Plays one call. Returns what was seen, in the files' words.
+/// Plays one call. Returns the result in the words of the conversations.
 QString played(Scene& scene, const QString& action, const Exchange& exchange)
 {
     Texts answers;

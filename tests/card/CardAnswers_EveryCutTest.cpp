@@ -56,8 +56,8 @@ std::string detailsIn(const char* answer)
            quoted(texts.duration.toStdString());
 }
 
-/// Receives an answer of the announced length, or of none if that is 0, and returns the result of
-/// the call.
+/// Receives an answer of the announced length, or without a length if `announced` is 0, and returns
+/// the result of the call.
 std::string result(const std::string& call, std::size_t announced, const Delivery& delivery)
 {
     support::SocketPair pair;
@@ -72,7 +72,7 @@ std::string result(const std::string& call, std::size_t announced, const Deliver
     if (!received) {
         return "no answer";
     }
-    // A block of exactly its size, so that a memory checker detects reads past its end.
+    // Exactly as large as the answer, so that a memory checker detects reads past the end.
     std::vector<char> answer(body.size() + 1);
     std::copy(body.begin(), body.end(), answer.begin());
     return call == "count"     ? countIn(answer.data())
@@ -128,7 +128,7 @@ void CardAnswers_EveryCutTest::answerOfAnnouncedLengthIsReadWhole()
     }
 }
 
-// Reading ends with the first receive.
+// Without a length, reading ends with the first receive.
 void CardAnswers_EveryCutTest::answerWithoutALengthIsReadAsFarAsReceived()
 {
     QFETCH(Conversation, conversation);

@@ -27,7 +27,7 @@ class NameTableTest : public QObject
 
 private slots:
     void init();
-    void cleanup(); // nothing around the table was written
+    void cleanup(); // checks that nothing around the table was written
 
     void holds9999SlotsOf30Bytes();
     void freshSlotsAreEmpty();

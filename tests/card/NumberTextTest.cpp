@@ -1,4 +1,4 @@
-// Integers as text in any base.
+// Integers as text in bases 2 to 36. Negative integers and other bases write nothing.
 #include "card/NumberText.h"
 
 #include "tests/kit/TestMain.h"
@@ -54,7 +54,7 @@ void NumberTextTest::numberIsWrittenInItsBase_data()
         row(0, radix, "");
     }
 
-    // A negative value and any other base.
+    // For a negative value or another base, the buffer stays unchanged.
     const auto unchanged = [&writes](int value, int radix) { writes(value, radix, ""); };
     unchanged(-5, 10);
     unchanged(-1, 2);

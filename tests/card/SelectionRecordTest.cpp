@@ -17,7 +17,7 @@ class SelectionRecordTest : public QObject
 
 private slots:
     void init();
-    void cleanup(); // nothing around the rows was written
+    void cleanup(); // checks that nothing around the rows was written
 
     void rowsAreLargestFirst_data();
     void rowsAreLargestFirst();

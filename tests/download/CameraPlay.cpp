@@ -31,7 +31,7 @@ std::string progressOf(const DownloadRecorder& recorder)
 bool eachPieceIsReported(const DownloadRecorder& recorder, const std::vector<std::string>& pieces,
                          qint64 saved, qint64 announced)
 {
-    qint64 count = saved; // minus all bytes that were sent
+    qint64 count = saved; // becomes the number of body bytes sent so far; negative in the head
     for (const std::string& piece : pieces) {
         count -= static_cast<qint64>(piece.size());
     }

@@ -1,9 +1,10 @@
 // Plays conversations of `download NAME` with the camera, in the private network.
 //
-// A result states the fields of the head that are not zero, then the local file: its content in
-// quotes, or `no file`. Before it, `prints` states what the download wrote to standard output, and
-// `progress` the signals, each as RECEIVED/ANNOUNCED. Only conversations with pauses state the
-// progress. In the others, each piece that ends in the saved body must be reported once.
+// A result begins with the fields of the head that are not zero and ends with the local file: its
+// content in quotes, or `no file`. Between them, `progress` lists the signals, each as
+// RECEIVED/ANNOUNCED, and `prints` states what the download wrote to standard output. Only
+// conversations with pauses state the progress; in all other conversations, each piece that ends in
+// the saved body must be reported once.
 #pragma once
 
 #include "tests/kit/ConversationFile.h"

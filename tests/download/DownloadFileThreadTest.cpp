@@ -45,7 +45,7 @@ QByteArray contentOf(const QString& name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no such file");
 }
 
-/// Returns a thread that downloads a recording by a direct call.
+/// Returns a thread that downloads a recording by calling DownloadFile() directly.
 std::unique_ptr<QThread> callerOf(DownloadFileThread& thread, const QString& name)
 {
     return std::unique_ptr<QThread>(

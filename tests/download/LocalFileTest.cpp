@@ -118,8 +118,8 @@ unsigned modeOf(const QByteArray& path)
     return static_cast<unsigned>(fs::status(inHome(path)).permissions());
 }
 
-/// A signal that is blocked in this thread, and in the threads that it starts, while this object
-/// exists. Number 0 blocks no signal.
+/// A signal that is blocked, while this object exists, in the thread that created the object and in
+/// the threads which that thread starts. Number 0 blocks no signal.
 class BlockedSignal
 {
 public:
@@ -140,7 +140,7 @@ private:
     sigset_t m_before;
 };
 
-/// Creates a recording and returns its path.
+/// Creates a recording in the download folder and returns its path.
 QByteArray oldRecording()
 {
     create("Desktop/DCIM/");
@@ -148,8 +148,8 @@ QByteArray oldRecording()
     return inHome("Desktop/DCIM/a.mp4").c_str();
 }
 
-/// Downloads a recording and compares what changes in the home folder; nothing does if the
-/// recording cannot be saved.
+/// Downloads a recording and compares the changes in the home folder. An empty `expected` means
+/// that the recording cannot be saved.
 void downloadThatChanges(const QString& name, const Entries& expected)
 {
     const Entries before = homeEntries();
@@ -161,7 +161,7 @@ void downloadThatChanges(const QString& name, const Entries& expected)
     QCOMPARE(download.recorder.received, QList<qint64>({11}));
 }
 
-/// A download of a recording that is under a lease.
+/// A download to an existing file on which another process holds a lease.
 struct LeasedDownload
 {
     /// Starts the download and returns whether it waits for the end of the lease.
@@ -284,7 +284,7 @@ void LocalFileTest::recordingIsSavedUnderABareNameOnly_data()
     row("shorter file is replaced", "a.mp4", {"Desktop/DCIM/", "Desktop/DCIM/a.mp4: old"},
         {"-Desktop/DCIM/a.mp4: old", saved});
 
-    // The desktop has the name that the user's settings state.
+    // The user's settings state the name of the desktop folder.
     const auto desktop = [&row](const char* title, const QByteArray& folder) {
         row(title, "a.mp4",
             {".config/", ".config/user-dirs.dirs: XDG_DESKTOP_DIR=\"$HOME/" + folder + "\"\n",

@@ -11,7 +11,7 @@ using support::Peer;
 
 namespace {
 
-/// Takes a step of a download, which must fail and must have printed the text when it returns.
+/// Runs a step of a download. The step must fail and must have printed the text when it returns.
 template <class Step>
 void failsAndPrints(const Step& step, const QByteArray& text)
 {

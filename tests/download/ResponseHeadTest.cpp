@@ -5,8 +5,8 @@
 
 namespace {
 
-/// Passes the bytes to a head one by one until it is complete, and returns how many were taken:
-/// minus one if it is not complete. `text` is the head's.
+/// Passes the bytes to a head one by one until the head is complete. Returns how many bytes were
+/// passed, or -1 if the head is still incomplete after all bytes. Sets `text` to the head's text.
 int readHead(const QByteArray& bytes, QByteArray& text)
 {
     download::ResponseHead head;

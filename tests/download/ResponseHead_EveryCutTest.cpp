@@ -1,4 +1,4 @@
-// Plays every conversation of a download, split and closed at every byte.
+// Plays every conversation of a download: split and closed at every byte, or with its pauses.
 #include "tests/download/CameraPlay.h"
 #include "tests/kit/ConversationRows.h"
 #include "tests/kit/TestMain.h"
@@ -13,7 +13,8 @@ using support::Exchange;
 
 namespace {
 
-/// Plays an exchange and reports the split, such as "closed after 3", if the result is another.
+/// Plays an exchange and prints the split, such as "closed after 3", if the result is not
+/// `expected`.
 void play(const Exchange& exchange, const std::vector<std::string>& pieces,
           const std::string& expected, const char* how, std::size_t position)
 {

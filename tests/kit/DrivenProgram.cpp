@@ -1,12 +1,12 @@
-// Operates the program's own window from inside: linked with the program's main function, it reads
-// one command per line from the socket named by DRIVEN_PROGRAM_SOCKET and confirms each with a line
-// "done".
+// Linked with the program's main function, this code operates the program's window from inside. It
+// reads one command per line from the socket named by DRIVEN_PROGRAM_SOCKET and confirms each
+// command with a line "done".
 //   click NAME    clicks the widget with that object name as soon as it is enabled
 //   choose ROW    clicks a row of the file table
 //   text NAME     prints the text of the line edit with that object name before "done"
 //   point         prints the decimal point of the process's locale before "done"
-//   screen        prints the window's size, the density of its screen in its own pixels, and the
-//                 number of screen pixels per window pixel before "done"
+//   screen        prints the window's size, its logical dots per inch, and the number of screen
+//                 pixels per window pixel before "done"
 //   close         closes the window with its close button
 #include <clocale>
 #include <cstdio>
@@ -32,7 +32,7 @@ namespace {
 
 constexpr int enabledLimit = 5000; // milliseconds
 
-int test = -1; // the socket
+int test = -1; // the socket that is connected to the test
 
 void answer(const QByteArray& line)
 {

@@ -15,8 +15,8 @@ namespace support {
 
 namespace {
 
-/// The offscreen platform prints this for every fixed-size window and every tool tip. It concerns
-/// only the platform.
+/// The start of a message that the offscreen platform prints for every fixed-size window and every
+/// tool tip, and that no test needs to see.
 const QString offscreenRemark = QStringLiteral("This plugin does not support ");
 
 } // namespace

@@ -124,7 +124,7 @@ void ScriptedServer::runScript(Connection& connection, const Script& script)
     connection.finished = true;
 }
 
-/// Joins the threads whose scripts have ended, because thousands of them would be too many.
+/// Joins the threads whose scripts have ended, so that ended threads do not accumulate.
 void ScriptedServer::joinFinished()
 {
     const auto ended = std::partition(m_running.begin(), m_running.end(),

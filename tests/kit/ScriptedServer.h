@@ -32,7 +32,7 @@ public:
     /// Sends the bytes split after each of the given offsets. Each piece is sent after the client
     /// has read everything before it, so that no receive of the client returns parts of two pieces.
     void sendInPieces(const QByteArray& bytes, const std::vector<int>& cuts);
-    /// Sends each byte separately, as above.
+    /// Sends each byte separately, like sendInPieces().
     void sendBytewise(const QByteArray& bytes);
     /// Waits until the client has read everything sent so far.
     void waitUntilRead();
@@ -164,7 +164,7 @@ private:
     mutable std::mutex m_mutex;          // guards the next two members
     std::vector<std::unique_ptr<Connection>> m_connections;
     QStringList m_errors;
-    std::vector<Connection*> m_running; // whose threads are not joined, for the accepting thread
+    std::vector<Connection*> m_running; // connections whose threads have not been joined yet
     mutable std::atomic<bool> m_errorsSeen{false};
     std::thread m_thread;
 };

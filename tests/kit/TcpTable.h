@@ -14,13 +14,13 @@ struct TcpSocket
     std::uint32_t localPort;
     std::uint32_t remoteAddress;
     std::uint32_t remotePort;
-    std::uint32_t state; ///< As TCP_SYN_SENT in netinet/tcp.h.
+    std::uint32_t state; ///< A constant of netinet/tcp.h, such as TCP_SYN_SENT.
     std::uint32_t unread;
 };
 
 std::vector<TcpSocket> tcpSockets();
 
-/// Returns an IPv4 address, such as "127.0.0.1", and port for the system's calls.
+/// Returns an IPv4 address, such as "127.0.0.1", and a port as the socket calls take them.
 sockaddr_in socketAddress(const char* address, int port);
 
 /// Returns whether the other side of a connection within this namespace has read everything that

@@ -47,7 +47,7 @@ TestEnvironment::TestEnvironment()
     }
     qputenv("HOME", m_home.toLocal8Bit());
     qputenv("XDG_RUNTIME_DIR", m_home.toLocal8Bit());
-    // Fontconfig stores in this folder what the system's cache lacks.
+    // Fontconfig stores font data in this folder that the system's cache lacks.
     qputenv("XDG_CACHE_HOME", m_caches.path().toLocal8Bit());
 }
 
@@ -73,7 +73,8 @@ int runTest(QObject& test, int argc, char** argv, bool needsNetwork)
     char withoutCrashHandler[] = "-nocrashhandler";
     arguments.push_back(withoutCrashHandler);
 #endif
-    // After qInit() Qt Test's own message handler is installed; ours, installed after it, calls it.
+    // qInit() installs Qt Test's message handler. Ours is installed afterwards and passes messages
+    // on to that handler.
     QTest::qInit(&test, static_cast<int>(arguments.size()), arguments.data());
     MessageLog::instance().install();
     const int failed = QTest::qRun();
