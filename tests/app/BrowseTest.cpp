@@ -55,7 +55,7 @@ void BrowseTest::longListStopsAtRow127ButNotTheDetails_data()
     QTest::addColumn<int>("rows");
     QTest::newRow("128 entries, the last row") << 128 << 128;
     QTest::newRow("129 entries") << 129 << 128;
-    QTest::newRow("300 entries, a byte's whole range") << 300 << 128;
+    QTest::newRow("300 entries, more than a byte can count") << 300 << 128;
 }
 
 void BrowseTest::longListStopsAtRow127ButNotTheDetails()

@@ -119,7 +119,7 @@ void CatalogueTest::sourceHoldsTheTableAndNothingUnfinished()
             ++messages;
             QVERIFY(xml.attributes().isEmpty());
         } else if (xml.name() == QLatin1String("comment")) {
-            QFAIL("a text with a disambiguation is another text");
+            QFAIL("the window requests its texts without a disambiguation");
         } else if (xml.name() == QLatin1String("source")) {
             source = xml.readElementText();
         } else if (xml.name() == QLatin1String("translation")) {

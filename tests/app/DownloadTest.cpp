@@ -268,8 +268,8 @@ void DownloadTest::cameraSwitchedOffEndsEveryFile()
 void DownloadTest::nameThatIsNoFileNameIsRequestedButNotWritten_data()
 {
     QTest::addColumn<QByteArray>("name");
-    QTest::newRow("none") << QByteArray();
-    QTest::newRow("a path out of the folder") << QByteArray("../stray.mp4");
+    QTest::newRow("empty name") << QByteArray();
+    QTest::newRow("path out of the folder") << QByteArray("../stray.mp4");
 }
 
 void DownloadTest::nameThatIsNoFileNameIsRequestedButNotWritten()

@@ -66,7 +66,7 @@ void FileInfoTest::markerSearchCopiesTheTextAndReturnsItsLength_data()
     QTest::addColumn<QByteArray>("start"); // of the buffer; the other bytes stay unchanged
     QTest::newRow("a text") << QByteArray("var a=\"12345\";b=\"6\";") << 5
                             << QByteArray("12345\0", 6);
-    QTest::newRow("an empty one") << QByteArray("a=\"\";") << 0 << QByteArray("\0", 1);
+    QTest::newRow("an empty text") << QByteArray("a=\"\";") << 0 << QByteArray("\0", 1);
     QTest::newRow("no right marker") << QByteArray("=\"12") << 0 << QByteArray();
 }
 

@@ -20,7 +20,7 @@ QString methodListing(const QMetaObject& windowClass);
 struct ListedObject
 {
     QString name;
-    QString type; ///< its class
+    QString type; ///< The object's class.
 };
 
 /// Returns the objects that form.txt lists after the window, in order. A missing file ends the test

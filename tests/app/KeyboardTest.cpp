@@ -156,7 +156,7 @@ void KeyboardTest::ctrlTabLeavesTheTableAndKeepsTheSelection()
     press(key, modifiers);
     QCOMPARE(focused(), next);
     press(key, modifiers);
-    QVERIFY2(focused() == next, "these keys are the table's alone");
+    QVERIFY2(focused() == next, "outside the table, these keys must not move the focus");
     QCOMPARE(user->selectedRows(), (QList<int>{1, 2}));
 }
 

@@ -11,8 +11,8 @@
 //
 // `=` states the requests by their short names, or `no request`, then a message box if one opens,
 // and after a colon the table, or `no rows`. Each row is in brackets, with its cells separated by
-// bars; a row without details shows only its name. `; Delete All Files is disabled` is added if that
-// button is disabled.
+// bars; a row without details shows only its name. If Delete All Files is disabled, the result says
+// so at its end.
 #pragma once
 
 #include "tests/kit/ConversationRows.h"

@@ -92,7 +92,7 @@ void NameTableTest::namesAreReadAsStored_data()
     };
     row("29 characters fit a slot", {{1, "next.mp4"}, {0, "abcdefghijklmnopqrstuvwxy.mp4"}},
         {{0, "abcdefghijklmnopqrstuvwxy.mp4"}, {1, "next.mp4"}});
-    row("30 end with a zero in the next slot",
+    row("30 characters end with a zero in the next slot",
         {{1, "next.mp4"}, {0, "abcdefghijklmnopqrstuvwxyz.mp4"}},
         {{0, "abcdefghijklmnopqrstuvwxyz.mp4"}, {1, ""}});
     const QByteArray long63 = QByteArray(30, 'a') + QByteArray(30, 'b') + "ccc";
@@ -103,7 +103,7 @@ void NameTableTest::namesAreReadAsStored_data()
         {{0, "abcdefghijklmnopqrstuvwxyz0123next.mp4"}, {1, "next.mp4"}});
     row("shorter name replaces a longer one", {{3, "BELUN_0001.mp4"}, {3, "a.mp4"}},
         {{3, "a.mp4"}});
-    row("empty name replaces one", {{3, "a.mp4"}, {3, ""}}, {{3, ""}});
+    row("empty name replaces a name", {{3, "a.mp4"}, {3, ""}}, {{3, ""}});
     row("slots not written keep their text",
         {{0, "zero.mp4"}, {1, "one.mp4"}, {2, "two.mp4"}, {1, "new.mp4"}},
         {{0, "zero.mp4"}, {1, "new.mp4"}, {2, "two.mp4"}});

@@ -1,4 +1,4 @@
-// Integers as text in bases 2 to 36. Negative integers and other bases write nothing.
+// Integers as text in bases 2 to 36. For a negative integer or another base, nothing is written.
 #include "card/NumberText.h"
 
 #include "tests/kit/TestMain.h"

@@ -23,7 +23,7 @@ void DrivenProcess::start(const QString& folder, const QProcessEnvironment& envi
     m_process.start(QStringLiteral("/bin/sh"),
                     {QStringLiteral("-ec"), script, QStringLiteral(DRIVEN_PROGRAM)});
     QVERIFY2(m_server.waitForNewConnection(limit()),
-             "it does not start: " + m_process.readAllStandardError());
+             "the program does not start: " + m_process.readAllStandardError());
     m_socket = m_server.nextPendingConnection();
 }
 
@@ -33,7 +33,7 @@ QByteArray DrivenProcess::tell(const QByteArray& command)
     QByteArray answer;
     while (!answer.endsWith("done\n")) {
         if (!m_socket->waitForReadyRead(limit())) {
-            return "it hangs at: " + command;
+            return "the program does not answer: " + command;
         }
         answer += m_socket->readAll();
     }
@@ -50,7 +50,7 @@ void DrivenProcess::close()
 {
     m_socket->write("close\n");
     m_socket->flush();
-    QVERIFY2(m_process.waitForFinished(limit()), "it does not end");
+    QVERIFY2(m_process.waitForFinished(limit()), "the program does not end");
     QCOMPARE(m_process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(m_process.exitCode(), 0);
 }

@@ -3,11 +3,11 @@
 // command with a line "done".
 //   click NAME    clicks the widget with that object name as soon as it is enabled
 //   choose ROW    clicks a row of the file table
-//   text NAME     prints the text of the line edit with that object name before "done"
-//   point         prints the decimal point of the process's locale before "done"
-//   screen        prints the window's size, its logical dots per inch, and the number of screen
+//   text NAME     sends the text of the line edit with that object name before "done"
+//   point         sends the decimal point of the process's locale before "done"
+//   screen        sends the window's size, its logical dots per inch, and the number of screen
 //                 pixels per window pixel before "done"
-//   close         closes the window with its close button
+//   close         closes the window
 #include <clocale>
 #include <cstdio>
 #include <cstring>

@@ -137,7 +137,7 @@ void Camera::serve(Peer& peer)
     const QByteArray head = peer.received();
     if (!head.endsWith(headEnd)) {
         if (!head.isEmpty()) {
-            note("no whole head: " + head);
+            note("incomplete request head: " + head);
         }
         return;
     }

@@ -5,7 +5,7 @@
 
 namespace support {
 
-/// Prevents new descriptors while this object exists.
+/// A limit that prevents this process from opening descriptors while this object exists.
 class NoDescriptorsLeft
 {
 public:

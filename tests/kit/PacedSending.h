@@ -1,4 +1,4 @@
-// Sends to a reader in this process so that it receives each piece separately.
+// Sends to a reader in this process so that the reader receives each piece separately.
 #pragma once
 
 #include "tests/kit/ScriptedServer.h"
@@ -17,7 +17,7 @@ class ReadingEnd
 public:
     explicit ReadingEnd(quint16 port);
 
-    /// Returns whether the reader has not closed its end.
+    /// Returns whether the reader's end is still open.
     bool isOpen() const;
     /// Returns whether at least that many bytes have arrived and the reader has received all of
     /// them. Unlike Peer::isAllRead(), this does not depend on the acknowledgement, which the

@@ -9,7 +9,7 @@
 
 namespace support {
 
-/// While this object exists, SIGPIPE ends the process, which is the default.
+/// The default action of SIGPIPE, which ends the process, while this object exists.
 class DeadlyPipeSignal
 {
 public:

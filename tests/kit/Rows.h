@@ -5,7 +5,7 @@
 
 namespace support {
 
-/// Adds the columns of a `_data` function, and then its rows:
+/// An object that adds the columns of a `_data` function and then, called with values, its rows:
 ///
 ///     const support::Rows<QByteArray, int> row("text", "number");
 ///     row("leading zeros", "007", 7);

@@ -47,7 +47,7 @@ void Peer::waitUntilReadable(Clock::time_point deadline, const char* waitedFor)
             return;
         }
         if (Clock::now() > deadline) {
-            throw ScriptFailed{QStringLiteral("%1 did not come; arrived: \"%2\"")
+            throw ScriptFailed{QStringLiteral("%1 did not arrive; received: \"%2\"")
                                    .arg(QString::fromLatin1(waitedFor),
                                         QString::fromLatin1(m_pending.left(2000)))};
         }

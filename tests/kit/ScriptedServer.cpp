@@ -74,7 +74,7 @@ void ScriptedServer::listenOn(quint16 port)
     if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&place), size) != 0 ||
         ::listen(m_listener, queueLength) != 0 ||
         ::getsockname(m_listener, reinterpret_cast<sockaddr*>(&place), &size) != 0) {
-        qFatal("nothing can listen on %s:%d", m_address.constData(), port);
+        qFatal("cannot listen on %s:%d", m_address.constData(), port);
     }
     m_port = ntohs(place.sin_port);
     m_thread = std::thread([this] { acceptConnections(); });

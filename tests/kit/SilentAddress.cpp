@@ -26,7 +26,7 @@ SilentAddress::SilentAddress(const QByteArray& address, quint16 port, bool answe
     ::setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0 ||
         ::listen(m_listener, 0) != 0) {
-        qFatal("nothing can listen on %s:%d", address.constData(), port);
+        qFatal("cannot listen on %s:%d", address.constData(), port);
     }
     socklen_t size = sizeof place;
     ::getsockname(m_listener, reinterpret_cast<sockaddr*>(&place), &size);

@@ -5,8 +5,9 @@
 
 namespace support {
 
-/// Returns the factor in BELUN_TIME_FACTOR, or 1 if that variable is not set. Instrumented builds
-/// set it, and ./check on a busy machine. Tests multiply the limits for the program's speed by it.
+/// Returns the factor in BELUN_TIME_FACTOR, or 1 if that variable is not set. The presets of slow
+/// builds set it, and so does ./check on a busy machine. Tests multiply limits for the program's
+/// speed by this factor.
 inline int timeFactor()
 {
     bool given = false;

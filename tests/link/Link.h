@@ -18,8 +18,8 @@ const int stopLimit = 500 * support::timeFactor(); // milliseconds
 /// like the timer's access; the thread sanitizer's suppression matches this function's name.
 [[gnu::noinline]] int heartBeatsOf(const ModuleClientThread& thread);
 
-/// Records the signals of a link thread, in that thread, as texts: "linked", "lost",
-/// "version 7 300 600 100 10". The text also says if linkedFlag is not the flag reported last.
+/// A recorder that stores the signals of a link thread, in that thread, as texts: "linked", "lost",
+/// "version 7 300 600 100 10". A text also says if linkedFlag is not the flag reported last.
 class SignalRecorder
 {
 public:

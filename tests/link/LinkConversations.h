@@ -37,8 +37,8 @@ support::Conversations linkConversations(const std::string& client);
 /// Returns the number in "after 6 ticks", or 0.
 int ticksOf(const support::Exchange& exchange);
 
-/// Adds a column "conversation" and a row for each conversation of that client, either those that
-/// may end anywhere or the others.
+/// Adds a column "conversation" and a row for each conversation of that client: those that state
+/// results with `|` if `mayEndAnywhere` is true, otherwise those that state none.
 inline void addConversations(const std::string& client, bool mayEndAnywhere = false)
 {
     QTest::addColumn<support::Conversation>("conversation");

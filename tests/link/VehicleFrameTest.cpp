@@ -74,10 +74,10 @@ void VehicleFrameTest::bothBytesOfAVersionAreSigned_data()
 {
     QTest::addColumn<QByteArray>("pair");
     QTest::addColumn<int>("value");
-    QTest::newRow("low byte 90 takes 112 away") << QByteArray("0190") << 144;
-    QTest::newRow("low byte 7f still adds") << QByteArray("017f") << 383;
-    QTest::newRow("low byte 80 takes 128 away") << QByteArray("0180") << 128;
-    QTest::newRow("low byte ff takes one away") << QByteArray("01ff") << 255;
+    QTest::newRow("low byte 90 subtracts 112") << QByteArray("0190") << 144;
+    QTest::newRow("low byte 7f adds 127") << QByteArray("017f") << 383;
+    QTest::newRow("low byte 80 subtracts 128") << QByteArray("0180") << 128;
+    QTest::newRow("low byte ff subtracts 1") << QByteArray("01ff") << 255;
     QTest::newRow("both bytes ff") << QByteArray("ffff") << -257;
     QTest::newRow("smallest") << QByteArray("8080") << -32896;
     QTest::newRow("high byte 80") << QByteArray("8000") << -32768;
