@@ -1,6 +1,6 @@
 // Conversations of a client with its peer, written as plain text:
 //
-//   # what a broken chunk left is taken from the next body
+//   # bytes missing from a broken chunk are taken from the next body
 //   client readBody given chunked left=2 | false chunked left=2
 //   < 5                                  | false chunked received=1 left=1 "5"
 //   < \r                                 | false chunked received=2 "5\r"
