@@ -1,5 +1,5 @@
 // Where the keyboard focus goes when a focused button is disabled: never to a button that deletes,
-// unless the user moves it there.
+// unless the user moves the focus there.
 #include "tests/app/Scene.h"
 #include "tests/kit/TestMain.h"
 

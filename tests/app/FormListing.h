@@ -7,8 +7,8 @@
 #include <QString>
 #include <QStringList>
 
-/// Returns one line for each named object of the window, indented below the object that contains
-/// it: name, class, the place in the window or layout unless it is the default, and the properties
+/// Returns one line for each named object of the window, indented below its containing object:
+/// name, class, the place in the window or layout unless it is the default, and the properties
 /// that differ from those of a new object of the class. A layout item has stretch 0 and no
 /// alignment unless its line says otherwise. All other named objects follow at the end.
 QString formListing(QMainWindow& window);

@@ -77,7 +77,7 @@ void InterplayTest::deleteDuringADownloadEndsTheQueue()
     scene.camera->answer(fake::deleteTarget, "Success\r\n");
     scene.downloadUntilStalled({2, 3, 4}, "e.mp4");
 
-    // The download queue and the delete use the same selection record, and the delete consumes it.
+    // The download queue and the delete use the same selection record, which the delete uses up.
     scene.user.deleteRows({0, 1});
     QCOMPARE(scene.user.names(), (QStringList{"c.mp4", "d.mp4", "e.mp4"}));
     QCOMPARE(scene.user.downloadCount(), QString("1/3"));
@@ -107,7 +107,7 @@ void InterplayTest::deleteOfNothingDuringADownloadEndsTheQueue()
     Scene scene(fiveFiles);
     scene.downloadUntilStalled({3, 4}, "e.mp4");
 
-    // The delete clears the selection record before it finds that nothing is selected.
+    // A delete clears the selection record, even if no row is selected.
     scene.user.table().clearSelection();
     scene.user.clickDelete();
     QCOMPARE(scene.user.table().rowCount(), 5);

@@ -222,8 +222,8 @@ void LocalFileTest::folderIsOnTheDesktopUnderItsLatin1OrNativeName_data()
     row("native, with an accent", {"Área de Trabalho/"}, "Área de Trabalho",
         "Área de Trabalho/DCIM/");
     row("native, Chinese", {"桌面/"}, "桌面", "桌面/DCIM/");
-    row("both: Latin-1", {"Área/", "\xC1rea/"}, "Área", "\xC1rea/DCIM/");
-    row("none: Latin-1", {}, "Área", "\xC1rea/DCIM/");
+    row("both names exist: Latin-1", {"Área/", "\xC1rea/"}, "Área", "\xC1rea/DCIM/");
+    row("neither name exists: Latin-1", {}, "Área", "\xC1rea/DCIM/");
 }
 
 void LocalFileTest::folderIsOnTheDesktopUnderItsLatin1OrNativeName()
@@ -281,7 +281,7 @@ void LocalFileTest::recordingIsSavedUnderABareNameOnly_data()
         {"Desktop/DCIM/", "Desktop/DCIM/a.mp4: old content longer content"},
         {"-Desktop/DCIM/a.mp4: old content longer content",
          "+Desktop/DCIM/a.mp4: new content longer content"});
-    row("shorter file is replaced", "a.mp4", {"Desktop/DCIM/", "Desktop/DCIM/a.mp4: old"},
+    row("shorter file is overwritten", "a.mp4", {"Desktop/DCIM/", "Desktop/DCIM/a.mp4: old"},
         {"-Desktop/DCIM/a.mp4: old", saved});
 
     // The user's settings state the name of the desktop folder.
@@ -306,7 +306,7 @@ void LocalFileTest::recordingIsSavedUnderABareNameOnly_data()
     odd("leading dots", "..a");
     odd("backslash", "..\\a");
     odd("percent", "%s%n%2e%2e%2f");
-    odd("line end", "a\r\nb");
+    odd("line ending", "a\r\nb");
     odd("shell", "$(id);`id`|*?");
 
     row("folder is a dangling link", "a.mp4", {"Desktop/DCIM -> ../nowhere"}, {});

@@ -91,17 +91,17 @@ void ResponseHeadTest::fieldIsTheWordAfterItsName_data()
 
     row("status, older version", "HTTP/1.0 404 Not Found\r\n", "status=404");
     row("status, no version", "HTTP/ 206\r\n", "status=206");
-    row("status not in front", "garbage HTTP/1.1 500\r\n", "status=500");
+    row("status line not at the start", "garbage HTTP/1.1 500\r\n", "status=500");
     row("status on the next line", "HTTP/1.1\r\n 301\r\n", "status=301");
     row("first status of two", "HTTP/1.1 100\r\nHTTP/1.1 200\r\n", "status=100");
-    row("status in small letters", "http/1.1 200 OK\r\n", "");
+    row("status in lower case", "http/1.1 200 OK\r\n", "");
     row("status without a number", "HTTP/1.1 OK\r\n", "");
     row("ends after the protocol", "HTTP/1.1", "");
 
     row("type, first word only", "Content-Type: text/html; charset=utf-8\r\n", "type=text/html;");
     row("type without a space", "Content-Type:video/mp4\r\nNext: 1\r\n", "type=Next:");
     row("type outside ASCII", "Content-Type: \xE6\xB5\xB7\r\n", "type=\\xE6\\xB5\\xB7");
-    row("type in small letters", "content-type: video/mp4\r\n", "");
+    row("type in lower case", "content-type: video/mp4\r\n", "");
     row("type of spaces", "Content-Type:  \t ", "");
     row("ends after the type's name", "Content-Type:", "");
     row("type of 126 characters", "Content-Type: " + QByteArray(126, 't') + "\r\n",
@@ -120,7 +120,7 @@ void ResponseHeadTest::fieldIsTheWordAfterItsName_data()
     row("length without a space, a number next", "Content-Length:5\r\n7 \r\n", "length=7");
     row("length inside another name", "X-Content-Length: 8\r\n", "length=8");
     row("first length of two", "Content-Length: 1\r\nContent-Length: 2\r\n", "length=1");
-    row("length in small letters", "content-length: 5\r\n", "");
+    row("length in lower case", "content-length: 5\r\n", "");
     row("negative length", "Content-Length: -5\r\n", "length=-5");
     row("length without a number", "Content-Length: many\r\n", "");
     row("ends after the length's name", "Content-Length: ", "");

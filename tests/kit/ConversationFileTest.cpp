@@ -174,9 +174,9 @@ void ConversationFileTest::fileIsReadOrItsErrorNamesTheLine_data()
         "x.txt:4: | in a conversation of several calls");
     row("close in the first of two calls", "# name\nclient get / | x\n< a = true\nclient get /\n",
         "x.txt:4: | in a conversation of several calls");
-    row("end of an unknown one", "# name\nclient get /\n< a\nthen as in: other\n",
+    row("the end of an unknown conversation", "# name\nclient get /\n< a\nthen as in: other\n",
         "x.txt:4: no such conversation above");
-    row("end of itself", "# name\nclient get /\n< a\nthen as in: name\n",
+    row("the end of the same conversation", "# name\nclient get /\n< a\nthen as in: name\n",
         "x.txt:4: no such conversation above");
     row("unknown line", "server\n", "x.txt:1: not understood; lines begin with # client < = then");
     row("space before a line", " # name\n",

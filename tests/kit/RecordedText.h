@@ -1,8 +1,8 @@
 // Compares texts with files in tests/data: written by hand, or recorded.
 //
-// A recording in tests/data was reviewed when it was made. After a change that is meant to change
-// it, set BELUN_RECORD=1 in the environment to record it again instead of comparing. The test then
-// fails, because it has compared nothing. Recording is refused if CI is set.
+// A recording in tests/data was reviewed when it was made. After a change that is meant to change a
+// recording, set BELUN_RECORD=1 in the environment to record it again instead of comparing. The
+// test then fails, because it has compared nothing. Recording is refused if CI is set.
 #pragma once
 
 #include <QString>

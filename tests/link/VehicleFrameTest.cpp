@@ -101,7 +101,7 @@ void VehicleFrameTest::outgoingFrameIsExact_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("heartbeat answer") << 4 << 1 << QByteArray("aaaf0401015f");
     QTest::newRow("zeros") << 0 << 0 << QByteArray("aaaf0001005a");
-    QTest::newRow("checksum wraps at once") << 0 << 0xA6 << QByteArray("aaaf0001a600");
+    QTest::newRow("checksum wraps to 0") << 0 << 0xA6 << QByteArray("aaaf0001a600");
     QTest::newRow("checksum wraps twice") << 0xFF << 0xFF << QByteArray("aaafff01ff58");
 }
 
