@@ -69,7 +69,7 @@ struct Conversation
 struct Conversations
 {
     std::vector<Conversation> all;
-    std::string error; ///< "FILE:LINE: REASON", or empty.
+    std::string error; ///< "FILE:LINE: REASON" or "PATH: no conversation"; empty if there is none.
 };
 
 /// Parses every file of a folder, or one file, up to the first error. Of a page, whose name

@@ -1,5 +1,5 @@
 // The conversations of tests/data/conversations/link and docs/link-protocol.md. Their bytes are
-// hexadecimal; 78*94 is the byte 78 ninety-four times. Each `<` line is one receive.
+// hexadecimal; 78*94 is the byte 78 ninety-four times. Without `|`, each `<` line is one receive.
 //
 //   # six ticks and another receive end the connection
 //   client control
