@@ -176,6 +176,7 @@ void DownloadTest::barHasThePlatformsStyle()
 {
     Scene scene({"a.mp4"});
     scene.downloadUntilStalled({0}, "a.mp4");
+    scene.finishDownload("a.mp4");
     QVERIFY(!scene.user.progressBar().testAttribute(Qt::WA_SetStyle));
     QCOMPARE(scene.user.progressBar().style(), QApplication::style());
 }

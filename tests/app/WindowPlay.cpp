@@ -127,7 +127,10 @@ QString shownTable(const UserWindow& user)
     QString rows;
     for (int row = 0; row < user.table().rowCount(); ++row) {
         const QStringList cells = user.row(row);
-        const bool hasDetails = user.table().item(row, 1) != nullptr;
+        bool hasDetails = false;
+        for (int column = 1; column < cells.size(); ++column) {
+            hasDetails = hasDetails || user.table().item(row, column) != nullptr;
+        }
         rows += '[' + (hasDetails ? cells.join('|') : cells.first()) + ']';
     }
     return rows.isEmpty() ? "no rows" : rows;
