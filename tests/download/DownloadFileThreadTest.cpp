@@ -386,11 +386,15 @@ void DownloadFileThreadTest::stopEndsConnecting()
 
 void DownloadFileThreadTest::stopBeforeTheStartAndAfterTheEndReturns()
 {
+    Download unstarted("a.mp4");
+    QCOMPARE(delayOf([&] { unstarted.thread.stopAndWait(); }), QString());
+    QVERIFY(!unstarted.thread.isRunning());
+    QVERIFY(!unstarted.thread.isFinished());
     const Camera camera(answerOf("abc"));
-    Download download("a.mp4");
-    QCOMPARE(delayOf([&] { download.thread.stopAndWait(); }), QString());
-    QVERIFY(!download.thread.isRunning());
-    QVERIFY(!download.thread.isFinished());
+    Download ended("a.mp4");
+    QVERIFY(ended.run());
+    QCOMPARE(delayOf([&] { ended.thread.stopAndWait(); }), QString());
+    QVERIFY(ended.thread.isFinished());
 }
 
 BELUN_NETWORK_TEST(DownloadFileThreadTest)
