@@ -66,6 +66,7 @@ private slots:
     void requestNamesTheRecordingAndTheCamera_data();
     void requestNamesTheRecordingAndTheCamera();
     void recordingArrivesByteForByte();
+    void refusedConnectionStillFinishes_data();
     void refusedConnectionStillFinishes();
     void downloadWithoutADescriptorStillFinishes();
     void failureIsPrintedWhileTheDownloadGoesOn();
@@ -168,11 +169,23 @@ void DownloadFileThreadTest::recordingArrivesByteForByte()
     QCOMPARE(camera.errors(), QStringList());
 }
 
+void DownloadFileThreadTest::refusedConnectionStillFinishes_data()
+{
+    QTest::addColumn<bool>("ownThread");
+    QTest::newRow("in its own thread") << true;
+    QTest::newRow("in the calling thread") << false;
+}
+
 void DownloadFileThreadTest::refusedConnectionStillFinishes()
 {
+    QFETCH(bool, ownThread);
     const support::DeadlyPipeSignal deadly; // the request is written to the refused connection
-    Download download("");
-    download.thread.DownloadFile("a.mp4");
+    Download download("a.mp4");
+    if (ownThread) {
+        QVERIFY(download.run());
+    } else {
+        download.thread.DownloadFile("a.mp4");
+    }
     QCOMPARE(download.recorder.finished, 1);
     QCOMPARE(download.recorder.received, QList<qint64>());
     QCOMPARE(download.output.text(), QByteArray("connect failed, return: -1\n"));
