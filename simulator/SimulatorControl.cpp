@@ -92,7 +92,7 @@ void Simulator::changeVersions(const Versions& versions)
 {
     m_controlSettings.versions = versions;
     for (const auto& connection : m_control.connections()) {
-        // A replayed module reports the recorded versions.
+        // Skips the connections of a replayed module, which reports the recorded versions.
         if (auto* const module = dynamic_cast<ModuleConnection*>(connection.get())) {
             module->reportVersions();
         }

@@ -43,7 +43,7 @@ void destroyInTime(Scene& scene)
     QVERIFY2(elapsed < closingLimit, qPrintable(QString::number(elapsed) + " ms"));
 }
 
-/// The program, with its window operated from inside.
+/// The program, linked with code that operates its window.
 class Program : public DrivenProcess
 {
 public:

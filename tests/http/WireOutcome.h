@@ -6,7 +6,7 @@
 
 #include <string>
 
-/// What a client passes from one call to the next.
+/// The response and body that a caller passes from one call to the next.
 struct Record
 {
     HTTPResponse response;

@@ -36,7 +36,7 @@ inline void addConversationsWithPauses(const char* folder)
     addConversations(folder, [](const Conversation& one) { return one.hasPauses(); });
 }
 
-/// Adds the conversations that state a result for a close after any byte.
+/// Adds the conversations that state the result for every position at which the peer may close.
 inline void addConversationsThatMayEnd(const char* folder)
 {
     addConversations(folder, [](const Conversation& one) { return one.mayEndAnywhere(); });

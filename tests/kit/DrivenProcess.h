@@ -8,9 +8,9 @@
 #include <QProcessEnvironment>
 #include <QString>
 
-/// The program as a process, whose window is operated from inside (tests/kit/DrivenProgram.cpp)
-/// through a socket, so that the commands do not use the program's standard streams. A failed step
-/// fails the calling test function.
+/// A process of the program, linked with code that operates its window
+/// (tests/kit/DrivenProgram.cpp) through a socket, so that the commands do not use the program's
+/// standard streams. A failed step fails the calling test function.
 class DrivenProcess
 {
 public:

@@ -35,7 +35,7 @@ def without(rows, *numbers):
 
 
 class ScreenTest(harness.SimulatorTest):
-    """One vehicle and one program for each test, in the language of the class."""
+    """Each test starts its own vehicle and program. Each subclass sets the language."""
 
     texts = None  # set by the class of each language
     maxDiff = None
