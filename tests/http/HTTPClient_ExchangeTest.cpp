@@ -198,6 +198,8 @@ void HTTPClient_ExchangeTest::refusedConnectionFails()
         QCOMPARE(support::openDescriptors(), before + (call.leavesSessionOpen ? 1 : 0));
         QCOMPARE(scene.response.statusCode, 0);
         QCOMPARE(scene.body, std::string("before"));
+        HTTPClient().stopGet(scene.session);
+        QCOMPARE(support::openDescriptors(), before);
     }
 }
 

@@ -76,6 +76,7 @@ private slots:
     void halvesMayBeAppendedToTheLineItself();
 
     void headLineEndsAt102400Bytes();
+    void headWithoutASocketIsEmpty();
     void plainBodyIsReceivedInPiecesOfAtMost10240Bytes();
     void thousandChunksArriveWhole();
 
@@ -182,6 +183,15 @@ void HTTPClient_ResponseTest::headLineEndsAt102400Bytes()
     HTTPResponse response;
     QVERIFY(HTTPClient().readHeader(pair.session, response));
     QVERIFY(response.headers == (HTTPHeaders{{"A", std::string(102397, 'x')}, {"B", "y"}}));
+}
+
+void HTTPClient_ResponseTest::headWithoutASocketIsEmpty()
+{
+    HTTPSession session;
+    HTTPResponse response;
+    QVERIFY(HTTPClient().readHeader(session, response));
+    QCOMPARE(response.statusCode, 0);
+    QVERIFY(response.headers.empty());
 }
 
 void HTTPClient_ResponseTest::plainBodyIsReceivedInPiecesOfAtMost10240Bytes()
