@@ -110,6 +110,7 @@ void CameraTest::everyEndHasItsTrouble_data()
     const QByteArray ok = "HTTP/1.1 200 OK\r\n";
     row("whole", answering(hello), Trouble::None, "hello");
     row("whole without a close", holding(hello), Trouble::None, "hello");
+    row("empty without a close", holding(ok + "Content-Length: 0\r\n\r\n"), Trouble::None);
     row("closed without an answer", answering({}), Trouble::Closed);
     row("closed in the head", answering(hello.left(20)), Trouble::Closed);
     row("closed in the body", answering(hello.chopped(2)), Trouble::Closed, "hel");
