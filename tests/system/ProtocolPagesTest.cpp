@@ -242,11 +242,17 @@ void ProtocolPagesTest::linkPageReceivesAreInterpretedAsStated()
 // --- the camera page
 // --------------------------------------------------------------------------------
 
-/// The page's conversation contains each command of the page's table.
+/// The page's conversation contains each command of the page's table, exactly as the table states
+/// it: an argument is the count or a name of the conversation.
 void ProtocolPagesTest::cameraConversationContainsEveryCommand()
 {
     const QRegularExpression row("^\\| [a-z ]+\\| `(/cgi-bin[^`]*)` *\\|([^|]*)\\|",
                                  QRegularExpression::MultilineOption);
+    const QStringList table = blocks(m_cameraPage, "rows").value(0);
+    QStringList arguments{QString::number(table.size())};
+    for (const QString& line : table) {
+        arguments.append(line.section(", ", 0, 0));
+    }
     QStringList onPage;
     QStringList inConversation;
     for (auto matches = row.globalMatch(m_cameraPage); matches.hasNext();) {
@@ -255,8 +261,11 @@ void ProtocolPagesTest::cameraConversationContainsEveryCommand()
         onPage.append(path);
         for (const Exchange& exchange : exchanges(m_cameraPage)) {
             const QString target = QString::fromUtf8(exchange.target());
-            const bool hasArgument = !match.captured(2).trimmed().isEmpty();
-            if (target.startsWith(path) && (target.size() > path.size()) == hasArgument) {
+            const QString argument = target.mid(path.size());
+            const bool isStated = match.captured(2).trimmed().isEmpty()
+                                      ? argument.isEmpty()
+                                      : arguments.contains(argument);
+            if (target.startsWith(path) && isStated) {
                 inConversation.append(path);
                 break;
             }
