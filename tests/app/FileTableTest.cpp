@@ -129,6 +129,9 @@ void FileTableTest::cellsArePaintedByTheDelegateWithoutFocusFrame()
     const QMetaObject& delegate = *table().itemDelegate()->metaObject();
     QCOMPARE(delegate.className(), "NoFocusDelegate");
     QCOMPARE(delegate.superClass(), &QStyledItemDelegate::staticMetaObject);
+    for (int column = 0; column < table().columnCount(); ++column) {
+        QVERIFY(table().itemDelegateForColumn(column) == nullptr);
+    }
 }
 
 void FileTableTest::selectAllSelectsEveryRow()
