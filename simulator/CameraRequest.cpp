@@ -14,6 +14,7 @@ enum class Argument { None, Appended };
 /// One row of CameraRequests.inc, without the answer.
 struct Row
 {
+    // cppcheck-suppress unusedStructMember; requestKind() reads it
     RequestKind kind;
     std::string_view name;
     std::string_view target;

@@ -20,11 +20,11 @@ enum class Trouble {
     Refused,      ///< the camera refuses the connection
     NoConnection, ///< connecting got no reply within the timeout
     Silent,       ///< connected, but the camera sent nothing for the length of the timeout
-    TooSlow,      ///< a head or the answer to a command took longer than answerPatience timeouts
-    Surplus,      ///< bytes arrived after the end of a recording
-    Closed,       ///< the connection ended before the answer did
-    Status,       ///< the answer's status is not 200
-    TooLong,      ///< the head or the body exceeds its limit
+    TooSlow, ///< a head or a command's answer took longer than answerPatience times the timeout
+    Surplus, ///< bytes arrived after the end of a recording
+    Closed,  ///< the connection ended before the answer did
+    Status,  ///< the answer's status is not 200
+    TooLong, ///< the head or the body exceeds its limit
     NotUnderstood,
 };
 

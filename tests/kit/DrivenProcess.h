@@ -1,4 +1,4 @@
-// Starts the built program and operates it for a test.
+// Starts the program, linked with code that operates its window, and sends it commands.
 #pragma once
 
 #include <QByteArray>

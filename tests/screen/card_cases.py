@@ -46,7 +46,7 @@ class CardCases:
         self.close_program()
 
     def test_consecutive_downloads(self):
-        self.start_all("--rate", "500000")
+        self.start_all("--rate", "250000")  # slow enough to be seen on a busy machine
         self.link_and_browse()
         self.press(self.texts.download)  # with nothing selected
         self.shows()
