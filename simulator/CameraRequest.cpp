@@ -11,19 +11,16 @@ constexpr std::string_view hostPrefix = "http://192.168.1.120";
 
 enum class Argument { None, Appended };
 
-/// One row of CameraRequests.inc, without the answer.
+/// A row of CameraRequests.inc without the answer; its index is the value of the enumerator.
 struct Row
 {
-    // cppcheck-suppress unusedStructMember; requestKind() reads it
-    RequestKind kind;
     std::string_view name;
     std::string_view target;
     Argument argument;
 };
 
 constexpr std::array rows{
-#define REQUEST(enumerator, name, target, argument, answer)                                        \
-    Row{RequestKind::enumerator, name, target, Argument::argument},
+#define REQUEST(enumerator, name, target, argument, answer) Row{name, target, Argument::argument},
 #include "simulator/CameraRequests.inc"
 #undef REQUEST
 };
@@ -62,13 +59,11 @@ std::optional<std::string> requestTarget(std::string_view requestLine)
 RequestKind requestKind(std::string_view target)
 {
     // The last row matches every target, so a row is always found.
-    return std::find_if(rows.begin(), rows.end(),
-                        [target](const Row& each) {
-                            return each.argument == Argument::None
-                                       ? target == each.target
-                                       : startsWith(target, each.target);
-                        })
-        ->kind;
+    const auto found = std::find_if(rows.begin(), rows.end(), [target](const Row& each) {
+        return each.argument == Argument::None ? target == each.target
+                                               : startsWith(target, each.target);
+    });
+    return static_cast<RequestKind>(found - rows.begin());
 }
 
 std::string_view requestArgument(RequestKind kind, std::string_view target)

@@ -24,18 +24,14 @@ using support::allBytes;
 using support::Conversation;
 using support::Delivery;
 using support::Exchange;
+using support::inQuotes;
 
 namespace {
-
-std::string quoted(const std::string& bytes)
-{
-    return '"' + support::shortened(bytes) + '"';
-}
 
 std::string countIn(const char* answer)
 {
     const auto text = card::textBetween(answer, card::countStart, card::valueEnd);
-    return text ? quoted(std::string(*text)) : "none";
+    return text ? inQuotes(std::string(*text)) : "none";
 }
 
 std::string namesIn(const char* answer)
@@ -44,7 +40,7 @@ std::string namesIn(const char* answer)
     card::FileListWalk walk(answer);
     while (const auto entry = walk.next()) {
         names += names.empty() ? "" : " ";
-        names += entry->name ? quoted(std::string(*entry->name)) : "-";
+        names += entry->name ? inQuotes(std::string(*entry->name)) : "-";
     }
     return names.empty() ? "no entry" : names;
 }
@@ -52,8 +48,8 @@ std::string namesIn(const char* answer)
 std::string detailsIn(const char* answer)
 {
     const card::FileInfoText texts = card::readFileInfo(answer);
-    return quoted(texts.date.toStdString()) + ' ' + quoted(texts.size.toStdString()) + ' ' +
-           quoted(texts.duration.toStdString());
+    return inQuotes(texts.date.toStdString()) + ' ' + inQuotes(texts.size.toStdString()) + ' ' +
+           inQuotes(texts.duration.toStdString());
 }
 
 /// Receives an answer of the announced length, or without a length if `announced` is 0, and returns

@@ -12,11 +12,6 @@ using support::Peer;
 
 namespace {
 
-std::string quoted(const QByteArray& bytes)
-{
-    return '"' + support::shortened(bytes.toStdString()) + '"';
-}
-
 std::string progressOf(const DownloadRecorder& recorder)
 {
     std::string text = " progress=";
@@ -101,7 +96,7 @@ std::string played(const Exchange& exchange, const std::vector<std::string>& pie
         text += progressOf(download.recorder);
     }
     const QByteArray printed = download.output.text();
-    text += printed.isEmpty() ? "" : " prints=" + quoted(printed);
+    text += printed.isEmpty() ? "" : " prints=" + support::inQuotes(printed.toStdString());
     text += text.empty() ? "" : " ";
-    return text + (saved ? quoted(file.readAll()) : "no file");
+    return text + (saved ? support::inQuotes(file.readAll().toStdString()) : "no file");
 }

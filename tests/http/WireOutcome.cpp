@@ -12,14 +12,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+using support::inQuotes;
 using support::shortened;
 
 namespace {
-
-std::string inQuotes(const std::string& bytes)
-{
-    return bytes.empty() ? "" : "\"" + shortened(bytes) + "\"";
-}
 
 std::string receivedByNow(int descriptor)
 {
@@ -131,7 +127,7 @@ Outcome readFrom(const std::string& call, Record& record, const support::Deliver
     const std::string stopped = sender.readerHadToBeStopped() ? "NEVER RETURNED, then " : "";
     const std::string unread = receivedByNow(kept) + unsent;
     ::close(kept);
-    return {stopped + text, inQuotes(unread)};
+    return {stopped + text, unread.empty() ? "" : inQuotes(unread)};
 }
 
 std::string readFromFailing(const std::string& call, Record& record, const std::string& bytes)

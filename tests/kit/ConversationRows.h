@@ -10,20 +10,26 @@ Q_DECLARE_METATYPE(support::Conversation)
 
 namespace support {
 
-/// Adds a column "conversation" and a row for each conversation that fits, from the files in a
-/// folder of tests/data/conversations.
+/// Adds a column "conversation" and a row for each conversation that fits. An error in the
+/// conversations fails the test.
 template <class Fits>
-void addConversations(const char* folder, const Fits& fits)
+void addRows(const Conversations& conversations, const Fits& fits)
 {
     QTest::addColumn<Conversation>("conversation");
-    const QString path = dataPath(QStringLiteral("conversations/") + QLatin1String(folder));
-    const Conversations conversations = readConversations(path.toStdString());
     QVERIFY2(conversations.error.empty(), conversations.error.c_str());
     for (const Conversation& conversation : conversations.all) {
         if (fits(conversation)) {
             QTest::newRow(conversation.name.c_str()) << conversation;
         }
     }
+}
+
+/// Adds the conversations that fit, from the files in a folder of tests/data/conversations.
+template <class Fits>
+void addConversations(const char* folder, const Fits& fits)
+{
+    const QString path = dataPath(QStringLiteral("conversations/") + QLatin1String(folder));
+    addRows(readConversations(path.toStdString()), fits);
 }
 
 /// Adds the conversations that are played with every cut, and those that state their own cuts.

@@ -93,4 +93,9 @@ std::string shortened(const std::string& bytes)
     return result;
 }
 
+std::string inQuotes(const std::string& bytes)
+{
+    return '"' + shortened(bytes) + '"';
+}
+
 } // namespace support

@@ -45,4 +45,7 @@ std::string printable(const std::string& bytes);
 /// Like printable(); in addition, a run of a hundred characters or more is written as "\(100 x)".
 std::string shortened(const std::string& bytes);
 
+/// Returns the shortened bytes in quotes.
+std::string inQuotes(const std::string& bytes);
+
 } // namespace support

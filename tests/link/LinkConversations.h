@@ -21,17 +21,12 @@
 // that receive ends there.
 #pragma once
 
-#include "tests/kit/ConversationFile.h"
+#include "tests/kit/ConversationRows.h"
 
 #include <string>
 
-#include <QByteArray>
-#include <QTest>
-
-Q_DECLARE_METATYPE(support::Conversation)
-
 /// Returns the conversations whose first call begins with the word, with their bytes decoded, or an
-/// error.
+/// error. The page must contain conversations with both modules.
 support::Conversations linkConversations(const std::string& client);
 
 /// Returns the number in "after 6 ticks", or 0.
@@ -41,12 +36,7 @@ int ticksOf(const support::Exchange& exchange);
 /// results with `|` if `mayEndAnywhere` is true, otherwise those that state none.
 inline void addConversations(const std::string& client, bool mayEndAnywhere = false)
 {
-    QTest::addColumn<support::Conversation>("conversation");
-    const support::Conversations conversations = linkConversations(client);
-    QVERIFY2(conversations.error.empty(), conversations.error.c_str());
-    for (const support::Conversation& conversation : conversations.all) {
-        if (conversation.mayEndAnywhere() == mayEndAnywhere) {
-            QTest::newRow(conversation.name.c_str()) << conversation;
-        }
-    }
+    support::addRows(linkConversations(client), [&](const support::Conversation& conversation) {
+        return conversation.mayEndAnywhere() == mayEndAnywhere;
+    });
 }
