@@ -74,3 +74,9 @@ installPackages()
 {
     [[ ${given[--no-install]} ]] || tools/install-packages "$@" || exit
 }
+
+# Prints the number of tests to run in parallel: --jobs, or two per processor, because tests mostly wait.
+testJobs()
+{
+    echo "${given[--jobs]:-$((2 * $(nproc)))}"
+}

@@ -1,6 +1,7 @@
-# Compiles every header by itself, included twice, with only its own library's dependencies: it must
-# include what it needs, have an include guard, and use no more of Qt than its library may. There is
-# nothing to run; the test app.Headers only checks that no header is missing here.
+# Compiles every header that no source includes first by itself, included twice, with only its own
+# library's dependencies: it must include what it needs, and use no more of Qt than its library may.
+# The other headers are proved by their sources, X.h by X.cpp; the test app.Headers checks that no
+# header is missing.
 function(check_headers library)
   foreach(header ${ARGN})
     string(MAKE_C_IDENTIFIER "${header}" name)
@@ -13,38 +14,11 @@ function(check_headers library)
   set(checked_headers ${checked_headers} ${ARGN} PARENT_SCOPE)
 endfunction()
 
-check_headers(posix
-  posix/LeadingNumber.h posix/PipeSignalBlock.h posix/StandardStreams.h
-  posix/StoppableCalls.h posix/Worker.h)
-check_headers(http
-  http/HTTPClient.h http/HTTPRecords.h http/HTTPSession.h)
-check_headers(link
-  link/ControlClientThread.h link/GroundClientThread.h link/ModuleClientThread.h
-  link/ModuleSocket.h link/ReceiveLoop.h link/VehicleFrame.h link/VersionText.h)
-check_headers(card
-  card/CardAnswers.h card/CardCommands.h card/FileInfoText.h card/NameTable.h
-  card/NumberText.h card/SelectionRecord.h)
-check_headers(cardwidgets
-  card/FileTable.h card/NoFocusDelegate.h)
-check_headers(download
-  download/DownloadFileThread.h download/DownloadRequest.h download/LocalFile.h
-  download/RecordingDownload.h download/ResponseHead.h download/resp_header.h)
-check_headers(verify
-  verify/AnswerReader.h verify/ByteComparison.h verify/Camera.h verify/CardReader.h verify/Comparison.h verify/Console.h
-  verify/Json.h verify/Judgement.h verify/Language.h verify/LocalFolder.h verify/Numbers.h
-  verify/Options.h verify/ShownText.h verify/Texts.h)
-check_headers(app
-  app/CutTextTip.h app/MainWindow.h app/ProcessSetup.h)
+check_headers(posix posix/LeadingNumber.h posix/Worker.h)
+check_headers(http http/HTTPClient.h http/HTTPRecords.h)
+check_headers(download download/resp_header.h)
 # The simulator is one program: its headers need no library.
-check_headers(project_options
-  simulator/AnswerBytes.h simulator/CameraAnswers.h simulator/CameraConnection.h
-  simulator/CameraRequest.h simulator/Card.h simulator/Clock.h simulator/Connection.h
-  simulator/Content.h simulator/ControlLines.h simulator/ControlSocket.h simulator/Device.h
-  simulator/Fault.h simulator/FaultListing.h simulator/FaultTable.h simulator/FileDescriptor.h
-  simulator/Journal.h simulator/LineReader.h simulator/Listener.h simulator/ModuleConnection.h
-  simulator/Mp4Duration.h simulator/Occasion.h simulator/Options.h simulator/Outbox.h
-  simulator/PrivateNetwork.h simulator/RecordedRun.h simulator/Replay.h simulator/SampleCard.h
-  simulator/Scenario.h simulator/Simulator.h simulator/TcpStream.h simulator/Text.h)
+check_headers(project_options simulator/Clock.h simulator/FileDescriptor.h simulator/LineReader.h)
 
 add_test(NAME app.Headers
   COMMAND ${CMAKE_COMMAND} "-DROOT=${PROJECT_SOURCE_DIR}" "-DCHECKED=${checked_headers}"

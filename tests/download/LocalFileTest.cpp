@@ -33,7 +33,7 @@ fs::path inHome(const QByteArray& path)
     return fs::path(QDir::homePath().toStdString()) / path.toStdString();
 }
 
-QByteArray contentOf(const QByteArray& path)
+QByteArray contentInHome(const QByteArray& path)
 {
     std::ifstream file(inHome(path), std::ios::binary);
     return QByteArray::fromStdString(std::string(std::istreambuf_iterator<char>(file), {}));
@@ -86,7 +86,7 @@ Entries homeEntries()
             entries.append(name + " -> " + fs::read_symlink(entry).c_str());
             break;
         case fs::file_type::regular:
-            entries.append(name + ": " + contentOf(name));
+            entries.append(name + ": " + contentInHome(name));
             break;
         default:
             entries.append(name + (entry.is_fifo() ? '|' : '='));
@@ -384,7 +384,7 @@ void LocalFileTest::failedDownloadLeavesAnExistingFileAlone()
     Download download("a.mp4");
     QVERIFY(download.run());
     QCOMPARE(download.output.text(), QByteArray("connect failed, return: -1\n"));
-    QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("old"));
+    QCOMPARE(contentInHome("Desktop/DCIM/a.mp4"), QByteArray("old"));
 }
 
 void LocalFileTest::openingAFileUnderALeaseWaits()
@@ -392,11 +392,11 @@ void LocalFileTest::openingAFileUnderALeaseWaits()
     LeasedDownload leased;
     QVERIFY(leased.startsToWait());
     QCOMPARE(leased.download.recorder.finished, 0);
-    QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("old"));
+    QCOMPARE(contentInHome("Desktop/DCIM/a.mp4"), QByteArray("old"));
     leased.lease.giveUp();
     QVERIFY(leased.download.waitUntilFinished());
     QCOMPARE(leased.download.output.text(), QByteArray());
-    QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("new content"));
+    QCOMPARE(contentInHome("Desktop/DCIM/a.mp4"), QByteArray("new content"));
 }
 
 void LocalFileTest::stopEndsTheWaitForALease_data()
@@ -414,7 +414,7 @@ void LocalFileTest::stopEndsTheWaitForALease()
     QVERIFY(leased.startsToWait());
     QCOMPARE(delayOf([&] { leased.download.thread.stopAndWait(); }), QString());
     QCOMPARE(leased.download.output.text(), QByteArray());
-    QCOMPARE(contentOf("Desktop/DCIM/a.mp4"), QByteArray("old"));
+    QCOMPARE(contentInHome("Desktop/DCIM/a.mp4"), QByteArray("old"));
 }
 
 BELUN_NETWORK_TEST(LocalFileTest)

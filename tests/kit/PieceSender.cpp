@@ -13,7 +13,7 @@ namespace support {
 
 namespace {
 
-constexpr std::chrono::seconds patience{5};
+constexpr std::chrono::seconds readingLimit{5};
 
 } // namespace
 
@@ -32,7 +32,7 @@ std::string PieceSender::finish()
 
 void PieceSender::run()
 {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto deadline = std::chrono::steady_clock::now() + readingLimit;
     const auto waitUntil = [this, deadline](auto&& condition) {
         while (!m_readerReturned && std::chrono::steady_clock::now() < deadline) {
             if (condition()) {

@@ -1,5 +1,5 @@
-// Headers that nearly every test includes, compiled once per test program. Kept small, because
-// every file reads it.
+// Headers that nearly every test includes, compiled once for the programs with Widgets and once for
+// those without.
 #pragma once
 
 #include <functional>

@@ -1,9 +1,14 @@
-// Exceptions that end a script early.
+// How long a script waits, and the exceptions that end it early.
 #pragma once
+
+#include <chrono>
 
 #include <QString>
 
 namespace support {
+
+constexpr std::chrono::seconds patience{5};
+constexpr int step = 5; // milliseconds between checks of the stop flag
 
 /// Thrown if a wait times out, the client closes too early or sending fails.
 struct ScriptFailed

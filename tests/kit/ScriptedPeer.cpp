@@ -15,14 +15,7 @@
 
 namespace support {
 
-namespace {
-
 using Clock = std::chrono::steady_clock;
-
-constexpr std::chrono::seconds patience{5};
-constexpr int step = 5; // milliseconds between checks of the stop flag
-
-} // namespace
 
 Peer::Peer(int descriptor, int number, const std::atomic<bool>& stopping)
     : m_descriptor(descriptor), m_number(number), m_stopping(stopping)

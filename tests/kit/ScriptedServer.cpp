@@ -25,9 +25,7 @@ namespace support {
 
 namespace {
 
-constexpr std::chrono::seconds patience{5};
 constexpr int queueLength = 64;
-constexpr int step = 5; // milliseconds between checks of the stop flag
 
 } // namespace
 

@@ -8,7 +8,7 @@
 #include "tests/kit/StdoutCapture.h"
 #include "tests/kit/TcpTable.h"
 #include "tests/kit/TestMain.h"
-#include "tests/kit/TimeFactor.h"
+#include "tests/link/Link.h"
 
 #include <array>
 #include <atomic>
@@ -30,7 +30,6 @@ namespace {
 
 constexpr char host[] = "127.0.0.1";
 constexpr quint16 closedPort = 45679;
-const int stopLimit = 500 * support::timeFactor(); // milliseconds
 
 /// Returns the first IPv4 socket of this process that neither listens nor is connected, or -1.
 int unconnectedSocket()

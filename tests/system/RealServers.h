@@ -16,6 +16,8 @@
 
 Q_DECLARE_METATYPE(RealServer::Kind)
 
+constexpr int waitLimit = 10000; // milliseconds to wait for a server's answer
+
 /// One server of each kind, at 127.0.0.1 and the ports from 8081 on.
 class RealServers
 {

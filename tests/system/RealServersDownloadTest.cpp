@@ -10,12 +10,6 @@
 #include <QFile>
 #include <QSignalSpy>
 
-namespace {
-
-constexpr int waitLimit = 10000; // milliseconds
-
-} // namespace
-
 class RealServersDownloadTest : public QObject
 {
     Q_OBJECT

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int waitLimit = 10000; // milliseconds
-
 /// A CGI program for queries such as "with-length&NAME": sends the file NAME from its own folder,
 /// and announces the length of the file only if the query begins with "with-length".
 constexpr char sendingProgram[] = R"(#!/usr/bin/python3

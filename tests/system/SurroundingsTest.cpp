@@ -45,6 +45,8 @@ QByteArray openOn(qint64 process, int descriptor)
     return size < 0 ? QByteArray("closed") : QByteArray(target.data(), static_cast<int>(size));
 }
 
+} // namespace
+
 /// The devices, a proxy that must not be used, and the program.
 struct Scene
 {
@@ -62,8 +64,6 @@ struct Scene
 
     QString path(const QString& name) const { return folder.filePath(name); }
 };
-
-} // namespace
 
 class SurroundingsTest : public QObject
 {

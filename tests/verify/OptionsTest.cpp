@@ -5,7 +5,6 @@
 
 using verify::Options;
 using verify::WrongOption;
-using Kind = WrongOption::Kind;
 
 Q_DECLARE_METATYPE(WrongOption::Kind)
 Q_DECLARE_METATYPE(std::vector<std::string>)
@@ -65,6 +64,7 @@ void OptionsTest::namesAreTakenAsTheyAre()
 
 void OptionsTest::wrongOnesAreRefused_data()
 {
+    using Kind = WrongOption::Kind;
     const support::Rows<std::vector<std::string>, Kind, QString> row("arguments", "kind", "option");
     row("unknown", {"--contents"}, Kind::Unknown, "--contents");
     row("unknown with a value", {"--x=1"}, Kind::Unknown, "--x=1");
