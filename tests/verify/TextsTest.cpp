@@ -257,7 +257,10 @@ void TextsTest::progressShowsRateAndTimeLeft()
     QCOMPARE(texts.progress(advance, 10), std::string("3/200 A.MP4: 25 %, 100.0 MB/s, 00:30 left"));
     QCOMPARE(texts.progress(advance, 1300),
              std::string("3/200 A.MP4: 25 %, 0.8 MB/s, 1:05:00 left"));
-    advance.bytes = advance.total = 0;
+    advance.bytes = 0;
+    advance.total = 1;
+    QCOMPARE(texts.progress(advance, 1), std::string("3/200 A.MP4: 0 %"));
+    advance.total = 0;
     QCOMPARE(texts.progress(advance, 1), std::string("3/200 A.MP4: 100 %"));
 }
 

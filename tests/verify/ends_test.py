@@ -147,10 +147,11 @@ class Ends(VerifyTest):
              "belun-verify: No content of A.MP4: the camera sent nothing for 1 s.\n"),
             self.end(process))
 
-    def on_terminal(self, *arguments, typed=b""):
+    def on_terminal(self, *arguments, typed=b"", columns=80):
         """Returns the output on a terminal that is used for all three streams, and the status."""
         master, slave = pty.openpty()
         self.addCleanup(os.close, master)
+        fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
         process = self.run_(*arguments, stdin=slave, stdout=slave, stderr=slave)
         os.close(slave)
         shown = b""
@@ -171,11 +172,21 @@ class Ends(VerifyTest):
         self.start_large("--rate", "20000000")
         shown, status = self.on_terminal("--content")
         self.assertEqual(0, status)
+        self.assertTrue(shown.startswith("\r\x1b[KCounting the recordings\r"), shown[:100])
         self.assertRegex(shown, r"\r\x1b\[K1/1 A\.MP4: \d+ %, \d+\.\d MB/s, 00:0\d left")
         rest = re.sub(r"\r\x1b\[K[^\r\n]*(?=\r\x1b\[K)", "", shown)
         self.assertEqual(f"\r\x1b[KA.MP4: the same, byte for byte ({SIZE:,} bytes)",
                          rest.split("\n")[0])
         self.assertTrue(shown.endswith("the same, byte for byte.\n"), shown[-200:])
+
+    def test_progress_is_narrower_than_the_terminal(self):
+        self.start("--fault", "entries=0")
+        for columns in (24, 23):
+            with self.subTest(columns=columns):
+                shown, status = self.on_terminal(columns=columns)
+                self.assertEqual(0, status)
+                text = "Counting the recordings"[:columns - 1]
+                self.assertTrue(shown.startswith(f"\r\x1b[K{text}\r"), shown[:100])
 
     def test_nothing_but_a_terminal_gets_progress(self):
         self.start_large("--rate", "40000000")
