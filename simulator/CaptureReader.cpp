@@ -4,6 +4,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <tuple>
 
 #include <pcap/pcap.h>
@@ -158,6 +159,8 @@ private:
     struct Connection
     {
         int number = 0;
+        std::optional<std::uint32_t> start; ///< sequence number of the client's first byte
+        bool wasReset = false;              ///< what follows is repeated, or came too late
         TcpStream received;
         TcpStream sent;
     };
@@ -189,6 +192,22 @@ private:
         m_connections.erase(known);
     }
 
+    const Connection* find(const Key& key) const
+    {
+        const auto known = m_connections.find(key);
+        return known != m_connections.end() ? &known->second : nullptr;
+    }
+
+    /// Forgets an earlier connection from the same port. A connection that starts with this byte of
+    /// the client is the same one, whose opening was sent or captured again.
+    void forgetUnlessItStartsAt(std::uint32_t sequence, const Key& key)
+    {
+        const Connection* const known = find(key);
+        if (known && known->start != sequence) {
+            forget(key);
+        }
+    }
+
     /// Returns the connection with this key. Adds it if it is unknown: it may have been opened
     /// before the capture began.
     Connection& open(const Key& key, Microseconds time)
@@ -204,14 +223,18 @@ private:
     void fromClient(const Key& key, const Segment& segment)
     {
         if (segment.syn()) {
-            forget(key); // an earlier connection from the same port
+            forgetUnlessItStartsAt(segment.sequence + 1, key);
             return;
         }
-        if (segment.reset() || (segment.size == 0 && m_connections.count(key) == 0)) {
-            forget(key);
+        const Connection* const known = find(key);
+        if (known ? known->wasReset : segment.size == 0 || segment.reset()) {
             return;
         }
         Connection& connection = open(key, segment.time);
+        if (segment.reset()) {
+            connection.wasReset = true;
+            return;
+        }
         if (segment.acknowledges()) {
             noteBytes(Kind::Sent, key, connection, segment.time,
                       connection.sent.acknowledged(segment.acknowledgement));
@@ -226,12 +249,17 @@ private:
     void fromDevice(const Key& key, const Segment& segment)
     {
         if (segment.syn()) {
-            Connection& connection = open(key, segment.time);
-            connection.sent.begin(segment.sequence + 1);
-            connection.received.begin(segment.acknowledgement);
+            forgetUnlessItStartsAt(segment.acknowledgement, key);
+            if (!find(key)) {
+                Connection& connection = open(key, segment.time);
+                connection.start = segment.acknowledgement;
+                connection.sent.begin(segment.sequence + 1);
+                connection.received.begin(segment.acknowledgement);
+            }
             return;
         }
-        if (m_connections.count(key) == 0 && segment.size == 0) {
+        const Connection* const known = find(key);
+        if (known ? known->wasReset : segment.size == 0) {
             return; // nothing to record: a refusal, or the end of an earlier connection
         }
         Connection& connection = open(key, segment.time);
@@ -243,7 +271,7 @@ private:
                   connection.sent.add(segment.sequence, segment.captured, segment.size));
         if (segment.reset()) {
             note(Kind::Reset, key, connection, segment.time);
-            forget(key);
+            connection.wasReset = true;
         } else if (segment.fin() && connection.sent.end(segment.sequence + segment.size)) {
             note(Kind::HalfClose, key, connection, segment.time);
         }

@@ -32,7 +32,8 @@ class Capture:
             if self.socket in ready:
                 data, address = self.socket.recvfrom(262144)
                 if address[2] != self.OUTGOING:  # each packet also appears as outgoing
-                    self.packets.append((time.time(), data))
+                    # Unlike the time of day, this clock never jumps: replays keep the distances.
+                    self.packets.append((time.monotonic(), data))
             elif self.ending in ready:
                 return
 
@@ -43,6 +44,19 @@ class Capture:
         os.close(self.end)
         os.close(self.ending)
         return self.packets
+
+
+FIN, SYN, RST, ACK = 1, 2, 4, 16
+
+
+def segment(source, target, flags, sequence, acknowledgement, data=b""):
+    """Returns an Ethernet packet with one TCP segment. source, target: (host, port). The checksums
+    are 0."""
+    tcp = struct.pack("!HHIIBBHHH", source[1], target[1], sequence, acknowledgement, 5 << 4, flags,
+                      65535, 0, 0) + data
+    ip = struct.pack("!BBHHHBBH", 0x45, 0, 20 + len(tcp), 0, 0, 64, socket.IPPROTO_TCP, 0)
+    return (bytes(12) + b"\x08\x00" + ip + socket.inet_aton(source[0])
+            + socket.inet_aton(target[0]) + tcp)
 
 
 def write(path, packets, snap=262144, kind=ETHERNET):

@@ -1,5 +1,6 @@
 """Tests recording a run, as a journal or as packets, and replaying it."""
 
+import contextlib
 import os
 import subprocess
 import sys
@@ -33,6 +34,11 @@ class RecordingTest(SimulatorTest):
 
     def path(self, name="capture"):
         return os.path.join(self.folder, name)
+
+    def skip_without_captures(self):
+        packets.write(self.path("none"), [])
+        if "reads no packet captures" in self.refused(1, "--replay", self.path("none")):
+            self.skipTest("this build reads no packet captures")
 
     def messages_of_replay(self, path):
         """Returns the messages of a replay without a client."""
@@ -165,14 +171,98 @@ class JournalTest(RecordingTest):
         self.switch("drop camera")
 
 
+class PacketOrderTest(RecordingTest):
+    """Tests with packets made here, in orders that a network or a capture can cause."""
+
+    def setUp(self):
+        super().setUp()
+        self.skip_without_captures()
+
+    @staticmethod
+    def connection(port, last, start=1000):
+        """Returns the packets of a connection to the ground module. last: the module's last packet,
+        FIN or RST. start: the client's first sequence number. The module's numbers wrap around."""
+        client, module_start = ("192.168.1.2", port), 2 ** 32 - 7
+
+        def sent(flags, sequence, data=b""):
+            return packets.segment(GROUND, client, flags | packets.ACK,
+                                   (module_start + sequence) % 2 ** 32, start + 1, data)
+
+        def received(flags, sequence, acknowledged=0):
+            return packets.segment(client, GROUND, flags, start + sequence,
+                                   (module_start + acknowledged) % 2 ** 32)
+
+        opening = [received(packets.SYN, 0), sent(packets.SYN, 0), received(packets.ACK, 1, 1)]
+        data = [sent(0, 1, b"first "), received(packets.ACK, 1, 7),
+                sent(0, 7, b"second"), received(packets.ACK, 1, 13)]
+        if last == packets.RST:
+            return [*opening, *data, sent(packets.RST, 13)]
+        return [*opening, *data, sent(packets.FIN, 13), received(packets.ACK, 1, 14),
+                received(packets.FIN | packets.ACK, 1, 14), sent(0, 14)]
+
+    def replay_connections(self, connections, expected):
+        """Replays the connections; each must send the bytes and end as expected."""
+        packets.write(self.path(), [(1000, packet) for each in connections for packet in each])
+        self.assertEqual("", self.messages_of_replay(self.path()))
+        self.start("--replay", self.path())
+        for number, end in enumerate(expected, start=1):
+            with contextlib.suppress(ConnectionResetError):
+                peer = self.peer(GROUND)
+                peer.rest()
+                peer.close()
+            # The journal, because a reset may come before the client has received anything.
+            closed = self.eventually(
+                lambda number=number: self.journal(connection=number, event="close"),
+                f"the end of connection {number}")
+            self.assertEqual(end, closed[0].get("how", closed[0]["by"]), f"connection {number}")
+            sent = [bytes.fromhex(line["bytes"])
+                    for line in self.journal(connection=number, event="sent")]
+            self.assertEqual(b"first second", b"".join(sent), f"connection {number}")
+        self.end()
+
+    def test_each_packet_may_come_again_after_later_ones(self):
+        for last, end in ((packets.FIN, "peer"), (packets.RST, "reset")):
+            for distance in (0, 1, 2, 20):
+                with self.subTest(end=end, distance=distance):
+                    connections = []
+                    for late in range(len(self.connection(0, last))):
+                        order = self.connection(40000 + late, last)
+                        order.insert(late + 1 + distance, order[late])
+                        connections.append(order)
+                    self.replay_connections(connections, [end] * len(connections))
+
+    def test_port_may_be_used_again(self):
+        self.replay_connections(
+            [self.connection(40000, last, start)
+             for last, start in ((packets.RST, 1000), (packets.FIN, 2000), (packets.RST, 3000))],
+            ["reset", "peer", "reset"])
+
+    def test_opening_may_be_missing(self):
+        for missing in (0, 1):
+            connections = [self.connection(40000, packets.RST, start) for start in (1000, 2000)]
+            for each in connections:
+                del each[missing]
+            with self.subTest(missing=missing):
+                self.replay_connections(connections, ["reset", "reset"])
+
+    def test_packet_after_a_reset_by_the_client_opens_no_connection(self):
+        first = self.connection(40000, packets.RST)
+        first[-1] = packets.segment(("192.168.1.2", 40000), GROUND, packets.RST, 1001, 0)
+        run = [*first, first[3], *self.connection(40001, packets.FIN)]
+        packets.write(self.path(), [(1000, packet) for packet in run])
+        self.start("--replay", self.path())
+        for _ in range(2):
+            peer = self.peer(GROUND)
+            self.assertEqual(b"first second", peer.exactly(12))
+            peer.close()
+
+
 class CaptureTest(RecordingTest):
     """Tests with captured packets, skipped without the permission to capture."""
 
     def capture(self):
         """Records a run; returns what a client received, and the packets."""
-        packets.write(self.path("none"), [])
-        if "reads no packet captures" in self.refused(1, "--replay", self.path("none")):
-            self.skipTest("this build reads no packet captures")
+        self.skip_without_captures()
         try:
             capture = packets.Capture()
         except PermissionError:
