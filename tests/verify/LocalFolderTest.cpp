@@ -28,6 +28,7 @@ private slots:
     void init();
     void fileIsOpenedWithItsSize();
     void fileIsReadToItsEnd();
+    void readErrorIsKept();
     void bytesFromTheDiskAreTheSame();
     void nothingButAFileIsOpened_data();
     void nothingButAFileIsOpened();
@@ -77,6 +78,16 @@ void LocalFolderTest::fileIsReadToItsEnd()
     QCOMPARE(QByteArray(bytes), QByteArray("hello"));
     QCOMPARE(int(file.read(bytes, 1)), 0);
     QCOMPARE(file.error(), 0);
+}
+
+void LocalFolderTest::readErrorIsKept()
+{
+    // Nothing is mapped at address 0, so reading the first byte of the memory fails.
+    LocalFile file = LocalFolder("/proc/self").open("mem");
+    QCOMPARE(file.state(), LocalFile::State::Open);
+    char byte = 0;
+    QCOMPARE(int(file.read(&byte, 1)), 0);
+    QCOMPARE(file.error(), EIO);
 }
 
 void LocalFolderTest::bytesFromTheDiskAreTheSame()
