@@ -133,10 +133,13 @@ class ScreenTest(harness.SimulatorTest):
     def selects(self, rows):
         self.wait_until(f"selected rows {rows}", lambda: self.selected_rows() == rows)
         cells = [item for item in self.window.items() if item.role == "table cell"]
-        self.wait_until(f"the colour of selected rows {rows}", lambda: [
-            row for row in range(len(cells) // 4)
-            if screen.look().pixel(cells[4 * row + 3].box[2] - 3, cells[4 * row].box[1] + 3)
-            == BLUE] == rows)
+        points = [(cells[row + 3].box[2] - 3, cells[row].box[1] + 3)
+                  for row in range(0, len(cells), 4)]
+
+        def blue_rows():
+            shot = screen.look()
+            return [row for row, point in enumerate(points) if shot.pixel(*point) == BLUE]
+        self.wait_until(f"the colour of selected rows {rows}", lambda: blue_rows() == rows)
 
     def focus_is_on(self, role, name):
         self.wait_until(f"the keyboard focus on {role} {name}", lambda: [
