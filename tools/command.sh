@@ -75,8 +75,11 @@ installPackages()
     [[ ${given[--no-install]} ]] || tools/install-packages "$@" || exit
 }
 
-# Prints the number of tests to run in parallel: --jobs, or two per processor, because tests mostly wait.
+# Prints the number of tests of a preset to run in parallel: --jobs, or three per processor, because tests
+# mostly wait; with a sanitizer, which makes them compute more, two.
 testJobs()
 {
-    echo "${given[--jobs]:-$((2 * $(nproc)))}"
+    local each=3
+    [[ $1 != asan && $1 != tsan ]] || each=2
+    echo "${given[--jobs]:-$((each * $(nproc)))}"
 }
