@@ -1,10 +1,11 @@
-// Simulates programs that do not ignore SIGPIPE, and counts threads that block it.
+// Simulates programs that do not ignore SIGPIPE, and finds threads that block it.
 #pragma once
 
 #include <csignal>
 
 #include <QDir>
 #include <QFile>
+#include <QSet>
 #include <QString>
 
 namespace support {
@@ -22,11 +23,19 @@ private:
     void (*m_before)(int);
 };
 
-/// Returns how many threads of this process block SIGPIPE. A thread that is being created may count
-/// briefly; a sanitizer's own thread always counts.
-inline int threadsWithoutPipeSignal()
+/// Returns whether the calling thread blocks SIGPIPE.
+inline bool thisThreadBlocksPipeSignal()
 {
-    int count = 0;
+    sigset_t blocked;
+    ::pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+    return ::sigismember(&blocked, SIGPIPE) == 1;
+}
+
+/// Returns the ids of the threads of this process that block SIGPIPE. A thread that is being
+/// created or has just ended may be among them; a sanitizer's own thread always is.
+inline QSet<QString> threadsThatBlockPipeSignal()
+{
+    QSet<QString> threads;
     const QDir tasks(QStringLiteral("/proc/self/task"));
     for (const QString& task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         QFile status(tasks.filePath(task + QStringLiteral("/status")));
@@ -34,13 +43,13 @@ inline int threadsWithoutPipeSignal()
             continue; // the thread has ended
         }
         for (const QByteArray& line : status.readAll().split('\n')) {
-            if (line.startsWith("SigBlk:")) {
-                const quint64 blocked = line.mid(7).trimmed().toULongLong(nullptr, 16);
-                count += (blocked >> (SIGPIPE - 1)) & 1U ? 1 : 0;
+            if (line.startsWith("SigBlk:") &&
+                ((line.mid(7).trimmed().toULongLong(nullptr, 16) >> (SIGPIPE - 1)) & 1U) != 0) {
+                threads.insert(task);
             }
         }
     }
-    return count;
+    return threads;
 }
 
 } // namespace support
