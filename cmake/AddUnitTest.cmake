@@ -21,7 +21,7 @@ math(EXPR BELUN_TIMEOUT_system "300 * ${BELUN_TIME_FACTOR}")
 
 # Sets the properties common to all tests. Windows are drawn offscreen; time zone and locale are
 # fixed so that dates and messages are the same everywhere.
-function(_belun_set_test_properties name label network)
+function(belun_set_test_properties name label network)
   set(labels ${label})
   if(network)
     list(APPEND labels network)
@@ -35,7 +35,7 @@ endfunction()
 # With GCC, a test program uses a precompiled header, which it shares with the others of its kind, and
 # is compiled in groups of eight files; this halves the time of a build. Clang compiles every file by
 # itself, so that missing includes are found.
-function(_belun_compile_together target precompiled)
+function(belun_compile_together target precompiled)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_precompile_headers(${target} REUSE_FROM ${precompiled})
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
@@ -59,7 +59,7 @@ function(add_test_program folder)
     set(precompiled precompiled)
   endif()
   target_link_libraries(${target} PRIVATE ${precompiled} test_kit ${arg_LIBRARIES})
-  _belun_compile_together(${target} ${precompiled})
+  belun_compile_together(${target} ${precompiled})
 endfunction()
 
 # add_unit_test(NAME link.VehicleFrame LABEL unit [PRIVATE_NETWORK])
@@ -77,7 +77,7 @@ function(add_unit_test)
     list(PREPEND command ${BELUN_PRIVATE_NETWORK})
   endif()
   add_test(NAME ${arg_NAME} COMMAND ${command})
-  _belun_set_test_properties(${arg_NAME} ${arg_LABEL} "${arg_PRIVATE_NETWORK}")
+  belun_set_test_properties(${arg_NAME} ${arg_LABEL} "${arg_PRIVATE_NETWORK}")
 endfunction()
 
 # add_private_network_test(NAME system.Demo COMMAND <command line>)
@@ -85,5 +85,5 @@ endfunction()
 function(add_private_network_test)
   cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME" "COMMAND")
   add_test(NAME ${arg_NAME} COMMAND ${BELUN_PRIVATE_NETWORK} ${arg_COMMAND})
-  _belun_set_test_properties(${arg_NAME} system TRUE)
+  belun_set_test_properties(${arg_NAME} system TRUE)
 endfunction()

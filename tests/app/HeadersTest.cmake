@@ -23,4 +23,4 @@ check_headers(project_options simulator/Clock.h simulator/FileDescriptor.h simul
 add_test(NAME app.Headers
   COMMAND ${CMAKE_COMMAND} "-DROOT=${PROJECT_SOURCE_DIR}" "-DCHECKED=${checked_headers}"
           -P "${CMAKE_CURRENT_SOURCE_DIR}/HeadersComplete.cmake")
-_belun_set_test_properties(app.Headers unit FALSE)
+belun_set_test_properties(app.Headers unit FALSE)

@@ -7,8 +7,8 @@
 
 namespace support {
 
-constexpr std::chrono::seconds patience{5};
-constexpr int step = 5; // milliseconds between checks of the stop flag
+constexpr std::chrono::seconds scriptPatience{5};
+constexpr int scriptStep = 5; // milliseconds between checks of the stop flag
 
 /// Thrown if a wait times out, the client closes too early or sending fails.
 struct ScriptFailed

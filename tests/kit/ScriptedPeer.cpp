@@ -36,7 +36,7 @@ void Peer::waitUntilReadable(Clock::time_point deadline, const char* waitedFor)
             throw ScriptStopped{};
         }
         pollfd state{m_descriptor, POLLIN, 0};
-        if (::poll(&state, 1, step) > 0) {
+        if (::poll(&state, 1, scriptStep) > 0) {
             return;
         }
         if (Clock::now() > deadline) {
@@ -76,7 +76,7 @@ QByteArray Peer::takePending(int count)
 
 QByteArray Peer::receiveUntil(const QByteArray& marker)
 {
-    const Clock::time_point deadline = Clock::now() + patience;
+    const Clock::time_point deadline = Clock::now() + scriptPatience;
     while (!m_pending.contains(marker)) {
         if (!receiveMore(deadline, "the marker")) {
             throw ScriptFailed{QStringLiteral("closed by the client before the marker")};
@@ -87,7 +87,7 @@ QByteArray Peer::receiveUntil(const QByteArray& marker)
 
 QByteArray Peer::receiveExactly(int count)
 {
-    const Clock::time_point deadline = Clock::now() + patience;
+    const Clock::time_point deadline = Clock::now() + scriptPatience;
     while (m_pending.size() < count) {
         if (!receiveMore(deadline, "the announced number of bytes")) {
             throw ScriptFailed{QStringLiteral("closed by the client after %1 of %2 bytes")
@@ -100,7 +100,7 @@ QByteArray Peer::receiveExactly(int count)
 
 void Peer::waitUntilClosedByClient()
 {
-    const Clock::time_point deadline = Clock::now() + patience;
+    const Clock::time_point deadline = Clock::now() + scriptPatience;
     while (receiveMore(deadline, "the client's close")) {
     }
     m_pending.clear();
@@ -116,7 +116,7 @@ void Peer::send(const QByteArray& bytes)
 
 QString Peer::trySend(const QByteArray& bytes)
 {
-    const Clock::time_point deadline = Clock::now() + patience;
+    const Clock::time_point deadline = Clock::now() + scriptPatience;
     int sent = 0;
     while (sent < bytes.size()) {
         const ssize_t count = sendNow(bytes.constData() + sent, bytes.size() - sent);
@@ -139,7 +139,7 @@ QString Peer::trySend(const QByteArray& bytes)
                 .arg(bytes.size());
         }
         pollfd state{m_descriptor, POLLOUT, 0};
-        ::poll(&state, 1, step);
+        ::poll(&state, 1, scriptStep);
     }
     return {};
 }
@@ -185,7 +185,7 @@ void Peer::waitUntilRead()
 
 void Peer::waitUntil(const std::function<bool()>& condition)
 {
-    const Clock::time_point deadline = Clock::now() + patience;
+    const Clock::time_point deadline = Clock::now() + scriptPatience;
     while (!condition()) {
         if (m_stopping) {
             throw ScriptStopped{};
@@ -215,7 +215,7 @@ void Peer::serve()
             throw ScriptStopped{};
         }
         pollfd state{m_descriptor, POLLIN, 0};
-        if (::poll(&state, 1, step) > 0 && !takeArrived()) {
+        if (::poll(&state, 1, scriptStep) > 0 && !takeArrived()) {
             return;
         }
     }

@@ -82,7 +82,7 @@ void ScriptedServer::acceptConnections()
 {
     while (m_listening) {
         pollfd state{m_listener, POLLIN, 0};
-        if (::poll(&state, 1, step) <= 0) {
+        if (::poll(&state, 1, scriptStep) <= 0) {
             continue;
         }
         joinFinished();
@@ -170,7 +170,7 @@ bool ScriptedServer::isConnectionWaiting() const
 
 int ScriptedServer::connectionCount() const
 {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto deadline = std::chrono::steady_clock::now() + scriptPatience;
     while (m_listening && std::chrono::steady_clock::now() < deadline) {
         {
             // While this thread holds the lock, every accepted connection is in the list.
