@@ -215,6 +215,10 @@ void ModuleConnection::work(TimePoint now)
         }
         return;
     }
+    // If both are due, because this program was late, the one that was due first goes first.
+    if (m_nextBeat < m_versionDue && now >= m_nextBeat) {
+        beat(now);
+    }
     if (now >= m_versionDue) {
         m_versionDue = never;
         if (!faults().active(Fault::TwoFrames)) {

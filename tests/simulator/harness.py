@@ -78,15 +78,18 @@ class Peer:
     """One connection to a device."""
 
     def __init__(self, address, timeout=LIMIT):
+        self.opened = time.monotonic()
         self.socket = socket.create_connection(address, timeout)
         self.socket.settimeout(LIMIT)
-        self.opened = time.monotonic()
 
     def send(self, data):
         self.socket.sendall(data)
 
     def segment(self, limit=65536):
-        """Returns the result of one receive; b"" at the end, "reset" after a reset."""
+        """Returns the result of one receive; b"" at the end, "reset" after a reset.
+
+        A late receive returns several segments as one. sent_pieces() has them apart.
+        """
         try:
             return self.socket.recv(limit)
         except ConnectionResetError:
@@ -245,6 +248,14 @@ class SimulatorTest(unittest.TestCase):
         self.journal_lines += [json.loads(line) for line in whole.splitlines()]
         return [line for line in self.journal_lines
                 if all(line.get(name) == value for name, value in wanted.items())]
+
+    def sent_pieces(self, device, count, connection=1):
+        """Waits until a device has sent that often on a connection. Returns what it sent, one piece
+        for each time. Needs --journal-full for a recording."""
+        lines = self.eventually(
+            lambda: (found := self.journal(device=device, connection=connection, event="sent"))
+            and len(found) >= count and found[:count], f"{count} pieces of {device}")
+        return [bytes.fromhex(line["bytes"]) for line in lines]
 
     def eventually(self, condition, what):
         """Waits until the condition returns something true, and returns that."""

@@ -62,12 +62,12 @@ class RecordingTest(SimulatorTest):
     def visit(self):
         """Returns what a client received from the modules and the camera, and how answers ended."""
         modules = []
-        for address, size in ((CONTROL, 26), (GROUND, 12)):
+        for device, address, size, count in (("control", CONTROL, 26, 4), ("ground", GROUND, 12, 2)):
             peer = self.peer(address)
-            segments = []
-            while sum(map(len, segments)) < size:
-                segments.append(peer.segment())
-            modules.append(segments)
+            received = peer.exactly(size)
+            pieces = self.sent_pieces(device, count)
+            self.assertEqual(received, b"".join(pieces))
+            modules.append(pieces)
             peer.close()
         return modules, [self.request(target).rest() for target in REQUESTS]
 

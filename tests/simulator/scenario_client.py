@@ -17,7 +17,7 @@ sys.dont_write_bytecode = True
 import harness  # noqa: E402
 
 QUIET = 0.15  # seconds without a further step
-PATIENCE = 0.4  # seconds; longer than a fault delays an answer
+PATIENCE = 1.0  # seconds; longer than a fault delays an answer
 TARGETS = (harness.COUNT, harness.LIST + b"2", harness.INFO + b"A.MP4",
            harness.RECORDING + b"A.MP4", harness.DELETE + b"NONE.MP4")
 
@@ -31,7 +31,7 @@ def talk(address, request):
             peer.settimeout(PATIENCE)
             peer.sendall(request)
             while request or len(data) < 6:
-                piece = peer.recv(65536)
+                piece = peer.recv(65536 if request else 6 - len(data))
                 if not piece:
                     break
                 data += piece

@@ -89,10 +89,13 @@ class ScenarioTest(SimulatorTest):
             self.assertIn(answer, self.ask(target))
 
     def test_steps_by_time_come_when_it_is_over(self):
-        self.follow("# the first\n\n after 3 min: fault no-reason\nafter 240 s: quit\n",
-                    "--speed", "200")
+        self.follow("after 3 min: fault no-reason\n", "--speed", "200")
         self.assertEqual("scenario: ok fault no-reason", self.step())
         self.assertEqual(BROKEN, self.ask(COUNT))
+        self.end()
+        self.follow("# the first\n\n after 3 min: rate 1k\nafter 240 s: quit\n",
+                    "--speed", "200")
+        self.assertEqual("scenario: ok rate 1k", self.step())
         self.assertEqual("scenario: ok quit", self.step())
         self.assertEqual(0, self.process.wait(harness.LIMIT))
         times = [line["time"] for line in self.journal(device="simulator")]
@@ -130,14 +133,19 @@ class ScenarioTest(SimulatorTest):
     def test_bad_day_is_the_same_each_time_with_the_same_seed(self):
         speed = max(1, 20 // int(os.environ.get("BELUN_TIME_FACTOR", "1")))
         client = os.path.join(os.path.dirname(__file__), "scenario_client.py")
-        days = [subprocess.Popen(
-            [NETWORK, "--own", sys.executable, client, harness.program, "--scenario",
-             os.path.join(ROOT, "simulator", "bad-day.scenario"), "--speed", str(speed), "--seed",
-             seed], stdout=subprocess.PIPE, text=True) for seed in ("1", "1", "2")]
-        seen = [day.communicate(timeout=600 // speed + harness.LIMIT)[0] for day in days]
-        if any(day.returncode == 77 for day in days):
-            self.skipTest("this system cannot create a network inside this one")
-        self.assertEqual([0, 0, 0], [day.returncode for day in days])
+        # If a client or a vehicle is late on a busy machine, a step may be seen differently. The
+        # test then tries again.
+        for _ in range(2):
+            days = [subprocess.Popen(
+                [NETWORK, "--own", sys.executable, client, harness.program, "--scenario",
+                 os.path.join(ROOT, "simulator", "bad-day.scenario"), "--speed", str(speed),
+                 "--seed", seed], stdout=subprocess.PIPE, text=True) for seed in ("1", "1", "2")]
+            seen = [day.communicate(timeout=600 // speed + harness.LIMIT)[0] for day in days]
+            if any(day.returncode == 77 for day in days):
+                self.skipTest("this system cannot create a network inside this one")
+            self.assertEqual([0, 0, 0], [day.returncode for day in days])
+            if seen[0] == seen[1]:
+                break
         self.assertEqual(seen[0], seen[1])
         self.assertNotEqual(seen[0], seen[2])
         self.assertEqual(21, seen[0].count("scenario: ok"))
