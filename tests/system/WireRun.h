@@ -25,6 +25,10 @@ public:
 
     /// Performs the session. A failed step fails the calling test function.
     void play();
+    /// Returns whether play() ended early, because the version report, which is sent once, arrived
+    /// together with the heartbeat before it: the program then ignores it. Only a busy machine
+    /// causes that.
+    bool reportMissed() const { return m_reportMissed; }
     /// Returns the simulator's journal and what the window showed.
     QString text() const;
 
@@ -52,4 +56,5 @@ private:
     SimulatorProcess m_simulator;
     std::optional<UserWindow> m_user;
     QStringList m_seen;
+    bool m_reportMissed = false;
 };
