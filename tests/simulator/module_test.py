@@ -61,8 +61,9 @@ class ModuleTest(SimulatorTest):
 
     def test_complaints(self):
         self.start("--heartbeat", "60000")
-        # A late test may also cause complaints that a heartbeat was not answered.
+
         def complains(expected):
+            # A late test may also cause complaints that a heartbeat was not answered.
             while (said := self.complaints.get(timeout=harness.LIMIT)) != expected:
                 self.assertIn("heartbeat not answered", said)
 

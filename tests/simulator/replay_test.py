@@ -62,7 +62,8 @@ class RecordingTest(SimulatorTest):
     def visit(self):
         """Returns what a client received from the modules and the camera, and how answers ended."""
         modules = []
-        for device, address, size, count in (("control", CONTROL, 26, 4), ("ground", GROUND, 12, 2)):
+        for device, address, size, count in (("control", CONTROL, 26, 4),
+                                             ("ground", GROUND, 12, 2)):
             peer = self.peer(address)
             received = peer.exactly(size)
             pieces = self.sent_pieces(device, count)
