@@ -18,7 +18,8 @@ check_headers(posix posix/LeadingNumber.h posix/Worker.h)
 check_headers(http http/HTTPClient.h http/HTTPRecords.h)
 check_headers(download download/resp_header.h)
 # The simulator is one program: its headers need no library.
-check_headers(project_options simulator/Clock.h simulator/FileDescriptor.h simulator/LineReader.h)
+check_headers(project_options simulator/Clock.h simulator/FileDescriptor.h simulator/LineReader.h
+  simulator/PacketBytes.h)
 
 add_test(NAME app.Headers
   COMMAND ${CMAKE_COMMAND} "-DROOT=${PROJECT_SOURCE_DIR}" "-DCHECKED=${checked_headers}"
