@@ -1,5 +1,6 @@
 """Tests what a client of the modules receives with each fault, as literal bytes."""
 
+import signal
 import time
 
 import harness
@@ -88,15 +89,21 @@ class ModuleFaultsTest(SimulatorTest):
         self.start_with("heartbeat-pause=3")
         peer = self.peer(GROUND)
         self.assertEqual(GROUND_HEARTBEAT * 2, peer.exactly(12))
-        self.assertTrue(peer.quiet_for(QUIET))
-        self.assertEqual(GROUND_HEARTBEAT * 3, peer.exactly(18))
+        self.assertEqual(GROUND_HEARTBEAT, peer.exactly(6))
+        self.assertGreater(time.monotonic() - peer.opened, 2.9)
+        self.assertEqual(GROUND_HEARTBEAT * 2, peer.exactly(12))
 
     def test_heartbeat_interval(self):
-        # With the ordinary interval, the test would not see a second heartbeat.
-        self.start("--heartbeat", "60000", "--fault", "heartbeat-interval", "--fault", "no-version")
-        peer = self.peer(CONTROL)
-        self.assertEqual(HEARTBEAT * 11, peer.exactly(66))
-        self.assertGreater(time.monotonic() - peer.opened, 1.0)
+        self.start_with("heartbeat-interval", "no-version")
+        # On a busy machine, heartbeats may come late. The test then tries a new connection.
+        for _ in range(5):
+            peer = self.peer(CONTROL)
+            self.assertEqual(HEARTBEAT * 11, peer.exactly(66))
+            elapsed = time.monotonic() - peer.opened
+            self.assertGreater(elapsed, 1.0)
+            if elapsed < 2.0:
+                return
+        self.fail(f"{elapsed} s")
 
     def test_unknown_type(self):
         self.start_with("unknown-type", "no-heartbeat", "no-version")
@@ -149,6 +156,18 @@ class ModuleFaultsTest(SimulatorTest):
                 self.assertEqual(HEARTBEAT + VERSION, control.exactly(20))
                 self.assertEqual(GROUND_HEARTBEAT, ground.exactly(6))
 
+    def test_late_module_sends_first_what_was_due_first(self):
+        self.start_with("silent")
+        peer = self.peer(CONTROL)
+        self.eventually(lambda: self.journal(event="open"), "the connection")
+        self.process.send_signal(signal.SIGSTOP)
+        self.process.stdin.write(b"clear silent\n")
+        self.process.stdin.flush()
+        time.sleep(0.5)  # until both frames are due
+        self.process.send_signal(signal.SIGCONT)
+        self.assertEqual("ok clear silent", self.answers.get(timeout=harness.LIMIT))
+        self.assertEqual(HEARTBEAT + VERSION, peer.exactly(20))
+
     def test_down(self):
         self.start_with()
         old = self.peer(CONTROL)
@@ -173,7 +192,7 @@ class ModuleFaultsTest(SimulatorTest):
             self.peer(GROUND, 0.5)
         data, end = old.rest()
         self.assertEqual(("reset", b""), (end, data.replace(GROUND_HEARTBEAT, b"")))
-        self.assertGreater(time.monotonic() - start, 1.99)
+        self.assertTrue(1.99 < time.monotonic() - start < 6.0, time.monotonic() - start)
         self.assertEqual(HEARTBEAT, self.peer(CONTROL).exactly(6))
         self.assertIn(b'count="11"', self.ask(COUNT))
         self.assertEqual(1, len(self.journal(event="control", line="clear reboot")))
@@ -184,7 +203,7 @@ class ModuleFaultsTest(SimulatorTest):
         data, end = peer.rest()
         self.assertEqual(("reset", b""), (end, data.replace(HEARTBEAT, b"")))
         self.eventually(lambda: not self.reach(), "a refusal while down")
-        self.eventually(lambda: (up := self.reach()) and up.segment() != "reset", "up again")
+        self.eventually(lambda: (up := self.reach()) and up.segment()[:6] == HEARTBEAT, "up again")
 
     def reach(self):
         try:

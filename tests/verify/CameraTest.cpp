@@ -22,7 +22,7 @@ Q_DECLARE_METATYPE(Camera::Kind)
 
 namespace {
 
-// The camera pauses for much less than the short timeout, and for much more than the long one.
+// The short one only where a timeout is tested: a busy machine may delay the camera in any test.
 constexpr std::chrono::seconds shortTimeout(2);
 constexpr std::chrono::seconds longTimeout(30);
 const QByteArray request = "GET / HTTP/1.1\r\n\r\n";
